@@ -1,0 +1,61 @@
+// Interface operations whose machinery arrives with later work. Each exists so the
+// control can forward to it, and does nothing until its subsystem is built.
+#include <cstdio>
+
+#include "editor/image_edit_wnd.h"
+
+std::string CImageEditWnd::GetColor() {
+  char text[8];
+  std::snprintf(text, sizeof text, "%02X%02X%02X", GetRValue(m_color), GetGValue(m_color), GetBValue(m_color));
+  return text;
+}
+
+std::string CImageEditWnd::SetColor(LPCSTR) { return GetColor(); }
+
+// The gray and invert settings are stored now; the rebuild that applies them comes
+// with the adjustment passes.
+void CImageEditWnd::GrayImage(bool bGraying) { m_settings.gray = bGraying; }
+void CImageEditWnd::InvertImage(bool bInverting) { m_settings.invert = bInverting; }
+void CImageEditWnd::SelectColor() {}
+void CImageEditWnd::FillWithSelectedColor() {}
+void CImageEditWnd::SetEraser(int) {}
+void CImageEditWnd::SetPen(int) {}
+void CImageEditWnd::SetBrush(int) {}
+void CImageEditWnd::SetAirBrush(int) {}
+void CImageEditWnd::SetBitmapBrush(LPCSTR) {}
+void CImageEditWnd::SetShape(int) {}
+void CImageEditWnd::EnterText() {}
+std::string CImageEditWnd::SetTextFont(LPCSTR) { return std::string(); }
+std::string CImageEditWnd::SetTextBackgroundColor(LPCSTR) { return std::string(); }
+void CImageEditWnd::SelectRectangle() {}
+void CImageEditWnd::SelectIrregular() {}
+void CImageEditWnd::SetTransparency(int, int) {}
+void CImageEditWnd::SetTexture(int) {}
+void CImageEditWnd::Undo() {}
+void CImageEditWnd::Redo() {}
+void CImageEditWnd::Clear(long) {}
+BOOL CImageEditWnd::ScaleImage(int) { return FALSE; }
+void CImageEditWnd::SetImageWidth(int) {}
+void CImageEditWnd::SetFrame(int, LPCSTR, int, int) {}
+void CImageEditWnd::RotateImage(int) {}
+void CImageEditWnd::CutImage() {}
+void CImageEditWnd::BlockImage() {}
+void CImageEditWnd::CheckImage() {}
+void CImageEditWnd::WaterDropImage() {}
+void CImageEditWnd::MosaicImage() {}
+void CImageEditWnd::InsertBalloonText(int, int, LPCSTR, int, int, int, int, LPCSTR) {}
+void CImageEditWnd::InsertIcon(int, int, LPCSTR) {}
+void CImageEditWnd::FlipImage() {}
+void CImageEditWnd::ReverseImage() {}
+void CImageEditWnd::SharpenImage(int) {}
+void CImageEditWnd::SmoothImage(int) {}
+void CImageEditWnd::EmbossImage() {}
+void CImageEditWnd::BrightenImage(int) {}
+void CImageEditWnd::ContrastImage(int) {}
+void CImageEditWnd::HueImage(int) {}
+void CImageEditWnd::SaturateImage(int) {}
+void CImageEditWnd::CorrectGamma(int, int, int) {}
+void CImageEditWnd::EqualizeHistogram() {}
+void CImageEditWnd::BlendImage(LPCSTR, int) {}
+void CImageEditWnd::WhitenImage(int) {}
+void CImageEditWnd::SetSelectionBox(int, int) {}

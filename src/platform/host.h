@@ -1,0 +1,40 @@
+// The host interface: everything that needs a person. Each host (script, web page,
+// tests) implements it; every call has a harmless default so a test host is tiny.
+#pragma once
+
+#include <string>
+
+#include "platform/types.h"
+
+namespace platform {
+
+struct MenuChoice;
+
+class Host {
+ public:
+  virtual ~Host() = default;
+
+  // A composed frame of a host window is ready (after every paint that reached it).
+  virtual void PresentFrame(HWND /*hostWindow*/) {}
+  // The cursor shown over the control: a cursor resource id, 0 for the arrow.
+  virtual void ShowCursor(int /*resourceId*/) {}
+  // A popup menu at (x, y) in host-window coordinates; returns the chosen command id,
+  // 0 when the menu is dismissed.
+  virtual UINT ShowPopupMenu(HMENU /*menu*/, int /*x*/, int /*y*/) { return 0; }
+  // A modal message box; returns the button pressed (IDOK = 1).
+  virtual int ShowMessageBox(const std::string& /*text*/, const std::string& /*caption*/, UINT /*type*/) {
+    return 1;
+  }
+  // The colour dialog: true with the chosen colour, false when cancelled.
+  virtual bool ChooseColor(COLORREF& /*color*/) { return false; }
+  // The font dialog: true with the chosen font and colour, false when cancelled.
+  virtual bool ChooseFont(LOGFONTA& /*font*/, COLORREF& /*color*/) { return false; }
+  // A modal dialog from the module's resources (the About box is dialog 1).
+  virtual void ShowDialog(int /*dialogId*/, const std::string& /*title*/) {}
+};
+
+// The host that receives these calls; a silent default host when none is set.
+void SetHost(Host* host);
+Host& CurrentHost();
+
+}  // namespace platform

@@ -1,0 +1,55 @@
+// Kernel services: user language and keyboard layout (set by the host), code-page
+// conversion, the temp folder, the last-error code, run-time module lookup and the
+// shared pseudo-random generator.
+#pragma once
+
+#include <string>
+
+#include "platform/types.h"
+
+using WCHAR = char16_t;
+using HKL = std::uintptr_t;
+
+// The platform's ANSI code page is UTF-8.
+inline constexpr UINT CP_ACP = 0;
+inline constexpr UINT CP_UTF8 = 65001;
+
+LANGID GetUserDefaultLangID();
+HKL GetKeyboardLayout(DWORD threadId);
+UINT GetACP();
+
+// Windows semantics: a source length of -1 includes the terminating zero; a
+// destination size of 0 returns the size needed; 0 on failure (last error set).
+// Code pages 0/65001 (UTF-8), 949, 936, 950 and 932 are supported.
+int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLength, WCHAR* dest, int destSize);
+int WideCharToMultiByte(UINT codePage, DWORD flags, const WCHAR* src, int srcLength, char* dest, int destSize,
+                        const char* defaultChar, BOOL* usedDefault);
+
+DWORD GetLastError();
+void SetLastError(DWORD code);
+void Sleep(DWORD milliseconds);
+
+// Modules the engine looks up at run time ("MSIMG32.DLL" with "TransparentBlt").
+HMODULE LoadLibraryA(LPCSTR name);
+FARPROC GetProcAddress(HMODULE module, LPCSTR name);
+BOOL FreeLibrary(HMODULE module);
+
+namespace platform {
+
+// Host settings, read by the engine through the calls above.
+void SetUserDefaultLangID(LANGID language);
+void SetKeyboardLayout(HKL layout);
+// Makes a run-time module unavailable to LoadLibraryA (tests of fallback paths).
+void SetModuleAvailable(const std::string& name, bool available);
+int LiveModules();
+
+// The folder that stands in for the Windows directory's Temp folder: TMPDIR, else
+// /tmp, always ending in '/'.
+std::string TempFolder();
+
+// The C library's rand as every host shares it: state starts at 1,
+// state = state * 214013 + 2531011, result (state >> 16) & 0x7FFF.
+int Rand();
+void SeedRand(unsigned seed);
+
+}  // namespace platform

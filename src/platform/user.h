@@ -1,0 +1,312 @@
+// USER over the software raster: a window tree with client rectangles, message
+// delivery to CWnd-derived objects, painting into the host's frame, timers on a
+// host-driven clock, mouse capture, cursor clipping, key state, cursors, popup menus,
+// scroll-bar geometry and message boxes. Anything that needs a person is answered
+// through the host interface (platform/host.h).
+#pragma once
+
+#include <string>
+
+#include "platform/types.h"
+
+// ---- messages ----
+inline constexpr UINT WM_CREATE = 0x0001;
+inline constexpr UINT WM_DESTROY = 0x0002;
+inline constexpr UINT WM_SIZE = 0x0005;
+inline constexpr UINT WM_SETFOCUS = 0x0007;
+inline constexpr UINT WM_KILLFOCUS = 0x0008;
+inline constexpr UINT WM_PAINT = 0x000F;
+inline constexpr UINT WM_CLOSE = 0x0010;
+inline constexpr UINT WM_ERASEBKGND = 0x0014;
+inline constexpr UINT WM_SHOWWINDOW = 0x0018;
+inline constexpr UINT WM_SETCURSOR = 0x0020;
+inline constexpr UINT WM_MOUSEACTIVATE = 0x0021;
+inline constexpr UINT WM_NCDESTROY = 0x0082;
+inline constexpr UINT WM_KEYDOWN = 0x0100;
+inline constexpr UINT WM_KEYUP = 0x0101;
+inline constexpr UINT WM_CHAR = 0x0102;
+inline constexpr UINT WM_COMMAND = 0x0111;
+inline constexpr UINT WM_TIMER = 0x0113;
+inline constexpr UINT WM_HSCROLL = 0x0114;
+inline constexpr UINT WM_VSCROLL = 0x0115;
+inline constexpr UINT WM_INITMENUPOPUP = 0x0117;
+inline constexpr UINT WM_MOUSEMOVE = 0x0200;
+inline constexpr UINT WM_LBUTTONDOWN = 0x0201;
+inline constexpr UINT WM_LBUTTONUP = 0x0202;
+inline constexpr UINT WM_LBUTTONDBLCLK = 0x0203;
+inline constexpr UINT WM_RBUTTONDOWN = 0x0204;
+inline constexpr UINT WM_RBUTTONUP = 0x0205;
+inline constexpr UINT WM_USER = 0x0400;
+
+// mouse-message key flags
+inline constexpr UINT MK_LBUTTON = 0x0001;
+inline constexpr UINT MK_RBUTTON = 0x0002;
+inline constexpr UINT MK_SHIFT = 0x0004;
+inline constexpr UINT MK_CONTROL = 0x0008;
+
+// virtual keys
+inline constexpr int VK_BACK = 0x08;
+inline constexpr int VK_TAB = 0x09;
+inline constexpr int VK_RETURN = 0x0D;
+inline constexpr int VK_SHIFT = 0x10;
+inline constexpr int VK_CONTROL = 0x11;
+inline constexpr int VK_ESCAPE = 0x1B;
+inline constexpr int VK_PRIOR = 0x21;
+inline constexpr int VK_NEXT = 0x22;
+inline constexpr int VK_END = 0x23;
+inline constexpr int VK_HOME = 0x24;
+inline constexpr int VK_LEFT = 0x25;
+inline constexpr int VK_UP = 0x26;
+inline constexpr int VK_RIGHT = 0x27;
+inline constexpr int VK_DOWN = 0x28;
+inline constexpr int VK_DELETE = 0x2E;
+inline constexpr int VK_LBUTTON = 0x01;
+inline constexpr int VK_RBUTTON = 0x02;
+
+// window styles
+inline constexpr DWORD WS_CHILD = 0x40000000;
+inline constexpr DWORD WS_VISIBLE = 0x10000000;
+inline constexpr DWORD WS_THICKFRAME = 0x00040000;
+inline constexpr DWORD WS_HSCROLL = 0x00100000;
+inline constexpr DWORD WS_VSCROLL = 0x00200000;
+inline constexpr DWORD ES_MULTILINE = 0x0004;
+
+inline constexpr UINT CS_VREDRAW = 0x0001;
+inline constexpr UINT CS_HREDRAW = 0x0002;
+inline constexpr UINT CS_DBLCLKS = 0x0008;
+
+inline constexpr int SW_HIDE = 0;
+inline constexpr int SW_SHOWNORMAL = 1;
+inline constexpr int SW_SHOW = 5;
+
+inline constexpr UINT RDW_INVALIDATE = 0x0001;
+inline constexpr UINT RDW_ERASE = 0x0004;
+inline constexpr UINT RDW_UPDATENOW = 0x0100;
+
+inline constexpr UINT SIZE_RESTORED = 0;
+
+inline constexpr int MA_ACTIVATE = 1;
+
+// scroll bars
+inline constexpr int SB_HORZ = 0;
+inline constexpr int SB_VERT = 1;
+inline constexpr int SB_BOTH = 3;
+inline constexpr UINT SB_LINEUP = 0;
+inline constexpr UINT SB_LINEDOWN = 1;
+inline constexpr UINT SB_PAGEUP = 2;
+inline constexpr UINT SB_PAGEDOWN = 3;
+inline constexpr UINT SB_THUMBPOSITION = 4;
+inline constexpr UINT SB_THUMBTRACK = 5;
+inline constexpr UINT SB_TOP = 6;
+inline constexpr UINT SB_BOTTOM = 7;
+inline constexpr UINT SB_ENDSCROLL = 8;
+inline constexpr UINT SIF_RANGE = 0x0001;
+inline constexpr UINT SIF_PAGE = 0x0002;
+inline constexpr UINT SIF_POS = 0x0004;
+inline constexpr UINT SIF_TRACKPOS = 0x0010;
+inline constexpr UINT SIF_ALL = 0x0017;
+inline constexpr int SCROLLBAR_THICKNESS = 17;
+
+struct SCROLLINFO {
+  UINT cbSize;
+  UINT fMask;
+  int nMin;
+  int nMax;
+  UINT nPage;
+  int nPos;
+  int nTrackPos;
+};
+
+// message boxes
+inline constexpr UINT MB_OK = 0x0000;
+inline constexpr UINT MB_ICONHAND = 0x0010;
+inline constexpr UINT MB_ICONERROR = MB_ICONHAND;
+inline constexpr UINT MB_ICONEXCLAMATION = 0x0030;
+inline constexpr int IDOK = 1;
+inline constexpr int IDCANCEL = 2;
+
+// menus
+inline constexpr UINT MF_STRING = 0x0000;
+inline constexpr UINT MF_GRAYED = 0x0001;
+inline constexpr UINT MF_DISABLED = 0x0002;
+inline constexpr UINT MF_CHECKED = 0x0008;
+inline constexpr UINT MF_POPUP = 0x0010;
+inline constexpr UINT MF_SEPARATOR = 0x0800;
+inline constexpr UINT MF_BYCOMMAND = 0x0000;
+inline constexpr UINT MF_BYPOSITION = 0x0400;
+inline constexpr UINT MIIM_STATE = 0x0001;
+inline constexpr UINT MIIM_ID = 0x0002;
+inline constexpr UINT MIIM_SUBMENU = 0x0004;
+inline constexpr UINT MIIM_TYPE = 0x0010;
+inline constexpr UINT MFT_STRING = 0x0000;
+inline constexpr UINT MFT_SEPARATOR = 0x0800;
+inline constexpr UINT MFS_GRAYED = 0x0003;
+inline constexpr UINT MFS_CHECKED = 0x0008;
+inline constexpr UINT TPM_LEFTALIGN = 0x0000;
+inline constexpr UINT TPM_RIGHTBUTTON = 0x0002;
+inline constexpr UINT TPM_RETURNCMD = 0x0100;
+
+struct MENUITEMINFOA {
+  UINT cbSize;
+  UINT fMask;
+  UINT fType;
+  UINT fState;
+  UINT wID;
+  HMENU hSubMenu;
+  HBITMAP hbmpChecked;
+  HBITMAP hbmpUnchecked;
+  std::uintptr_t dwItemData;
+  LPSTR dwTypeData;
+  UINT cch;
+};
+
+struct MSG {
+  HWND hwnd;
+  UINT message;
+  WPARAM wParam;
+  LPARAM lParam;
+  DWORD time;
+  POINT pt;
+};
+
+struct PAINTSTRUCT {
+  HDC hdc;
+  BOOL fErase;
+  RECT rcPaint;
+};
+
+struct CREATESTRUCTA {
+  LPVOID lpCreateParams;
+  HINSTANCE hInstance;
+  HMENU hMenu;
+  HWND hwndParent;
+  int cy;
+  int cx;
+  int y;
+  int x;
+  LONG style;
+  LPCSTR lpszName;
+  LPCSTR lpszClass;
+  DWORD dwExStyle;
+};
+using LPCREATESTRUCTA = CREATESTRUCTA*;
+
+using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
+struct WNDCLASSA {
+  UINT style;
+  WNDPROC lpfnWndProc;
+  int cbClsExtra;
+  int cbWndExtra;
+  HINSTANCE hInstance;
+  void* hIcon;
+  HCURSOR hCursor;
+  HBRUSH hbrBackground;
+  LPCSTR lpszMenuName;
+  LPCSTR lpszClassName;
+};
+
+inline constexpr LPCSTR IDC_ARROW = reinterpret_cast<LPCSTR>(32512);
+inline constexpr LPCSTR IDC_WAIT = reinterpret_cast<LPCSTR>(32514);
+inline LPCSTR MAKEINTRESOURCEA(int id) { return reinterpret_cast<LPCSTR>(static_cast<std::uintptr_t>(id & 0xFFFF)); }
+
+// ---- windows ----
+class CWnd;
+BOOL IsWindow(HWND hwnd);
+BOOL IsWindowVisible(HWND hwnd);
+BOOL ShowWindow(HWND hwnd, int command);
+BOOL DestroyWindow(HWND hwnd);
+HWND GetParent(HWND hwnd);
+CWnd* WindowObject(HWND hwnd);
+BOOL GetClientRect(HWND hwnd, RECT* rect);
+BOOL GetWindowRect(HWND hwnd, RECT* rect);  // in the root window's coordinates
+BOOL MoveWindow(HWND hwnd, int x, int y, int width, int height, BOOL repaint);
+LRESULT SendMessageA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT DefWindowProcA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+HWND SetFocus(HWND hwnd);
+HWND GetFocus();
+BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, WNDCLASSA* out);
+BOOL RegisterClassA(const WNDCLASSA* windowClass);
+
+// ---- painting ----
+HDC GetDC(HWND hwnd);  // null hwnd: the screen DC
+int ReleaseDC(HWND hwnd, HDC hdc);
+HDC BeginPaint(HWND hwnd, PAINTSTRUCT* paint);
+BOOL EndPaint(HWND hwnd, const PAINTSTRUCT* paint);
+BOOL InvalidateRect(HWND hwnd, const RECT* rect, BOOL erase);
+BOOL UpdateWindow(HWND hwnd);
+BOOL RedrawWindow(HWND hwnd, const RECT* rect, HRGN region, UINT flags);
+
+// ---- timers (virtual clock advanced by the host) ----
+UINT_PTR SetTimer(HWND hwnd, UINT_PTR id, UINT milliseconds, void* callback);
+BOOL KillTimer(HWND hwnd, UINT_PTR id);
+
+// ---- mouse, cursor, keyboard ----
+HWND SetCapture(HWND hwnd);
+BOOL ReleaseCapture();
+HWND GetCapture();
+BOOL ClipCursor(const RECT* rect);  // screen (root) coordinates; null frees the cursor
+BOOL GetClipCursor(RECT* rect);
+BOOL GetCursorPos(POINT* point);
+BOOL ClientToScreen(HWND hwnd, POINT* point);
+BOOL ScreenToClient(HWND hwnd, POINT* point);
+short GetKeyState(int virtualKey);
+HCURSOR LoadCursorA(HINSTANCE instance, LPCSTR name);
+HCURSOR SetCursor(HCURSOR cursor);
+BOOL DestroyCursor(HCURSOR cursor);
+
+// ---- scroll bars (geometry; shown bars take client area) ----
+BOOL ShowScrollBar(HWND hwnd, int bar, BOOL show);
+int SetScrollInfo(HWND hwnd, int bar, const SCROLLINFO* info, BOOL redraw);
+BOOL GetScrollInfo(HWND hwnd, int bar, SCROLLINFO* info);
+int SetScrollPos(HWND hwnd, int bar, int pos, BOOL redraw);
+int GetScrollPos(HWND hwnd, int bar);
+
+// ---- menus ----
+HMENU CreatePopupMenu();
+BOOL DestroyMenu(HMENU menu);
+BOOL InsertMenuItemA(HMENU menu, UINT item, BOOL byPosition, const MENUITEMINFOA* info);
+BOOL AppendMenuA(HMENU menu, UINT flags, UINT_PTR id, LPCSTR text);
+UINT EnableMenuItem(HMENU menu, UINT item, UINT enable);
+DWORD CheckMenuItem(HMENU menu, UINT item, UINT check);
+int GetMenuItemCount(HMENU menu);
+BOOL TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int reserved, HWND owner, const RECT* rect);
+
+// ---- message boxes ----
+int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
+
+// The module's instance handle, for class registration and resources.
+HINSTANCE AfxGetInstanceHandle();
+
+namespace platform {
+
+// A top-level host window of the given client size: the root of a window tree whose
+// frame the host presents. Destroyed with DestroyWindow.
+HWND CreateHostWindow(int width, int height);
+
+// Host input, in the host window's client coordinates. Mouse messages go to the
+// capture window or to the visible child under the point, in its client coordinates;
+// the point is first confined to the cursor clip rectangle.
+void MouseInput(HWND host, UINT message, int x, int y);
+// Key down or up with the virtual key; goes through the focus window's pre-translate
+// chain (CWnd::PreTranslateMessage from the focus up to the root) before delivery.
+void KeyInput(HWND host, UINT message, int virtualKey, bool repeat = false);
+void CharInput(HWND host, unsigned int codePoint);
+// Sets what GetKeyState reports for a key (down or up).
+void SetKeyDown(int virtualKey, bool down);
+
+// Virtual clock: advance by `milliseconds`, firing due timers in time order.
+void AdvanceClock(unsigned milliseconds);
+unsigned long long ClockNow();
+
+// The host window's composed frame.
+HBITMAP HostFrame(HWND host);
+
+struct WindowCounts {
+  int windows = 0;
+  int menus = 0;
+  int cursors = 0;
+  int timers = 0;
+};
+WindowCounts LiveWindowObjects();
+
+}  // namespace platform

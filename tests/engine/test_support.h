@@ -1,0 +1,98 @@
+// Shared pieces of the engine tests: a host that records what a person would see,
+// and an editor window created inside a host window the way the control creates it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "editor/image_edit_wnd.h"
+#include "platform/platform.h"
+
+class RecordingHost : public platform::Host {
+ public:
+  struct Message {
+    std::string text;
+    std::string caption;
+    UINT type;
+  };
+  std::vector<Message> messages;
+  int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override {
+    messages.push_back({text, caption, type});
+    return IDOK;
+  }
+};
+
+// Installs a recording host for the test's lifetime and restores the platform's
+// process-wide settings afterwards.
+class HostedTest : public ::testing::Test {
+ protected:
+  void SetUp() override { platform::SetHost(&host_); }
+  void TearDown() override {
+    platform::SetHost(nullptr);
+    platform::SetUserDefaultLangID(0x0409);
+    platform::SetModuleAvailable("MSIMG32.DLL", true);
+  }
+  RecordingHost host_;
+};
+
+// An editor whose window exists and has had its first sizing, as after the control
+// has been activated.
+struct LiveEditor {
+  HWND hostWindow = nullptr;
+  std::unique_ptr<CImageEditWnd> editor = std::make_unique<CImageEditWnd>();
+
+  LiveEditor(int width, int height) {
+    hostWindow = platform::CreateHostWindow(width, height);
+    const RECT rect{0, 0, width, height};
+    editor->CreateInParent(nullptr, "Image Edit", 0x40000120, rect, hostWindow, 1);
+    editor->m_windowCreated = IsWindow(editor->m_hWnd) == TRUE;
+    editor->ShowWindow(SW_SHOWNORMAL);
+  }
+  ~LiveEditor() {
+    editor.reset();
+    DestroyWindow(hostWindow);
+  }
+  CImageEditWnd* operator->() { return editor.get(); }
+};
+
+// A colour bitmap filled from a list of COLORREFs, row by row, top row first.
+inline HBITMAP MakeBitmap(HDC compatible, int width, int height, const std::vector<COLORREF>& pixels) {
+  HBITMAP bitmap = CreateCompatibleBitmap(compatible, width, height);
+  HDC dc = CreateCompatibleDC(compatible);
+  HGDIOBJ previous = SelectObject(dc, bitmap);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) SetPixel(dc, x, y, pixels[static_cast<size_t>(y * width + x)]);
+  }
+  SelectObject(dc, previous);
+  DeleteDC(dc);
+  return bitmap;
+}
+
+// Every pixel of a bitmap, row by row, top row first.
+inline std::vector<COLORREF> BitmapColors(HBITMAP bitmap) {
+  BITMAP info{};
+  GetObjectA(bitmap, sizeof info, &info);
+  HDC screen = GetDC(nullptr);
+  HDC dc = CreateCompatibleDC(screen);
+  HGDIOBJ previous = SelectObject(dc, bitmap);
+  std::vector<COLORREF> colors;
+  for (int y = 0; y < info.bmHeight; ++y) {
+    for (int x = 0; x < info.bmWidth; ++x) colors.push_back(GetPixel(dc, x, y));
+  }
+  SelectObject(dc, previous);
+  DeleteDC(dc);
+  ReleaseDC(nullptr, screen);
+  return colors;
+}
+
+// Every pixel of the bitmap selected into a DC.
+inline std::vector<COLORREF> SurfaceColors(HDC dc, int width, int height) {
+  std::vector<COLORREF> colors;
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) colors.push_back(GetPixel(dc, x, y));
+  }
+  return colors;
+}
