@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "control/variant.h"
 #include "editor/image_edit_wnd.h"

@@ -1,0 +1,274 @@
+#include "control/image_edit_ctrl.h"
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr char kControlClassName[] = "OstrelImageEditCtrl";
+constexpr char kEditorTitle[] = "Image Edit";
+// WS_CHILD plus the class-specific bits 0x0120; shown only once it exists.
+constexpr DWORD kEditorStyle = 0x40000120;
+constexpr UINT kEditorChildId = 1;
+constexpr UINT kControlClassStyle = CS_VREDRAW | CS_HREDRAW | CS_DBLCLKS;
+constexpr int kAboutDialogId = 1;
+constexpr char kAboutDialogTitle[] = "About Image Edit Control";
+
+// Keys the editor handles itself; the host must never see them while the control has
+// the focus (Tab would move the focus out, the arrows would scroll the host page).
+bool IsEditorKey(WPARAM virtualKey) {
+  switch (virtualKey) {
+    case VK_TAB:
+    case VK_ESCAPE:
+    case VK_PRIOR:
+    case VK_NEXT:
+    case VK_END:
+    case VK_HOME:
+    case VK_LEFT:
+    case VK_UP:
+    case VK_RIGHT:
+    case VK_DOWN:
+    case VK_DELETE:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+// The editor reaches back to the control to fire its events.
+CImageEditCtrl::CImageEditCtrl() { m_editor.m_control = this; }
+
+// The editor member is destroyed before the window base, so the editor window goes
+// first, then the control's own.
+CImageEditCtrl::~CImageEditCtrl() = default;
+
+BOOL CImageEditCtrl::CreateControl(HWND parent, int width, int height) {
+  createWidth_ = width;
+  createHeight_ = height;
+  const RECT rect{0, 0, width, height};
+  if (!CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, rect, parent, 0)) return FALSE;
+  OnActivateInPlace();
+  return TRUE;
+}
+
+// ---- dispatch methods: each forwards to the editor operation of the same name ----
+
+void CImageEditCtrl::SetImage(LPCSTR lpszFilePath) { Forward(&CImageEditWnd::SetImage, lpszFilePath); }
+void CImageEditCtrl::SaveEditedBitmap(LPCSTR lpszFilePath) {
+  Forward(&CImageEditWnd::SaveEditedBitmap, lpszFilePath);
+}
+Variant CImageEditCtrl::SetColor(LPCSTR lpszColor) { return ForwardString(&CImageEditWnd::SetColor, lpszColor); }
+Variant CImageEditCtrl::GetColor() { return ForwardString(&CImageEditWnd::GetColor); }
+void CImageEditCtrl::SelectColor() { Forward(&CImageEditWnd::SelectColor); }
+void CImageEditCtrl::FillWithSelectedColor() { Forward(&CImageEditWnd::FillWithSelectedColor); }
+void CImageEditCtrl::SetEraser(int nEraserSize) { Forward(&CImageEditWnd::SetEraser, nEraserSize); }
+void CImageEditCtrl::SetPen(int nPenSize) { Forward(&CImageEditWnd::SetPen, nPenSize); }
+void CImageEditCtrl::SetBrush(int nBrushSize) { Forward(&CImageEditWnd::SetBrush, nBrushSize); }
+void CImageEditCtrl::SetAirBrush(int nAirBrushSize) { Forward(&CImageEditWnd::SetAirBrush, nAirBrushSize); }
+void CImageEditCtrl::SetBitmapBrush(LPCSTR lpszFilePath) { Forward(&CImageEditWnd::SetBitmapBrush, lpszFilePath); }
+void CImageEditCtrl::SetShape(int nShapeStyle) { Forward(&CImageEditWnd::SetShape, nShapeStyle); }
+void CImageEditCtrl::EnterText() { Forward(&CImageEditWnd::EnterText); }
+Variant CImageEditCtrl::SetTextFont(LPCSTR lpszFont) { return ForwardString(&CImageEditWnd::SetTextFont, lpszFont); }
+Variant CImageEditCtrl::SetTextBackgroundColor(LPCSTR lpszColor) {
+  return ForwardString(&CImageEditWnd::SetTextBackgroundColor, lpszColor);
+}
+void CImageEditCtrl::SelectRectangle() { Forward(&CImageEditWnd::SelectRectangle); }
+void CImageEditCtrl::SelectIrregular() { Forward(&CImageEditWnd::SelectIrregular); }
+void CImageEditCtrl::SetTransparency(int nTransparentColor, int nTransparency) {
+  Forward(&CImageEditWnd::SetTransparency, nTransparentColor, nTransparency);
+}
+void CImageEditCtrl::SetTexture(int nTexture) { Forward(&CImageEditWnd::SetTexture, nTexture); }
+void CImageEditCtrl::Undo() { Forward(&CImageEditWnd::Undo); }
+void CImageEditCtrl::Redo() { Forward(&CImageEditWnd::Redo); }
+// Every non-zero value means the same to Clear, so the argument passes unchanged.
+void CImageEditCtrl::Clear(long bImage) { Forward(&CImageEditWnd::Clear, bImage); }
+BOOL CImageEditCtrl::ScaleImage(int nScaleFactor) { return Forward(&CImageEditWnd::ScaleImage, nScaleFactor); }
+void CImageEditCtrl::SetSaveEditedBitmapSize(int nWidth, int nHeight) {
+  Forward(&CImageEditWnd::SetSaveEditedBitmapSize, nWidth, nHeight);
+}
+void CImageEditCtrl::SetImageWidth(int nImageWidth) { Forward(&CImageEditWnd::SetImageWidth, nImageWidth); }
+void CImageEditCtrl::SetFrame(int nOrientation, LPCSTR lpszFilePath, int nOffset, int nTransparentColor) {
+  Forward(&CImageEditWnd::SetFrame, nOrientation, lpszFilePath, nOffset, nTransparentColor);
+}
+void CImageEditCtrl::RotateImage(int nDegree) { Forward(&CImageEditWnd::RotateImage, nDegree); }
+void CImageEditCtrl::CutImage() { Forward(&CImageEditWnd::CutImage); }
+// Only 1 turns gray display on; every other value turns it off.
+void CImageEditCtrl::GrayImage(long bGraying) { Forward(&CImageEditWnd::GrayImage, bGraying == 1); }
+void CImageEditCtrl::BlockImage() { Forward(&CImageEditWnd::BlockImage); }
+void CImageEditCtrl::CheckImage() { Forward(&CImageEditWnd::CheckImage); }
+void CImageEditCtrl::WaterDropImage() { Forward(&CImageEditWnd::WaterDropImage); }
+// The heart effect is the water-drop effect: both only commit a history level.
+void CImageEditCtrl::HeartImage() { Forward(&CImageEditWnd::WaterDropImage); }
+void CImageEditCtrl::MosaicImage() { Forward(&CImageEditWnd::MosaicImage); }
+void CImageEditCtrl::InsertBalloonText(int nStartX, int nStartY, LPCSTR lpszFilePath, int nTextStartX,
+                                       int nTextStartY, int nTextEndX, int nTextEndY, LPCSTR lpszText) {
+  Forward(&CImageEditWnd::InsertBalloonText, nStartX, nStartY, lpszFilePath, nTextStartX, nTextStartY, nTextEndX,
+          nTextEndY, lpszText);
+}
+void CImageEditCtrl::InsertIcon(int nStartX, int nStartY, LPCSTR lpszFilePath) {
+  Forward(&CImageEditWnd::InsertIcon, nStartX, nStartY, lpszFilePath);
+}
+void CImageEditCtrl::FlipImage() { Forward(&CImageEditWnd::FlipImage); }
+void CImageEditCtrl::ReverseImage() { Forward(&CImageEditWnd::ReverseImage); }
+void CImageEditCtrl::SharpenImage(int nStep) { Forward(&CImageEditWnd::SharpenImage, nStep); }
+void CImageEditCtrl::SmoothImage(int nStep) { Forward(&CImageEditWnd::SmoothImage, nStep); }
+void CImageEditCtrl::EmbossImage() { Forward(&CImageEditWnd::EmbossImage); }
+void CImageEditCtrl::BrightenImage(int nBrightness) { Forward(&CImageEditWnd::BrightenImage, nBrightness); }
+void CImageEditCtrl::ContrastImage(int nContrast) { Forward(&CImageEditWnd::ContrastImage, nContrast); }
+void CImageEditCtrl::HueImage(int nHue) { Forward(&CImageEditWnd::HueImage, nHue); }
+void CImageEditCtrl::SaturateImage(int nSaturation) { Forward(&CImageEditWnd::SaturateImage, nSaturation); }
+void CImageEditCtrl::CorrectGamma(int nRedGamma, int nGreenGamma, int nBlueGamma) {
+  Forward(&CImageEditWnd::CorrectGamma, nRedGamma, nGreenGamma, nBlueGamma);
+}
+void CImageEditCtrl::EqualizeHistogram() { Forward(&CImageEditWnd::EqualizeHistogram); }
+// Only 1 turns inversion on; every other value turns it off.
+void CImageEditCtrl::InvertImage(long bInverting) { Forward(&CImageEditWnd::InvertImage, bInverting == 1); }
+void CImageEditCtrl::BlendImage(LPCSTR lpszFilePath, int nAlpha) {
+  Forward(&CImageEditWnd::BlendImage, lpszFilePath, nAlpha);
+}
+void CImageEditCtrl::WhitenImage(int nStep) { Forward(&CImageEditWnd::WhitenImage, nStep); }
+
+// Only the tool mode changes: pending text stays in its box and nothing is redrawn.
+void CImageEditCtrl::SetNothing() {
+  if (m_editor.m_windowCreated) m_editor.m_toolMode = 0;
+}
+
+void CImageEditCtrl::SetSelectionBox(int nWidth, int nHeight) {
+  Forward(&CImageEditWnd::SetSelectionBox, nWidth, nHeight);
+}
+void CImageEditCtrl::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
+  Forward(&CImageEditWnd::SaveSelectionBoxBitmap, lpcFilePath);
+}
+void CImageEditCtrl::EnableShortcutMenu(long bShortcutMenu) {
+  Forward(&CImageEditWnd::EnableShortcutMenu, bShortcutMenu);
+}
+void CImageEditCtrl::EnableVerbose(long bVerbose) { Forward(&CImageEditWnd::EnableVerbose, bVerbose); }
+
+// The About box needs no editor: it works in every state, modal, with no parent.
+void CImageEditCtrl::AboutBox() { platform::CurrentHost().ShowDialog(kAboutDialogId, kAboutDialogTitle); }
+
+// ---- events ----
+
+DWORD CImageEditCtrl::Advise(IEventSink* sink) {
+  if (sink == nullptr) return 0;
+  const DWORD cookie = nextCookie_++;
+  sinks_.emplace(cookie, sink);
+  return cookie;
+}
+
+BOOL CImageEditCtrl::Unadvise(DWORD cookie) { return sinks_.erase(cookie) == 1 ? TRUE : FALSE; }
+
+void CImageEditCtrl::FireColorSelected(const std::string& color) {
+  const std::vector<Variant> args{Variant::String(color)};
+  // Work from a copy so that a sink may disconnect during the call; a sink that was
+  // disconnected by an earlier one is skipped.
+  const std::map<DWORD, IEventSink*> connected = sinks_;
+  for (const auto& [cookie, sink] : connected) {
+    if (sinks_.contains(cookie)) sink->Invoke(DISPID_COLORSELECTED, args);
+  }
+}
+
+// ---- safety ----
+
+HRESULT CImageEditCtrl::QueryInterface(InterfaceId iid) {
+  switch (iid) {
+    case InterfaceId::IUnknown:
+    case InterfaceId::IDispatch:
+    case InterfaceId::DImageEditCtrl:
+    case InterfaceId::IObjectSafety:
+    case InterfaceId::IConnectionPointContainer:
+    case InterfaceId::IOleControl:
+    case InterfaceId::IOleObject:
+    case InterfaceId::IPersistPropertyBag:
+      return S_OK;
+    case InterfaceId::IStorage:
+    case InterfaceId::IClassFactory:
+      break;
+  }
+  return E_NOINTERFACE;
+}
+
+// Safe for untrusted callers and data on every interface the control has; the answer
+// for an interface it lacks still fills both values, but reports E_NOINTERFACE.
+HRESULT CImageEditCtrl::GetInterfaceSafetyOptions(InterfaceId iid, DWORD* supported, DWORD* enabled) {
+  if (supported == nullptr || enabled == nullptr) return E_POINTER;
+  const HRESULT hr = QueryInterface(iid);
+  *supported = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
+  *enabled = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
+  return hr;
+}
+
+// A host may ask for the two safety options the control has; asking for any other
+// option, or naming an option in the mask without enabling it, fails.
+HRESULT CImageEditCtrl::SetInterfaceSafetyOptions(InterfaceId iid, DWORD mask, DWORD enabled) {
+  if (FAILED(QueryInterface(iid))) return E_NOINTERFACE;
+  constexpr DWORD kKnownOptions = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
+  const bool onlyKnownOptions = (mask & ~kKnownOptions) == 0;
+  const bool allEnabled = (mask & enabled) == mask;
+  return onlyKnownOptions && allEnabled ? S_OK : E_FAIL;
+}
+
+// ---- window ----
+
+BOOL CImageEditCtrl::PreCreateWindow(CREATESTRUCTA& cs) {
+  WNDCLASSA windowClass{};
+  if (!GetClassInfoA(AfxGetInstanceHandle(), kControlClassName, &windowClass)) {
+    windowClass = WNDCLASSA{};
+    windowClass.style = kControlClassStyle;
+    windowClass.lpfnWndProc = DefWindowProcA;
+    windowClass.hInstance = AfxGetInstanceHandle();
+    windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = nullptr;
+    windowClass.lpszClassName = kControlClassName;
+    AfxRegisterClass(&windowClass);
+  }
+  cs.lpszClass = kControlClassName;
+  return CWnd::PreCreateWindow(cs);
+}
+
+BOOL CImageEditCtrl::PreTranslateMessage(MSG* msg) {
+  const bool keyMessage = msg->message == WM_KEYDOWN || msg->message == WM_KEYUP;
+  if (m_editor.m_windowCreated && keyMessage && IsEditorKey(msg->wParam)) {
+    if (IsWindow(m_editor.m_hWnd)) SendMessageA(m_editor.m_hWnd, msg->message, msg->wParam, msg->lParam);
+    return TRUE;
+  }
+  return CWnd::PreTranslateMessage(msg);
+}
+
+int CImageEditCtrl::OnCreate(LPCREATESTRUCTA cs) {
+  if (CWnd::OnCreate(cs) == -1) return -1;
+  const RECT rect{0, 0, createWidth_, createHeight_};
+  m_editor.Create(nullptr, kEditorTitle, kEditorStyle, rect, this, kEditorChildId);
+  // A failed creation leaves every method inert; the control window itself lives on.
+  m_editor.m_windowCreated = IsWindow(m_editor.m_hWnd) == TRUE;
+  if (m_editor.m_windowCreated) m_editor.ShowWindow(SW_SHOWNORMAL);
+  return 0;
+}
+
+int CImageEditCtrl::OnMouseActivate(HWND topParent, UINT hitTest, UINT message) {
+  if (!uiActive_) OnActivateInPlace();
+  return CWnd::OnMouseActivate(topParent, hitTest, message);
+}
+
+void CImageEditCtrl::OnPaint() {
+  PAINTSTRUCT paint{};
+  HDC hdc = BeginPaint(m_hWnd, &paint);
+  RECT bounds{};
+  GetClientRect(&bounds);
+  OnDraw(hdc, bounds);
+  EndPaint(m_hWnd, &paint);
+}
+
+void CImageEditCtrl::OnDraw(HDC hdc, const RECT& bounds) {
+  FillRect(hdc, &bounds, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  if (m_editor.m_windowCreated) InvalidateRect(m_editor.m_hWnd, nullptr, TRUE);
+}
+
+// In-place activation with the user interface: the control takes the focus, so its
+// key routing sees the keyboard.
+void CImageEditCtrl::OnActivateInPlace() {
+  uiActive_ = true;
+  SetFocus();
+}
