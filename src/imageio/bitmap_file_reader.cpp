@@ -1,0 +1,190 @@
+#include "imageio/bitmap_file_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include "imageio/pixel_limits.h"
+
+namespace imageio {
+namespace {
+
+constexpr std::size_t kFileHeaderSize = 14;
+constexpr std::uint32_t kCoreHeaderSize = 12;
+constexpr std::uint32_t kInfoHeaderSize = 40;
+constexpr std::uint32_t kRgb = 0;
+constexpr std::uint32_t kBitfields = 3;
+
+std::uint32_t Read16(const std::uint8_t* p) { return p[0] | (p[1] << 8); }
+std::uint32_t Read32(const std::uint8_t* p) {
+  return static_cast<std::uint32_t>(p[0]) | (static_cast<std::uint32_t>(p[1]) << 8) |
+         (static_cast<std::uint32_t>(p[2]) << 16) | (static_cast<std::uint32_t>(p[3]) << 24);
+}
+
+struct Bgr {
+  std::uint8_t blue = 0, green = 0, red = 0;
+};
+
+// One colour channel of a BI_BITFIELDS pixel: where it sits and how wide it is.
+struct Channel {
+  std::uint32_t mask = 0;
+  int shift = 0;
+  int bits = 0;
+
+  explicit Channel(std::uint32_t m) : mask(m) {
+    if (mask == 0) return;
+    shift = std::countr_zero(mask);
+    bits = std::bit_width(mask >> shift);
+  }
+  // Scales the channel's value to 0..255; the top 8 bits of wider channels.
+  std::uint8_t Extract(std::uint32_t pixel) const {
+    if (bits == 0) return 0;
+    const std::uint32_t value = (pixel & mask) >> shift;
+    if (bits >= 8) return static_cast<std::uint8_t>(std::min<std::uint32_t>(value >> (bits - 8), 255));
+    const std::uint32_t max = (1u << bits) - 1;
+    return static_cast<std::uint8_t>(std::min<std::uint32_t>(value * 255 / max, 255));
+  }
+};
+
+// Everything the pixel conversion needs, checked against the data.
+struct FileLayout {
+  int width = 0;
+  int height = 0;
+  bool topDown = false;
+  int bitCount = 0;
+  std::array<std::uint32_t, 3> masks{};  // red, green, blue
+  std::vector<Bgr> palette;
+  std::size_t pixelOffset = 0;
+  std::size_t sourceStride = 0;
+};
+
+bool InfoHeaderSizeKnown(std::uint32_t size) {
+  return size == kInfoHeaderSize || size == 52 || size == 56 || size == 108 || size == 124;
+}
+
+bool DepthAndCompressionSupported(int bitCount, std::uint32_t compression) {
+  switch (bitCount) {
+    case 1:
+    case 4:
+    case 8:
+    case 24:
+      return compression == kRgb;
+    case 16:
+    case 32:
+      return compression == kRgb || compression == kBitfields;
+    default:
+      return false;
+  }
+}
+
+std::array<std::uint32_t, 3> DefaultMasks(int bitCount) {
+  if (bitCount == 16) return {0x7C00, 0x03E0, 0x001F};
+  return {0x00FF0000, 0x0000FF00, 0x000000FF};
+}
+
+std::optional<FileLayout> ParseLayout(const std::uint8_t* data, std::size_t count) {
+  if (!IsBitmapFile(data, count) || count < kFileHeaderSize + 4) return std::nullopt;
+  const std::uint32_t pixelOffset = Read32(data + 10);
+  const std::uint8_t* info = data + kFileHeaderSize;
+  const std::uint32_t infoSize = Read32(info);
+  const bool core = infoSize == kCoreHeaderSize;
+  if (!core && !InfoHeaderSizeKnown(infoSize)) return std::nullopt;
+  if (count - kFileHeaderSize < infoSize) return std::nullopt;
+
+  FileLayout layout;
+  std::int64_t width, height;
+  std::uint32_t compression = kRgb, colorsUsed = 0;
+  if (core) {
+    width = Read16(info + 4);
+    height = Read16(info + 6);
+    layout.bitCount = static_cast<int>(Read16(info + 10));
+  } else {
+    width = static_cast<std::int32_t>(Read32(info + 4));
+    height = static_cast<std::int32_t>(Read32(info + 8));
+    layout.bitCount = static_cast<int>(Read16(info + 14));
+    compression = Read32(info + 16);
+    colorsUsed = Read32(info + 32);
+  }
+  if (!DepthAndCompressionSupported(layout.bitCount, compression)) return std::nullopt;
+  layout.topDown = height < 0;
+  height = height < 0 ? -height : height;
+  if (!PictureSizeAcceptable(width, height)) return std::nullopt;
+  layout.width = static_cast<int>(width);
+  layout.height = static_cast<int>(height);
+
+  // BI_BITFIELDS masks sit right after the 40-byte header, inside the longer
+  // headers and ahead of the colour table after the 40-byte one.
+  std::size_t tableOffset = kFileHeaderSize + infoSize;
+  layout.masks = DefaultMasks(layout.bitCount);
+  if (compression == kBitfields) {
+    const std::size_t masksOffset = kFileHeaderSize + kInfoHeaderSize;
+    if (count < masksOffset + 12) return std::nullopt;
+    layout.masks = {Read32(data + masksOffset), Read32(data + masksOffset + 4), Read32(data + masksOffset + 8)};
+    if (infoSize == kInfoHeaderSize) tableOffset += 12;
+  }
+
+  if (layout.bitCount <= 8) {
+    const std::uint32_t full = 1u << layout.bitCount;
+    const std::uint32_t entries = (colorsUsed == 0 || colorsUsed > full) ? full : colorsUsed;
+    const std::size_t entrySize = core ? 3 : 4;
+    if (tableOffset > count || (count - tableOffset) / entrySize < entries) return std::nullopt;
+    for (std::uint32_t i = 0; i < entries; ++i) {
+      const std::uint8_t* e = data + tableOffset + i * entrySize;
+      layout.palette.push_back({e[0], e[1], e[2]});
+    }
+  }
+
+  const std::int64_t stride = (width * layout.bitCount + 31) / 32 * 4;
+  if (pixelOffset > count) return std::nullopt;
+  if (static_cast<std::int64_t>(count - pixelOffset) / stride < height) return std::nullopt;
+  layout.pixelOffset = pixelOffset;
+  layout.sourceStride = static_cast<std::size_t>(stride);
+  return layout;
+}
+
+void ConvertRow(const FileLayout& layout, const std::uint8_t* source, std::uint8_t* target) {
+  const Channel red(layout.masks[0]), green(layout.masks[1]), blue(layout.masks[2]);
+  for (int x = 0; x < layout.width; ++x, target += 3) {
+    Bgr pixel;
+    if (layout.bitCount <= 8) {
+      const int perByte = 8 / layout.bitCount;
+      const int shift = 8 - layout.bitCount * (x % perByte + 1);
+      const std::uint32_t index = (source[x / perByte] >> shift) & ((1u << layout.bitCount) - 1);
+      if (index < layout.palette.size()) pixel = layout.palette[index];
+    } else if (layout.bitCount == 24) {
+      pixel = {source[x * 3], source[x * 3 + 1], source[x * 3 + 2]};
+    } else {
+      const std::uint32_t value = layout.bitCount == 16 ? Read16(source + x * 2) : Read32(source + x * 4);
+      pixel = {blue.Extract(value), green.Extract(value), red.Extract(value)};
+    }
+    target[0] = pixel.blue;
+    target[1] = pixel.green;
+    target[2] = pixel.red;
+  }
+}
+
+}  // namespace
+
+int Dib24Stride(int width) { return (width * 24 + 31) / 32 * 4; }
+
+bool IsBitmapFile(const std::uint8_t* data, std::size_t count) {
+  return count >= 2 && data[0] == 'B' && data[1] == 'M';
+}
+
+std::optional<Dib24> ReadBitmapFile(const std::uint8_t* data, std::size_t count) {
+  const std::optional<FileLayout> layout = ParseLayout(data, count);
+  if (!layout) return std::nullopt;
+  Dib24 dib;
+  dib.width = layout->width;
+  dib.height = layout->height;
+  dib.stride = Dib24Stride(dib.width);
+  dib.rows.assign(static_cast<std::size_t>(dib.stride) * dib.height, 0);
+  for (int row = 0; row < dib.height; ++row) {
+    const int sourceRow = layout->topDown ? dib.height - 1 - row : row;
+    ConvertRow(*layout, data + layout->pixelOffset + sourceRow * layout->sourceStride,
+               dib.rows.data() + static_cast<std::size_t>(row) * dib.stride);
+  }
+  return dib;
+}
+
+}  // namespace imageio

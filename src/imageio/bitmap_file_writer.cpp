@@ -1,0 +1,124 @@
+#include "imageio/bitmap_file_writer.h"
+
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+
+#include "imageio/messages.h"
+#include "platform/cwnd.h"
+#include "platform/gdi.h"
+#include "platform/kernel.h"
+#include "platform/user.h"
+
+namespace imageio {
+namespace {
+
+constexpr std::uint32_t kFileHeaderSize = 14;
+constexpr std::uint32_t kInfoHeaderSize = 40;
+
+int RoundDepth(int bits) {
+  if (bits <= 1) return 1;
+  if (bits <= 4) return 4;
+  if (bits <= 8) return 8;
+  return 24;
+}
+
+void ShowOutOfMemory(const WriteContext& context) {
+  if (!context.verbose) return;
+  AfxMessageBox(SaveOutOfMemoryMessage(context.userLanguage).c_str(), MB_OK | MB_ICONHAND);
+}
+
+void ShowSaveFailure(const std::string& path, const WriteContext& context) {
+  if (!context.verbose) return;
+  AfxMessageBox(SaveFailureMessage(context.userLanguage, path).c_str(), MB_OK);
+}
+
+BITMAPFILEHEADER FileHeader(const BitmapFileLayout& layout) {
+  BITMAPFILEHEADER header{};
+  header.bfType = 0x4D42;
+  header.bfSize = static_cast<DWORD>(layout.fileSize);
+  header.bfOffBits = layout.pixelOffset;
+  return header;
+}
+
+// Writes the three parts in order; false at the first part that does not write
+// completely or when the file does not close.
+bool WriteParts(const std::string& path, const BITMAPFILEHEADER& fileHeader, const void* info, std::size_t infoSize,
+                const void* rows, std::size_t rowsSize) {
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  if (!file) return false;
+  const bool written = std::fwrite(&fileHeader, 1, sizeof fileHeader, file) == sizeof fileHeader &&
+                       std::fwrite(info, 1, infoSize, file) == infoSize &&
+                       std::fwrite(rows, 1, rowsSize, file) == rowsSize;
+  const bool closed = std::fclose(file) == 0;
+  return written && closed;
+}
+
+}  // namespace
+
+BitmapFileLayout ComputeBitmapFileLayout(int width, int height, int planes, int bitsPerPixel) {
+  BitmapFileLayout layout;
+  const int bits = bitsPerPixel >= 16 ? 24 : bitsPerPixel;
+  layout.depth = RoundDepth(planes * bits);
+  layout.colorCount = layout.depth < 24 ? 1 << layout.depth : 0;
+  const std::uint64_t rowBits = static_cast<std::uint64_t>(width) * layout.depth;
+  layout.rowSize = static_cast<std::uint32_t>(((rowBits + 31) & ~std::uint64_t{31}) / 8);
+  layout.imageSize = static_cast<std::uint64_t>(layout.rowSize) * static_cast<std::uint64_t>(height);
+  layout.pixelOffset = kFileHeaderSize + kInfoHeaderSize + 4 * static_cast<std::uint32_t>(layout.colorCount);
+  layout.fileSize = layout.pixelOffset + layout.imageSize;
+  return layout;
+}
+
+std::string ResolveSavePath(const std::string& path) {
+  if (path.find_first_of("/\\") != std::string::npos) return path;
+  return platform::TempFolder() + path;
+}
+
+void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
+  BITMAP description{};
+  if (!path || !*path || !bitmap || !GetObjectA(bitmap, sizeof description, &description)) return;
+  const BitmapFileLayout layout =
+      ComputeBitmapFileLayout(description.bmWidth, description.bmHeight, description.bmPlanes,
+                              description.bmBitsPixel);
+
+  // The header with room for the colour table, and the pixel rows. A size that
+  // does not fit the file format's 32-bit fields counts as memory that cannot be had.
+  const std::size_t infoSize = kInfoHeaderSize + 4 * static_cast<std::size_t>(layout.colorCount);
+  std::unique_ptr<std::uint8_t[]> info(new (std::nothrow) std::uint8_t[infoSize]());
+  std::unique_ptr<std::uint8_t[]> rows;
+  if (layout.fileSize <= std::numeric_limits<DWORD>::max()) {
+    rows.reset(new (std::nothrow) std::uint8_t[layout.imageSize]);
+  }
+  if (!info || !rows) {
+    ShowOutOfMemory(context);
+    return;
+  }
+  auto* header = reinterpret_cast<BITMAPINFOHEADER*>(info.get());
+  header->biSize = kInfoHeaderSize;
+  header->biWidth = description.bmWidth;
+  header->biHeight = description.bmHeight;
+  header->biPlanes = 1;
+  header->biBitCount = static_cast<WORD>(layout.depth);
+  header->biCompression = BI_RGB;
+  header->biSizeImage = static_cast<DWORD>(layout.imageSize);
+  header->biClrUsed = static_cast<DWORD>(layout.colorCount);
+
+  HDC dc = GetDC(context.window);
+  if (!dc) return;
+  if (GetDIBits(dc, bitmap, 0, static_cast<UINT>(description.bmHeight), rows.get(),
+                reinterpret_cast<BITMAPINFO*>(info.get()), DIB_RGB_COLORS) == 0) {
+    ReleaseDC(context.window, dc);
+    return;
+  }
+  header->biClrUsed = static_cast<DWORD>(layout.colorCount);
+
+  const std::string target = ResolveSavePath(path);
+  if (!WriteParts(target, FileHeader(layout), info.get(), infoSize, rows.get(), layout.imageSize)) {
+    ShowSaveFailure(target, context);
+  }
+  ReleaseDC(context.window, dc);
+}
+
+}  // namespace imageio
