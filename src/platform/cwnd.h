@@ -17,8 +17,9 @@ class CWnd {
   HWND GetSafeHwnd() const { return m_hWnd; }
 
   // Creates the window: runs PreCreateWindow, creates the window as a child of
-  // `parent` (or of nothing), attaches it to this object and sends WM_CREATE. A
-  // WM_CREATE handler that returns -1 destroys the window and Create returns FALSE.
+  // `parent` (which must have a window), attaches it to this object and sends
+  // WM_CREATE, then WM_SIZE with the client size. A WM_CREATE handler that returns -1
+  // destroys the window and Create returns FALSE.
   BOOL Create(LPCSTR className, LPCSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id);
   // The same for a window whose parent is known only by handle (the host window).
   BOOL CreateInParent(LPCSTR className, LPCSTR windowName, DWORD style, const RECT& rect, HWND parent,
@@ -57,6 +58,8 @@ class CWnd {
   virtual BOOL OnCommand(WPARAM wParam, LPARAM lParam);
   virtual void OnSetFocus(HWND oldFocus);
   virtual void OnKillFocus(HWND newFocus);
+  // Sent by TrackPopupMenu before the menu is shown, so the owner can update items.
+  virtual void OnInitMenuPopup(HMENU popup, UINT index, BOOL systemMenu);
 
   // Conveniences over the USER calls for this window.
   BOOL ShowWindow(int command) { return ::ShowWindow(m_hWnd, command); }

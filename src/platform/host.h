@@ -16,7 +16,8 @@ class Host {
 
   // A composed frame of a host window is ready (after every paint that reached it).
   virtual void PresentFrame(HWND /*hostWindow*/) {}
-  // The cursor shown over the control: a cursor resource id, 0 for the arrow.
+  // The cursor shown over the control: a cursor resource id, 0 for the arrow, 32514
+  // for the wait cursor, -1 for none. Called only when the cursor changes.
   virtual void ShowCursor(int /*resourceId*/) {}
   // A popup menu at (x, y) in host-window coordinates; returns the chosen command id,
   // 0 when the menu is dismissed.

@@ -14,13 +14,24 @@ using HKL = std::uintptr_t;
 inline constexpr UINT CP_ACP = 0;
 inline constexpr UINT CP_UTF8 = 65001;
 
+// Last-error codes set by the calls below.
+inline constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+inline constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+inline constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
+
+// MultiByteToWideChar: fail on invalid input instead of replacing it with U+FFFD.
+inline constexpr DWORD MB_ERR_INVALID_CHARS = 0x0008;
+
 LANGID GetUserDefaultLangID();
 HKL GetKeyboardLayout(DWORD threadId);
 UINT GetACP();
 
 // Windows semantics: a source length of -1 includes the terminating zero; a
 // destination size of 0 returns the size needed; 0 on failure (last error set).
-// Code pages 0/65001 (UTF-8), 949, 936, 950 and 932 are supported.
+// Code pages 0/65001 (UTF-8), 949, 936, 950 and 932 are supported. Invalid input
+// becomes U+FFFD (or fails with MB_ERR_INVALID_CHARS); characters a code page
+// cannot hold become the default character ('?' unless given) and set
+// *usedDefault. For UTF-8 the default character arguments must be null.
 int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLength, WCHAR* dest, int destSize);
 int WideCharToMultiByte(UINT codePage, DWORD flags, const WCHAR* src, int srcLength, char* dest, int destSize,
                         const char* defaultChar, BOOL* usedDefault);

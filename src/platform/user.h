@@ -6,6 +6,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/types.h"
 
@@ -86,6 +87,15 @@ inline constexpr UINT RDW_UPDATENOW = 0x0100;
 inline constexpr UINT SIZE_RESTORED = 0;
 
 inline constexpr int MA_ACTIVATE = 1;
+inline constexpr int MA_ACTIVATEANDEAT = 2;
+inline constexpr int MA_NOACTIVATE = 3;
+inline constexpr int MA_NOACTIVATEANDEAT = 4;
+
+// hit-test codes (WM_SETCURSOR, WM_MOUSEACTIVATE)
+inline constexpr UINT HTNOWHERE = 0;
+inline constexpr UINT HTCLIENT = 1;
+inline constexpr UINT HTHSCROLL = 6;
+inline constexpr UINT HTVSCROLL = 7;
 
 // scroll bars
 inline constexpr int SB_HORZ = 0;
@@ -103,6 +113,7 @@ inline constexpr UINT SB_ENDSCROLL = 8;
 inline constexpr UINT SIF_RANGE = 0x0001;
 inline constexpr UINT SIF_PAGE = 0x0002;
 inline constexpr UINT SIF_POS = 0x0004;
+inline constexpr UINT SIF_DISABLENOSCROLL = 0x0008;
 inline constexpr UINT SIF_TRACKPOS = 0x0010;
 inline constexpr UINT SIF_ALL = 0x0017;
 inline constexpr int SCROLLBAR_THICKNESS = 17;
@@ -127,6 +138,8 @@ inline constexpr int IDCANCEL = 2;
 
 // menus
 inline constexpr UINT MF_STRING = 0x0000;
+inline constexpr UINT MF_ENABLED = 0x0000;
+inline constexpr UINT MF_UNCHECKED = 0x0000;
 inline constexpr UINT MF_GRAYED = 0x0001;
 inline constexpr UINT MF_DISABLED = 0x0002;
 inline constexpr UINT MF_CHECKED = 0x0008;
@@ -205,8 +218,8 @@ struct WNDCLASSA {
   LPCSTR lpszClassName;
 };
 
-inline constexpr LPCSTR IDC_ARROW = reinterpret_cast<LPCSTR>(32512);
-inline constexpr LPCSTR IDC_WAIT = reinterpret_cast<LPCSTR>(32514);
+inline const LPCSTR IDC_ARROW = reinterpret_cast<LPCSTR>(32512);
+inline const LPCSTR IDC_WAIT = reinterpret_cast<LPCSTR>(32514);
 inline LPCSTR MAKEINTRESOURCEA(int id) { return reinterpret_cast<LPCSTR>(static_cast<std::uintptr_t>(id & 0xFFFF)); }
 
 // ---- windows ----
@@ -294,12 +307,36 @@ void CharInput(HWND host, unsigned int codePoint);
 // Sets what GetKeyState reports for a key (down or up).
 void SetKeyDown(int virtualKey, bool down);
 
+// Paints every pending update of the host's window tree and presents the frame if it
+// changed. Hosts call it after each input; painting otherwise waits for UpdateWindow
+// or RedrawWindow with RDW_UPDATENOW.
+void FlushPaint(HWND host);
+
 // Virtual clock: advance by `milliseconds`, firing due timers in time order.
 void AdvanceClock(unsigned milliseconds);
 unsigned long long ClockNow();
 
 // The host window's composed frame.
 HBITMAP HostFrame(HWND host);
+
+// The module's cursor resources: LoadCursorA(instance, MAKEINTRESOURCEA(id)) finds
+// only registered ids (the resources register theirs at start-up).
+void RegisterCursorResource(int id, int hotX, int hotY);
+// What a cursor shows: its resource id, 0 for the arrow, 32514 for the wait cursor,
+// -1 for no cursor or an unknown handle; and its hot spot.
+int CursorResourceId(HCURSOR cursor);
+POINT CursorHotSpot(HCURSOR cursor);
+
+// One item of a menu as a host shows it.
+struct MenuItem {
+  std::string text;
+  UINT id = 0;
+  bool separator = false;
+  bool grayed = false;
+  bool checked = false;
+  HMENU submenu = nullptr;
+};
+std::vector<MenuItem> MenuItems(HMENU menu);
 
 struct WindowCounts {
   int windows = 0;

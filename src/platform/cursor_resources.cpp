@@ -1,0 +1,30 @@
+// The module's cursor resources: the ids the program ships and their hot spots.
+#include <map>
+
+#include "platform/user_internal.h"
+#include "platform/user.h"
+
+namespace {
+
+std::map<int, POINT>& Resources() {
+  static std::map<int, POINT> resources;
+  return resources;
+}
+
+}  // namespace
+
+namespace platform {
+
+void RegisterCursorResource(int id, int hotX, int hotY) { Resources()[id] = POINT{hotX, hotY}; }
+
+namespace user {
+
+bool FindCursorResource(int id, POINT* hotSpot) {
+  auto it = Resources().find(id);
+  if (it == Resources().end()) return false;
+  *hotSpot = it->second;
+  return true;
+}
+
+}  // namespace user
+}  // namespace platform

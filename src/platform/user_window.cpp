@@ -1,0 +1,281 @@
+// Window lifetime, geometry, visibility, focus, classes and message delivery.
+#include <algorithm>
+#include <map>
+
+#include "platform/cwnd.h"
+#include "platform/gdi.h"
+#include "platform/user.h"
+#include "platform/user_internal.h"
+#include "platform/window_tree.h"
+
+using platform::window::Find;
+using platform::window::Window;
+
+namespace {
+
+std::map<std::string, platform::window::WindowClass>& Classes() {
+  static std::map<std::string, platform::window::WindowClass> classes;
+  return classes;
+}
+
+HWND& FocusWindow() {
+  static HWND focus = nullptr;
+  return focus;
+}
+
+bool IsSelfOrDescendant(HWND hwnd, HWND ancestor) {
+  for (Window* w = Find(hwnd); w != nullptr; w = Find(w->parent)) {
+    if (w->handle == ancestor) return true;
+  }
+  return false;
+}
+
+// The area a child covers on its parent, in the parent's client coordinates.
+void InvalidateParentUnder(const Window& child) {
+  if (child.parent != nullptr && (child.style & WS_VISIBLE)) InvalidateRect(child.parent, &child.rect, TRUE);
+}
+
+void SendSizeIfChanged(HWND hwnd, const RECT& oldClient) {
+  Window* window = Find(hwnd);
+  if (window == nullptr) return;
+  RECT client = platform::window::ClientRect(*window);
+  if (client.right != oldClient.right || client.bottom != oldClient.bottom) {
+    SendMessageA(hwnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.right, client.bottom));
+  }
+}
+
+}  // namespace
+
+namespace platform::window {
+
+const WindowClass* FindClass(const std::string& name) {
+  auto it = Classes().find(name);
+  return it == Classes().end() ? nullptr : &it->second;
+}
+
+}  // namespace platform::window
+
+namespace platform::user {
+
+void ForgetFocusAndCapture(HWND hwnd) {
+  if (IsSelfOrDescendant(FocusWindow(), hwnd)) FocusWindow() = nullptr;
+  if (IsSelfOrDescendant(GetCapture(), hwnd)) ReleaseCapture();
+}
+
+void SetStyleBits(HWND hwnd, DWORD bits, bool on) {
+  Window* window = Find(hwnd);
+  if (window == nullptr) return;
+  RECT oldClient = platform::window::ClientRect(*window);
+  if (on) {
+    window->style |= bits;
+  } else {
+    window->style &= ~bits;
+  }
+  SendSizeIfChanged(hwnd, oldClient);
+}
+
+}  // namespace platform::user
+
+BOOL RegisterClassA(const WNDCLASSA* windowClass) {
+  if (windowClass == nullptr || windowClass->lpszClassName == nullptr || *windowClass->lpszClassName == 0) {
+    return FALSE;
+  }
+  std::string name = windowClass->lpszClassName;
+  if (Classes().contains(name)) return FALSE;
+  Classes()[name] = platform::window::WindowClass{name, windowClass->style, windowClass->lpfnWndProc,
+                                                  windowClass->hCursor, windowClass->hbrBackground};
+  return TRUE;
+}
+
+BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, WNDCLASSA* out) {
+  if (className == nullptr || out == nullptr) return FALSE;
+  const platform::window::WindowClass* found = platform::window::FindClass(className);
+  if (found == nullptr) return FALSE;
+  *out = WNDCLASSA{};
+  out->style = found->style;
+  out->lpfnWndProc = found->proc;
+  out->hInstance = instance;
+  out->hCursor = found->cursor;
+  out->hbrBackground = found->background;
+  out->lpszClassName = found->name.c_str();
+  return TRUE;
+}
+
+HINSTANCE AfxGetInstanceHandle() {
+  // The module is the program itself; any fixed non-null value names it.
+  return reinterpret_cast<HINSTANCE>(static_cast<std::uintptr_t>(0x400000));
+}
+
+BOOL IsWindow(HWND hwnd) { return Find(hwnd) != nullptr; }
+
+BOOL IsWindowVisible(HWND hwnd) {
+  Window* window = Find(hwnd);
+  return window != nullptr && platform::window::IsShownOnHost(*window);
+}
+
+HWND GetParent(HWND hwnd) {
+  Window* window = Find(hwnd);
+  return window == nullptr ? nullptr : window->parent;
+}
+
+CWnd* WindowObject(HWND hwnd) {
+  Window* window = Find(hwnd);
+  return window == nullptr ? nullptr : window->object;
+}
+
+BOOL GetClientRect(HWND hwnd, RECT* rect) {
+  Window* window = Find(hwnd);
+  if (window == nullptr || rect == nullptr) return FALSE;
+  *rect = platform::window::ClientRect(*window);
+  return TRUE;
+}
+
+BOOL GetWindowRect(HWND hwnd, RECT* rect) {
+  Window* window = Find(hwnd);
+  if (window == nullptr || rect == nullptr) return FALSE;
+  POINT origin = platform::window::ClientOrigin(*window);
+  *rect = RECT{origin.x, origin.y, origin.x + window->rect.right - window->rect.left,
+               origin.y + window->rect.bottom - window->rect.top};
+  return TRUE;
+}
+
+BOOL ShowWindow(HWND hwnd, int command) {
+  Window* window = Find(hwnd);
+  if (window == nullptr) return FALSE;
+  bool wasVisible = (window->style & WS_VISIBLE) != 0;
+  bool show = command != SW_HIDE;
+  if (show == wasVisible || window->parent == nullptr) return wasVisible ? TRUE : FALSE;
+  SendMessageA(hwnd, WM_SHOWWINDOW, show ? TRUE : FALSE, 0);
+  window = Find(hwnd);
+  if (window == nullptr) return wasVisible ? TRUE : FALSE;
+  if (show) {
+    window->style |= WS_VISIBLE;
+    InvalidateRect(hwnd, nullptr, TRUE);
+  } else {
+    InvalidateParentUnder(*window);
+    window->style &= ~WS_VISIBLE;
+  }
+  return wasVisible ? TRUE : FALSE;
+}
+
+BOOL MoveWindow(HWND hwnd, int x, int y, int width, int height, BOOL repaint) {
+  Window* window = Find(hwnd);
+  if (window == nullptr || window->parent == nullptr) return FALSE;
+  if (repaint) InvalidateParentUnder(*window);
+  RECT oldClient = platform::window::ClientRect(*window);
+  window->rect = RECT{x, y, x + std::max(width, 0), y + std::max(height, 0)};
+  if (repaint) InvalidateRect(hwnd, nullptr, TRUE);
+  // As on Windows, the size message comes only when the client size really changed.
+  SendSizeIfChanged(hwnd, oldClient);
+  return TRUE;
+}
+
+BOOL DestroyWindow(HWND hwnd) {
+  Window* window = Find(hwnd);
+  if (window == nullptr || window->destroying) return FALSE;
+  window->destroying = true;
+  InvalidateParentUnder(*window);
+  platform::user::ForgetFocusAndCapture(hwnd);
+  // As on Windows: the window hears WM_DESTROY before its children do, and its
+  // children are gone before its own WM_NCDESTROY.
+  SendMessageA(hwnd, WM_DESTROY, 0, 0);
+  while (true) {
+    window = Find(hwnd);
+    if (window == nullptr || window->children.empty()) break;
+    HWND child = window->children.back();
+    if (!DestroyWindow(child)) platform::window::Remove(child);
+  }
+  SendMessageA(hwnd, WM_NCDESTROY, 0, 0);
+  platform::user::KillWindowTimers(hwnd);
+  window = Find(hwnd);
+  if (window == nullptr) return TRUE;
+  if (window->object != nullptr) window->object->Detach();
+  if (window->frame != nullptr) DeleteObject(window->frame);
+  platform::window::Remove(hwnd);
+  return TRUE;
+}
+
+HWND SetFocus(HWND hwnd) {
+  HWND old = FocusWindow();
+  if (hwnd != nullptr && Find(hwnd) == nullptr) return nullptr;
+  if (hwnd == old) return old;
+  FocusWindow() = hwnd;
+  if (IsWindow(old)) SendMessageA(old, WM_KILLFOCUS, reinterpret_cast<WPARAM>(hwnd), 0);
+  if (hwnd != nullptr && FocusWindow() == hwnd) {
+    SendMessageA(hwnd, WM_SETFOCUS, reinterpret_cast<WPARAM>(old), 0);
+  }
+  return IsWindow(old) ? old : nullptr;
+}
+
+HWND GetFocus() { return IsWindow(FocusWindow()) ? FocusWindow() : nullptr; }
+
+LRESULT SendMessageA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+  Window* window = Find(hwnd);
+  if (window == nullptr) return 0;
+  if (window->object != nullptr) return window->object->Dispatch(message, wParam, lParam);
+  if (window->windowClass.proc != nullptr) return window->windowClass.proc(hwnd, message, wParam, lParam);
+  return DefWindowProcA(hwnd, message, wParam, lParam);
+}
+
+LRESULT DefWindowProcA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+  Window* window = Find(hwnd);
+  if (window == nullptr) return 0;
+  switch (message) {
+    case WM_CLOSE:
+      DestroyWindow(hwnd);
+      return 0;
+    case WM_SETCURSOR:
+      return platform::user::DefaultSetCursor(hwnd, wParam, lParam);
+    case WM_MOUSEACTIVATE: {
+      // A child lets its parent decide first, so the top-level window has the say.
+      Window* parent = Find(window->parent);
+      if (parent != nullptr && parent->parent != nullptr) {
+        LRESULT answer = SendMessageA(parent->handle, message, wParam, lParam);
+        if (answer != 0) return answer;
+      }
+      return MA_ACTIVATE;
+    }
+    case WM_ERASEBKGND: {
+      if (window->windowClass.background == nullptr) return 0;
+      RECT client = platform::window::ClientRect(*window);
+      FillRect(reinterpret_cast<HDC>(wParam), &client, window->windowClass.background);
+      return 1;
+    }
+    case WM_PAINT: {
+      PAINTSTRUCT paint{};
+      if (BeginPaint(hwnd, &paint) != nullptr) EndPaint(hwnd, &paint);
+      return 0;
+    }
+    default:
+      return 0;
+  }
+}
+
+namespace platform {
+
+HWND CreateHostWindow(int width, int height) {
+  if (width <= 0 || height <= 0) return nullptr;
+  HDC screen = CreateScreenDC();
+  HBITMAP frame = CreateCompatibleBitmap(screen, width, height);
+  DeleteDC(screen);
+  if (frame == nullptr) return nullptr;
+  // The host root shows white where no child covers it.
+  window::WindowClass hostClass{"ImageEditHost", 0, nullptr, LoadCursorA(nullptr, IDC_ARROW),
+                                static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH))};
+  Window& root = window::Add(nullptr, hostClass, "", WS_VISIBLE, 0, RECT{0, 0, width, height});
+  root.frame = frame;
+  user::SetScreenSize(width, height);
+  InvalidateRect(root.handle, nullptr, TRUE);
+  return root.handle;
+}
+
+WindowCounts LiveWindowObjects() {
+  return WindowCounts{window::Count(), user::LiveMenus(), user::LiveCursors(), user::LiveTimers()};
+}
+
+HBITMAP HostFrame(HWND host) {
+  Window* window = Find(host);
+  return window == nullptr ? nullptr : window->frame;
+}
+
+}  // namespace platform
