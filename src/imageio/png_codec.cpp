@@ -12,6 +12,9 @@ bool DecodePng(const std::uint8_t* data, std::size_t count, const PixelAllocator
   image.version = PNG_IMAGE_VERSION;
   if (!png_image_begin_read_from_memory(&image, data, count)) return false;
   image.format = PNG_FORMAT_BGRA;
+  // 16-bit samples without gamma information are sRGB like 8-bit ones (as other
+  // viewers show them), not linear light.
+  image.flags |= PNG_IMAGE_FLAG_16BIT_sRGB;
   const int width = static_cast<int>(image.width);
   const int height = static_cast<int>(image.height);
   std::uint32_t* pixels = PictureSizeAcceptable(width, height) ? allocate(width, height) : nullptr;
