@@ -1,0 +1,6 @@
+#include "fuzz_decode.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  DecodeIntoScratch(data, size, imageio::DecodePng);
+  return 0;
+}
