@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/kernel.h"
+
+namespace {
+
+std::u16string ToWide(UINT codePage, const std::string& text, DWORD flags = 0) {
+  int needed = MultiByteToWideChar(codePage, flags, text.data(), static_cast<int>(text.size()), nullptr, 0);
+  std::u16string wide(static_cast<std::size_t>(needed), u'\0');
+  if (needed > 0) {
+    EXPECT_EQ(MultiByteToWideChar(codePage, flags, text.data(), static_cast<int>(text.size()), wide.data(), needed),
+              needed);
+  }
+  return wide;
+}
+
+std::string ToNarrow(UINT codePage, const std::u16string& wide, BOOL* usedDefault = nullptr) {
+  int needed = WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), nullptr, 0, nullptr,
+                                   usedDefault);
+  std::string narrow(static_cast<std::size_t>(needed), '\0');
+  if (needed > 0) {
+    EXPECT_EQ(WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), narrow.data(), needed,
+                                  nullptr, usedDefault),
+              needed);
+  }
+  return narrow;
+}
+
+TEST(CodePages, KoreanAndChineseMessagesRoundTripThroughTheirCodePages) {
+  const std::u16string korean = u"메모리가 부족합니다.";
+  std::string cp949 = ToNarrow(949, korean);
+  // Each Hangul syllable takes two bytes; "메" is 0xB8DE in code page 949.
+  EXPECT_EQ(cp949.size(), 9u * 2 + 2);
+  EXPECT_EQ(static_cast<unsigned char>(cp949[0]), 0xB8);
+  EXPECT_EQ(static_cast<unsigned char>(cp949[1]), 0xDE);
+  EXPECT_EQ(ToWide(949, cp949), korean);
+
+  const std::u16string chinese = u"内存不足.";
+  std::string cp936 = ToNarrow(936, chinese);
+  EXPECT_EQ(cp936, "\xC4\xDA\xB4\xE6\xB2\xBB\xD7\xE3.");
+  EXPECT_EQ(ToWide(936, cp936), chinese);
+
+  EXPECT_EQ(ToWide(950, ToNarrow(950, u"記憶體不足")), u"記憶體不足");
+  EXPECT_EQ(ToWide(932, ToNarrow(932, u"メモリ")), u"メモリ");
+}
+
+TEST(CodePages, Utf8IsTheAnsiCodePage) {
+  EXPECT_EQ(GetACP(), CP_UTF8);
+  const std::string text = "굴림체 Arial \xF0\x9F\x98\x80";
+  std::u16string wide = ToWide(CP_ACP, text);
+  EXPECT_EQ(wide, u"굴림체 Arial \U0001F600");
+  EXPECT_EQ(ToNarrow(CP_UTF8, wide), text);
+}
+
+TEST(CodePages, MinusOneLengthCountsTheTerminatorAndShortBuffersFail) {
+  EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "abc", -1, nullptr, 0), 4);
+  WCHAR buffer[4] = {u'x', u'x', u'x', u'x'};
+  SetLastError(0);
+  EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "abc", -1, buffer, 3), 0);
+  EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+  EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "abc", -1, buffer, 4), 4);
+  EXPECT_EQ(buffer[3], u'\0');
+
+  char narrow[3];
+  EXPECT_EQ(WideCharToMultiByte(949, 0, u"가", -1, nullptr, 0, nullptr, nullptr), 3);
+  EXPECT_EQ(WideCharToMultiByte(949, 0, u"가", -1, narrow, 2, nullptr, nullptr), 0);
+  EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+
+  EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "abc", 0, buffer, 4), 0);
+  EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(MultiByteToWideChar(1252, 0, "abc", 3, buffer, 4), 0);
+  EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, nullptr, 3, buffer, 4), 0);
+  EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "abc", 3, nullptr, 4), 0);
+  EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, u"a", 1, narrow, 3, "?", nullptr), 0);
+}
+
+TEST(CodePages, InvalidInputIsReplacedOrRefused) {
+  // A lone continuation byte and a truncated sequence in UTF-8.
+  EXPECT_EQ(ToWide(CP_UTF8, "a\x80z\xE6\x96"), u"a\uFFFDz\uFFFD\uFFFD");
+  EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\x80", 2, nullptr, 0), 0);
+  EXPECT_EQ(GetLastError(), ERROR_NO_UNICODE_TRANSLATION);
+  // An overlong encoding of '/' and an encoded surrogate are not characters.
+  EXPECT_EQ(ToWide(CP_UTF8, "\xC0\xAF"), u"\uFFFD\uFFFD");
+  EXPECT_EQ(ToWide(CP_UTF8, "\xED\xA0\x80"), u"\uFFFD\uFFFD\uFFFD");
+  // A lead byte of code page 949 at the very end has no trail.
+  EXPECT_EQ(ToWide(949, "A\xB8"), u"A\uFFFD");
+
+  // A character code page 949 cannot hold, and an unpaired surrogate.
+  BOOL usedDefault = FALSE;
+  EXPECT_EQ(ToNarrow(949, u"a\u0E01b", &usedDefault), "a?b");
+  EXPECT_TRUE(usedDefault);
+  EXPECT_EQ(ToNarrow(936, std::u16string{u'x', char16_t(0xD800)}, &usedDefault), "x?");
+  EXPECT_EQ(ToNarrow(CP_UTF8, std::u16string{char16_t(0xDC00)}), "\xEF\xBF\xBD");
+  usedDefault = TRUE;
+  ToNarrow(949, u"plain", &usedDefault);
+  EXPECT_FALSE(usedDefault);
+}
+
+}  // namespace

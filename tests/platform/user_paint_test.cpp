@@ -1,0 +1,153 @@
+#include <gtest/gtest.h>
+
+#include "user_test_support.h"
+
+namespace {
+
+using user_test::HostFixture;
+
+constexpr std::uint32_t kWhite = 0xFFFFFF;
+constexpr std::uint32_t kRed = 0xFF0000;
+constexpr std::uint32_t kBlue = 0x0000FF;
+constexpr std::uint32_t kGreen = 0x00FF00;
+
+// Paints its whole client area (and far beyond) in one colour, as a careless painter
+// would; the window DC must keep the paint inside.
+class SolidWnd : public CWnd {
+ public:
+  void OnPaint() override {
+    ++paints;
+    PAINTSTRUCT ps{};
+    HDC dc = BeginPaint(m_hWnd, &ps);
+    HBRUSH brush = CreateSolidBrush(color);
+    RECT everything{-500, -500, 500, 500};
+    FillRect(dc, &everything, brush);
+    DeleteObject(brush);
+    EndPaint(m_hWnd, &ps);
+  }
+  COLORREF color = RGB(0, 0, 255);
+  int paints = 0;
+};
+
+// A window whose class erases it with the black stock brush.
+class BlackClassWnd : public CWnd {
+ public:
+  BOOL PreCreateWindow(CREATESTRUCTA& cs) override {
+    WNDCLASSA existing{};
+    if (!GetClassInfoA(AfxGetInstanceHandle(), "BlackBackground", &existing)) {
+      WNDCLASSA windowClass{};
+      windowClass.lpfnWndProc = DefWindowProcA;
+      windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
+      windowClass.lpszClassName = "BlackBackground";
+      RegisterClassA(&windowClass);
+    }
+    cs.lpszClass = "BlackBackground";
+    return TRUE;
+  }
+};
+
+class Painting : public HostFixture {
+ protected:
+  void SetUp() override {
+    HostFixture::SetUp();
+    // The parent is a solid red window at (10,10) 50 x 40 on the host; the child a
+    // blue one at (5,5) 10 x 10 in the parent.
+    parent_.color = RGB(255, 0, 0);
+    ASSERT_TRUE(parent_.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{10, 10, 60, 50}, hostWindow_, 1));
+    ASSERT_TRUE(child_.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{5, 5, 15, 15}, &parent_, 2));
+  }
+  void TearDown() override {
+    parent_.DestroyWindow();
+    HostFixture::TearDown();
+  }
+  SolidWnd parent_;
+  SolidWnd child_;
+};
+
+TEST_F(Painting, FlushComposesHostParentAndChildWithChildOnTop) {
+  EXPECT_EQ(FramePixel(0, 0), 0u);  // nothing is painted before a flush
+  platform::FlushPaint(hostWindow_);
+  EXPECT_EQ(host_.presented, 1);
+  EXPECT_EQ(FramePixel(0, 0), kWhite);
+  EXPECT_EQ(FramePixel(9, 9), kWhite);
+  EXPECT_EQ(FramePixel(10, 10), kRed);
+  EXPECT_EQ(FramePixel(59, 49), kRed);
+  EXPECT_EQ(FramePixel(60, 50), kWhite);
+  EXPECT_EQ(FramePixel(15, 15), kBlue);
+  EXPECT_EQ(FramePixel(24, 24), kBlue);
+  EXPECT_EQ(FramePixel(25, 25), kRed);
+  // With nothing pending a flush paints and presents nothing.
+  platform::FlushPaint(hostWindow_);
+  EXPECT_EQ(host_.presented, 1);
+}
+
+TEST_F(Painting, InvalidateWaitsForUpdateAndRedrawUpdatesAtOnce) {
+  platform::FlushPaint(hostWindow_);
+  child_.color = RGB(0, 255, 0);
+  InvalidateRect(child_.m_hWnd, nullptr, TRUE);
+  EXPECT_EQ(FramePixel(15, 15), kBlue);
+  UpdateWindow(child_.m_hWnd);
+  EXPECT_EQ(FramePixel(15, 15), kGreen);
+  EXPECT_EQ(host_.presented, 2);
+
+  child_.color = RGB(0, 0, 255);
+  child_.RedrawWindow();  // invalidate, erase, update now
+  EXPECT_EQ(FramePixel(20, 20), kBlue);
+}
+
+TEST_F(Painting, RepaintingTheParentRepaintsTheChildOverIt) {
+  platform::FlushPaint(hostWindow_);
+  int childPaints = child_.paints;
+  parent_.RedrawWindow();
+  EXPECT_EQ(child_.paints, childPaints + 1);
+  EXPECT_EQ(FramePixel(15, 15), kBlue);
+  // A repaint of a parent part away from the child leaves the child alone.
+  RECT corner{40, 30, 50, 40};
+  RedrawWindow(parent_.m_hWnd, &corner, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  EXPECT_EQ(child_.paints, childPaints + 1);
+}
+
+TEST_F(Painting, PaintStaysInsideTheChildAndItsParent) {
+  // A child reaching past its parent's right and bottom edges.
+  SolidWnd overhang;
+  overhang.color = RGB(0, 255, 0);
+  ASSERT_TRUE(overhang.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{40, 30, 70, 60}, &parent_, 3));
+  platform::FlushPaint(hostWindow_);
+  EXPECT_EQ(FramePixel(50, 40), kGreen);
+  EXPECT_EQ(FramePixel(59, 49), kGreen);
+  EXPECT_EQ(FramePixel(60, 45), kWhite);
+  EXPECT_EQ(FramePixel(55, 50), kWhite);
+  EXPECT_EQ(FramePixel(49, 40), kRed);
+}
+
+TEST_F(Painting, HidingAChildRepaintsTheParentBeneath) {
+  platform::FlushPaint(hostWindow_);
+  child_.ShowWindow(SW_HIDE);
+  int childPaints = child_.paints;
+  platform::FlushPaint(hostWindow_);
+  EXPECT_EQ(FramePixel(15, 15), kRed);
+  EXPECT_EQ(child_.paints, childPaints);
+  child_.ShowWindow(SW_SHOW);
+  platform::FlushPaint(hostWindow_);
+  EXPECT_EQ(FramePixel(15, 15), kBlue);
+}
+
+TEST_F(Painting, DefaultPaintErasesWithTheClassBrushAndWindowDcsLeakNothing) {
+  BlackClassWnd plain;
+  ASSERT_TRUE(plain.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{70, 60, 80, 70}, hostWindow_, 4));
+  platform::GdiCounts before = platform::LiveGdiObjects();
+  platform::FlushPaint(hostWindow_);
+  EXPECT_EQ(FramePixel(75, 65), 0u);  // black class background
+  EXPECT_EQ(FramePixel(69, 65), kWhite);
+
+  HDC dc = GetDC(plain.m_hWnd);
+  ASSERT_NE(dc, nullptr);
+  SetPixel(dc, 1, 2, RGB(0, 255, 0));
+  SetPixel(dc, 20, 2, RGB(0, 255, 0));  // outside the client area: clipped
+  EXPECT_EQ(ReleaseDC(plain.m_hWnd, dc), 1);
+  EXPECT_EQ(FramePixel(71, 62), kGreen);
+  EXPECT_EQ(FramePixel(90, 62), kWhite);
+  EXPECT_EQ(platform::LiveGdiObjects().total(), before.total());
+}
+
+}  // namespace

@@ -1,0 +1,98 @@
+// Shared pieces of the window-layer tests: a fake host that records what a person
+// would see, a window that logs its messages, and a fixture owning one host window.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+
+namespace user_test {
+
+class FakeHost : public platform::Host {
+ public:
+  void PresentFrame(HWND) override { ++presented; }
+  void ShowCursor(int resourceId) override { cursors.push_back(resourceId); }
+  UINT ShowPopupMenu(HMENU menu, int x, int y) override {
+    shownMenu = menu;
+    menuX = x;
+    menuY = y;
+    return menuAnswer;
+  }
+  int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override {
+    boxes.push_back(caption + ": " + text);
+    boxType = type;
+    return IDOK;
+  }
+
+  int presented = 0;
+  std::vector<int> cursors;
+  HMENU shownMenu = nullptr;
+  int menuX = 0;
+  int menuY = 0;
+  UINT menuAnswer = 0;
+  std::vector<std::string> boxes;
+  UINT boxType = 0;
+};
+
+// Records each message it receives as "name" or "name:args".
+class LoggingWnd : public CWnd {
+ public:
+  explicit LoggingWnd(std::string name, std::vector<std::string>* log) : name_(std::move(name)), log_(log) {}
+  ~LoggingWnd() override {
+    if (m_hWnd != nullptr) DestroyWindow();
+  }
+
+  int OnCreate(LPCREATESTRUCTA cs) override {
+    Record("create");
+    return failCreate ? -1 : CWnd::OnCreate(cs);
+  }
+  void OnDestroy() override { Record("destroy"); }
+  void OnSize(UINT, int cx, int cy) override { Record("size:" + std::to_string(cx) + "," + std::to_string(cy)); }
+  void OnSetFocus(HWND) override { Record("setfocus"); }
+  void OnKillFocus(HWND) override { Record("killfocus"); }
+
+  void Record(const std::string& entry) { log_->push_back(name_ + " " + entry); }
+
+  bool failCreate = false;
+
+ private:
+  std::string name_;
+  std::vector<std::string>* log_;
+};
+
+class HostFixture : public ::testing::Test {
+ protected:
+  static constexpr int kWidth = 100;
+  static constexpr int kHeight = 80;
+
+  void SetUp() override {
+    platform::SetHost(&host_);
+    hostWindow_ = platform::CreateHostWindow(kWidth, kHeight);
+    ASSERT_NE(hostWindow_, nullptr);
+  }
+  void TearDown() override {
+    DestroyWindow(hostWindow_);
+    ReleaseCapture();
+    ClipCursor(nullptr);
+    for (int key : {VK_LBUTTON, VK_RBUTTON, VK_SHIFT, VK_CONTROL}) platform::SetKeyDown(key, false);
+    platform::SetHost(nullptr);
+  }
+
+  // The host frame's pixel at (x, y), 0x00RRGGBB.
+  std::uint32_t FramePixel(int x, int y) {
+    int width = 0;
+    int height = 0;
+    const std::uint32_t* pixels = platform::BitmapPixels(platform::HostFrame(hostWindow_), &width, &height);
+    EXPECT_NE(pixels, nullptr);
+    if (pixels == nullptr || x < 0 || y < 0 || x >= width || y >= height) return 0xDEADBEEF;
+    return pixels[y * width + x];
+  }
+
+  FakeHost host_;
+  HWND hostWindow_ = nullptr;
+};
+
+}  // namespace user_test
