@@ -1,8 +1,8 @@
 // The module's cursor resources: the ids the program ships and their hot spots.
 #include <map>
 
-#include "platform/user_internal.h"
 #include "platform/user.h"
+#include "platform/user_internal.h"
 
 namespace {
 

@@ -186,7 +186,9 @@ void CWnd::OnChar(UINT /*character*/, UINT /*repeatCount*/, UINT /*flags*/) { De
 void CWnd::OnTimer(UINT_PTR /*id*/) { Default(); }
 void CWnd::OnHScroll(UINT /*code*/, UINT /*pos*/, HWND /*scrollBar*/) { Default(); }
 void CWnd::OnVScroll(UINT /*code*/, UINT /*pos*/, HWND /*scrollBar*/) { Default(); }
-BOOL CWnd::OnSetCursor(HWND /*hwnd*/, UINT /*hitTest*/, UINT /*message*/) { return static_cast<BOOL>(Default()); }
+BOOL CWnd::OnSetCursor(HWND /*hwnd*/, UINT /*hitTest*/, UINT /*message*/) {
+  return static_cast<BOOL>(Default());
+}
 int CWnd::OnMouseActivate(HWND /*topParent*/, UINT /*hitTest*/, UINT /*message*/) {
   return static_cast<int>(Default());
 }
@@ -208,6 +210,8 @@ void CWnd::EndWaitCursor() {
   if (--wait.depth == 0) ::SetCursor(wait.saved);
 }
 
-int AfxMessageBox(LPCSTR text, UINT type, UINT /*helpId*/) { return MessageBoxA(nullptr, text, kModuleTitle, type); }
+int AfxMessageBox(LPCSTR text, UINT type, UINT /*helpId*/) {
+  return MessageBoxA(nullptr, text, kModuleTitle, type);
+}
 
 BOOL AfxRegisterClass(WNDCLASSA* windowClass) { return RegisterClassA(windowClass); }

@@ -1,5 +1,7 @@
 // Kernel services other than code pages: language settings, the last error, run-time
 // modules, the temp folder and the shared pseudo-random generator.
+#include "platform/kernel.h"
+
 #include <algorithm>
 #include <cctype>
 #include <chrono>
@@ -8,7 +10,6 @@
 #include <thread>
 
 #include "platform/gdi.h"
-#include "platform/kernel.h"
 
 namespace {
 

@@ -171,8 +171,8 @@ bool DecodeIconv(const char* charset, const char* src, std::size_t length, bool 
 
 // A character the code page cannot hold (or an unpaired surrogate) becomes the
 // default character.
-bool EncodeIconv(const char* charset, const WCHAR* src, std::size_t length, char defaultChar, bool* usedDefault,
-                 std::string& out) {
+bool EncodeIconv(const char* charset, const WCHAR* src, std::size_t length, char defaultChar,
+                 bool* usedDefault, std::string& out) {
   Converter converter(charset, "UTF-16LE");
   if (!converter.ok()) return false;
   std::string units = ToUtf16Le(src, length);
@@ -182,9 +182,11 @@ bool EncodeIconv(const char* charset, const WCHAR* src, std::size_t length, char
     out.push_back(defaultChar);
     *usedDefault = true;
     auto unit = [&](std::size_t at) {
-      return static_cast<char16_t>(static_cast<unsigned char>(in[at]) | (static_cast<unsigned char>(in[at + 1]) << 8));
+      return static_cast<char16_t>(static_cast<unsigned char>(in[at]) |
+                                   (static_cast<unsigned char>(in[at + 1]) << 8));
     };
-    bool pair = inLeft >= 4 && unit(0) >= 0xD800 && unit(0) <= 0xDBFF && unit(2) >= 0xDC00 && unit(2) <= 0xDFFF;
+    bool pair =
+        inLeft >= 4 && unit(0) >= 0xD800 && unit(0) <= 0xDBFF && unit(2) >= 0xDC00 && unit(2) <= 0xDFFF;
     std::size_t skip = std::min<std::size_t>(pair ? 4 : 2, inLeft);
     in += skip;
     inLeft -= skip;
@@ -210,8 +212,8 @@ int CopyOut(const std::basic_string<Char>& converted, Char* dest, int destSize) 
 }
 
 bool ValidArguments(UINT codePage, const void* src, int srcLength, const void* dest, int destSize) {
-  bool valid = IsSupported(codePage) && src != nullptr && srcLength != 0 && srcLength >= -1 && destSize >= 0 &&
-               (destSize == 0 || dest != nullptr);
+  bool valid = IsSupported(codePage) && src != nullptr && srcLength != 0 && srcLength >= -1 &&
+               destSize >= 0 && (destSize == 0 || dest != nullptr);
   if (!valid) SetLastError(ERROR_INVALID_PARAMETER);
   return valid;
 }
@@ -224,7 +226,8 @@ std::size_t WideLength(const WCHAR* s) {
 
 }  // namespace
 
-int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLength, WCHAR* dest, int destSize) {
+int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLength, WCHAR* dest,
+                        int destSize) {
   if (!ValidArguments(codePage, src, srcLength, dest, destSize)) return 0;
   std::size_t length = srcLength == -1 ? std::strlen(src) + 1 : static_cast<std::size_t>(srcLength);
   bool strict = (flags & MB_ERR_INVALID_CHARS) != 0;
@@ -238,8 +241,8 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLeng
   return CopyOut(converted, dest, destSize);
 }
 
-int WideCharToMultiByte(UINT codePage, DWORD /*flags*/, const WCHAR* src, int srcLength, char* dest, int destSize,
-                        const char* defaultChar, BOOL* usedDefault) {
+int WideCharToMultiByte(UINT codePage, DWORD /*flags*/, const WCHAR* src, int srcLength, char* dest,
+                        int destSize, const char* defaultChar, BOOL* usedDefault) {
   if (!ValidArguments(codePage, src, srcLength, dest, destSize)) return 0;
   if (IsUtf8(codePage) && (defaultChar != nullptr || usedDefault != nullptr)) {
     SetLastError(ERROR_INVALID_PARAMETER);

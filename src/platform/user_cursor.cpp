@@ -108,7 +108,8 @@ LRESULT DefaultSetCursor(HWND hwnd, WPARAM wParam, LPARAM lParam) {
   window::Window* window = window::Find(hwnd);
   // A child first lets its parent choose, as Windows does.
   window::Window* parent = window::Find(window->parent);
-  if (parent != nullptr && parent->parent != nullptr && SendMessageA(parent->handle, WM_SETCURSOR, wParam, lParam)) {
+  if (parent != nullptr && parent->parent != nullptr &&
+      SendMessageA(parent->handle, WM_SETCURSOR, wParam, lParam)) {
     return TRUE;
   }
   window = window::Find(hwnd);

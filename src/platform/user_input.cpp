@@ -27,7 +27,9 @@ InputState& Input() {
   return state;
 }
 
-bool Contains(const RECT& r, POINT p) { return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom; }
+bool Contains(const RECT& r, POINT p) {
+  return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom;
+}
 
 bool IsButtonDown(UINT message) {
   return message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK || message == WM_RBUTTONDOWN;
@@ -127,8 +129,8 @@ BOOL ClipCursor(const RECT* rect) {
     // is taken with its corners sorted.
     RECT sorted{std::min(rect->left, rect->right), std::min(rect->top, rect->bottom),
                 std::max(rect->left, rect->right), std::max(rect->top, rect->bottom)};
-    state.clip = platform::window::IsEmpty(state.screen) ? sorted
-                                                          : platform::window::Intersect(sorted, state.screen);
+    state.clip =
+        platform::window::IsEmpty(state.screen) ? sorted : platform::window::Intersect(sorted, state.screen);
   }
   return TRUE;
 }
@@ -213,7 +215,8 @@ void KeyInput(HWND host, UINT message, int virtualKey, bool repeat) {
   DWORD flags = 1;
   if (repeat || up) flags |= 1u << 30;
   if (up) flags |= 1u << 31;
-  DeliverQueued(MakeMessage(KeyTarget(host), message, static_cast<WPARAM>(virtualKey), static_cast<LPARAM>(flags)));
+  DeliverQueued(
+      MakeMessage(KeyTarget(host), message, static_cast<WPARAM>(virtualKey), static_cast<LPARAM>(flags)));
 }
 
 void CharInput(HWND host, unsigned int codePoint) {

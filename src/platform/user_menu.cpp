@@ -86,7 +86,8 @@ BOOL InsertMenuItemA(HMENU menu, UINT item, BOOL byPosition, const MENUITEMINFOA
   if (info->fMask & MIIM_STATE) added.state = info->fState;
   if (info->fMask & MIIM_ID) added.id = info->wID;
   if (info->fMask & MIIM_SUBMENU) {
-    if (info->hSubMenu != nullptr && (Find(info->hSubMenu) == nullptr || info->hSubMenu == menu)) return FALSE;
+    if (info->hSubMenu != nullptr && (Find(info->hSubMenu) == nullptr || info->hSubMenu == menu))
+      return FALSE;
     added.submenu = info->hSubMenu;
   }
   // Before the item at that position (or with that command); at the end otherwise.
@@ -138,7 +139,8 @@ int GetMenuItemCount(HMENU menu) {
   return items == nullptr ? -1 : static_cast<int>(items->size());
 }
 
-BOOL TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int /*reserved*/, HWND owner, const RECT* /*rect*/) {
+BOOL TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int /*reserved*/, HWND owner,
+                    const RECT* /*rect*/) {
   if (Find(menu) == nullptr || !IsWindow(owner)) return FALSE;
   // The owner may bring the items up to date before they are shown.
   SendMessageA(owner, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu), MAKELPARAM(0, FALSE));

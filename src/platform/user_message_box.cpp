@@ -5,6 +5,6 @@
 
 int MessageBoxA(HWND /*owner*/, LPCSTR text, LPCSTR caption, UINT type) {
   // Windows titles a box without a caption "Error".
-  return platform::CurrentHost().ShowMessageBox(text == nullptr ? "" : text, caption == nullptr ? "Error" : caption,
-                                                type);
+  return platform::CurrentHost().ShowMessageBox(text == nullptr ? "" : text,
+                                                caption == nullptr ? "Error" : caption, type);
 }

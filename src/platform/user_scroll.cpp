@@ -38,7 +38,8 @@ bool IsNeeded(const ScrollBarState& state) {
 
 BOOL ShowScrollBar(HWND hwnd, int bar, BOOL show) {
   if (!IsWindow(hwnd)) return FALSE;
-  DWORD bits = bar == SB_BOTH ? (WS_HSCROLL | WS_VSCROLL) : (bar == SB_HORZ || bar == SB_VERT ? StyleOf(bar) : 0);
+  DWORD bits =
+      bar == SB_BOTH ? (WS_HSCROLL | WS_VSCROLL) : (bar == SB_HORZ || bar == SB_VERT ? StyleOf(bar) : 0);
   if (bits == 0) return FALSE;
   platform::user::SetStyleBits(hwnd, bits, show != FALSE);
   InvalidateRect(hwnd, nullptr, TRUE);
@@ -56,7 +57,8 @@ int SetScrollInfo(HWND hwnd, int bar, const SCROLLINFO* info, BOOL /*redraw*/) {
     }
   }
   if (info->fMask & SIF_PAGE) {
-    state->page = std::min<UINT>(info->nPage, static_cast<UINT>(state->max - state->min + 1));
+    long long span = static_cast<long long>(state->max) - state->min + 1;
+    state->page = static_cast<UINT>(std::min<long long>(info->nPage, span));
   }
   if (info->fMask & SIF_POS) state->pos = info->nPos;
   state->pos = ClampPosition(*state, state->pos);
@@ -65,7 +67,8 @@ int SetScrollInfo(HWND hwnd, int bar, const SCROLLINFO* info, BOOL /*redraw*/) {
   // disabled bar, disappears when it does not.
   if (info->fMask & (SIF_RANGE | SIF_PAGE)) {
     bool needed = IsNeeded(*state);
-    if (needed || !(info->fMask & SIF_DISABLENOSCROLL)) platform::user::SetStyleBits(hwnd, StyleOf(bar), needed);
+    if (needed || !(info->fMask & SIF_DISABLENOSCROLL))
+      platform::user::SetStyleBits(hwnd, StyleOf(bar), needed);
   }
   return pos;
 }

@@ -122,6 +122,8 @@ RECT Union(const RECT& a, const RECT& b) {
               std::max(a.bottom, b.bottom)};
 }
 
-RECT Offset(const RECT& r, int dx, int dy) { return RECT{r.left + dx, r.top + dy, r.right + dx, r.bottom + dy}; }
+RECT Offset(const RECT& r, int dx, int dy) {
+  return RECT{r.left + dx, r.top + dy, r.right + dx, r.bottom + dy};
+}
 
 }  // namespace platform::window

@@ -29,7 +29,7 @@ struct WindowClass {
 
 struct Window {
   HWND handle = nullptr;
-  HWND parent = nullptr;  // null for a host root
+  HWND parent = nullptr;       // null for a host root
   std::vector<HWND> children;  // bottom to top: later siblings lie above earlier ones
   WindowClass windowClass;
   std::string title;
@@ -37,9 +37,9 @@ struct Window {
   UINT id = 0;
   RECT rect{};  // in the parent's client coordinates (a host root: 0,0,width,height)
   CWnd* object = nullptr;
-  HBITMAP frame = nullptr;  // a host root's composed frame
+  HBITMAP frame = nullptr;    // a host root's composed frame
   bool frameChanged = false;  // a host root's frame holds pixels not yet presented
-  RECT update{};  // pending invalid area in client coordinates; empty when none
+  RECT update{};              // pending invalid area in client coordinates; empty when none
   bool erasePending = false;
   ScrollBarState horizontal;
   ScrollBarState vertical;

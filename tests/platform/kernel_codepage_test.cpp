@@ -10,19 +10,20 @@ std::u16string ToWide(UINT codePage, const std::string& text, DWORD flags = 0) {
   int needed = MultiByteToWideChar(codePage, flags, text.data(), static_cast<int>(text.size()), nullptr, 0);
   std::u16string wide(static_cast<std::size_t>(needed), u'\0');
   if (needed > 0) {
-    EXPECT_EQ(MultiByteToWideChar(codePage, flags, text.data(), static_cast<int>(text.size()), wide.data(), needed),
-              needed);
+    EXPECT_EQ(
+        MultiByteToWideChar(codePage, flags, text.data(), static_cast<int>(text.size()), wide.data(), needed),
+        needed);
   }
   return wide;
 }
 
 std::string ToNarrow(UINT codePage, const std::u16string& wide, BOOL* usedDefault = nullptr) {
-  int needed = WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), nullptr, 0, nullptr,
-                                   usedDefault);
+  int needed = WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), nullptr, 0,
+                                   nullptr, usedDefault);
   std::string narrow(static_cast<std::size_t>(needed), '\0');
   if (needed > 0) {
-    EXPECT_EQ(WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), narrow.data(), needed,
-                                  nullptr, usedDefault),
+    EXPECT_EQ(WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), narrow.data(),
+                                  needed, nullptr, usedDefault),
               needed);
   }
   return narrow;

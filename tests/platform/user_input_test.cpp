@@ -44,7 +44,8 @@ class Routing : public Input {
   void SetUp() override {
     Input::SetUp();
     // outer at (10,10) 60 x 50 on the host; inner at (20,20) 20 x 20 inside it.
-    ASSERT_TRUE(outer_.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{10, 10, 70, 60}, hostWindow_, 1));
+    ASSERT_TRUE(
+        outer_.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{10, 10, 70, 60}, hostWindow_, 1));
     ASSERT_TRUE(inner_.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{20, 20, 40, 40}, &outer_, 2));
     SetFocus(nullptr);
   }

@@ -53,7 +53,8 @@ class Painting : public HostFixture {
     // The parent is a solid red window at (10,10) 50 x 40 on the host; the child a
     // blue one at (5,5) 10 x 10 in the parent.
     parent_.color = RGB(255, 0, 0);
-    ASSERT_TRUE(parent_.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{10, 10, 60, 50}, hostWindow_, 1));
+    ASSERT_TRUE(
+        parent_.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{10, 10, 60, 50}, hostWindow_, 1));
     ASSERT_TRUE(child_.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{5, 5, 15, 15}, &parent_, 2));
   }
   void TearDown() override {

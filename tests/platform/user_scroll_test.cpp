@@ -40,7 +40,8 @@ TEST_F(ScrollBars, ShownBarsTakeClientAreaAndSendTheNewSize) {
 }
 
 TEST_F(ScrollBars, PositionIsClampedSoThatAWholePageFits) {
-  SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL, 0, 105, 5, 200, 0};
+  SCROLLINFO info{
+      sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL, 0, 105, 5, 200, 0};
   // max - (page - 1) = 101
   EXPECT_EQ(SetScrollInfo(wnd_.m_hWnd, SB_HORZ, &info, TRUE), 101);
   EXPECT_EQ(GetScrollPos(wnd_.m_hWnd, SB_HORZ), 101);

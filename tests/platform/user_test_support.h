@@ -50,7 +50,9 @@ class LoggingWnd : public CWnd {
     return failCreate ? -1 : CWnd::OnCreate(cs);
   }
   void OnDestroy() override { Record("destroy"); }
-  void OnSize(UINT, int cx, int cy) override { Record("size:" + std::to_string(cx) + "," + std::to_string(cy)); }
+  void OnSize(UINT, int cx, int cy) override {
+    Record("size:" + std::to_string(cx) + "," + std::to_string(cy));
+  }
   void OnSetFocus(HWND) override { Record("setfocus"); }
   void OnKillFocus(HWND) override { Record("killfocus"); }
 

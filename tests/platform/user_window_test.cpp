@@ -109,7 +109,7 @@ TEST_F(WindowTree, ShowHideAndVisibilityFollowTheParentChain) {
   CWnd child;
   ASSERT_TRUE(parent.CreateInParent(nullptr, "", WS_CHILD, kChildRect, hostWindow_, 1));
   ASSERT_TRUE(child.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{0, 0, 5, 5}, &parent, 2));
-  EXPECT_FALSE(child.IsWindowVisible());  // its parent is hidden
+  EXPECT_FALSE(child.IsWindowVisible());     // its parent is hidden
   EXPECT_FALSE(parent.ShowWindow(SW_SHOW));  // returns the previous visibility
   EXPECT_TRUE(child.IsWindowVisible());
   EXPECT_TRUE(parent.ShowWindow(SW_HIDE));
@@ -187,9 +187,9 @@ TEST_F(WindowTree, WindowProcUnpacksArgumentsAsWindowsPacksThem) {
   EXPECT_EQ(wnd.seen, (V{int(SB_PAGEDOWN), 0, 1}));
   wnd.SendMessage(WM_KEYDOWN, VK_DELETE, 0x40000001);
   EXPECT_EQ(wnd.seen, (V{VK_DELETE, 1, 0x4000}));
-  EXPECT_EQ(wnd.SendMessage(WM_SETCURSOR, reinterpret_cast<WPARAM>(wnd.m_hWnd),
-                            MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)),
-            TRUE);
+  EXPECT_EQ(
+      wnd.SendMessage(WM_SETCURSOR, reinterpret_cast<WPARAM>(wnd.m_hWnd), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)),
+      TRUE);
   EXPECT_EQ(wnd.seen, (V{1, int(HTCLIENT), int(WM_MOUSEMOVE)}));
   wnd.SendMessage(WM_COMMAND, 32770, 0);
   EXPECT_EQ(wnd.seen, (V{32770}));
