@@ -149,6 +149,9 @@ GdiCounts LiveGdiObjects();
 enum class GdiKind { Bitmap, DC };
 void FailNthCreation(GdiKind kind, int n);
 
+// A DC on the display itself: colour, no bitmap selected; what GetDC(NULL) returns.
+HDC CreateScreenDC();
+
 // The raster behind a window DC: the host frame in which windows are composed.
 // Returns a DC drawing into `bitmap` with its origin at (originX, originY) and every
 // pixel write clipped to `clip` (in bitmap coordinates). Deleted with DeleteDC.
