@@ -111,11 +111,19 @@ class CImageEditWnd : public CWnd {
   // while verbose, except where they say otherwise).
   void ShowOutOfMemoryMessage() const;
 
+  // ---- view ----
+  // Shows or hides the scroll bars for content of that size, resets the scroll
+  // positions and measures the view.
+  void UpdateScrollBars(int contentWidth, int contentHeight);
+
   // ---- window ----
   BOOL PreCreateWindow(CREATESTRUCTA& cs) override;
   int OnCreate(LPCREATESTRUCTA cs) override;
   void OnSize(UINT type, int cx, int cy) override;
   void OnClose() override;
+  void OnPaint() override;
+  void OnHScroll(UINT code, UINT pos, HWND scrollBar) override;
+  void OnVScroll(UINT code, UINT pos, HWND scrollBar) override;
 
   // The control that owns this editor, for events.
   CImageEditCtrl* m_control = nullptr;
@@ -246,4 +254,9 @@ class CImageEditWnd : public CWnd {
   // Steps 1 to 4 shared by the three surface creations; false when the surface has
   // no DC or the new bitmap could not be made.
   bool ReplaceSurfaceBitmap(Surface& surface, int width, int height);
+  // Centres the original, scaled by the display scale, in a surface of that size
+  // and stretches it there on white.
+  void DrawScaledOriginal(const Surface& surface);
+  // One scroll message on one axis; both axes share the arithmetic.
+  void Scroll(int bar, UINT code, int position);
 };

@@ -34,8 +34,6 @@ void CImageEditWnd::SetTexture(int) {}
 void CImageEditWnd::Undo() {}
 void CImageEditWnd::Redo() {}
 void CImageEditWnd::Clear(long) {}
-BOOL CImageEditWnd::ScaleImage(int) { return FALSE; }
-void CImageEditWnd::SetImageWidth(int) {}
 void CImageEditWnd::SetFrame(int, LPCSTR, int, int) {}
 void CImageEditWnd::RotateImage(int) {}
 void CImageEditWnd::CutImage() {}
