@@ -185,7 +185,7 @@ TEST_P(TransparentBlitTest, DrawsNothingAndLeaksNothingWhenAResourceFails) {
 }
 
 INSTANTIATE_TEST_SUITE_P(BothBranches, TransparentBlitTest, ::testing::Values(true, false),
-                         [](const auto& info) { return info.param ? "PlatformEntry" : "MaskSequence"; });
+                         [](const auto& param) { return param.param ? "PlatformEntry" : "MaskSequence"; });
 
 TEST_F(SurfaceOpsTest, CompositingPutsStrokesOverTheTargetAndReselectsTheLayer) {
   LiveEditor live(3, 1);
