@@ -58,7 +58,8 @@ void WriteJpeg(const std::vector<std::uint8_t>& rgb, const std::string& path) {
   jpeg_set_quality(&info, 90, TRUE);
   jpeg_start_compress(&info, TRUE);
   while (info.next_scanline < info.image_height) {
-    JSAMPROW row = const_cast<std::uint8_t*>(rgb.data()) + static_cast<std::size_t>(info.next_scanline) * kWidth * 3;
+    JSAMPROW row =
+        const_cast<std::uint8_t*>(rgb.data()) + static_cast<std::size_t>(info.next_scanline) * kWidth * 3;
     jpeg_write_scanlines(&info, &row, 1);
   }
   jpeg_finish_compress(&info);

@@ -35,7 +35,8 @@ void Compose(CImageEditWnd& editor) { ComposePicture(editor); }
 // The composition buffer's area (x, y, width, height) that the whole saved image
 // covers: the image rectangle, widened to take in the frame when there is one.
 RECT SavedImageArea(const CImageEditWnd& editor) {
-  RECT area{editor.m_imageRect.left, editor.m_imageRect.top, editor.m_displayedWidth, editor.m_displayedHeight};
+  RECT area{editor.m_imageRect.left, editor.m_imageRect.top, editor.m_displayedWidth,
+            editor.m_displayedHeight};
   if (editor.m_framePresent) {
     const FramePiece& right = editor.m_frame[0];
     const FramePiece& top = editor.m_frame[2];

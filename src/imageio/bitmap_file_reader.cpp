@@ -119,7 +119,8 @@ std::optional<FileLayout> ParseLayout(const std::uint8_t* data, std::size_t coun
   if (compression == kBitfields) {
     const std::size_t masksOffset = kFileHeaderSize + kInfoHeaderSize;
     if (count < masksOffset + 12) return std::nullopt;
-    layout.masks = {Read32(data + masksOffset), Read32(data + masksOffset + 4), Read32(data + masksOffset + 8)};
+    layout.masks = {Read32(data + masksOffset), Read32(data + masksOffset + 4),
+                    Read32(data + masksOffset + 8)};
     if (infoSize == kInfoHeaderSize) tableOffset += 12;
   }
 

@@ -45,8 +45,8 @@ BITMAPFILEHEADER FileHeader(const BitmapFileLayout& layout) {
 
 // Writes the three parts in order; false at the first part that does not write
 // completely or when the file does not close.
-bool WriteParts(const std::string& path, const BITMAPFILEHEADER& fileHeader, const void* info, std::size_t infoSize,
-                const void* rows, std::size_t rowsSize) {
+bool WriteParts(const std::string& path, const BITMAPFILEHEADER& fileHeader, const void* info,
+                std::size_t infoSize, const void* rows, std::size_t rowsSize) {
   std::FILE* file = std::fopen(path.c_str(), "wb");
   if (!file) return false;
   const bool written = std::fwrite(&fileHeader, 1, sizeof fileHeader, file) == sizeof fileHeader &&
@@ -79,9 +79,8 @@ std::string ResolveSavePath(const std::string& path) {
 void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
   BITMAP description{};
   if (!path || !*path || !bitmap || !GetObjectA(bitmap, sizeof description, &description)) return;
-  const BitmapFileLayout layout =
-      ComputeBitmapFileLayout(description.bmWidth, description.bmHeight, description.bmPlanes,
-                              description.bmBitsPixel);
+  const BitmapFileLayout layout = ComputeBitmapFileLayout(description.bmWidth, description.bmHeight,
+                                                          description.bmPlanes, description.bmBitsPixel);
 
   // The header with room for the colour table, and the pixel rows. A size that
   // does not fit the file format's 32-bit fields counts as memory that cannot be had.

@@ -13,8 +13,8 @@ namespace imageio {
 
 // The sizes and offsets of a file for a bitmap of the given description.
 struct BitmapFileLayout {
-  int depth = 0;        // 1, 4, 8 or 24
-  int colorCount = 0;   // 2^depth below 24, else 0
+  int depth = 0;       // 1, 4, 8 or 24
+  int colorCount = 0;  // 2^depth below 24, else 0
   std::uint32_t rowSize = 0;
   std::uint64_t imageSize = 0;
   std::uint32_t pixelOffset = 0;  // 14 + 40 + 4 x colour count

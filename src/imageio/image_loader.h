@@ -14,9 +14,9 @@ namespace imageio {
 
 // What the loader takes from the editor that calls it.
 struct LoadContext {
-  HWND window = nullptr;    // its DC decides the bitmap format; null: the screen's
-  bool verbose = false;     // show read failures
-  WORD userLanguage = 0;    // primary language of the texts
+  HWND window = nullptr;  // its DC decides the bitmap format; null: the screen's
+  bool verbose = false;   // show read failures
+  WORD userLanguage = 0;  // primary language of the texts
 };
 
 HBITMAP LoadImage(LPCSTR source, const LoadContext& context);

@@ -1,8 +1,9 @@
 // JPEG through libjpeg-turbo, decoded straight into the caller's 32-bit storage.
 #include <csetjmp>
-#include <cstdio>
-
+// clang-format off
+#include <cstdio>  // before jpeglib.h, which uses FILE without declaring it
 #include <jpeglib.h>
+// clang-format on
 
 #include "imageio/picture_codecs.h"
 #include "imageio/pixel_limits.h"
@@ -17,7 +18,9 @@ struct JpegErrors {
   std::jmp_buf jump;
 };
 
-[[noreturn]] void JumpOnError(j_common_ptr info) { std::longjmp(reinterpret_cast<JpegErrors*>(info->err)->jump, 1); }
+[[noreturn]] void JumpOnError(j_common_ptr info) {
+  std::longjmp(reinterpret_cast<JpegErrors*>(info->err)->jump, 1);
+}
 // Warnings (such as data ending early, which decodes as grey) are not printed.
 void IgnoreMessage(j_common_ptr) {}
 
@@ -66,7 +69,8 @@ bool DecodeJpeg(const std::uint8_t* data, std::size_t count, const PixelAllocato
   }
   jpeg_start_decompress(&info);
   while (info.output_scanline < info.output_height) {
-    auto* row = reinterpret_cast<std::uint8_t*>(pixels + static_cast<std::size_t>(info.output_scanline) * width);
+    auto* row =
+        reinterpret_cast<std::uint8_t*>(pixels + static_cast<std::size_t>(info.output_scanline) * width);
     JSAMPROW rows[1] = {row};
     jpeg_read_scanlines(&info, rows, 1);
     FinishRow(row, width, cmyk);

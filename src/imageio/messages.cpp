@@ -22,14 +22,15 @@ std::string FormatBounded(const char* format, Args... args) {
 }  // namespace
 
 std::string ReadFailureMessage(WORD language, const std::string& source, DWORD errorCode) {
-  const char* format = ByLanguage(language, "%s 파일을 읽는 데 실패하였습니다.\n오류 코드는 %d입니다.",
-                                  "读%s 文件失败.\n错误代码是 “%d”.", "I failed to read %s. An error code is %d.");
+  const char* format =
+      ByLanguage(language, "%s 파일을 읽는 데 실패하였습니다.\n오류 코드는 %d입니다.",
+                 "读%s 文件失败.\n错误代码是 “%d”.", "I failed to read %s. An error code is %d.");
   return FormatBounded(format, source.c_str(), static_cast<int>(errorCode));
 }
 
 std::string SaveFailureMessage(WORD language, const std::string& path) {
-  const char* format =
-      ByLanguage(language, "%s 파일을 저장하는 데 실패하였습니다.", "保存%s 文件失败.", "I failed to save %s.");
+  const char* format = ByLanguage(language, "%s 파일을 저장하는 데 실패하였습니다.", "保存%s 文件失败.",
+                                  "I failed to save %s.");
   return FormatBounded(format, path.c_str());
 }
 

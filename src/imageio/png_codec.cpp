@@ -27,9 +27,10 @@ bool DecodePng(const std::uint8_t* data, std::size_t count, const PixelAllocator
   for (std::size_t i = 0; i < total; ++i) {
     const std::uint32_t bgra = pixels[i];
     const auto alpha = static_cast<std::uint8_t>(bgra >> 24);
-    pixels[i] = alpha == 255 ? (bgra & 0x00FFFFFF)
-                             : OverWhite(static_cast<std::uint8_t>(bgra >> 16), static_cast<std::uint8_t>(bgra >> 8),
-                                         static_cast<std::uint8_t>(bgra), alpha);
+    pixels[i] = alpha == 255
+                    ? (bgra & 0x00FFFFFF)
+                    : OverWhite(static_cast<std::uint8_t>(bgra >> 16), static_cast<std::uint8_t>(bgra >> 8),
+                                static_cast<std::uint8_t>(bgra), alpha);
   }
   return true;
 }

@@ -25,8 +25,8 @@ TEST(BitmapFileLayout, SmallDepthsRoundUpAndCarryAFullColourTable) {
   struct Case {
     int planes, bits, depth, colors;
   };
-  for (const Case c : {Case{1, 1, 1, 2}, Case{1, 2, 4, 16}, Case{2, 2, 4, 16}, Case{1, 4, 4, 16}, Case{1, 5, 8, 256},
-                       Case{1, 8, 8, 256}, Case{3, 4, 24, 0}}) {
+  for (const Case c : {Case{1, 1, 1, 2}, Case{1, 2, 4, 16}, Case{2, 2, 4, 16}, Case{1, 4, 4, 16},
+                       Case{1, 5, 8, 256}, Case{1, 8, 8, 256}, Case{3, 4, 24, 0}}) {
     const auto layout = ComputeBitmapFileLayout(10, 3, c.planes, c.bits);
     EXPECT_EQ(layout.depth, c.depth) << c.planes << "x" << c.bits;
     EXPECT_EQ(layout.colorCount, c.colors);

@@ -17,7 +17,9 @@ std::uint32_t PixelAt(const Dib24& dib, int x, int y) {
   return (p[2] << 16) | (p[1] << 8) | p[0];
 }
 
-std::optional<Dib24> Read(const std::vector<std::uint8_t>& file) { return ReadBitmapFile(file.data(), file.size()); }
+std::optional<Dib24> Read(const std::vector<std::uint8_t>& file) {
+  return ReadBitmapFile(file.data(), file.size());
+}
 
 TEST(BitmapFileReader, TwentyFourBitBottomUpWithRowPadding) {
   BmpSpec spec;
@@ -149,17 +151,17 @@ TEST(BitmapFileReader, MalformedFilesGiveNothing) {
   };
   EXPECT_FALSE(variant([](BmpSpec& s) { s.infoSize = 20; }));
   EXPECT_FALSE(variant([](BmpSpec& s) { s.bitCount = 2; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.compression = 1; }));   // run-length
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.compression = 3; }));   // bitfields need 16 or 32 bits
+  EXPECT_FALSE(variant([](BmpSpec& s) { s.compression = 1; }));  // run-length
+  EXPECT_FALSE(variant([](BmpSpec& s) { s.compression = 3; }));  // bitfields need 16 or 32 bits
   EXPECT_FALSE(variant([](BmpSpec& s) { s.width = 0; }));
   EXPECT_FALSE(variant([](BmpSpec& s) { s.width = -2; }));
   EXPECT_FALSE(variant([](BmpSpec& s) { s.height = 0; }));
   EXPECT_FALSE(variant([](BmpSpec& s) { s.height = INT32_MIN; }));
   EXPECT_FALSE(variant([](BmpSpec& s) { s.width = 0x7FFFFFFF; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.height = 100000; }));             // rows beyond the data
+  EXPECT_FALSE(variant([](BmpSpec& s) { s.height = 100000; }));  // rows beyond the data
   EXPECT_FALSE(variant([](BmpSpec& s) { s.pixelOffsetOverride = 0x7FFFFFFF; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.pixelOffsetOverride = 60; }));   // last row cut short
-  EXPECT_FALSE(variant([](BmpSpec& s) {                                     // table beyond the data
+  EXPECT_FALSE(variant([](BmpSpec& s) { s.pixelOffsetOverride = 60; }));  // last row cut short
+  EXPECT_FALSE(variant([](BmpSpec& s) {                                   // table beyond the data
     s.bitCount = 8;
     s.pixels.clear();
   }));

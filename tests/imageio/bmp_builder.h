@@ -15,9 +15,9 @@ struct BmpSpec {
   std::uint16_t bitCount = 24;
   std::uint32_t compression = 0;
   std::uint32_t colorsUsed = 0;
-  std::vector<std::uint32_t> masks;     // written after the 40-byte header (BI_BITFIELDS)
-  std::vector<std::uint32_t> palette;   // 0x00RRGGBB entries
-  std::vector<std::uint8_t> pixels;     // the rows exactly as they go into the file
+  std::vector<std::uint32_t> masks;    // written after the 40-byte header (BI_BITFIELDS)
+  std::vector<std::uint32_t> palette;  // 0x00RRGGBB entries
+  std::vector<std::uint8_t> pixels;    // the rows exactly as they go into the file
   std::int64_t pixelOffsetOverride = -1;
 };
 
@@ -62,8 +62,8 @@ inline std::vector<std::uint8_t> BuildBmp(const BmpSpec& spec) {
     out.push_back(static_cast<std::uint8_t>(color >> 16));
     if (entrySize == 4) out.push_back(0);
   }
-  const std::size_t offset = spec.pixelOffsetOverride >= 0 ? static_cast<std::size_t>(spec.pixelOffsetOverride)
-                                                           : out.size();
+  const std::size_t offset =
+      spec.pixelOffsetOverride >= 0 ? static_cast<std::size_t>(spec.pixelOffsetOverride) : out.size();
   Put32(out, 10, static_cast<std::uint32_t>(offset));
   out.insert(out.end(), spec.pixels.begin(), spec.pixels.end());
   Put32(out, 2, static_cast<std::uint32_t>(out.size()));

@@ -21,8 +21,8 @@ TEST(ImageSource, UrlsAreRecognisedWithTheirService) {
 
 TEST(ImageSource, PathsAndUnparsableTextAreNotUrls) {
   UrlService service = UrlService::Ftp;
-  for (const char* text : {"", "/tmp/a.jpg", "C:\\pictures\\a.jpg", "a.jpg", "http:/x", "http://", "http:///x",
-                           "mailto://someone", "://host/x"}) {
+  for (const char* text : {"", "/tmp/a.jpg", "C:\\pictures\\a.jpg", "a.jpg", "http:/x", "http://",
+                           "http:///x", "mailto://someone", "://host/x"}) {
     EXPECT_FALSE(ParseUrl(text, &service)) << text;
   }
   EXPECT_EQ(service, UrlService::Ftp);

@@ -26,7 +26,8 @@ std::size_t Repair(std::vector<std::uint8_t>& data) {
 }
 
 TEST(JpegRepair, AppendsTheEndMarkerToCutJfifAndExifData) {
-  for (auto [marker, name] : {std::pair<std::uint8_t, std::string>{0xE0, "JFIF"}, {0xE1, "Exif"}, {0xE0, "jfif"}}) {
+  for (auto [marker, name] :
+       {std::pair<std::uint8_t, std::string>{0xE0, "JFIF"}, {0xE1, "Exif"}, {0xE0, "jfif"}}) {
     std::vector<std::uint8_t> data = Jpeg(marker, name, false);
     const std::size_t before = data.size();
     EXPECT_EQ(Repair(data), before + 2) << name;

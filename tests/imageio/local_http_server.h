@@ -43,9 +43,13 @@ class LocalHttpServer {
   void Serve(const std::string& path, std::vector<std::uint8_t> body) { bodies_[path] = std::move(body); }
   void Redirect(const std::string& path, const std::string& target) { redirects_[path] = target; }
   void Stall(const std::string& path) { stalls_.push_back(path); }
-  void Start() { thread_ = std::thread([this] { Run(); }); }
+  void Start() {
+    thread_ = std::thread([this] { Run(); });
+  }
 
-  std::string Url(const std::string& path) const { return "http://127.0.0.1:" + std::to_string(port_) + path; }
+  std::string Url(const std::string& path) const {
+    return "http://127.0.0.1:" + std::to_string(port_) + path;
+  }
 
  private:
   bool WaitReadable(int fd) {

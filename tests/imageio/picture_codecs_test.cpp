@@ -83,7 +83,8 @@ TEST(PictureCodecs, IconsMetafilesAndUnknownDataAreNotDecoded) {
   EXPECT_EQ(DetectPictureFormat(icon.data(), icon.size()), PictureFormat::Icon);
   const std::vector<std::uint8_t> wmf = {0xD7, 0xCD, 0xC6, 0x9A, 0, 0};
   EXPECT_EQ(DetectPictureFormat(wmf.data(), wmf.size()), PictureFormat::Metafile);
-  for (const auto& data : {icon, wmf, std::vector<std::uint8_t>{'h', 'e', 'l', 'l', 'o'}, std::vector<std::uint8_t>{}}) {
+  for (const auto& data :
+       {icon, wmf, std::vector<std::uint8_t>{'h', 'e', 'l', 'l', 'o'}, std::vector<std::uint8_t>{}}) {
     bool asked = false;
     EXPECT_FALSE(DecodePicturePixels(data.data(), data.size(), [&asked](int, int) {
       asked = true;

@@ -8,7 +8,9 @@
 
 namespace imageio_test {
 
-inline std::string SamplePath(const std::string& name) { return std::string(IE_TEST_DATA) + "/imageio/" + name; }
+inline std::string SamplePath(const std::string& name) {
+  return std::string(IE_TEST_DATA) + "/imageio/" + name;
+}
 
 inline std::vector<std::uint8_t> ReadSample(const std::string& name) {
   std::ifstream in(SamplePath(name), std::ios::binary);
