@@ -86,7 +86,7 @@ class LocalHttpServer {
       Send(client, "HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n");
       Send(client, std::string(body.begin(), body.end()));
     } else if (std::find(stalls_.begin(), stalls_.end(), path) != stalls_.end()) {
-      Send(client, "HTTP/1.0 200 OK\r\nContent-Length: 1000\r\n\r\nxx");
+      Send(client, "HTTP/1.0 200 OK\r\nContent-Length: 30\r\n\r\nxx");
       while (!stop_ && ::recv(client, buffer, sizeof buffer, MSG_DONTWAIT) != 0) ::usleep(20000);
     } else {
       Send(client, "HTTP/1.0 404 Not Found\r\nContent-Length: 0\r\n\r\n");

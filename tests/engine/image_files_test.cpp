@@ -1,0 +1,235 @@
+#include <unistd.h>
+
+#include <fstream>
+
+#include "imageio/bitmap_file_reader.h"
+#include "imageio/bmp_builder.h"
+#include "imageio/pillow_reader.h"
+#include "test_support.h"
+
+namespace {
+
+constexpr COLORREF kRed = 0x0000FF;
+constexpr COLORREF kBlue = 0xFF0000;
+
+// A 24-bit bitmap file of the given COLORREFs, top row first.
+std::vector<std::uint8_t> BitmapFile(int width, int height, const std::vector<COLORREF>& colors) {
+  imageio_test::BmpSpec spec;
+  spec.width = width;
+  spec.height = height;
+  const int stride = (width * 3 + 3) & ~3;
+  spec.pixels.assign(static_cast<std::size_t>(stride) * height, 0);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const COLORREF c = colors[static_cast<std::size_t>(y * width + x)];
+      std::uint8_t* p = spec.pixels.data() + static_cast<std::size_t>(height - 1 - y) * stride + x * 3;
+      p[0] = GetBValue(c);
+      p[1] = GetGValue(c);
+      p[2] = GetRValue(c);
+    }
+  }
+  return imageio_test::BuildBmp(spec);
+}
+
+// The pixels of a written bitmap file as COLORREFs, top row first.
+struct WrittenPicture {
+  int width = 0;
+  int height = 0;
+  std::vector<COLORREF> colors;
+};
+
+std::optional<WrittenPicture> ReadWritten(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  const std::vector<std::uint8_t> data{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  const auto dib = imageio::ReadBitmapFile(data.data(), data.size());
+  if (!dib) return std::nullopt;
+  WrittenPicture picture{dib->width, dib->height, {}};
+  for (int y = 0; y < dib->height; ++y) {
+    for (int x = 0; x < dib->width; ++x) {
+      const std::uint8_t* p =
+          dib->rows.data() + static_cast<std::size_t>(dib->height - 1 - y) * dib->stride + x * 3;
+      picture.colors.push_back(RGB(p[2], p[1], p[0]));
+    }
+  }
+  return picture;
+}
+
+class ImageFilesTest : public HostedTest {
+ protected:
+  void TearDown() override {
+    for (const std::string& file : files_) std::remove(file.c_str());
+    HostedTest::TearDown();
+  }
+  // A file in the temp folder; returns its bare name (the full path is remembered).
+  std::string TempName(const std::string& name) {
+    const std::string bare = "image_files_" + std::to_string(::getpid()) + "_" + name;
+    files_.push_back(platform::TempFolder() + bare);
+    return bare;
+  }
+  std::string WritePicture(const std::string& name, const std::vector<std::uint8_t>& data) {
+    TempName(name);
+    std::ofstream(files_.back(), std::ios::binary)
+        .write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
+    return files_.back();
+  }
+  std::vector<std::string> files_;
+};
+
+TEST_F(ImageFilesTest, SetImageLoadsTheOriginalAndLaysItOut) {
+  LiveEditor live(20, 10);
+  const std::vector<COLORREF> colors{kRed, kRed, kBlue, kBlue, kBlue, kBlue, kRed, kRed};
+  live->m_scalingAllowed = false;
+  live->SetImage(WritePicture("a.bmp", BitmapFile(4, 2, colors)).c_str());
+  ASSERT_NE(live->m_originalImage, nullptr);
+  EXPECT_EQ(live->m_originalWidth, 4);
+  EXPECT_EQ(live->m_originalHeight, 2);
+  EXPECT_TRUE(live->m_scalingAllowed);
+  EXPECT_EQ(BitmapColors(live->m_originalImage), colors);
+  // At 100 %, centred in the 20 x 10 surfaces.
+  EXPECT_EQ(live->m_displayedWidth, 4);
+  EXPECT_EQ(live->m_imageRect.left, 8);
+  EXPECT_EQ(live->m_imageRect.top, 4);
+  EXPECT_EQ(GetPixel(live->m_imageSurface.dc, 8, 4), kRed);
+  EXPECT_EQ(GetPixel(live->m_imageSurface.dc, 11, 5), kRed);
+  EXPECT_EQ(GetPixel(live->m_imageSurface.dc, 10, 4), kBlue);
+}
+
+TEST_F(ImageFilesTest, FailedSetImageKeepsTheViewAndDropsTheOriginal) {
+  LiveEditor live(20, 10);
+  live->SetImage(WritePicture("b.bmp", BitmapFile(2, 1, {kRed, kBlue})).c_str());
+  ASSERT_NE(live->m_originalImage, nullptr);
+  const std::vector<COLORREF> shown = SurfaceColors(live->m_imageSurface.dc, 20, 10);
+  const HBITMAP drawingLayer = live->m_drawingLayer.bitmap;
+  live->m_scalingAllowed = false;
+  const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
+
+  live->SetImage((platform::TempFolder() + "image_files_missing.bmp").c_str());
+  EXPECT_EQ(live->m_originalImage, nullptr);
+  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmapsBefore - 1) << "the old original is deleted";
+  EXPECT_FALSE(live->m_scalingAllowed);
+  EXPECT_EQ(live->m_drawingLayer.bitmap, drawingLayer);
+  EXPECT_EQ(SurfaceColors(live->m_imageSurface.dc, 20, 10), shown);
+  EXPECT_TRUE(host_.messages.empty()) << "not verbose";
+
+  live->m_verbose = true;
+  live->SetImage("/nonexistent/picture.png");
+  ASSERT_EQ(host_.messages.size(), 1u);
+  EXPECT_EQ(host_.messages[0].text, "I failed to read /nonexistent/picture.png. An error code is 2.");
+}
+
+TEST_F(ImageFilesTest, SetImageBeforeTheWindowExistsDoesNothing) {
+  CImageEditWnd editor;
+  editor.SetImage((std::string(IE_TEST_DATA) + "/imageio/rgba_2x2.png").c_str());
+  EXPECT_EQ(editor.m_originalImage, nullptr);
+}
+
+TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
+  LiveEditor live(20, 10);
+  const std::vector<COLORREF> colors{kRed, 0x00FF00, kBlue, 0x808080, 0x123456, 0xFFFFFF};
+  live->SetImage(WritePicture("c.bmp", BitmapFile(3, 2, colors)).c_str());
+  // A stroke on the drawing layer over the image's second pixel.
+  SetPixel(live->m_drawingLayer.dc, live->m_imageRect.left + 1, live->m_imageRect.top, 0x0000AA);
+  const std::string bare = TempName("saved.bmp");
+  live->SaveEditedBitmap(bare.c_str());  // a bare name goes to the temp folder
+  const auto written = ReadWritten(files_.back());
+  ASSERT_TRUE(written);
+  EXPECT_EQ(written->width, 3);
+  EXPECT_EQ(written->height, 2);
+  std::vector<COLORREF> expected = colors;
+  expected[1] = 0x0000AA;
+  EXPECT_EQ(written->colors, expected);
+}
+
+TEST_F(ImageFilesTest, SaveSizeStretchesToAnyProportions) {
+  LiveEditor live(20, 10);
+  live->SetImage(
+      WritePicture("d.bmp", BitmapFile(4, 2, {kRed, kRed, kBlue, kBlue, kRed, kRed, kBlue, kBlue})).c_str());
+  live->SetSaveEditedBitmapSize(640, 0);
+  live->SetSaveEditedBitmapSize(-1, 480);
+  EXPECT_EQ(live->m_saveWidth, 0);
+  EXPECT_EQ(live->m_saveHeight, 0);
+  live->SetSaveEditedBitmapSize(8, 5);
+  EXPECT_EQ(live->m_saveWidth, 8);
+  EXPECT_EQ(live->m_saveHeight, 5);
+
+  live->SaveEditedBitmap(TempName("stretched.bmp").c_str());
+  const auto written = ReadWritten(files_.back());
+  ASSERT_TRUE(written);
+  ASSERT_EQ(written->width, 8);
+  ASSERT_EQ(written->height, 5);
+  // Each half of the picture maps onto whole output columns: no mixed colours.
+  for (int y = 0; y < 5; ++y) {
+    for (int x = 0; x < 8; ++x)
+      EXPECT_EQ(written->colors[static_cast<std::size_t>(y * 8 + x)], x < 4 ? kRed : kBlue);
+  }
+}
+
+TEST_F(ImageFilesTest, FramePiecesWidenTheSavedArea) {
+  LiveEditor live(60, 50);
+  live->SetImage(WritePicture("e.bmp", BitmapFile(2, 2, {kRed, kRed, kRed, kRed})).c_str());
+  live->m_framePresent = true;
+  for (int orientation : {0, 2, 4, 6}) {
+    live->m_frame[orientation].width = 20;
+    live->m_frame[orientation].height = 20;
+  }
+  live->SaveEditedBitmap(TempName("framed.bmp").c_str());
+  const auto written = ReadWritten(files_.back());
+  ASSERT_TRUE(written);
+  EXPECT_EQ(written->width, 42);
+  EXPECT_EQ(written->height, 42);
+  EXPECT_EQ(written->colors[static_cast<std::size_t>(20 * 42 + 20)], kRed)
+      << "the image sits inside the frame";
+}
+
+TEST_F(ImageFilesTest, SelectionBoxSaveTakesThePixelsSeenInTheBoxWhenScrolled) {
+  LiveEditor live(10, 8);
+  // A 30 x 20 picture larger than the view, each pixel distinct.
+  std::vector<COLORREF> colors;
+  for (int y = 0; y < 20; ++y) {
+    for (int x = 0; x < 30; ++x) colors.push_back(RGB(x * 8, y * 12, 77));
+  }
+  live->SetImage(WritePicture("f.bmp", BitmapFile(30, 20, colors)).c_str());
+  ASSERT_EQ(live->m_imageRect.left, 0);
+  live->m_hScrollPos = 5;
+  live->m_vScrollPos = 3;
+  live->m_selectionBoxX = 2;
+  live->m_selectionBoxY = 1;
+  live->m_selectionBoxWidth = 3;
+  live->m_selectionBoxHeight = 2;
+  live->m_saveWidth = 100;  // the save size plays no part here
+  live->m_saveHeight = 100;
+  live->SaveSelectionBoxBitmap(TempName("box.bmp").c_str());
+  const auto written = ReadWritten(files_.back());
+  ASSERT_TRUE(written);
+  ASSERT_EQ(written->width, 3);
+  ASSERT_EQ(written->height, 2);
+  for (int y = 0; y < 2; ++y) {
+    for (int x = 0; x < 3; ++x) {
+      EXPECT_EQ(written->colors[static_cast<std::size_t>(y * 3 + x)],
+                colors[static_cast<std::size_t>((y + 4) * 30 + x + 7)]);
+    }
+  }
+}
+
+TEST_F(ImageFilesTest, SelectionBoxSaveWithoutABoxWritesNothing) {
+  LiveEditor live(10, 8);
+  live->SetImage(WritePicture("g.bmp", BitmapFile(2, 2, {kRed, kRed, kRed, kRed})).c_str());
+  live->m_selectionBoxWidth = 5;
+  live->SaveSelectionBoxBitmap(TempName("nobox.bmp").c_str());
+  EXPECT_FALSE(std::ifstream(files_.back()).good());
+}
+
+TEST_F(ImageFilesTest, SavedFilesOpenInAnotherReader) {
+  SKIP_WITHOUT_PILLOW();
+  LiveEditor live(20, 10);
+  live->SetImage((std::string(IE_TEST_DATA) + "/imageio/two_frames_3x2.gif").c_str());
+  live->SaveEditedBitmap(TempName("pillow.bmp").c_str());
+  const auto picture = imageio_test::ReadWithPillow(files_.back());
+  ASSERT_TRUE(picture);
+  ASSERT_EQ(picture->width, 3);
+  ASSERT_EQ(picture->height, 2);
+  EXPECT_EQ(picture->pixels,
+            (std::vector<std::uint32_t>{0xFF0000, 0x00FF00, 0xFFFFFF, 0xFFFFFF, 0x00FF00, 0xFF0000}));
+}
+
+}  // namespace
