@@ -127,8 +127,8 @@ std::vector<MethodInfo> BuildDispatchMethods() {
       Bind<&C::WaterDropImage>(32, "WaterDropImage"),
       Bind<&C::HeartImage>(33, "HeartImage"),
       Bind<&C::MosaicImage>(34, "MosaicImage"),
-      Bind<&C::InsertBalloonText>(35, "InsertBalloonText", "nStartX", "nStartY", "lpszFilePath", "nTextStartX",
-                                  "nTextStartY", "nTextEndX", "nTextEndY", "lpszText"),
+      Bind<&C::InsertBalloonText>(35, "InsertBalloonText", "nStartX", "nStartY", "lpszFilePath",
+                                  "nTextStartX", "nTextStartY", "nTextEndX", "nTextEndY", "lpszText"),
       Bind<&C::InsertIcon>(36, "InsertIcon", "nStartX", "nStartY", "lpszFilePath"),
       Bind<&C::FlipImage>(37, "FlipImage"),
       Bind<&C::ReverseImage>(38, "ReverseImage"),
@@ -237,8 +237,8 @@ const MethodInfo* FindMethod(int dispid) {
 InvokeResult Invoke(CImageEditCtrl& control, const MethodInfo& method, std::span<const Variant> args) {
   if (args.size() != method.params.size()) {
     return {DISP_E_BADPARAMCOUNT, Variant(),
-            std::string(method.name) + " takes " + std::to_string(method.params.size()) + " argument(s), not " +
-                std::to_string(args.size())};
+            std::string(method.name) + " takes " + std::to_string(method.params.size()) +
+                " argument(s), not " + std::to_string(args.size())};
   }
   std::vector<Variant> converted;
   converted.reserve(args.size());
@@ -247,8 +247,8 @@ InvokeResult Invoke(CImageEditCtrl& control, const MethodInfo& method, std::span
     std::optional<Variant> value = ConvertArgument(param, args[i]);
     if (!value) {
       return {DISP_E_TYPEMISMATCH, Variant(),
-              std::string(method.name) + ": argument " + std::to_string(i + 1) + " (" + param.name + ") must be " +
-                  ExpectedName(param.type) + ", not " + TypeName(args[i].type())};
+              std::string(method.name) + ": argument " + std::to_string(i + 1) + " (" + param.name +
+                  ") must be " + ExpectedName(param.type) + ", not " + TypeName(args[i].type())};
     }
     converted.push_back(std::move(*value));
   }

@@ -59,7 +59,9 @@ void CImageEditCtrl::SetImage(LPCSTR lpszFilePath) { Forward(&CImageEditWnd::Set
 void CImageEditCtrl::SaveEditedBitmap(LPCSTR lpszFilePath) {
   Forward(&CImageEditWnd::SaveEditedBitmap, lpszFilePath);
 }
-Variant CImageEditCtrl::SetColor(LPCSTR lpszColor) { return ForwardString(&CImageEditWnd::SetColor, lpszColor); }
+Variant CImageEditCtrl::SetColor(LPCSTR lpszColor) {
+  return ForwardString(&CImageEditWnd::SetColor, lpszColor);
+}
 Variant CImageEditCtrl::GetColor() { return ForwardString(&CImageEditWnd::GetColor); }
 void CImageEditCtrl::SelectColor() { Forward(&CImageEditWnd::SelectColor); }
 void CImageEditCtrl::FillWithSelectedColor() { Forward(&CImageEditWnd::FillWithSelectedColor); }
@@ -67,10 +69,14 @@ void CImageEditCtrl::SetEraser(int nEraserSize) { Forward(&CImageEditWnd::SetEra
 void CImageEditCtrl::SetPen(int nPenSize) { Forward(&CImageEditWnd::SetPen, nPenSize); }
 void CImageEditCtrl::SetBrush(int nBrushSize) { Forward(&CImageEditWnd::SetBrush, nBrushSize); }
 void CImageEditCtrl::SetAirBrush(int nAirBrushSize) { Forward(&CImageEditWnd::SetAirBrush, nAirBrushSize); }
-void CImageEditCtrl::SetBitmapBrush(LPCSTR lpszFilePath) { Forward(&CImageEditWnd::SetBitmapBrush, lpszFilePath); }
+void CImageEditCtrl::SetBitmapBrush(LPCSTR lpszFilePath) {
+  Forward(&CImageEditWnd::SetBitmapBrush, lpszFilePath);
+}
 void CImageEditCtrl::SetShape(int nShapeStyle) { Forward(&CImageEditWnd::SetShape, nShapeStyle); }
 void CImageEditCtrl::EnterText() { Forward(&CImageEditWnd::EnterText); }
-Variant CImageEditCtrl::SetTextFont(LPCSTR lpszFont) { return ForwardString(&CImageEditWnd::SetTextFont, lpszFont); }
+Variant CImageEditCtrl::SetTextFont(LPCSTR lpszFont) {
+  return ForwardString(&CImageEditWnd::SetTextFont, lpszFont);
+}
 Variant CImageEditCtrl::SetTextBackgroundColor(LPCSTR lpszColor) {
   return ForwardString(&CImageEditWnd::SetTextBackgroundColor, lpszColor);
 }
@@ -84,7 +90,9 @@ void CImageEditCtrl::Undo() { Forward(&CImageEditWnd::Undo); }
 void CImageEditCtrl::Redo() { Forward(&CImageEditWnd::Redo); }
 // Every non-zero value means the same to Clear, so the argument passes unchanged.
 void CImageEditCtrl::Clear(long bImage) { Forward(&CImageEditWnd::Clear, bImage); }
-BOOL CImageEditCtrl::ScaleImage(int nScaleFactor) { return Forward(&CImageEditWnd::ScaleImage, nScaleFactor); }
+BOOL CImageEditCtrl::ScaleImage(int nScaleFactor) {
+  return Forward(&CImageEditWnd::ScaleImage, nScaleFactor);
+}
 void CImageEditCtrl::SetSaveEditedBitmapSize(int nWidth, int nHeight) {
   Forward(&CImageEditWnd::SetSaveEditedBitmapSize, nWidth, nHeight);
 }
@@ -104,8 +112,8 @@ void CImageEditCtrl::HeartImage() { Forward(&CImageEditWnd::WaterDropImage); }
 void CImageEditCtrl::MosaicImage() { Forward(&CImageEditWnd::MosaicImage); }
 void CImageEditCtrl::InsertBalloonText(int nStartX, int nStartY, LPCSTR lpszFilePath, int nTextStartX,
                                        int nTextStartY, int nTextEndX, int nTextEndY, LPCSTR lpszText) {
-  Forward(&CImageEditWnd::InsertBalloonText, nStartX, nStartY, lpszFilePath, nTextStartX, nTextStartY, nTextEndX,
-          nTextEndY, lpszText);
+  Forward(&CImageEditWnd::InsertBalloonText, nStartX, nStartY, lpszFilePath, nTextStartX, nTextStartY,
+          nTextEndX, nTextEndY, lpszText);
 }
 void CImageEditCtrl::InsertIcon(int nStartX, int nStartY, LPCSTR lpszFilePath) {
   Forward(&CImageEditWnd::InsertIcon, nStartX, nStartY, lpszFilePath);

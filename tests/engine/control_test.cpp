@@ -1,0 +1,408 @@
+// The control shell: the gate before the editor window exists, forwarding and the
+// flag conversions, events, safety answers, and the control's own window handling.
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "control/dispatch_table.h"
+#include "control/image_edit_ctrl.h"
+#include "test_support.h"
+
+namespace {
+
+class DialogRecordingHost : public RecordingHost {
+ public:
+  struct Dialog {
+    int id;
+    std::string title;
+  };
+  std::vector<Dialog> dialogs;
+  void ShowDialog(int dialogId, const std::string& title) override { dialogs.push_back({dialogId, title}); }
+};
+
+class ControlTest : public ::testing::Test {
+ protected:
+  void SetUp() override { platform::SetHost(&host_); }
+  void TearDown() override {
+    control_.reset();
+    if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
+    platform::SetHost(nullptr);
+  }
+  // Activates the control the way a host does: its window, then the editor window.
+  void Activate(int width = 160, int height = 120) {
+    hostWindow_ = platform::CreateHostWindow(width, height);
+    ASSERT_TRUE(control_->CreateControl(hostWindow_, width, height));
+  }
+  InvokeResult Call(std::string_view name, std::vector<Variant> args = {}) {
+    return Invoke(*control_, name, args);
+  }
+  CImageEditWnd& editor() { return control_->m_editor; }
+
+  DialogRecordingHost host_;
+  HWND hostWindow_ = nullptr;
+  std::unique_ptr<CImageEditCtrl> control_ = std::make_unique<CImageEditCtrl>();
+};
+
+// ---- before the editor window exists ----
+
+// A picture the loader can read, so that inert image methods are told apart from
+// failed loads.
+constexpr char kPicture[] = IE_TEST_DATA "/imageio/rgba_2x2.png";
+
+// Arguments good enough for every parameter type.
+std::vector<Variant> SampleArguments(const MethodInfo& method) {
+  std::vector<Variant> args;
+  for (const ParamInfo& param : method.params) {
+    args.push_back(param.type == ParamType::String ? Variant::String(kPicture) : Variant::Int(1));
+  }
+  return args;
+}
+
+TEST_F(ControlTest, EveryMethodButAboutBoxIsInertBeforeTheEditorWindowExists) {
+  editor().m_toolMode = 5;
+  const int penSize = editor().m_penSize;
+  const bool verbose = editor().m_verbose;
+  const bool shortcutMenu = editor().m_shortcutMenuEnabled;
+  const int historyCount = editor().m_historyCount;
+  for (const MethodInfo& method : DispatchMethods()) {
+    if (method.dispid == DISPID_ABOUTBOX) continue;
+    SCOPED_TRACE(method.name);
+    const InvokeResult result = Invoke(*control_, method, SampleArguments(method));
+    ASSERT_EQ(result.hr, S_OK) << result.error;
+    switch (method.result) {
+      case ResultType::None:
+        EXPECT_TRUE(result.value.isEmpty());
+        break;
+      case ResultType::String:
+        EXPECT_TRUE(result.value.isNull());
+        break;
+      case ResultType::Bool:
+        EXPECT_EQ(result.value, Variant::Bool(false));
+        break;
+    }
+  }
+  EXPECT_FALSE(editor().m_windowCreated);
+  EXPECT_EQ(editor().m_toolMode, 5);  // SetNothing did not touch it
+  EXPECT_EQ(editor().m_penSize, penSize);
+  EXPECT_EQ(editor().m_verbose, verbose);
+  EXPECT_EQ(editor().m_shortcutMenuEnabled, shortcutMenu);
+  EXPECT_EQ(editor().m_historyCount, historyCount);
+  EXPECT_FALSE(editor().m_settings.gray);
+  EXPECT_EQ(editor().m_originalImage, nullptr);
+  EXPECT_EQ(editor().m_bitmapBrush, nullptr);
+  EXPECT_EQ(editor().m_objectCount, 0);
+  EXPECT_TRUE(host_.dialogs.empty());
+  EXPECT_TRUE(host_.messages.empty());
+}
+
+TEST_F(ControlTest, DirectCallsBeforeCreationReturnTheEmptyResults) {
+  EXPECT_TRUE(control_->GetColor().isNull());
+  EXPECT_TRUE(control_->SetColor("FF0000").isNull());
+  EXPECT_TRUE(control_->SetTextFont("Arial,10").isNull());
+  EXPECT_TRUE(control_->SetTextBackgroundColor("TRANSPARENT").isNull());
+  EXPECT_EQ(control_->ScaleImage(50), FALSE);
+  control_->SetImage(kPicture);
+  EXPECT_EQ(editor().m_originalImage, nullptr);
+}
+
+TEST_F(ControlTest, AboutBoxShowsDialogOneInEveryState) {
+  EXPECT_EQ(Call("AboutBox").hr, S_OK);
+  Activate();
+  control_->AboutBox();
+  ASSERT_EQ(host_.dialogs.size(), 2u);
+  for (const auto& dialog : host_.dialogs) {
+    EXPECT_EQ(dialog.id, 1);
+    EXPECT_EQ(dialog.title, "About Image Edit Control");
+  }
+}
+
+// ---- activation and the control's window ----
+
+TEST_F(ControlTest, ActivationCreatesAndShowsTheEditorWindowAtTheControlSize) {
+  Activate(200, 150);
+  ASSERT_TRUE(IsWindow(control_->m_hWnd));
+  EXPECT_EQ(GetParent(control_->m_hWnd), hostWindow_);
+  EXPECT_TRUE(editor().m_windowCreated);
+  ASSERT_TRUE(IsWindow(editor().m_hWnd));
+  EXPECT_EQ(GetParent(editor().m_hWnd), control_->m_hWnd);
+  EXPECT_TRUE(IsWindowVisible(editor().m_hWnd));
+  RECT client{};
+  GetClientRect(editor().m_hWnd, &client);
+  EXPECT_EQ(client.right - client.left, 200);
+  EXPECT_EQ(client.bottom - client.top, 150);
+  EXPECT_EQ(editor().m_control, control_.get());
+  EXPECT_TRUE(control_->IsUIActive());
+  EXPECT_EQ(GetFocus(), control_->m_hWnd);
+}
+
+TEST_F(ControlTest, ControlWindowClassIsRegisteredOnce) {
+  Activate();
+  WNDCLASSA windowClass{};
+  ASSERT_TRUE(GetClassInfoA(AfxGetInstanceHandle(), "OstrelImageEditCtrl", &windowClass));
+  EXPECT_EQ(windowClass.style, 0x000Bu);
+  EXPECT_EQ(windowClass.lpfnWndProc, &DefWindowProcA);
+  EXPECT_NE(windowClass.hCursor, nullptr);
+  EXPECT_EQ(windowClass.hbrBackground, nullptr);
+  // A second control finds the class and creates its window as well.
+  CImageEditCtrl second;
+  EXPECT_TRUE(second.CreateControl(hostWindow_, 40, 30));
+  EXPECT_TRUE(second.m_editor.m_windowCreated);
+}
+
+TEST_F(ControlTest, MouseActivationMakesTheControlUIActive) {
+  hostWindow_ = platform::CreateHostWindow(100, 100);
+  // Created without the host's activation: in place, not yet UI-active.
+  ASSERT_TRUE(
+      control_->CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{0, 0, 100, 100}, hostWindow_, 0));
+  EXPECT_FALSE(control_->IsUIActive());
+  SendMessageA(control_->m_hWnd, WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(hostWindow_),
+               MAKELPARAM(1, WM_LBUTTONDOWN));
+  EXPECT_TRUE(control_->IsUIActive());
+  EXPECT_EQ(GetFocus(), control_->m_hWnd);
+}
+
+TEST_F(ControlTest, OnDrawFillsTheBoundsWhite) {
+  HDC screen = GetDC(nullptr);
+  HBITMAP bitmap = MakeBitmap(screen, 4, 3, std::vector<COLORREF>(12, RGB(10, 20, 30)));
+  HDC dc = CreateCompatibleDC(screen);
+  HGDIOBJ previous = SelectObject(dc, bitmap);
+  control_->OnDraw(dc, RECT{1, 1, 3, 2});
+  const COLORREF k = RGB(10, 20, 30);
+  const COLORREF w = RGB(255, 255, 255);
+  EXPECT_EQ(SurfaceColors(dc, 4, 3), (std::vector<COLORREF>{k, k, k, k, k, w, w, k, k, k, k, k}));
+  SelectObject(dc, previous);
+  DeleteDC(dc);
+  DeleteObject(bitmap);
+  ReleaseDC(nullptr, screen);
+}
+
+// ---- forwarding after activation ----
+
+TEST_F(ControlTest, SetNothingClearsTheToolModeOnlyOnceTheEditorExists) {
+  Activate();
+  editor().m_toolMode = 9;
+  EXPECT_EQ(Call("SetNothing").hr, S_OK);
+  EXPECT_EQ(editor().m_toolMode, 0);
+}
+
+TEST_F(ControlTest, GetColorAnswersAStringOnceTheEditorExists) {
+  Activate();
+  const InvokeResult result = Call("GetColor");
+  ASSERT_EQ(result.value.type(), Variant::Type::String);
+  EXPECT_EQ(result.value.asString().size(), 6u);
+}
+
+TEST_F(ControlTest, GrayAndInvertTurnOnOnlyForOne) {
+  Activate();
+  for (long value : {1L, 2L, -1L, 0L, 1L, 7L}) {
+    control_->GrayImage(value);
+    control_->InvertImage(value);
+    EXPECT_EQ(editor().m_settings.gray, value == 1) << value;
+    EXPECT_EQ(editor().m_settings.invert, value == 1) << value;
+  }
+}
+
+// A host's truth value reaches the flag methods as 1 or 0, so automation's true (-1)
+// and any non-zero integer turn the setting on.
+TEST_F(ControlTest, FlagArgumentsFollowTheHostsTruthValue) {
+  Activate();
+  struct Case {
+    Variant argument;
+    bool on;
+  };
+  const Case cases[] = {{Variant::Bool(true), true},   {Variant::Int(0), false}, {Variant::Int(-1), true},
+                        {Variant::Bool(false), false}, {Variant::Int(2), true},  {Variant::Int(1), true}};
+  for (const Case& c : cases) {
+    for (const char* method : {"EnableVerbose", "EnableShortcutMenu", "GrayImage", "InvertImage"}) {
+      ASSERT_EQ(Call(method, {c.argument}).hr, S_OK);
+    }
+    EXPECT_EQ(editor().m_verbose, c.on);
+    EXPECT_EQ(editor().m_shortcutMenuEnabled, c.on);
+    EXPECT_EQ(editor().m_settings.gray, c.on);
+    EXPECT_EQ(editor().m_settings.invert, c.on);
+  }
+}
+
+// ---- events ----
+
+struct RecordedCall {
+  int sink;
+  int dispid;
+  std::vector<Variant> args;
+};
+
+class RecordingSink : public IEventSink {
+ public:
+  RecordingSink(int id, std::vector<RecordedCall>& log) : id_(id), log_(log) {}
+  void Invoke(int dispid, const std::vector<Variant>& args) override {
+    log_.push_back({id_, dispid, args});
+    if (onCall) onCall();
+  }
+  std::function<void()> onCall;
+
+ private:
+  int id_;
+  std::vector<RecordedCall>& log_;
+};
+
+TEST_F(ControlTest, ColorSelectedReachesEverySinkOnceInConnectionOrder) {
+  std::vector<RecordedCall> log;
+  RecordingSink a(1, log), b(2, log), c(3, log);
+  const DWORD cookieA = control_->Advise(&a);
+  const DWORD cookieB = control_->Advise(&b);
+  const DWORD cookieC = control_->Advise(&c);
+  EXPECT_NE(cookieA, 0u);
+  EXPECT_NE(cookieA, cookieB);
+  EXPECT_NE(cookieB, cookieC);
+
+  control_->FireColorSelected("00FF00");
+  ASSERT_EQ(log.size(), 3u);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(log[i].sink, i + 1);
+    EXPECT_EQ(log[i].dispid, DISPID_COLORSELECTED);
+    EXPECT_EQ(log[i].args, std::vector<Variant>{Variant::String("00FF00")});
+  }
+
+  log.clear();
+  EXPECT_TRUE(control_->Unadvise(cookieB));
+  EXPECT_FALSE(control_->Unadvise(cookieB));
+  EXPECT_FALSE(control_->Unadvise(12345));
+  control_->FireColorSelected("123ABC");
+  ASSERT_EQ(log.size(), 2u);
+  EXPECT_EQ(log[0].sink, 1);
+  EXPECT_EQ(log[1].sink, 3);
+  EXPECT_EQ(control_->Advise(nullptr), 0u);
+}
+
+TEST_F(ControlTest, SinksMayDisconnectWhileTheEventIsFired) {
+  std::vector<RecordedCall> log;
+  RecordingSink a(1, log), b(2, log), c(3, log);
+  const DWORD cookieA = control_->Advise(&a);
+  control_->Advise(&b);
+  const DWORD cookieC = control_->Advise(&c);
+  // The first sink disconnects itself and the third: the third is not called.
+  a.onCall = [&] {
+    control_->Unadvise(cookieA);
+    control_->Unadvise(cookieC);
+  };
+  control_->FireColorSelected("FFFFFF");
+  ASSERT_EQ(log.size(), 2u);
+  EXPECT_EQ(log[0].sink, 1);
+  EXPECT_EQ(log[1].sink, 2);
+  log.clear();
+  control_->FireColorSelected("000000");
+  ASSERT_EQ(log.size(), 1u);
+  EXPECT_EQ(log[0].sink, 2);
+}
+
+TEST_F(ControlTest, ScalingAndOtherCallsFireNothing) {
+  Activate();
+  std::vector<RecordedCall> log;
+  RecordingSink sink(1, log);
+  control_->Advise(&sink);
+  control_->ScaleImage(50);
+  control_->SetImageWidth(80);
+  control_->SelectColor();
+  control_->SetNothing();
+  EXPECT_TRUE(log.empty());
+}
+
+// ---- safety ----
+
+TEST_F(ControlTest, SafetyOptionsAreReportedForSupportedInterfacesOnly) {
+  const std::map<InterfaceId, HRESULT> expected = {
+      {InterfaceId::IUnknown, S_OK},
+      {InterfaceId::IDispatch, S_OK},
+      {InterfaceId::DImageEditCtrl, S_OK},
+      {InterfaceId::IObjectSafety, S_OK},
+      {InterfaceId::IConnectionPointContainer, S_OK},
+      {InterfaceId::IOleControl, S_OK},
+      {InterfaceId::IOleObject, S_OK},
+      {InterfaceId::IPersistPropertyBag, S_OK},
+      {InterfaceId::IStorage, E_NOINTERFACE},
+      {InterfaceId::IClassFactory, E_NOINTERFACE},
+  };
+  for (const auto& [iid, hr] : expected) {
+    DWORD supported = 0, enabled = 0;
+    EXPECT_EQ(control_->GetInterfaceSafetyOptions(iid, &supported, &enabled), hr);
+    EXPECT_EQ(supported, 3u);
+    EXPECT_EQ(enabled, 3u);
+    EXPECT_EQ(control_->QueryInterface(iid), hr);
+  }
+  DWORD value = 0;
+  EXPECT_EQ(control_->GetInterfaceSafetyOptions(InterfaceId::IDispatch, nullptr, &value), E_POINTER);
+}
+
+TEST_F(ControlTest, SafetyOptionsMaySetOnlyTheTwoKnownOptionsAllEnabled) {
+  struct Case {
+    DWORD mask;
+    DWORD enabled;
+    HRESULT hr;
+  };
+  const Case cases[] = {{0, 0, S_OK},   {1, 1, S_OK},   {2, 2, S_OK},   {3, 3, S_OK},
+                        {3, 7, S_OK},   {1, 3, S_OK},   {1, 0, E_FAIL}, {3, 1, E_FAIL},
+                        {2, 1, E_FAIL}, {4, 4, E_FAIL}, {5, 5, E_FAIL}, {0x80000003u, 0xFFFFFFFFu, E_FAIL}};
+  for (const Case& c : cases) {
+    EXPECT_EQ(control_->SetInterfaceSafetyOptions(InterfaceId::IDispatch, c.mask, c.enabled), c.hr)
+        << c.mask << " " << c.enabled;
+  }
+  EXPECT_EQ(control_->SetInterfaceSafetyOptions(InterfaceId::IStorage, 3, 3), E_NOINTERFACE);
+  EXPECT_EQ(control_->SetInterfaceSafetyOptions(InterfaceId::IClassFactory, 0, 0), E_NOINTERFACE);
+}
+
+// ---- key routing ----
+
+// A child window of the control standing for the host's side: with the focus, it
+// receives whatever keys the control lets through.
+class KeyTarget : public CWnd {
+ public:
+  std::vector<UINT> keys;
+  void OnKeyDown(UINT virtualKey, UINT, UINT) override { keys.push_back(virtualKey); }
+};
+
+const int kEditorKeys[] = {VK_TAB,  VK_ESCAPE, VK_PRIOR, VK_NEXT, VK_END,   VK_HOME,
+                           VK_LEFT, VK_UP,     VK_RIGHT, VK_DOWN, VK_DELETE};
+
+TEST_F(ControlTest, EditorKeysAreTakenAndOtherKeysPassThrough) {
+  Activate();
+  for (int key : kEditorKeys) {
+    for (UINT message : {WM_KEYDOWN, WM_KEYUP}) {
+      MSG msg{control_->m_hWnd, message, static_cast<WPARAM>(key), 0, 0, {0, 0}};
+      EXPECT_TRUE(control_->PreTranslateMessage(&msg)) << key;
+    }
+  }
+  for (int key : {int{'A'}, VK_RETURN, VK_BACK, VK_SHIFT, 0x2D /* Insert */, 0x29 /* Select */}) {
+    MSG msg{control_->m_hWnd, WM_KEYDOWN, static_cast<WPARAM>(key), 0, 0, {0, 0}};
+    EXPECT_FALSE(control_->PreTranslateMessage(&msg)) << key;
+  }
+  MSG character{control_->m_hWnd, WM_CHAR, VK_TAB, 0, 0, {0, 0}};
+  EXPECT_FALSE(control_->PreTranslateMessage(&character));
+}
+
+TEST_F(ControlTest, HostNeverSeesTheEditorKeys) {
+  Activate();
+  KeyTarget target;
+  ASSERT_TRUE(target.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{0, 0, 10, 10}, control_.get(), 7));
+  target.SetFocus();
+  for (int key : kEditorKeys) platform::KeyInput(hostWindow_, WM_KEYDOWN, key);
+  platform::KeyInput(hostWindow_, WM_KEYDOWN, 'A');
+  platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_RETURN);
+  EXPECT_EQ(target.keys, (std::vector<UINT>{'A', VK_RETURN}));
+  target.DestroyWindow();
+}
+
+TEST_F(ControlTest, KeysAreTakenEvenWhenTheEditorWindowIsGone) {
+  Activate();
+  editor().DestroyWindow();
+  MSG msg{control_->m_hWnd, WM_KEYDOWN, VK_DELETE, 0, 0, {0, 0}};
+  EXPECT_TRUE(control_->PreTranslateMessage(&msg));
+}
+
+TEST_F(ControlTest, KeysPassThroughBeforeTheEditorExists) {
+  MSG msg{nullptr, WM_KEYDOWN, VK_TAB, 0, 0, {0, 0}};
+  EXPECT_FALSE(control_->PreTranslateMessage(&msg));
+}
+
+}  // namespace
