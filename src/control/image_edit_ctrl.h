@@ -31,9 +31,6 @@ inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_DATA = 2;
 inline constexpr int DISPID_COLORSELECTED = 1;
 inline constexpr int DISPID_IMAGESCALED = 2;
 
-// The one value the control's property exchange carries: version 1.1 (major 1, minor 1).
-inline constexpr DWORD kControlVersion = 0x00010001;
-
 // A connected sink of the event interface.
 class IEventSink {
  public:
