@@ -5,9 +5,8 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -77,12 +76,22 @@ void WritePng(const std::vector<std::uint8_t>& rgb, const std::string& path) {
 }
 
 std::vector<std::uint8_t> ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  std::vector<std::uint8_t> data;
+  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
+    std::fseek(file, 0, SEEK_END);
+    data.resize(static_cast<std::size_t>(std::ftell(file)));
+    std::fseek(file, 0, SEEK_SET);
+    data.resize(std::fread(data.data(), 1, data.size(), file));
+    std::fclose(file);
+  }
+  return data;
 }
 
-// The bare decodes: read the file, decode with the library into 32-bit pixels.
-void BareJpeg(const std::string& path, std::vector<std::uint8_t>& out) {
+// The bare decodes: read the file, decode with the library into new, uninitialised
+// 32-bit storage (the least work any decoder of a new picture can do).
+using Storage = std::unique_ptr<std::uint8_t[]>;
+
+Storage BareJpeg(const std::string& path) {
   const std::vector<std::uint8_t> data = ReadFile(path);
   jpeg_decompress_struct info;
   jpeg_error_mgr errors;
@@ -92,23 +101,25 @@ void BareJpeg(const std::string& path, std::vector<std::uint8_t>& out) {
   jpeg_read_header(&info, TRUE);
   info.out_color_space = JCS_EXT_BGRX;
   jpeg_start_decompress(&info);
-  out.resize(static_cast<std::size_t>(info.output_width) * info.output_height * 4);
+  Storage out(new std::uint8_t[static_cast<std::size_t>(info.output_width) * info.output_height * 4]);
   while (info.output_scanline < info.output_height) {
-    JSAMPROW row = out.data() + static_cast<std::size_t>(info.output_scanline) * info.output_width * 4;
+    JSAMPROW row = out.get() + static_cast<std::size_t>(info.output_scanline) * info.output_width * 4;
     jpeg_read_scanlines(&info, &row, 1);
   }
   jpeg_finish_decompress(&info);
   jpeg_destroy_decompress(&info);
+  return out;
 }
 
-void BarePng(const std::string& path, std::vector<std::uint8_t>& out) {
+Storage BarePng(const std::string& path) {
   const std::vector<std::uint8_t> data = ReadFile(path);
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   png_image_begin_read_from_memory(&image, data.data(), data.size());
   image.format = PNG_FORMAT_BGRA;
-  out.resize(PNG_IMAGE_SIZE(image));
-  png_image_finish_read(&image, nullptr, out.data(), 0, nullptr);
+  Storage out(new std::uint8_t[PNG_IMAGE_SIZE(image)]);
+  png_image_finish_read(&image, nullptr, out.get(), 0, nullptr);
+  return out;
 }
 
 void LoadThroughLoader(benchmark::State& state, const char* name) {
@@ -123,18 +134,16 @@ void LoadThroughLoader(benchmark::State& state, const char* name) {
 
 void BM_LoadJpeg(benchmark::State& state) { LoadThroughLoader(state, "photo.jpg"); }
 void BM_BareJpeg(benchmark::State& state) {
-  std::vector<std::uint8_t> pixels;
   for (auto _ : state) {
-    BareJpeg(BenchFile("photo.jpg"), pixels);
-    benchmark::DoNotOptimize(pixels.data());
+    Storage pixels = BareJpeg(BenchFile("photo.jpg"));
+    benchmark::DoNotOptimize(pixels.get());
   }
 }
 void BM_LoadPng(benchmark::State& state) { LoadThroughLoader(state, "photo.png"); }
 void BM_BarePng(benchmark::State& state) {
-  std::vector<std::uint8_t> pixels;
   for (auto _ : state) {
-    BarePng(BenchFile("photo.png"), pixels);
-    benchmark::DoNotOptimize(pixels.data());
+    Storage pixels = BarePng(BenchFile("photo.png"));
+    benchmark::DoNotOptimize(pixels.get());
   }
 }
 void BM_WriteBitmapFile(benchmark::State& state) {
