@@ -157,6 +157,11 @@ HDC CreateScreenDC();
 // pixel write clipped to `clip` (in bitmap coordinates). Deleted with DeleteDC.
 HDC CreateWindowDC(HBITMAP frame, int originX, int originY, const RECT& clip);
 
+// A DC for the display itself, with no raster of its own: bitmaps made compatible with
+// it are colour, it reports 96 dpi, 32 bits a pixel and 1 plane, and drawing on it or
+// blitting from it fails. Counted as a DC; deleted with DeleteDC.
+HDC CreateScreenDC();
+
 // Direct read access to a colour bitmap's pixels (0x00RRGGBB each, top-down rows of
 // `width` pixels) for hosts that present frames; null for anything else.
 const std::uint32_t* BitmapPixels(HBITMAP bitmap, int* width, int* height);
