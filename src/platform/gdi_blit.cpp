@@ -1,0 +1,240 @@
+// BitBlt, StretchBlt, TransparentBlt and CopyImage.
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "platform/gdi_objects.h"
+#include "platform/gdi_stretch.h"
+
+using namespace platform::gdi;
+namespace raster = platform::raster;
+
+namespace {
+
+// The format rule between a source and a destination DC.
+raster::Conversion ConversionFor(const Surface& dest, const DcObject& destDc, const Surface& src,
+                                 const DcObject& srcDc) {
+  raster::Conversion conversion;
+  if (src.mono() && !dest.mono()) {
+    conversion.kind = raster::Conversion::Kind::MonoToColor;
+    conversion.one = raster::PixelOf(destDc.bkColor);
+    conversion.zero = raster::PixelOf(destDc.textColor);
+  } else if (!src.mono() && dest.mono()) {
+    conversion.kind = raster::Conversion::Kind::ColorToMono;
+    conversion.key = raster::PixelOf(srcDc.bkColor);
+  }
+  return conversion;
+}
+
+// Combines source-format rows with destination rows: format conversion, then the
+// raster operation with the destination DC's brush as the pattern.
+class RowCombiner {
+ public:
+  RowCombiner(raster::Conversion conversion, std::uint8_t rop, std::uint32_t pattern)
+      : conversion_(conversion), rop_(rop), pattern_(pattern) {}
+
+  void Combine(std::uint32_t* dest, const std::uint32_t* src, int count) {
+    if (!src) {
+      raster::ApplyRop(rop_, nullptr, pattern_, dest, count);
+      return;
+    }
+    if (rop_ == 0xCC && conversion_.kind == raster::Conversion::Kind::None) {
+      std::memmove(dest, src, static_cast<std::size_t>(count) * sizeof(std::uint32_t));
+      return;
+    }
+    // Converting into scratch first also makes overlapping rows of one raster safe.
+    scratch_.resize(static_cast<std::size_t>(count));
+    raster::ConvertRow(conversion_, src, scratch_.data(), count);
+    raster::ApplyRop(rop_, scratch_.data(), pattern_, dest, count);
+  }
+
+ private:
+  raster::Conversion conversion_;
+  std::uint8_t rop_;
+  std::uint32_t pattern_;
+  std::vector<std::uint32_t> scratch_;
+};
+
+struct Run {
+  std::int64_t dest;
+  std::int64_t src;
+  std::int64_t count;
+};
+
+// Shrinks a run so that both ends stay inside their bounds.
+Run ClipRun(Run run, std::int64_t destLo, std::int64_t destHi, std::int64_t srcLo, std::int64_t srcHi) {
+  const std::int64_t lo = std::max({std::int64_t{0}, destLo - run.dest, srcLo - run.src});
+  const std::int64_t hi = std::min({run.count, destHi - run.dest, srcHi - run.src});
+  if (hi <= lo) return {0, 0, 0};
+  return {run.dest + lo, run.src + lo, hi - lo};
+}
+
+// The destination and, when the operation reads it, the source of a blit.
+struct BlitEnds {
+  DcObject* destDc = nullptr;
+  Surface dest;
+  DcObject* srcDc = nullptr;
+  Surface src;
+};
+
+std::optional<BlitEnds> ResolveEnds(HDC dest, HDC src, bool needSource) {
+  BlitEnds ends;
+  ends.destDc = Lookup<DcObject>(dest);
+  if (!ends.destDc) return std::nullopt;
+  auto destSurface = SurfaceOf(*ends.destDc);
+  if (!destSurface) return std::nullopt;
+  ends.dest = *destSurface;
+  if (!needSource) return ends;
+  ends.srcDc = Lookup<DcObject>(src);
+  if (!ends.srcDc) return std::nullopt;
+  auto srcSurface = SurfaceOf(*ends.srcDc);
+  if (!srcSurface) return std::nullopt;
+  ends.src = *srcSurface;
+  return ends;
+}
+
+StretchFilter FilterFor(int mode, const Surface& dest, const Surface& src) {
+  switch (mode) {
+    // Halftone averaging needs colour on both sides; with a monochrome bitmap involved
+    // it samples like COLORONCOLOR.
+    case HALFTONE: return dest.mono() || src.mono() ? StretchFilter::Nearest : StretchFilter::Halftone;
+    case BLACKONWHITE: return StretchFilter::AndMerge;
+    case WHITEONBLACK: return StretchFilter::OrMerge;
+    default: return StretchFilter::Nearest;
+  }
+}
+
+struct StretchPlan {
+  AxisTaps xs;
+  AxisTaps ys;
+};
+
+StretchPlan PlanStretch(StretchFilter filter, const Surface& dest, AxisRun dx, AxisRun dy, const Surface& src,
+                        AxisRun sx, AxisRun sy) {
+  return {PlanAxis(filter, dx, sx, dest.clip.left, dest.clip.right, src.clip.left, src.clip.right),
+          PlanAxis(filter, dy, sy, dest.clip.top, dest.clip.bottom, src.clip.top, src.clip.bottom)};
+}
+
+}  // namespace
+
+BOOL BitBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, int srcY, DWORD rop) {
+  const std::uint8_t index = raster::RopIndex(rop);
+  const bool usesSource = raster::RopUsesSource(index);
+  auto ends = ResolveEnds(dest, src, usesSource);
+  if (!ends) return FALSE;
+  // A pattern operation with the hollow brush has nothing to paint with.
+  if (raster::RopUsesPattern(index) && !ends->destDc->draw.brushVisible) return TRUE;
+  // Negative extents name the same rectangle from its other corner.
+  std::int64_t w = width, h = height, x0 = x, y0 = y, sx0 = srcX, sy0 = srcY;
+  if (w < 0) x0 += w, sx0 += w, w = -w;
+  if (h < 0) y0 += h, sy0 += h, h = -h;
+  const Surface& target = ends->dest;
+  Run cols{target.originX + x0, sx0, w};
+  Run rows{target.originY + y0, sy0, h};
+  raster::Conversion conversion;
+  const raster::Raster* source = nullptr;
+  if (usesSource) {
+    const Surface& from = ends->src;
+    cols.src += from.originX;
+    rows.src += from.originY;
+    cols = ClipRun(cols, target.clip.left, target.clip.right, from.clip.left, from.clip.right);
+    rows = ClipRun(rows, target.clip.top, target.clip.bottom, from.clip.top, from.clip.bottom);
+    conversion = ConversionFor(target, *ends->destDc, from, *ends->srcDc);
+    source = from.raster;
+  } else {
+    cols = ClipRun(cols, target.clip.left, target.clip.right, cols.src, cols.src + w);
+    rows = ClipRun(rows, target.clip.top, target.clip.bottom, rows.src, rows.src + h);
+  }
+  if (cols.count == 0 || rows.count == 0) return TRUE;
+  RowCombiner combiner(conversion, index, ends->destDc->draw.brushPixel);
+  // Within one raster, walk rows away from the overlap so no source row is overwritten
+  // before it is read.
+  const bool upward = source == target.raster && rows.src < rows.dest;
+  for (std::int64_t k = 0; k < rows.count; ++k) {
+    const std::int64_t r = upward ? rows.count - 1 - k : k;
+    std::uint32_t* destRow = target.raster->Row(static_cast<int>(rows.dest + r)) + cols.dest;
+    const std::uint32_t* srcRow = source ? source->Row(static_cast<int>(rows.src + r)) + cols.src : nullptr;
+    combiner.Combine(destRow, srcRow, static_cast<int>(cols.count));
+  }
+  return TRUE;
+}
+
+// Equal sizes are an exact copy through BitBlt. Otherwise the DC's stretch mode picks
+// the resampling; rectangles are (x, y) to (x + width, y + height) whichever the signs,
+// and opposite signs of a source and destination extent mirror that axis.
+BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, int srcY, int srcWidth,
+                int srcHeight, DWORD rop) {
+  if (width == srcWidth && height == srcHeight) return BitBlt(dest, x, y, width, height, src, srcX, srcY, rop);
+  const std::uint8_t index = raster::RopIndex(rop);
+  if (!raster::RopUsesSource(index)) return BitBlt(dest, x, y, width, height, src, srcX, srcY, rop);
+  auto ends = ResolveEnds(dest, src, true);
+  if (!ends) return FALSE;
+  if (width == 0 || height == 0 || srcWidth == 0 || srcHeight == 0) return FALSE;
+  if (raster::RopUsesPattern(index) && !ends->destDc->draw.brushVisible) return TRUE;
+  const Surface& target = ends->dest;
+  const Surface& from = ends->src;
+  const StretchFilter filter = FilterFor(ends->destDc->stretchMode, target, from);
+  const StretchPlan plan = PlanStretch(filter, target, {target.originX + x, width}, {target.originY + y, height},
+                                       from, {from.originX + srcX, srcWidth}, {from.originY + srcY, srcHeight});
+  RowCombiner combiner(ConversionFor(target, *ends->destDc, from, *ends->srcDc), index,
+                       ends->destDc->draw.brushPixel);
+  raster::Raster* out = target.raster;
+  return Resample(filter, plan.xs, plan.ys, *from.raster,
+                  [&](int dx, int dy, const std::uint32_t* values, int count) {
+                    combiner.Combine(out->Row(dy) + dx, values, count);
+                  })
+             ? TRUE
+             : FALSE;
+}
+
+// Unequal sizes are stretched by nearest pixel first; the key is compared with the
+// stretched source pixels. Negative extents fail.
+BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, int srcY, int srcWidth,
+                    int srcHeight, UINT transparent) {
+  auto ends = ResolveEnds(dest, src, true);
+  if (!ends || width <= 0 || height <= 0 || srcWidth <= 0 || srcHeight <= 0) return FALSE;
+  const Surface& target = ends->dest;
+  const Surface& from = ends->src;
+  const StretchPlan plan = PlanStretch(StretchFilter::Nearest, target, {target.originX + x, width},
+                                       {target.originY + y, height}, from, {from.originX + srcX, srcWidth},
+                                       {from.originY + srcY, srcHeight});
+  const std::uint32_t key = raster::PixelOf(transparent & raster::kColorMask);
+  const raster::Conversion conversion = ConversionFor(target, *ends->destDc, from, *ends->srcDc);
+  std::vector<std::uint32_t> converted;
+  raster::Raster* out = target.raster;
+  Resample(StretchFilter::Nearest, plan.xs, plan.ys, *from.raster,
+           [&](int dx, int dy, const std::uint32_t* values, int count) {
+             converted.resize(static_cast<std::size_t>(count));
+             raster::ConvertRow(conversion, values, converted.data(), count);
+             std::uint32_t* row = out->Row(dy) + dx;
+             for (int i = 0; i < count; ++i) {
+               if (values[i] != key) row[i] = converted[i];
+             }
+           });
+  return TRUE;
+}
+
+// The copy is a DIB section when asked for (and the source is colour), a device bitmap
+// of the source's kind otherwise; other sizes are stretched by nearest pixel.
+HANDLE CopyImage(HANDLE image, UINT type, int cx, int cy, UINT flags) {
+  const auto* original = Lookup<BitmapObject>(image);
+  if (type != IMAGE_BITMAP || !original || cx < 0 || cy < 0) return nullptr;
+  const raster::Raster& from = original->raster;
+  const int width = cx ? cx : from.width;
+  const int height = cy ? cy : from.height;
+  const bool dib = (flags & LR_CREATEDIBSECTION) && !from.mono;
+  HBITMAP copy = NewBitmap(width, height, from.mono, dib, height);
+  if (!copy) return nullptr;
+  raster::Raster& to = Lookup<BitmapObject>(copy)->raster;
+  if (width == from.width && height == from.height) {
+    to.pixels = from.pixels;
+    return copy;
+  }
+  const AxisTaps xs = PlanAxis(StretchFilter::Nearest, {0, width}, {0, from.width}, 0, width, 0, from.width);
+  const AxisTaps ys = PlanAxis(StretchFilter::Nearest, {0, height}, {0, from.height}, 0, height, 0, from.height);
+  Resample(StretchFilter::Nearest, xs, ys, from, [&](int dx, int dy, const std::uint32_t* values, int count) {
+    std::memcpy(to.Row(dy) + dx, values, static_cast<std::size_t>(count) * sizeof(std::uint32_t));
+  });
+  return copy;
+}

@@ -1,0 +1,238 @@
+// DIB transfer (GetDIBits, SetDIBits) and DIB sections.
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "platform/gdi_objects.h"
+
+using namespace platform::gdi;
+namespace raster = platform::raster;
+
+namespace {
+
+std::size_t StrideOf(std::int64_t width, int bitCount) {
+  return static_cast<std::size_t>((width * bitCount + 31) / 32 * 4);
+}
+
+// Scan lines [start, start + lines) of a DIB of `dibHeight` rows, mapped onto bitmap
+// rows: bottom-up DIBs (positive height) number their lines from the bottom row.
+struct LineSpan {
+  std::int64_t first;  // first scan line transferred
+  std::int64_t count;
+  bool bottomUp;
+  std::int64_t dibRows;
+  std::int64_t BitmapRow(std::int64_t line) const { return bottomUp ? dibRows - 1 - line : line; }
+};
+
+LineSpan SpanOf(LONG biHeight, UINT start, UINT lines) {
+  LineSpan span{start, 0, biHeight > 0, biHeight > 0 ? biHeight : -static_cast<std::int64_t>(biHeight)};
+  const std::int64_t end = std::min<std::int64_t>(span.dibRows, static_cast<std::int64_t>(start) + lines);
+  span.count = std::max<std::int64_t>(0, end - span.first);
+  return span;
+}
+
+// One channel taken out of a packed pixel by its mask and widened to 8 bits by
+// repeating its top bits (a 5-bit 0x1F becomes 0xFF).
+struct Channel {
+  DWORD mask = 0;
+  int shift = 0;
+  int bits = 0;
+
+  explicit Channel(DWORD m) : mask(m) {
+    if (!mask) return;
+    while (!((mask >> shift) & 1)) ++shift;
+    while (bits < 32 - shift && ((mask >> (shift + bits)) & 1)) ++bits;
+  }
+  std::uint32_t Read(DWORD value) const {
+    if (!bits) return 0;
+    std::uint32_t v = (value & mask) >> shift;
+    if (bits >= 8) return v >> (bits - 8);
+    std::uint32_t out = v << (8 - bits);
+    for (int filled = bits; filled < 8; filled += bits) out |= out >> bits;
+    return out & 0xFF;
+  }
+};
+
+// Decodes rows of one DIB format into 0x00RRGGBB pixels.
+class RowDecoder {
+ public:
+  static std::optional<RowDecoder> For(const BITMAPINFO& info) {
+    const BITMAPINFOHEADER& h = info.bmiHeader;
+    RowDecoder decoder;
+    decoder.bitCount_ = h.biBitCount;
+    const auto* extra = reinterpret_cast<const BYTE*>(&info) + h.biSize;
+    if (h.biCompression == BI_RGB) {
+      if (h.biBitCount == 1 || h.biBitCount == 4 || h.biBitCount == 8) {
+        const DWORD maxColors = 1u << h.biBitCount;
+        const DWORD used = h.biClrUsed && h.biClrUsed < maxColors ? h.biClrUsed : maxColors;
+        decoder.palette_.assign(maxColors, raster::kBlack);  // indexes past the table read black
+        for (DWORD i = 0; i < used; ++i) {
+          RGBQUAD q;
+          std::memcpy(&q, extra + 4 * i, sizeof q);
+          decoder.palette_[i] = (std::uint32_t{q.rgbRed} << 16) | (std::uint32_t{q.rgbGreen} << 8) | q.rgbBlue;
+        }
+        return decoder;
+      }
+      if (h.biBitCount == 16) return decoder.WithMasks(0x7C00, 0x03E0, 0x001F);
+      if (h.biBitCount == 24 || h.biBitCount == 32) return decoder;
+      return std::nullopt;
+    }
+    if (h.biCompression == BI_BITFIELDS && (h.biBitCount == 16 || h.biBitCount == 32)) {
+      // Masks follow a 40-byte header, or sit inside the larger versions of it.
+      const BYTE* masks = h.biSize >= 52 ? reinterpret_cast<const BYTE*>(&info) + 40 : extra;
+      DWORD m[3];
+      std::memcpy(m, masks, sizeof m);
+      return decoder.WithMasks(m[0], m[1], m[2]);
+    }
+    return std::nullopt;
+  }
+
+  void Decode(const BYTE* in, std::uint32_t* out, int count) const {
+    switch (bitCount_) {
+      case 1:
+      case 4:
+      case 8: {
+        const int perByte = 8 / bitCount_;
+        const unsigned mask = (1u << bitCount_) - 1;
+        for (int x = 0; x < count; ++x) {
+          const int shift = 8 - bitCount_ * (x % perByte + 1);
+          out[x] = palette_[(in[x / perByte] >> shift) & mask];
+        }
+        break;
+      }
+      case 16:
+        for (int x = 0; x < count; ++x) out[x] = Masked(static_cast<DWORD>(in[2 * x] | (in[2 * x + 1] << 8)));
+        break;
+      case 24:
+        for (int x = 0; x < count; ++x) out[x] = in[3 * x] | (in[3 * x + 1] << 8) | (in[3 * x + 2] << 16);
+        break;
+      default:
+        for (int x = 0; x < count; ++x) {
+          DWORD v;
+          std::memcpy(&v, in + 4 * x, 4);
+          out[x] = masks_ ? Masked(v) : v & raster::kColorMask;
+        }
+    }
+  }
+
+ private:
+  RowDecoder WithMasks(DWORD red, DWORD green, DWORD blue) {
+    red_ = Channel(red);
+    green_ = Channel(green);
+    blue_ = Channel(blue);
+    masks_ = true;
+    return *this;
+  }
+  std::uint32_t Masked(DWORD v) const { return (red_.Read(v) << 16) | (green_.Read(v) << 8) | blue_.Read(v); }
+
+  int bitCount_ = 0;
+  bool masks_ = false;
+  Channel red_{0}, green_{0}, blue_{0};
+  std::vector<std::uint32_t> palette_;
+};
+
+bool ValidDibSize(const BITMAPINFOHEADER& h) {
+  return h.biWidth > 0 && h.biHeight != 0 && h.biHeight != INT32_MIN &&
+         static_cast<std::int64_t>(h.biWidth) * (h.biHeight < 0 ? -std::int64_t{h.biHeight} : h.biHeight) <=
+             raster::kMaxPixels;
+}
+
+void FillHeader(BITMAPINFOHEADER& h, const raster::Raster& bitmap) {
+  if (h.biBitCount == 0) {
+    h.biWidth = bitmap.width;
+    h.biHeight = bitmap.height;
+    h.biPlanes = 1;
+    h.biBitCount = bitmap.mono ? 1 : 32;
+    h.biCompression = BI_RGB;
+  }
+  const std::int64_t rows = h.biHeight < 0 ? -std::int64_t{h.biHeight} : h.biHeight;
+  h.biSizeImage = static_cast<DWORD>(StrideOf(h.biWidth, h.biBitCount) * static_cast<std::size_t>(rows));
+}
+
+}  // namespace
+
+// Writes 24- or 32-bit BI_RGB rows; with `bits` null only completes the header (a zero
+// bit count asks for the bitmap's own format) and returns the bitmap's height.
+int GetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, void* bits, BITMAPINFO* info, UINT usage) {
+  const auto* object = Lookup<BitmapObject>(bitmap);
+  if (!Lookup<DcObject>(hdc) || !object || !info || usage != DIB_RGB_COLORS) return 0;
+  BITMAPINFOHEADER& h = info->bmiHeader;
+  const raster::Raster& from = object->raster;
+  if (!bits) {
+    if (h.biBitCount != 0 && !ValidDibSize(h)) return 0;
+    FillHeader(h, from);
+    return from.height;
+  }
+  if (!ValidDibSize(h) || h.biCompression != BI_RGB || (h.biBitCount != 24 && h.biBitCount != 32)) return 0;
+  const LineSpan span = SpanOf(h.biHeight, start, lines);
+  const std::size_t stride = StrideOf(h.biWidth, h.biBitCount);
+  const int columns = std::min<int>(h.biWidth, from.width);
+  auto* out = static_cast<BYTE*>(bits);
+  int copied = 0;
+  for (std::int64_t k = 0; k < span.count; ++k) {
+    const std::int64_t row = span.BitmapRow(span.first + k);
+    if (row < 0 || row >= from.height) continue;
+    BYTE* line = out + stride * static_cast<std::size_t>(k);
+    const std::uint32_t* pixels = from.Row(static_cast<int>(row));
+    if (h.biBitCount == 32) {
+      for (int x = 0; x < columns; ++x) {
+        const std::uint32_t p = pixels[x] & raster::kColorMask;
+        std::memcpy(line + 4 * x, &p, 4);
+      }
+    } else {
+      for (int x = 0; x < columns; ++x) {
+        line[3 * x] = static_cast<BYTE>(pixels[x]);
+        line[3 * x + 1] = static_cast<BYTE>(pixels[x] >> 8);
+        line[3 * x + 2] = static_cast<BYTE>(pixels[x] >> 16);
+      }
+    }
+    ++copied;
+  }
+  return copied;
+}
+
+// Reads 1, 4, 8, 16, 24 and 32-bit DIBs (BI_RGB, and BI_BITFIELDS for 16 and 32 bits).
+// The header, its colour table or masks and `lines` rows of `bits` must be readable.
+int SetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, const void* bits, const BITMAPINFO* info,
+              UINT usage) {
+  (void)hdc;  // as in GDI, the DC only names the device the DIB is matched to
+  auto* object = Lookup<BitmapObject>(bitmap);
+  if (!object || !bits || !info || usage != DIB_RGB_COLORS || !ValidDibSize(info->bmiHeader)) return 0;
+  const BITMAPINFOHEADER& h = info->bmiHeader;
+  const auto decoder = RowDecoder::For(*info);
+  if (!decoder) return 0;
+  raster::Raster& to = object->raster;
+  const LineSpan span = SpanOf(h.biHeight, start, lines);
+  const std::size_t stride = StrideOf(h.biWidth, h.biBitCount);
+  const int columns = std::min<int>(h.biWidth, to.width);
+  const auto* in = static_cast<const BYTE*>(bits);
+  int copied = 0;
+  for (std::int64_t k = 0; k < span.count; ++k) {
+    const std::int64_t row = span.BitmapRow(span.first + k);
+    if (row < 0 || row >= to.height) continue;
+    std::uint32_t* pixels = to.Row(static_cast<int>(row));
+    decoder->Decode(in + stride * static_cast<std::size_t>(k), pixels, columns);
+    if (to.mono) {
+      for (int x = 0; x < columns; ++x) pixels[x] = raster::NearestMono(pixels[x]);
+    }
+    ++copied;
+  }
+  return copied;
+}
+
+HBITMAP CreateDIBSection(HDC hdc, const BITMAPINFO* info, UINT usage, void** bits, HANDLE section,
+                         DWORD offset) {
+  (void)hdc;
+  (void)offset;
+  if (bits) *bits = nullptr;
+  // File-mapping sections are not supported: the pixels always live in the raster.
+  if (!info || section || usage != DIB_RGB_COLORS || !ValidDibSize(info->bmiHeader)) return nullptr;
+  const BITMAPINFOHEADER& h = info->bmiHeader;
+  const int height = h.biHeight < 0 ? -h.biHeight : h.biHeight;
+  HBITMAP handle = NewBitmap(h.biWidth, height, false, true, h.biHeight);
+  if (handle && bits && h.biBitCount == 32 && h.biHeight < 0 && h.biCompression == BI_RGB) {
+    *bits = Lookup<BitmapObject>(handle)->raster.pixels.data();
+  }
+  return handle;
+}
