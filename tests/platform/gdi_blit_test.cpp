@@ -1,0 +1,265 @@
+#include <vector>
+
+#include "platform/gdi_test_support.h"
+
+using gdi_test::kBlack;
+using gdi_test::kWhite;
+using gdi_test::MemSurface;
+using Row = std::vector<COLORREF>;
+
+namespace {
+
+constexpr COLORREF kS0 = 0x00F0A050;
+constexpr COLORREF kS1 = 0x000F0F0F;
+constexpr COLORREF kD0 = 0x00336699;
+constexpr COLORREF kD1 = 0x00FFFFFF;
+
+// Blits a two-pixel source onto a two-pixel destination with `rop` (red brush selected
+// into the destination) and returns the destination.
+Row BlitPair(DWORD rop) {
+  MemSurface src(2, 1), dst(2, 1);
+  src.SetRow(0, {kS0, kS1});
+  dst.SetRow(0, {kD0, kD1});
+  HBRUSH red = CreateSolidBrush(RGB(255, 0, 0));
+  HGDIOBJ oldBrush = SelectObject(dst.dc(), red);
+  EXPECT_TRUE(BitBlt(dst.dc(), 0, 0, 2, 1, src.dc(), 0, 0, rop));
+  SelectObject(dst.dc(), oldBrush);
+  DeleteObject(red);
+  return dst.Row(0, 2);
+}
+
+TEST(GdiBitBlt, RasterOperationsComputeTheirBitwiseFormula) {
+  const COLORREF p = RGB(255, 0, 0);
+  EXPECT_EQ(BlitPair(SRCCOPY), (Row{kS0, kS1}));
+  EXPECT_EQ(BlitPair(SRCAND), (Row{kS0 & kD0, kS1 & kD1}));
+  EXPECT_EQ(BlitPair(SRCPAINT), (Row{kS0 | kD0, kS1 | kD1}));
+  EXPECT_EQ(BlitPair(SRCINVERT), (Row{kS0 ^ kD0, kS1 ^ kD1}));
+  EXPECT_EQ(BlitPair(NOTSRCCOPY), (Row{~kS0 & 0xFFFFFF, ~kS1 & 0xFFFFFF}));
+  EXPECT_EQ(BlitPair(DSTINVERT), (Row{~kD0 & 0xFFFFFF, ~kD1 & 0xFFFFFF}));
+  EXPECT_EQ(BlitPair(BLACKNESS), (Row{kBlack, kBlack}));
+  EXPECT_EQ(BlitPair(WHITENESS), (Row{kWhite, kWhite}));
+  EXPECT_EQ(BlitPair(PATCOPY), (Row{p, p}));
+  EXPECT_EQ(BlitPair(PATINVERT), (Row{p ^ kD0, p ^ kD1}));
+  // Operations without a fast path go through the general minterm evaluation.
+  EXPECT_EQ(BlitPair(MERGEPAINT), (Row{(~kS0 | kD0) & 0xFFFFFF, (~kS1 | kD1) & 0xFFFFFF}));
+  EXPECT_EQ(BlitPair(SRCERASE), (Row{kS0 & ~kD0, kS1 & ~kD1}));
+  EXPECT_EQ(BlitPair(NOTSRCERASE), (Row{~(kS0 | kD0) & 0xFFFFFF, ~(kS1 | kD1) & 0xFFFFFF}));
+}
+
+TEST(GdiBitBlt, PatternWithHollowBrushPaintsNothing) {
+  MemSurface dst(2, 1);
+  dst.SetRow(0, {kD0, kD1});
+  SelectObject(dst.dc(), GetStockObject(NULL_BRUSH));
+  EXPECT_TRUE(BitBlt(dst.dc(), 0, 0, 2, 1, nullptr, 0, 0, PATCOPY));
+  EXPECT_EQ(dst.Row(0, 2), (Row{kD0, kD1}));
+  SelectObject(dst.dc(), GetStockObject(WHITE_BRUSH));
+}
+
+TEST(GdiBitBlt, MonoSourceOnColourUsesDestinationBackgroundAndTextColours) {
+  MemSurface mono(2, 1, true), dst(2, 1);
+  mono.SetRow(0, {kWhite, kBlack});
+  SetBkColor(mono.dc(), RGB(1, 2, 3));  // the source DC's colours play no part
+  SetTextColor(mono.dc(), RGB(4, 5, 6));
+  SetBkColor(dst.dc(), RGB(10, 200, 30));
+  SetTextColor(dst.dc(), RGB(250, 0, 90));
+  ASSERT_TRUE(BitBlt(dst.dc(), 0, 0, 2, 1, mono.dc(), 0, 0, SRCCOPY));
+  EXPECT_EQ(dst.Row(0, 2), (Row{RGB(10, 200, 30), RGB(250, 0, 90)}));
+  // With the default white/black colours SRCAND keeps the target under 1 bits only.
+  MemSurface target(2, 1);
+  target.SetRow(0, {kD0, kD0});
+  ASSERT_TRUE(BitBlt(target.dc(), 0, 0, 2, 1, mono.dc(), 0, 0, SRCAND));
+  EXPECT_EQ(target.Row(0, 2), (Row{kD0, kBlack}));
+}
+
+TEST(GdiBitBlt, ColourSourceOnMonoMarksSourceBackgroundColourWhite) {
+  MemSurface src(3, 1), mono(3, 1, true);
+  const COLORREF key = RGB(19, 67, 11);
+  src.SetRow(0, {key, RGB(19, 67, 12), kWhite});
+  SetBkColor(src.dc(), key);
+  SetBkColor(mono.dc(), RGB(9, 9, 9));  // the destination's colours play no part
+  ASSERT_TRUE(BitBlt(mono.dc(), 0, 0, 3, 1, src.dc(), 0, 0, SRCCOPY));
+  EXPECT_EQ(mono.Row(0, 3), (Row{kWhite, kBlack, kBlack}));
+}
+
+TEST(GdiBitBlt, MonoToMonoCopiesBitsAndNotSrcCopyInverts) {
+  MemSurface a(3, 1, true), b(3, 1, true);
+  a.SetRow(0, {kWhite, kBlack, kWhite});
+  SetBkColor(b.dc(), RGB(255, 0, 0));
+  ASSERT_TRUE(BitBlt(b.dc(), 0, 0, 3, 1, a.dc(), 0, 0, SRCCOPY));
+  EXPECT_EQ(b.Row(0, 3), (Row{kWhite, kBlack, kWhite}));
+  ASSERT_TRUE(BitBlt(b.dc(), 0, 0, 3, 1, b.dc(), 0, 0, NOTSRCCOPY));
+  EXPECT_EQ(b.Row(0, 3), (Row{kBlack, kWhite, kBlack}));
+}
+
+TEST(GdiBitBlt, ColoursOnMonoSurfacesSnapToNearestOfBlackAndWhite) {
+  MemSurface mono(2, 1, true);
+  EXPECT_EQ(SetPixel(mono.dc(), 0, 0, RGB(200, 200, 0)), kWhite);  // 400 > 382
+  EXPECT_EQ(SetPixel(mono.dc(), 1, 0, RGB(127, 128, 127)), kBlack);  // 382 is not above half
+}
+
+TEST(GdiBitBlt, PixelsWhoseSourceLiesOutsideTheSourceStayUnchanged) {
+  MemSurface src(2, 2), dst(4, 4);
+  src.Fill(RGB(1, 2, 3));
+  dst.Fill(kD0);
+  ASSERT_TRUE(BitBlt(dst.dc(), 0, 0, 4, 4, src.dc(), -1, -1, SRCCOPY));
+  for (int y = 0; y < 4; ++y) {
+    for (int x = 0; x < 4; ++x) {
+      const bool inside = x >= 1 && x <= 2 && y >= 1 && y <= 2;
+      EXPECT_EQ(GetPixel(dst.dc(), x, y), inside ? RGB(1, 2, 3) : kD0) << x << "," << y;
+    }
+  }
+  // A destination partly outside its bitmap is clipped, not wrapped.
+  ASSERT_TRUE(BitBlt(dst.dc(), 3, 3, 2, 2, src.dc(), 0, 0, BLACKNESS));
+  EXPECT_EQ(GetPixel(dst.dc(), 3, 3), kBlack);
+  EXPECT_EQ(GetPixel(dst.dc(), 0, 3), kD0);
+}
+
+TEST(GdiBitBlt, OverlappingCopyWithinOneBitmapReadsTheOriginal) {
+  MemSurface s(4, 4);
+  for (int y = 0; y < 4; ++y) s.SetRow(y, {RGB(y, 0, 0), RGB(y, 1, 0), RGB(y, 2, 0), RGB(y, 3, 0)});
+  ASSERT_TRUE(BitBlt(s.dc(), 1, 1, 3, 3, s.dc(), 0, 0, SRCCOPY));
+  EXPECT_EQ(s.Row(3, 4), (Row{RGB(3, 0, 0), RGB(2, 0, 0), RGB(2, 1, 0), RGB(2, 2, 0)}));
+  EXPECT_EQ(s.Row(1, 4), (Row{RGB(1, 0, 0), RGB(0, 0, 0), RGB(0, 1, 0), RGB(0, 2, 0)}));
+  // The same for a non-copy operation, leftwards and upwards.
+  ASSERT_TRUE(BitBlt(s.dc(), 0, 0, 3, 3, s.dc(), 1, 1, SRCINVERT));
+  EXPECT_EQ(GetPixel(s.dc(), 0, 0), RGB(0, 0, 0) ^ RGB(0, 0, 0));
+  EXPECT_EQ(GetPixel(s.dc(), 1, 0), RGB(0, 1, 0) ^ RGB(0, 1, 0));
+}
+
+TEST(GdiBitBlt, FailsOnBadHandlesWithoutDrawing) {
+  MemSurface dst(2, 1);
+  HDC gone = CreateCompatibleDC(nullptr);
+  DeleteDC(gone);
+  EXPECT_FALSE(BitBlt(dst.dc(), 0, 0, 2, 1, gone, 0, 0, SRCCOPY));
+  EXPECT_FALSE(BitBlt(gone, 0, 0, 2, 1, dst.dc(), 0, 0, SRCCOPY));
+  EXPECT_FALSE(BitBlt(dst.dc(), 0, 0, 2, 1, nullptr, 0, 0, SRCCOPY));
+  HDC screen = platform::CreateScreenDC();
+  EXPECT_FALSE(BitBlt(dst.dc(), 0, 0, 2, 1, screen, 0, 0, SRCCOPY));
+  DeleteDC(screen);
+}
+
+TEST(GdiFillRect, SolidStockAndHollowBrushes) {
+  MemSurface s(3, 2);
+  s.Fill(kD0);
+  const RECT r{1, 0, 3, 1};
+  HBRUSH green = CreateSolidBrush(RGB(0, 255, 0));
+  EXPECT_TRUE(FillRect(s.dc(), &r, green));
+  EXPECT_EQ(s.Row(0, 3), (Row{kD0, RGB(0, 255, 0), RGB(0, 255, 0)}));
+  EXPECT_TRUE(FillRect(s.dc(), &r, static_cast<HBRUSH>(GetStockObject(NULL_BRUSH))));
+  EXPECT_EQ(s.Row(0, 3), (Row{kD0, RGB(0, 255, 0), RGB(0, 255, 0)}));
+  const RECT huge{-100000, -100000, 100000, 100000};
+  EXPECT_TRUE(FillRect(s.dc(), &huge, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH))));
+  EXPECT_EQ(s.Row(1, 3), (Row{kBlack, kBlack, kBlack}));
+  DeleteObject(green);
+  EXPECT_FALSE(FillRect(s.dc(), &r, green));
+}
+
+TEST(GdiPixels, OutsideTheBitmapIsInvalid) {
+  MemSurface s(2, 2);
+  EXPECT_EQ(SetPixel(s.dc(), 1, 1, 0x01020304), RGB(4, 3, 2));  // the top byte is not a colour
+  EXPECT_EQ(GetPixel(s.dc(), 1, 1), RGB(4, 3, 2));
+  EXPECT_EQ(GetPixel(s.dc(), 2, 0), CLR_INVALID);
+  EXPECT_EQ(GetPixel(s.dc(), 0, -1), CLR_INVALID);
+  EXPECT_EQ(SetPixel(s.dc(), -1, 0, kWhite), CLR_INVALID);
+}
+
+TEST(GdiTransparentBlt, KeyedPixelsKeepTheTarget) {
+  const COLORREF key = RGB(19, 67, 11);
+  MemSurface src(3, 1), dst(3, 1);
+  dst.SetRow(0, {kD0, kD0, kD0});
+  src.SetRow(0, {RGB(1, 1, 1), RGB(2, 2, 2), RGB(3, 3, 3)});
+  ASSERT_TRUE(TransparentBlt(dst.dc(), 0, 0, 3, 1, src.dc(), 0, 0, 3, 1, key));
+  EXPECT_EQ(dst.Row(0, 3), (Row{RGB(1, 1, 1), RGB(2, 2, 2), RGB(3, 3, 3)}));  // key absent: a copy
+
+  dst.SetRow(0, {kD0, kD0, kD0});
+  src.SetRow(0, {key, key, key});
+  ASSERT_TRUE(TransparentBlt(dst.dc(), 0, 0, 3, 1, src.dc(), 0, 0, 3, 1, key));
+  EXPECT_EQ(dst.Row(0, 3), (Row{kD0, kD0, kD0}));  // all key: untouched
+
+  src.SetRow(0, {key, RGB(5, 5, 5), key});
+  ASSERT_TRUE(TransparentBlt(dst.dc(), 0, 0, 3, 1, src.dc(), 0, 0, 3, 1, key));
+  EXPECT_EQ(dst.Row(0, 3), (Row{kD0, RGB(5, 5, 5), kD0}));
+  EXPECT_FALSE(TransparentBlt(dst.dc(), 0, 0, -3, 1, src.dc(), 0, 0, 3, 1, key));
+}
+
+TEST(GdiTransparentBlt, MatchesTheMaskSequence) {
+  const COLORREF key = RGB(19, 67, 11);
+  const Row source{key, RGB(9, 8, 7), kWhite, key, kBlack};
+  const Row target{RGB(1, 2, 3), RGB(4, 5, 6), RGB(7, 8, 9), RGB(10, 11, 12), RGB(13, 14, 15)};
+  MemSurface src(5, 1), direct(5, 1), masked(5, 1), mask(5, 1, true);
+  src.SetRow(0, source);
+  direct.SetRow(0, target);
+  masked.SetRow(0, target);
+  ASSERT_TRUE(TransparentBlt(direct.dc(), 0, 0, 5, 1, src.dc(), 0, 0, 5, 1, key));
+  SetBkColor(src.dc(), key);
+  BitBlt(mask.dc(), 0, 0, 5, 1, src.dc(), 0, 0, SRCCOPY);
+  SetBkColor(src.dc(), kWhite);  // mask bits blitted onto the source copy must stay white
+  BitBlt(masked.dc(), 0, 0, 5, 1, mask.dc(), 0, 0, SRCAND);
+  BitBlt(mask.dc(), 0, 0, 5, 1, mask.dc(), 0, 0, NOTSRCCOPY);
+  BitBlt(src.dc(), 0, 0, 5, 1, mask.dc(), 0, 0, SRCAND);
+  BitBlt(masked.dc(), 0, 0, 5, 1, src.dc(), 0, 0, SRCPAINT);
+  EXPECT_EQ(masked.Row(0, 5), direct.Row(0, 5));
+  EXPECT_EQ(direct.Row(0, 5), (Row{target[0], source[1], source[2], target[3], source[4]}));
+}
+
+TEST(GdiTransparentBlt, UnequalSizesStretchByNearestPixel) {
+  const COLORREF key = kWhite;
+  MemSurface src(2, 1), dst(4, 1);
+  src.SetRow(0, {RGB(1, 0, 0), key});
+  dst.SetRow(0, {kD0, kD0, kD0, kD0});
+  ASSERT_TRUE(TransparentBlt(dst.dc(), 0, 0, 4, 1, src.dc(), 0, 0, 2, 1, key));
+  EXPECT_EQ(dst.Row(0, 4), (Row{RGB(1, 0, 0), RGB(1, 0, 0), kD0, kD0}));
+}
+
+TEST(GdiCopyImage, IndependentDibSectionCopyEvenWhileSelected) {
+  const int before = platform::LiveGdiObjects().bitmaps;
+  MemSurface s(2, 2);
+  s.SetRow(0, {RGB(1, 2, 3), RGB(4, 5, 6)});
+  HBITMAP copy = static_cast<HBITMAP>(CopyImage(s.bitmap(), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION));
+  ASSERT_NE(copy, nullptr);
+  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, before + 2);
+  DIBSECTION section{};
+  EXPECT_EQ(GetObjectA(copy, sizeof section, &section), static_cast<int>(sizeof(DIBSECTION)));
+  EXPECT_EQ(section.dsBm.bmWidth, 2);
+  EXPECT_EQ(section.dsBm.bmHeight, 2);
+  s.SetRow(0, {kBlack, kBlack});  // changing the original leaves the copy alone
+  MemSurface view(1, 1);
+  HGDIOBJ old = SelectObject(view.dc(), copy);
+  ASSERT_NE(old, nullptr);
+  EXPECT_EQ(GetPixel(view.dc(), 0, 0), RGB(1, 2, 3));
+  EXPECT_EQ(GetPixel(view.dc(), 1, 0), RGB(4, 5, 6));
+  SelectObject(view.dc(), old);
+  HBITMAP wide = static_cast<HBITMAP>(CopyImage(copy, IMAGE_BITMAP, 4, 2, LR_CREATEDIBSECTION));
+  old = SelectObject(view.dc(), wide);
+  EXPECT_EQ(view.Row(0, 4), (Row{RGB(1, 2, 3), RGB(1, 2, 3), RGB(4, 5, 6), RGB(4, 5, 6)}));
+  SelectObject(view.dc(), old);
+  EXPECT_TRUE(DeleteObject(wide));
+  EXPECT_TRUE(DeleteObject(copy));
+  EXPECT_EQ(CopyImage(copy, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION), nullptr);
+}
+
+TEST(GdiWindowDc, DrawsAtItsOriginAndOnlyInsideItsClip) {
+  HBITMAP frame = CreateBitmap(6, 4, 1, 32, nullptr);
+  HDC window = platform::CreateWindowDC(frame, 2, 1, RECT{2, 1, 4, 3});
+  ASSERT_NE(window, nullptr);
+  const RECT all{-10, -10, 10, 10};
+  FillRect(window, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  EXPECT_EQ(SetPixel(window, 0, 0, RGB(1, 1, 1)), RGB(1, 1, 1));
+  EXPECT_EQ(SetPixel(window, 2, 0, RGB(1, 1, 1)), CLR_INVALID);  // frame x 4 is outside the clip
+  EXPECT_FALSE(DeleteObject(frame));  // the window DC still draws into it
+  int width = 0, height = 0;
+  const std::uint32_t* pixels = platform::BitmapPixels(frame, &width, &height);
+  ASSERT_NE(pixels, nullptr);
+  ASSERT_EQ(width, 6);
+  ASSERT_EQ(height, 4);
+  std::vector<std::uint32_t> expected(24, 0);
+  expected[1 * 6 + 2] = 0x010101;
+  expected[1 * 6 + 3] = expected[2 * 6 + 2] = expected[2 * 6 + 3] = 0xFFFFFF;
+  EXPECT_EQ(std::vector<std::uint32_t>(pixels, pixels + 24), expected);
+  EXPECT_EQ(GetObjectType(window), static_cast<DWORD>(OBJ_DC));
+  EXPECT_EQ(SelectObject(window, frame), nullptr);
+  EXPECT_TRUE(DeleteDC(window));
+  EXPECT_TRUE(DeleteObject(frame));
+}
+
+}  // namespace
