@@ -1,0 +1,283 @@
+#include <cstring>
+
+#include "platform/gdi_test_support.h"
+
+using gdi_test::MemSurface;
+
+namespace {
+
+// Checks that a block of work leaves no GDI object behind.
+class GdiObjects : public ::testing::Test {
+ protected:
+  void SetUp() override { before_ = platform::LiveGdiObjects(); }
+  void TearDown() override {
+    platform::FailNthCreation(platform::GdiKind::Bitmap, 0);
+    platform::FailNthCreation(platform::GdiKind::DC, 0);
+    const auto after = platform::LiveGdiObjects();
+    EXPECT_EQ(after.dcs, before_.dcs);
+    EXPECT_EQ(after.bitmaps, before_.bitmaps);
+    EXPECT_EQ(after.brushes, before_.brushes);
+    EXPECT_EQ(after.fonts, before_.fonts);
+  }
+  platform::GdiCounts before_;
+};
+
+TEST_F(GdiObjects, StockObjectsAreNeitherCountedNorDeleted) {
+  for (int index : {WHITE_BRUSH, NULL_BRUSH, BLACK_BRUSH, WHITE_PEN, BLACK_PEN, NULL_PEN, SYSTEM_FONT,
+                    DEFAULT_GUI_FONT}) {
+    HGDIOBJ stock = GetStockObject(index);
+    ASSERT_NE(stock, nullptr) << index;
+    EXPECT_TRUE(DeleteObject(stock));
+    EXPECT_EQ(GetStockObject(index), stock);
+    EXPECT_NE(GetObjectType(stock), 0u);
+  }
+  EXPECT_EQ(GetStockObject(9), nullptr);
+  EXPECT_EQ(GetStockObject(-1), nullptr);
+  LOGBRUSH white{};
+  ASSERT_EQ(GetObjectA(GetStockObject(WHITE_BRUSH), sizeof white, &white), static_cast<int>(sizeof(LOGBRUSH)));
+  EXPECT_EQ(white.lbColor, RGB(255, 255, 255));
+}
+
+TEST_F(GdiObjects, NewMemoryDcStartsWithStockObjectsAndDefaults) {
+  HDC dc = CreateCompatibleDC(nullptr);
+  EXPECT_EQ(GetObjectType(dc), static_cast<DWORD>(OBJ_MEMDC));
+  EXPECT_EQ(GetCurrentObject(dc, OBJ_PEN), GetStockObject(BLACK_PEN));
+  EXPECT_EQ(GetCurrentObject(dc, OBJ_BRUSH), GetStockObject(WHITE_BRUSH));
+  EXPECT_EQ(GetCurrentObject(dc, OBJ_FONT), GetStockObject(SYSTEM_FONT));
+  BITMAP stock{};
+  ASSERT_EQ(GetObjectA(GetCurrentObject(dc, OBJ_BITMAP), sizeof stock, &stock), 24);
+  EXPECT_EQ(stock.bmWidth, 1);
+  EXPECT_EQ(stock.bmBitsPixel, 1);
+  EXPECT_TRUE(DeleteObject(GetCurrentObject(dc, OBJ_BITMAP)));  // stock: a no-op
+  EXPECT_EQ(GetBkColor(dc), RGB(255, 255, 255));
+  EXPECT_EQ(GetTextColor(dc), RGB(0, 0, 0));
+  EXPECT_EQ(GetROP2(dc), R2_COPYPEN);
+  EXPECT_EQ(GetStretchBltMode(dc), BLACKONWHITE);
+  EXPECT_EQ(GetMapMode(dc), MM_TEXT);
+  EXPECT_EQ(GetBkMode(dc), OPAQUE);
+  EXPECT_EQ(SetROP2(dc, R2_NOTXORPEN), R2_COPYPEN);
+  EXPECT_EQ(GetROP2(dc), R2_NOTXORPEN);
+  EXPECT_EQ(SetStretchBltMode(dc, HALFTONE), BLACKONWHITE);
+  EXPECT_EQ(SetMapMode(dc, 2), MM_TEXT);
+  EXPECT_EQ(GetMapMode(dc), 2);
+  EXPECT_EQ(SetBkColor(dc, RGB(1, 2, 3)), RGB(255, 255, 255));
+  EXPECT_EQ(SetTextColor(dc, RGB(4, 5, 6)), RGB(0, 0, 0));
+  EXPECT_EQ(SetBkMode(dc, TRANSPARENT), OPAQUE);
+  EXPECT_EQ(GetDeviceCaps(dc, LOGPIXELSY), 96);
+  EXPECT_EQ(GetDeviceCaps(dc, BITSPIXEL), 32);
+  EXPECT_EQ(GetDeviceCaps(dc, PLANES), 1);
+  EXPECT_TRUE(DeleteDC(dc));
+}
+
+TEST_F(GdiObjects, CompatibleBitmapFollowsTheDcsBitmapKind) {
+  HDC screen = platform::CreateScreenDC();
+  HDC fresh = CreateCompatibleDC(screen);
+  HBITMAP colour = CreateCompatibleBitmap(screen, 5, 3);
+  HBITMAP mono = CreateCompatibleBitmap(fresh, 17, 2);  // fresh DC: the stock mono bitmap
+  BITMAP bm{};
+  ASSERT_EQ(GetObjectA(colour, sizeof bm, &bm), 24);
+  EXPECT_EQ(bm.bmWidth, 5);
+  EXPECT_EQ(bm.bmHeight, 3);
+  EXPECT_EQ(bm.bmBitsPixel, 32);
+  EXPECT_EQ(bm.bmPlanes, 1);
+  EXPECT_EQ(bm.bmWidthBytes, 20);
+  ASSERT_EQ(GetObjectA(mono, sizeof bm, &bm), 24);
+  EXPECT_EQ(bm.bmBitsPixel, 1);
+  EXPECT_EQ(bm.bmWidthBytes, 4);  // 17 bits, rounded up to whole 16-bit words
+  HGDIOBJ old = SelectObject(fresh, colour);
+  HBITMAP second = CreateCompatibleBitmap(fresh, 1, 1);
+  ASSERT_EQ(GetObjectA(second, sizeof bm, &bm), 24);
+  EXPECT_EQ(bm.bmBitsPixel, 32);
+  EXPECT_EQ(CreateCompatibleBitmap(fresh, 0, 4), nullptr);
+  EXPECT_EQ(CreateCompatibleBitmap(fresh, -1, 4), nullptr);
+  EXPECT_EQ(CreateCompatibleBitmap(fresh, 1 << 15, 1 << 15), nullptr);  // 2^30 pixels
+  EXPECT_EQ(CreateCompatibleBitmap(nullptr, 4, 4), nullptr);
+  EXPECT_EQ(CreateBitmap(4, 4, 1, 8, nullptr), nullptr);
+  SelectObject(fresh, old);
+  for (HBITMAP b : {colour, mono, second}) EXPECT_TRUE(DeleteObject(b));
+  DeleteDC(fresh);
+  DeleteDC(screen);
+}
+
+TEST_F(GdiObjects, CreateBitmapReadsWordAlignedMonoRows) {
+  const BYTE bits[] = {0xA0, 0x00, 0x40, 0x00};  // rows "101", "010"
+  MemSurface view(1, 1);
+  HBITMAP mono = CreateBitmap(3, 2, 1, 1, bits);
+  HGDIOBJ old = SelectObject(view.dc(), mono);
+  EXPECT_EQ(view.Row(0, 3), (std::vector<COLORREF>{gdi_test::kWhite, 0, gdi_test::kWhite}));
+  EXPECT_EQ(view.Row(1, 3), (std::vector<COLORREF>{0, gdi_test::kWhite, 0}));
+  SelectObject(view.dc(), old);
+  DeleteObject(mono);
+}
+
+TEST_F(GdiObjects, SelectionRules) {
+  HDC a = CreateCompatibleDC(nullptr);
+  HDC b = CreateCompatibleDC(nullptr);
+  HBITMAP bitmap = CreateBitmap(2, 2, 1, 32, nullptr);
+  HBRUSH brush = CreateSolidBrush(RGB(9, 9, 9));
+  HGDIOBJ stockBitmap = SelectObject(a, bitmap);
+  ASSERT_NE(stockBitmap, nullptr);
+  EXPECT_EQ(SelectObject(a, bitmap), bitmap);      // already there
+  EXPECT_EQ(SelectObject(b, bitmap), nullptr);     // selected elsewhere
+  EXPECT_EQ(SelectObject(b, stockBitmap), stockBitmap);  // the stock bitmap is shared
+  EXPECT_FALSE(DeleteObject(bitmap));              // still selected: stays alive
+  EXPECT_EQ(GetObjectType(bitmap), static_cast<DWORD>(OBJ_BITMAP));
+  EXPECT_EQ(SelectObject(a, brush), GetStockObject(WHITE_BRUSH));
+  EXPECT_EQ(SelectObject(b, brush), GetStockObject(WHITE_BRUSH));  // brushes may be shared
+  EXPECT_FALSE(DeleteObject(brush));
+  EXPECT_EQ(SelectObject(a, a), nullptr);  // a DC is not selectable
+  // Deleting a DC releases but does not delete what it held.
+  EXPECT_TRUE(DeleteDC(a));
+  EXPECT_EQ(GetObjectType(bitmap), static_cast<DWORD>(OBJ_BITMAP));
+  EXPECT_FALSE(DeleteObject(brush));  // b still holds it
+  EXPECT_EQ(SelectObject(b, bitmap), stockBitmap);
+  EXPECT_EQ(SelectObject(b, GetStockObject(BLACK_BRUSH)), brush);
+  EXPECT_EQ(SelectObject(b, stockBitmap), bitmap);
+  EXPECT_TRUE(DeleteObject(brush));
+  EXPECT_TRUE(DeleteObject(bitmap));
+  EXPECT_TRUE(DeleteDC(b));
+}
+
+TEST_F(GdiObjects, StaleForeignAndNullHandlesFailQuietly) {
+  HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
+  HDC dc = CreateCompatibleDC(nullptr);
+  HBITMAP bitmap = CreateBitmap(1, 1, 1, 32, nullptr);
+  ASSERT_TRUE(DeleteObject(brush));
+  ASSERT_TRUE(DeleteObject(bitmap));
+  ASSERT_TRUE(DeleteDC(dc));
+  // A new object may reuse the slot; the old handles must still not reach it.
+  HBRUSH reused = CreateSolidBrush(RGB(4, 5, 6));
+  HDC reusedDc = CreateCompatibleDC(nullptr);
+  EXPECT_NE(reused, brush);
+  LOGBRUSH out{};
+  EXPECT_EQ(GetObjectA(brush, sizeof out, &out), 0);
+  EXPECT_FALSE(DeleteObject(brush));
+  EXPECT_FALSE(DeleteDC(dc));
+  EXPECT_EQ(SelectObject(reusedDc, brush), nullptr);
+  EXPECT_EQ(SelectObject(reusedDc, bitmap), nullptr);
+  EXPECT_EQ(GetPixel(dc, 0, 0), CLR_INVALID);
+  EXPECT_EQ(GetBkColor(dc), CLR_INVALID);
+  EXPECT_EQ(SetStretchBltMode(dc, HALFTONE), 0);
+  EXPECT_EQ(GetObjectType(bitmap), 0u);
+  for (const void* bogus : {static_cast<const void*>(nullptr), reinterpret_cast<const void*>(0x12345678),
+                            reinterpret_cast<const void*>(~std::uintptr_t{0}), static_cast<const void*>(&out)}) {
+    HGDIOBJ handle = const_cast<void*>(bogus);
+    EXPECT_EQ(GetObjectType(handle), 0u);
+    EXPECT_FALSE(DeleteObject(handle));
+    EXPECT_EQ(GetObjectA(handle, sizeof out, &out), 0);
+    EXPECT_FALSE(DeleteDC(static_cast<HDC>(handle)));
+    EXPECT_EQ(SelectObject(reusedDc, handle), nullptr);
+    if (handle) EXPECT_EQ(CreateCompatibleDC(static_cast<HDC>(handle)), nullptr);
+  }
+  HDC extra = CreateCompatibleDC(reusedDc);
+  DeleteDC(extra);
+  DeleteObject(reused);
+  DeleteDC(reusedDc);
+}
+
+TEST_F(GdiObjects, GetObjectReportsEachKind) {
+  HDC screen = platform::CreateScreenDC();
+  BITMAPINFO info{};
+  info.bmiHeader = {40, 3, -2, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  HBITMAP dib = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  ASSERT_NE(dib, nullptr);
+  ASSERT_NE(bits, nullptr);
+  DIBSECTION section{};
+  ASSERT_EQ(GetObjectA(dib, sizeof section, &section), 84);
+  EXPECT_EQ(section.dsBm.bmWidth, 3);
+  EXPECT_EQ(section.dsBm.bmHeight, 2);
+  EXPECT_EQ(section.dsBmih.biBitCount, 32);
+  EXPECT_EQ(section.dsBmih.biHeight, -2);
+  // The bits pointer is the pixel storage, top-down BGRx.
+  static_cast<BYTE*>(bits)[4 * 4 + 2] = 0x7F;  // row 1, column 1, red
+  MemSurface view(1, 1);
+  HGDIOBJ old = SelectObject(view.dc(), dib);
+  EXPECT_EQ(GetPixel(view.dc(), 1, 1), RGB(0x7F, 0, 0));
+  SelectObject(view.dc(), old);
+
+  HBITMAP device = CreateCompatibleBitmap(screen, 2, 2);
+  EXPECT_EQ(GetObjectA(device, sizeof section, &section), 24);  // a device bitmap has no DIB header
+  EXPECT_EQ(GetObjectA(device, 23, &section), 0);
+  EXPECT_EQ(GetObjectA(device, 0, nullptr), 24);
+
+  LOGFONTA font{};
+  font.lfHeight = -13;
+  std::strcpy(font.lfFaceName, "Sans");
+  HFONT hfont = CreateFontIndirectA(&font);
+  LOGFONTA back{};
+  ASSERT_EQ(GetObjectA(hfont, sizeof back, &back), static_cast<int>(sizeof(LOGFONTA)));
+  EXPECT_EQ(back.lfHeight, -13);
+  EXPECT_STREQ(back.lfFaceName, "Sans");
+  EXPECT_EQ(GetObjectType(hfont), static_cast<DWORD>(OBJ_FONT));
+
+  const LOGBRUSH hollow{BS_NULL, RGB(1, 1, 1), 0};
+  HBRUSH brush = CreateBrushIndirect(&hollow);
+  LOGBRUSH lb{};
+  ASSERT_EQ(GetObjectA(brush, sizeof lb, &lb), static_cast<int>(sizeof(LOGBRUSH)));
+  EXPECT_EQ(lb.lbStyle, BS_NULL);
+  const LOGBRUSH hatched{2, 0, 0};
+  EXPECT_EQ(CreateBrushIndirect(&hatched), nullptr);
+  EXPECT_EQ(GetObjectType(screen), static_cast<DWORD>(OBJ_DC));
+  EXPECT_EQ(GetDeviceCaps(screen, LOGPIXELSX), 96);
+
+  for (HGDIOBJ object : {static_cast<HGDIOBJ>(dib), static_cast<HGDIOBJ>(device), static_cast<HGDIOBJ>(hfont),
+                         static_cast<HGDIOBJ>(brush)}) {
+    EXPECT_TRUE(DeleteObject(object));
+  }
+  DeleteDC(screen);
+}
+
+TEST_F(GdiObjects, CountsAndForcedCreationFailures) {
+  HDC dc = CreateCompatibleDC(nullptr);
+  HBITMAP first = CreateBitmap(2, 2, 1, 32, nullptr);
+  EXPECT_EQ(platform::LiveGdiObjects().dcs, before_.dcs + 1);
+  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, before_.bitmaps + 1);
+
+  platform::FailNthCreation(platform::GdiKind::Bitmap, 3);
+  HBITMAP second = CreateCompatibleBitmap(dc, 1, 1);
+  HANDLE third = CopyImage(first, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
+  HANDLE failed = CopyImage(first, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
+  HANDLE after = CopyImage(first, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
+  EXPECT_NE(second, nullptr);
+  EXPECT_NE(third, nullptr);
+  EXPECT_EQ(failed, nullptr);
+  EXPECT_NE(after, nullptr);  // only the Nth fails
+
+  BITMAPINFO info{};
+  info.bmiHeader = {40, 1, 1, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+  platform::FailNthCreation(platform::GdiKind::Bitmap, 1);
+  EXPECT_EQ(CreateDIBSection(dc, &info, DIB_RGB_COLORS, nullptr, nullptr, 0), nullptr);
+  platform::FailNthCreation(platform::GdiKind::DC, 1);
+  EXPECT_EQ(CreateCompatibleDC(dc), nullptr);
+  HDC window = platform::CreateWindowDC(first, 0, 0, RECT{0, 0, 1, 1});
+  EXPECT_NE(window, nullptr);  // the forced failure was used up
+  EXPECT_EQ(platform::LiveGdiObjects().dcs, before_.dcs + 2);
+  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, before_.bitmaps + 4);
+
+  platform::FailNthCreation(platform::GdiKind::Bitmap, 1);
+  platform::FailNthCreation(platform::GdiKind::Bitmap, 0);  // cancelled
+  HBITMAP fine = CreateBitmap(1, 1, 1, 1, nullptr);
+  EXPECT_NE(fine, nullptr);
+
+  EXPECT_FALSE(DeleteObject(first));  // the window DC still draws into it
+  EXPECT_TRUE(DeleteDC(window));
+  for (HGDIOBJ object : {static_cast<HGDIOBJ>(first), static_cast<HGDIOBJ>(second), third, after,
+                         static_cast<HGDIOBJ>(fine)}) {
+    EXPECT_TRUE(DeleteObject(object));
+  }
+  DeleteDC(dc);
+}
+
+TEST(GdiMath, MulDivRoundsHalfAwayFromZero) {
+  EXPECT_EQ(MulDiv(5, 1, 2), 3);
+  EXPECT_EQ(MulDiv(-5, 1, 2), -3);
+  EXPECT_EQ(MulDiv(5, -1, 2), -3);
+  EXPECT_EQ(MulDiv(-5, -1, -2), -3);
+  EXPECT_EQ(MulDiv(7, 3, 4), 5);  // 5.25
+  EXPECT_EQ(MulDiv(0x40000000, 4, 2), -1);  // overflows int
+  EXPECT_EQ(MulDiv(1 << 30, 1 << 20, 1 << 20), 1 << 30);  // 64-bit intermediate
+  EXPECT_EQ(MulDiv(3, 4, 0), -1);
+}
+
+}  // namespace
