@@ -167,7 +167,9 @@ TEST_F(GdiObjects, StaleForeignAndNullHandlesFailQuietly) {
     EXPECT_EQ(GetObjectA(handle, sizeof out, &out), 0);
     EXPECT_FALSE(DeleteDC(static_cast<HDC>(handle)));
     EXPECT_EQ(SelectObject(reusedDc, handle), nullptr);
-    if (handle) EXPECT_EQ(CreateCompatibleDC(static_cast<HDC>(handle)), nullptr);
+    if (handle) {
+      EXPECT_EQ(CreateCompatibleDC(static_cast<HDC>(handle)), nullptr);
+    }
   }
   HDC extra = CreateCompatibleDC(reusedDc);
   DeleteDC(extra);
