@@ -130,7 +130,9 @@ TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
   // A stroke on the drawing layer over the image's second pixel.
   SetPixel(live->m_drawingLayer.dc, live->m_imageRect.left + 1, live->m_imageRect.top, 0x0000AA);
   const std::string bare = TempName("saved.bmp");
+  const int objectsBefore = platform::LiveGdiObjects().total();
   live->SaveEditedBitmap(bare.c_str());  // a bare name goes to the temp folder
+  EXPECT_EQ(platform::LiveGdiObjects().total(), objectsBefore) << "the scratch DC and bitmap are released";
   const auto written = ReadWritten(files_.back());
   ASSERT_TRUE(written);
   EXPECT_EQ(written->width, 3);
@@ -157,11 +159,19 @@ TEST_F(ImageFilesTest, SaveSizeStretchesToAnyProportions) {
   ASSERT_TRUE(written);
   ASSERT_EQ(written->width, 8);
   ASSERT_EQ(written->height, 5);
-  // Each half of the picture maps onto whole output columns: no mixed colours.
-  for (int y = 0; y < 5; ++y) {
-    for (int x = 0; x < 8; ++x)
-      EXPECT_EQ(written->colors[static_cast<std::size_t>(y * 8 + x)], x < 4 ? kRed : kBlue);
-  }
+  // The same halftone stretch of the displayed image, made directly.
+  HDC expectedDc = CreateCompatibleDC(live->m_composition.dc);
+  HBITMAP expected = CreateCompatibleBitmap(live->m_composition.dc, 8, 5);
+  HGDIOBJ previous = SelectObject(expectedDc, expected);
+  SetStretchBltMode(expectedDc, HALFTONE);
+  StretchBlt(expectedDc, 0, 0, 8, 5, live->m_imageSurface.dc, live->m_imageRect.left, live->m_imageRect.top,
+             4, 2, SRCCOPY);
+  EXPECT_EQ(written->colors, SurfaceColors(expectedDc, 8, 5));
+  EXPECT_EQ(written->colors.front(), kRed);
+  EXPECT_EQ(written->colors.back(), kBlue);
+  SelectObject(expectedDc, previous);
+  DeleteObject(expected);
+  DeleteDC(expectedDc);
 }
 
 TEST_F(ImageFilesTest, FramePiecesWidenTheSavedArea) {
@@ -198,7 +208,9 @@ TEST_F(ImageFilesTest, SelectionBoxSaveTakesThePixelsSeenInTheBoxWhenScrolled) {
   live->m_selectionBoxHeight = 2;
   live->m_saveWidth = 100;  // the save size plays no part here
   live->m_saveHeight = 100;
+  const int objectsBefore = platform::LiveGdiObjects().total();
   live->SaveSelectionBoxBitmap(TempName("box.bmp").c_str());
+  EXPECT_EQ(platform::LiveGdiObjects().total(), objectsBefore);
   const auto written = ReadWritten(files_.back());
   ASSERT_TRUE(written);
   ASSERT_EQ(written->width, 3);
