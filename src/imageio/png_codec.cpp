@@ -11,6 +11,7 @@ bool DecodePng(const std::uint8_t* data, std::size_t count, const PixelAllocator
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   if (!png_image_begin_read_from_memory(&image, data, count)) return false;
+  const bool hasAlpha = (image.format & PNG_FORMAT_FLAG_ALPHA) != 0;
   image.format = PNG_FORMAT_BGRA;
   // 16-bit samples without gamma information are sRGB like 8-bit ones (as other
   // viewers show them), not linear light.
@@ -24,6 +25,10 @@ bool DecodePng(const std::uint8_t* data, std::size_t count, const PixelAllocator
   }
   if (!png_image_finish_read(&image, nullptr, pixels, 0, nullptr)) return false;
   const std::size_t total = static_cast<std::size_t>(width) * height;
+  if (!hasAlpha) {
+    for (std::size_t i = 0; i < total; ++i) pixels[i] &= 0x00FFFFFF;  // drop the filled-in opacity
+    return true;
+  }
   for (std::size_t i = 0; i < total; ++i) {
     const std::uint32_t bgra = pixels[i];
     const auto alpha = static_cast<std::uint8_t>(bgra >> 24);
