@@ -1,0 +1,104 @@
+#include "script_host.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace script {
+
+template <typename T>
+std::optional<std::optional<T>> ScriptHost::TakeAnswer(std::deque<std::optional<T>>& answers) {
+  if (answers.empty()) return std::nullopt;
+  std::optional<T> answer = answers.front();
+  answers.pop_front();
+  return answer;
+}
+
+void ScriptHost::ShowCursor(int resourceId) {
+  // A person notices a cursor only when it changes.
+  if (shownCursor_ == resourceId) return;
+  shownCursor_ = resourceId;
+  if (trace_) out_ << "cursor " << resourceId << '\n';
+}
+
+UINT ScriptHost::ShowPopupMenu(HMENU /*menu*/, int x, int y) {
+  out_ << "menu shown at " << x << ' ' << y << '\n';
+  const auto answer = TakeAnswer(menuAnswers_);
+  if (!answer) {
+    out_ << "menu cancelled (no answer queued)\n";
+    return 0;
+  }
+  if (!*answer) {
+    out_ << "menu cancelled\n";
+    return 0;
+  }
+  out_ << "menu chose " << **answer << '\n';
+  return **answer;
+}
+
+int ScriptHost::ShowMessageBox(const std::string& text, const std::string& /*caption*/, UINT /*type*/) {
+  out_ << "messagebox " << QuoteString(text) << '\n';
+  return IDOK;
+}
+
+bool ScriptHost::ChooseColor(COLORREF& color) {
+  out_ << "color dialog shown\n";
+  const auto answer = TakeAnswer(colorAnswers_);
+  if (!answer || !*answer) {
+    out_ << (answer ? "color dialog cancelled\n" : "color dialog cancelled (no answer queued)\n");
+    return false;
+  }
+  color = **answer;
+  out_ << "color dialog chose " << FormatRgbHex(color) << '\n';
+  return true;
+}
+
+bool ScriptHost::ChooseFont(LOGFONTA& font, COLORREF& color) {
+  out_ << "font dialog shown\n";
+  const auto answer = TakeAnswer(fontAnswers_);
+  if (!answer || !*answer) {
+    out_ << (answer ? "font dialog cancelled\n" : "font dialog cancelled (no answer queued)\n");
+    return false;
+  }
+  // The dialog edits the description it was given: only what a person picks in it
+  // changes (face, size at the screen's 96 pixels an inch, weight and effects).
+  const FontChoice& choice = **answer;
+  std::memset(font.lfFaceName, 0, sizeof font.lfFaceName);
+  std::memcpy(font.lfFaceName, choice.face.data(), std::min(choice.face.size(), sizeof font.lfFaceName - 1));
+  font.lfHeight = -MulDiv(choice.points, 96, 72);
+  font.lfWeight = choice.bold ? 700 : 400;
+  font.lfItalic = choice.italic ? 1 : 0;
+  font.lfUnderline = choice.underline ? 1 : 0;
+  font.lfStrikeOut = choice.strikeOut ? 1 : 0;
+  color = choice.color;
+  out_ << "font dialog chose " << QuoteString(choice.face) << ' ' << choice.points << '\n';
+  return true;
+}
+
+void ScriptHost::ShowDialog(int /*dialogId*/, const std::string& title) {
+  out_ << "dialog " << QuoteString(title) << " closed with OK\n";
+}
+
+void EventPrinter::Invoke(int dispid, const std::vector<Variant>& args) {
+  out_ << "event "
+       << (dispid == DISPID_COLORSELECTED ? "ColorSelected"
+           : dispid == DISPID_IMAGESCALED ? "ImageScaled"
+                                          : std::to_string(dispid));
+  for (const Variant& arg : args) out_ << ' ' << FormatVariant(arg);
+  out_ << '\n';
+}
+
+std::string FormatVariant(const Variant& value) {
+  switch (value.type()) {
+    case Variant::Type::String:
+      return QuoteString(value.asString());
+    case Variant::Type::Int:
+    case Variant::Type::Bool:
+      return std::to_string(value.asInt());
+    case Variant::Type::Null:
+    case Variant::Type::Empty:
+      break;
+  }
+  return "null";
+}
+
+}  // namespace script

@@ -1,0 +1,60 @@
+// The script's side of everything that needs a person: it prints what a person would
+// see (message boxes, menus, dialogs, events, and with --trace the cursor) one line
+// each, and answers menus and dialogs from the answers the script queued beforehand.
+// A menu or dialog with no queued answer is cancelled, and the output says so.
+#pragma once
+
+#include <deque>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "control/image_edit_ctrl.h"
+#include "platform/platform.h"
+#include "script_parser.h"
+
+namespace script {
+
+class ScriptHost : public platform::Host {
+ public:
+  ScriptHost(std::ostream& out, bool trace) : out_(out), trace_(trace) {}
+
+  // Each answer is used by the next menu or dialog of its kind; nullopt cancels it.
+  void QueueMenuAnswer(std::optional<UINT> commandId) { menuAnswers_.push_back(commandId); }
+  void QueueColorAnswer(std::optional<COLORREF> color) { colorAnswers_.push_back(color); }
+  void QueueFontAnswer(std::optional<FontChoice> font) { fontAnswers_.push_back(font); }
+
+  void ShowCursor(int resourceId) override;
+  UINT ShowPopupMenu(HMENU menu, int x, int y) override;
+  int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override;
+  bool ChooseColor(COLORREF& color) override;
+  bool ChooseFont(LOGFONTA& font, COLORREF& color) override;
+  void ShowDialog(int dialogId, const std::string& title) override;
+
+ private:
+  template <typename T>
+  static std::optional<std::optional<T>> TakeAnswer(std::deque<std::optional<T>>& answers);
+
+  std::ostream& out_;
+  bool trace_;
+  std::optional<int> shownCursor_;
+  std::deque<std::optional<UINT>> menuAnswers_;
+  std::deque<std::optional<COLORREF>> colorAnswers_;
+  std::deque<std::optional<FontChoice>> fontAnswers_;
+};
+
+// Prints every event the control fires: `event NAME ARGS...`.
+class EventPrinter : public IEventSink {
+ public:
+  explicit EventPrinter(std::ostream& out) : out_(out) {}
+  void Invoke(int dispid, const std::vector<Variant>& args) override;
+
+ private:
+  std::ostream& out_;
+};
+
+// A variant as the script would write it: a quoted string, a number, or null.
+std::string FormatVariant(const Variant& value);
+
+}  // namespace script
