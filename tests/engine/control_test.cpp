@@ -204,18 +204,6 @@ TEST_F(ControlTest, GrayAndInvertTurnOnOnlyForOne) {
   }
 }
 
-// Both effects only close text entry and commit one history level.
-TEST_F(ControlTest, HeartImageIsTheWaterDropOperation) {
-  Activate();
-  control_->SetImage(kPicture);
-  ASSERT_NE(editor().m_originalImage, nullptr);
-  const int start = editor().m_historyIndex;
-  control_->WaterDropImage();
-  EXPECT_EQ(editor().m_historyIndex, start + 1);
-  control_->HeartImage();
-  EXPECT_EQ(editor().m_historyIndex, start + 2);
-}
-
 // A host's truth value reaches the flag methods as 1 or 0, so automation's true (-1)
 // and any non-zero integer turn the setting on.
 TEST_F(ControlTest, FlagArgumentsFollowTheHostsTruthValue) {

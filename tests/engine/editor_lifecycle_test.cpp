@@ -66,7 +66,7 @@ TEST_F(EditorLifecycleTest, DestroyingAnUncreatedEditorReleasesEverything) {
 }
 
 TEST_F(EditorLifecycleTest, WindowCreationMakesFourDCsAndTheHiddenTextWindow) {
-  HWND host = platform::CreateHostWindow(0, 0);
+  HWND host = platform::CreateHostWindow(40, 30);
   {
     CImageEditWnd editor;
     // Created with an empty rectangle: no positive size has arrived yet.
@@ -89,7 +89,7 @@ TEST_F(EditorLifecycleTest, WindowCreationMakesFourDCsAndTheHiddenTextWindow) {
 }
 
 TEST_F(EditorLifecycleTest, OnlyTheFirstPositiveSizeSizesTheSurfaces) {
-  HWND host = platform::CreateHostWindow(0, 0);
+  HWND host = platform::CreateHostWindow(40, 30);
   {
     CImageEditWnd editor;
     ASSERT_TRUE(editor.CreateInParent(nullptr, "Image Edit", 0x40000120, RECT{0, 0, 0, 0}, host, 1));
