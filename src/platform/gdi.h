@@ -100,12 +100,22 @@ int SetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, const void* bits,
               UINT usage);
 
 BOOL BitBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, int srcY, DWORD rop);
+// Equal sizes copy exactly. Otherwise the destination DC's stretch mode decides:
+// HALFTONE averages the covered area when shrinking and interpolates linearly when
+// enlarging (each axis on its own); COLORONCOLOR takes the pixel under each destination
+// centre; BLACKONWHITE / WHITEONBLACK do the same but AND / OR every source pixel merged
+// into one when shrinking. A negative extent runs the rectangle the other way from its
+// (x, y) corner; opposite signs of source and destination mirror.
 BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, int srcY, int srcWidth,
                 int srcHeight, DWORD rop);
 int SetStretchBltMode(HDC hdc, int mode);
 int GetStretchBltMode(HDC hdc);
+// Copies the source pixels whose colour is not `transparent`; unequal sizes are
+// stretched by nearest pixel first. Negative extents fail.
 BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, int srcY, int srcWidth,
                     int srcHeight, UINT transparent);
+// IMAGE_BITMAP only: an independent copy (a DIB section with LR_CREATEDIBSECTION when the
+// source is colour), cx/cy 0 meaning the source size, other sizes by nearest pixel.
 HANDLE CopyImage(HANDLE image, UINT type, int cx, int cy, UINT flags);
 
 int FillRect(HDC hdc, const RECT* rect, HBRUSH brush);

@@ -98,10 +98,14 @@ StretchFilter FilterFor(int mode, const Surface& dest, const Surface& src) {
   switch (mode) {
     // Halftone averaging needs colour on both sides; with a monochrome bitmap involved
     // it samples like COLORONCOLOR.
-    case HALFTONE: return dest.mono() || src.mono() ? StretchFilter::Nearest : StretchFilter::Halftone;
-    case BLACKONWHITE: return StretchFilter::AndMerge;
-    case WHITEONBLACK: return StretchFilter::OrMerge;
-    default: return StretchFilter::Nearest;
+    case HALFTONE:
+      return dest.mono() || src.mono() ? StretchFilter::Nearest : StretchFilter::Halftone;
+    case BLACKONWHITE:
+      return StretchFilter::AndMerge;
+    case WHITEONBLACK:
+      return StretchFilter::OrMerge;
+    default:
+      return StretchFilter::Nearest;
   }
 }
 
@@ -165,7 +169,8 @@ BOOL BitBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, in
 // and opposite signs of a source and destination extent mirror that axis.
 BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, int srcY, int srcWidth,
                 int srcHeight, DWORD rop) {
-  if (width == srcWidth && height == srcHeight) return BitBlt(dest, x, y, width, height, src, srcX, srcY, rop);
+  if (width == srcWidth && height == srcHeight)
+    return BitBlt(dest, x, y, width, height, src, srcX, srcY, rop);
   const std::uint8_t index = raster::RopIndex(rop);
   if (!raster::RopUsesSource(index)) return BitBlt(dest, x, y, width, height, src, srcX, srcY, rop);
   auto ends = ResolveEnds(dest, src, true);
@@ -175,8 +180,9 @@ BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX
   const Surface& target = ends->dest;
   const Surface& from = ends->src;
   const StretchFilter filter = FilterFor(ends->destDc->stretchMode, target, from);
-  const StretchPlan plan = PlanStretch(filter, target, {target.originX + x, width}, {target.originY + y, height},
-                                       from, {from.originX + srcX, srcWidth}, {from.originY + srcY, srcHeight});
+  const StretchPlan plan =
+      PlanStretch(filter, target, {target.originX + x, width}, {target.originY + y, height}, from,
+                  {from.originX + srcX, srcWidth}, {from.originY + srcY, srcHeight});
   RowCombiner combiner(ConversionFor(target, *ends->destDc, from, *ends->srcDc), index,
                        ends->destDc->draw.brushPixel);
   raster::Raster* out = target.raster;
@@ -196,9 +202,9 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
   if (!ends || width <= 0 || height <= 0 || srcWidth <= 0 || srcHeight <= 0) return FALSE;
   const Surface& target = ends->dest;
   const Surface& from = ends->src;
-  const StretchPlan plan = PlanStretch(StretchFilter::Nearest, target, {target.originX + x, width},
-                                       {target.originY + y, height}, from, {from.originX + srcX, srcWidth},
-                                       {from.originY + srcY, srcHeight});
+  const StretchPlan plan =
+      PlanStretch(StretchFilter::Nearest, target, {target.originX + x, width}, {target.originY + y, height},
+                  from, {from.originX + srcX, srcWidth}, {from.originY + srcY, srcHeight});
   const std::uint32_t key = raster::PixelOf(transparent & raster::kColorMask);
   const raster::Conversion conversion = ConversionFor(target, *ends->destDc, from, *ends->srcDc);
   std::vector<std::uint32_t> converted;
@@ -232,7 +238,8 @@ HANDLE CopyImage(HANDLE image, UINT type, int cx, int cy, UINT flags) {
     return copy;
   }
   const AxisTaps xs = PlanAxis(StretchFilter::Nearest, {0, width}, {0, from.width}, 0, width, 0, from.width);
-  const AxisTaps ys = PlanAxis(StretchFilter::Nearest, {0, height}, {0, from.height}, 0, height, 0, from.height);
+  const AxisTaps ys =
+      PlanAxis(StretchFilter::Nearest, {0, height}, {0, from.height}, 0, height, 0, from.height);
   Resample(StretchFilter::Nearest, xs, ys, from, [&](int dx, int dy, const std::uint32_t* values, int count) {
     std::memcpy(to.Row(dy) + dx, values, static_cast<std::size_t>(count) * sizeof(std::uint32_t));
   });

@@ -30,7 +30,8 @@ Value Exchange(HDC hdc, Value DcObject::*member, Value value, Value failure) {
 bool DevicePoint(const Surface& surface, int x, int y, int* deviceX, int* deviceY) {
   const std::int64_t dx = surface.originX + x;
   const std::int64_t dy = surface.originY + y;
-  if (dx < surface.clip.left || dx >= surface.clip.right || dy < surface.clip.top || dy >= surface.clip.bottom) {
+  if (dx < surface.clip.left || dx >= surface.clip.right || dy < surface.clip.top ||
+      dy >= surface.clip.bottom) {
     return false;
   }
   *deviceX = static_cast<int>(dx);
@@ -43,29 +44,39 @@ bool DevicePoint(const Surface& surface, int x, int y, int* deviceX, int* device
 COLORREF SetBkColor(HDC hdc, COLORREF color) {
   return Exchange(hdc, &DcObject::bkColor, color & raster::kColorMask, CLR_INVALID);
 }
-COLORREF GetBkColor(HDC hdc) { return ReadDc(hdc, CLR_INVALID, [](const DcObject& dc) { return dc.bkColor; }); }
+COLORREF GetBkColor(HDC hdc) {
+  return ReadDc(hdc, CLR_INVALID, [](const DcObject& dc) { return dc.bkColor; });
+}
 COLORREF SetTextColor(HDC hdc, COLORREF color) {
   return Exchange(hdc, &DcObject::textColor, color & raster::kColorMask, CLR_INVALID);
 }
-COLORREF GetTextColor(HDC hdc) { return ReadDc(hdc, CLR_INVALID, [](const DcObject& dc) { return dc.textColor; }); }
+COLORREF GetTextColor(HDC hdc) {
+  return ReadDc(hdc, CLR_INVALID, [](const DcObject& dc) { return dc.textColor; });
+}
 
 int SetBkMode(HDC hdc, int mode) {
   if (mode != TRANSPARENT && mode != OPAQUE) return 0;
   return Exchange(hdc, &DcObject::bkMode, mode, 0);
 }
-int GetBkMode(HDC hdc) { return ReadDc(hdc, 0, [](const DcObject& dc) { return dc.bkMode; }); }
+int GetBkMode(HDC hdc) {
+  return ReadDc(hdc, 0, [](const DcObject& dc) { return dc.bkMode; });
+}
 
 int SetROP2(HDC hdc, int mode) {
   if (mode < R2_BLACK || mode > R2_WHITE) return 0;
   return Exchange(hdc, &DcObject::rop2, mode, 0);
 }
-int GetROP2(HDC hdc) { return ReadDc(hdc, 0, [](const DcObject& dc) { return dc.rop2; }); }
+int GetROP2(HDC hdc) {
+  return ReadDc(hdc, 0, [](const DcObject& dc) { return dc.rop2; });
+}
 
 int SetStretchBltMode(HDC hdc, int mode) {
   if (mode < BLACKONWHITE || mode > HALFTONE) return 0;
   return Exchange(hdc, &DcObject::stretchMode, mode, 0);
 }
-int GetStretchBltMode(HDC hdc) { return ReadDc(hdc, 0, [](const DcObject& dc) { return dc.stretchMode; }); }
+int GetStretchBltMode(HDC hdc) {
+  return ReadDc(hdc, 0, [](const DcObject& dc) { return dc.stretchMode; });
+}
 
 // Mapping modes are stored for callers that save and restore them; this raster draws
 // in device units (MM_TEXT) whatever the mode.
@@ -73,7 +84,9 @@ int SetMapMode(HDC hdc, int mode) {
   if (mode < MM_TEXT || mode > 8) return 0;
   return Exchange(hdc, &DcObject::mapMode, mode, 0);
 }
-int GetMapMode(HDC hdc) { return ReadDc(hdc, 0, [](const DcObject& dc) { return dc.mapMode; }); }
+int GetMapMode(HDC hdc) {
+  return ReadDc(hdc, 0, [](const DcObject& dc) { return dc.mapMode; });
+}
 
 // Every DC reports the display it is compatible with: true colour at 96 dpi. Memory
 // DCs report it too, even while they hold a monochrome bitmap, as GDI does. The display
@@ -84,12 +97,18 @@ int GetDeviceCaps(HDC hdc, int index) {
   const auto* frame = dc->type == DcType::Window ? Lookup<BitmapObject>(dc->bitmap) : nullptr;
   switch (index) {
     case LOGPIXELSX:
-    case LOGPIXELSY: return 96;
-    case BITSPIXEL: return 32;
-    case PLANES: return 1;
-    case HORZRES: return frame ? frame->raster.width : 1920;
-    case VERTRES: return frame ? frame->raster.height : 1080;
-    default: return 0;
+    case LOGPIXELSY:
+      return 96;
+    case BITSPIXEL:
+      return 32;
+    case PLANES:
+      return 1;
+    case HORZRES:
+      return frame ? frame->raster.width : 1920;
+    case VERTRES:
+      return frame ? frame->raster.height : 1080;
+    default:
+      return 0;
   }
 }
 

@@ -70,7 +70,8 @@ class RowDecoder {
         for (DWORD i = 0; i < used; ++i) {
           RGBQUAD q;
           std::memcpy(&q, extra + 4 * i, sizeof q);
-          decoder.palette_[i] = (std::uint32_t{q.rgbRed} << 16) | (std::uint32_t{q.rgbGreen} << 8) | q.rgbBlue;
+          decoder.palette_[i] =
+              (std::uint32_t{q.rgbRed} << 16) | (std::uint32_t{q.rgbGreen} << 8) | q.rgbBlue;
         }
         return decoder;
       }

@@ -110,11 +110,16 @@ class HandleTable {
 
   int* CounterFor(const GdiObject& object) {
     switch (object.index()) {
-      case 0: return &counts.dcs;
-      case 1: return &counts.bitmaps;
-      case 2: return &counts.pens;
-      case 3: return &counts.brushes;
-      default: return &counts.fonts;
+      case 0:
+        return &counts.dcs;
+      case 1:
+        return &counts.bitmaps;
+      case 2:
+        return &counts.pens;
+      case 3:
+        return &counts.brushes;
+      default:
+        return &counts.fonts;
     }
   }
 
@@ -188,7 +193,8 @@ bool AllowCreation(GdiKind kind) {
 void* Register(GdiObject object) { return Table().Add(std::move(object), false); }
 
 HBITMAP NewBitmap(int width, int height, bool mono, bool dibSection, LONG dibHeight) {
-  if (width <= 0 || height <= 0 || static_cast<std::int64_t>(width) * height > raster::kMaxPixels) return nullptr;
+  if (width <= 0 || height <= 0 || static_cast<std::int64_t>(width) * height > raster::kMaxPixels)
+    return nullptr;
   if (!AllowCreation(GdiKind::Bitmap)) return nullptr;
   BitmapObject bitmap;
   if (!raster::Allocate(bitmap.raster, width, height, mono)) return nullptr;
@@ -319,11 +325,16 @@ HGDIOBJ GetCurrentObject(HDC hdc, UINT type) {
   const auto* dc = Lookup<DcObject>(hdc);
   if (!dc) return nullptr;
   switch (type) {
-    case OBJ_PEN: return dc->pen;
-    case OBJ_BRUSH: return dc->brush;
-    case OBJ_FONT: return dc->font;
-    case OBJ_BITMAP: return dc->bitmap ? static_cast<HGDIOBJ>(dc->bitmap) : Table().StockBitmap();
-    default: return nullptr;
+    case OBJ_PEN:
+      return dc->pen;
+    case OBJ_BRUSH:
+      return dc->brush;
+    case OBJ_FONT:
+      return dc->font;
+    case OBJ_BITMAP:
+      return dc->bitmap ? static_cast<HGDIOBJ>(dc->bitmap) : Table().StockBitmap();
+    default:
+      return nullptr;
   }
 }
 
@@ -332,7 +343,8 @@ BOOL DeleteObject(HGDIOBJ object) {
   if (!slot || std::holds_alternative<DcObject>(*slot->object)) return FALSE;
   if (slot->stock) return TRUE;
   if (slot->selections > 0) return FALSE;
-  if (auto* bitmap = std::get_if<BitmapObject>(slot->object.get()); bitmap && bitmap->windowDcs > 0) return FALSE;
+  if (auto* bitmap = std::get_if<BitmapObject>(slot->object.get()); bitmap && bitmap->windowDcs > 0)
+    return FALSE;
   Table().Remove(object);
   return TRUE;
 }

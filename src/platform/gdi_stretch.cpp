@@ -25,12 +25,16 @@ TapRange RangeFor(StretchFilter filter, std::int64_t j, std::int64_t d, std::int
     return {i, std::min(i + 2, s)};
   }
   if ((filter == StretchFilter::AndMerge || filter == StretchFilter::OrMerge) && d < s) {
-    // Source pixel i belongs to destination floor(i * d / s).
-    return {(j * s + d - 1) / d, ((j + 1) * s + d - 1) / d};
+    // Source pixel i merges into the destination pixel under its centre,
+    // floor((2i + 1) * d / (2s)); invert that for the run of i landing on j.
+    const auto firstOf = [&](std::int64_t k) { return (2 * k * s + d - 1) / (2 * d); };
+    return {firstOf(j), std::min(firstOf(j + 1), s)};
   }
   if (d == s) return {j, j + 1};
-  const std::int64_t centre = (2 * j + 1) * s / (2 * d);
-  return {centre, centre + 1};
+  // Nearest pixel as GDI samples it: rounded centres when shrinking, the pixel under
+  // the destination's left edge when enlarging.
+  const std::int64_t pick = d < s ? ((2 * j + 1) * s + d) / (2 * d) : j * s / d;
+  return {pick, pick + 1};
 }
 
 // Weight of source-relative pixel i for destination j (Halftone only).

@@ -13,7 +13,7 @@
 namespace platform::gdi {
 
 enum class StretchFilter {
-  Nearest,   // the source pixel under the destination pixel's centre
+  Nearest,   // one source pixel per destination pixel (COLORONCOLOR)
   AndMerge,  // shrinking: every source pixel merged into its destination with AND
   OrMerge,   // shrinking: the same with OR
   Halftone,  // area average when shrinking, linear interpolation when enlarging
@@ -32,7 +32,7 @@ struct AxisTaps {
   std::vector<int> first;      // count + 1 offsets into source/weight
   std::vector<int> source;     // source indexes in device coordinates
   std::vector<std::uint32_t> weight;
-  std::uint64_t total = 1;     // the weights of every destination pixel add up to this
+  std::uint64_t total = 1;  // the weights of every destination pixel add up to this
 };
 
 // Plans one axis; destination pixels outside [destLo, destHi) or reading outside

@@ -49,20 +49,42 @@ void ForEach(std::uint32_t* dst, int count, Op op) {
 
 }  // namespace
 
-void ApplyRop(std::uint8_t index, const std::uint32_t* src, std::uint32_t pattern, std::uint32_t* dst, int count) {
+void ApplyRop(std::uint8_t index, const std::uint32_t* src, std::uint32_t pattern, std::uint32_t* dst,
+              int count) {
   // The operations the editor uses get plain loops; the rest go through the minterms.
   switch (index) {
-    case 0x00: ForEach(dst, count, [](int) { return kBlack; }); break;
-    case 0xFF: ForEach(dst, count, [](int) { return kWhite; }); break;
-    case 0xCC: ForEach(dst, count, [&](int i) { return src[i]; }); break;
-    case 0x33: ForEach(dst, count, [&](int i) { return ~src[i]; }); break;
-    case 0x88: ForEach(dst, count, [&](int i) { return src[i] & dst[i]; }); break;
-    case 0xEE: ForEach(dst, count, [&](int i) { return src[i] | dst[i]; }); break;
-    case 0x66: ForEach(dst, count, [&](int i) { return src[i] ^ dst[i]; }); break;
-    case 0x55: ForEach(dst, count, [&](int i) { return ~dst[i]; }); break;
-    case 0xF0: ForEach(dst, count, [&](int) { return pattern; }); break;
-    case 0x5A: ForEach(dst, count, [&](int i) { return pattern ^ dst[i]; }); break;
-    case 0xAA: break;
+    case 0x00:
+      ForEach(dst, count, [](int) { return kBlack; });
+      break;
+    case 0xFF:
+      ForEach(dst, count, [](int) { return kWhite; });
+      break;
+    case 0xCC:
+      ForEach(dst, count, [&](int i) { return src[i]; });
+      break;
+    case 0x33:
+      ForEach(dst, count, [&](int i) { return ~src[i]; });
+      break;
+    case 0x88:
+      ForEach(dst, count, [&](int i) { return src[i] & dst[i]; });
+      break;
+    case 0xEE:
+      ForEach(dst, count, [&](int i) { return src[i] | dst[i]; });
+      break;
+    case 0x66:
+      ForEach(dst, count, [&](int i) { return src[i] ^ dst[i]; });
+      break;
+    case 0x55:
+      ForEach(dst, count, [&](int i) { return ~dst[i]; });
+      break;
+    case 0xF0:
+      ForEach(dst, count, [&](int) { return pattern; });
+      break;
+    case 0x5A:
+      ForEach(dst, count, [&](int i) { return pattern ^ dst[i]; });
+      break;
+    case 0xAA:
+      break;
     default:
       for (int i = 0; i < count; ++i) dst[i] = Ternary(index, pattern, src ? src[i] : 0, dst[i]);
   }

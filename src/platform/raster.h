@@ -70,6 +70,7 @@ constexpr bool RopUsesPattern(std::uint8_t index) { return ((index >> 4) ^ index
 
 // dst[i] = rop(pattern, src[i], dst[i]) for `count` pixels; `src` may be null when the
 // operation does not read it. Results are masked to 24 bits.
-void ApplyRop(std::uint8_t index, const std::uint32_t* src, std::uint32_t pattern, std::uint32_t* dst, int count);
+void ApplyRop(std::uint8_t index, const std::uint32_t* src, std::uint32_t pattern, std::uint32_t* dst,
+              int count);
 
 }  // namespace platform::raster

@@ -93,7 +93,7 @@ TEST(GdiBitBlt, MonoToMonoCopiesBitsAndNotSrcCopyInverts) {
 
 TEST(GdiBitBlt, ColoursOnMonoSurfacesSnapToNearestOfBlackAndWhite) {
   MemSurface mono(2, 1, true);
-  EXPECT_EQ(SetPixel(mono.dc(), 0, 0, RGB(200, 200, 0)), kWhite);  // 400 > 382
+  EXPECT_EQ(SetPixel(mono.dc(), 0, 0, RGB(200, 200, 0)), kWhite);    // 400 > 382
   EXPECT_EQ(SetPixel(mono.dc(), 1, 0, RGB(127, 128, 127)), kBlack);  // 382 is not above half
 }
 
@@ -246,7 +246,7 @@ TEST(GdiWindowDc, DrawsAtItsOriginAndOnlyInsideItsClip) {
   FillRect(window, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
   EXPECT_EQ(SetPixel(window, 0, 0, RGB(1, 1, 1)), RGB(1, 1, 1));
   EXPECT_EQ(SetPixel(window, 2, 0, RGB(1, 1, 1)), CLR_INVALID);  // frame x 4 is outside the clip
-  EXPECT_FALSE(DeleteObject(frame));  // the window DC still draws into it
+  EXPECT_FALSE(DeleteObject(frame));                             // the window DC still draws into it
   int width = 0, height = 0;
   const std::uint32_t* pixels = platform::BitmapPixels(frame, &width, &height);
   ASSERT_NE(pixels, nullptr);

@@ -10,8 +10,10 @@ using Row = std::vector<COLORREF>;
 
 namespace {
 
-BITMAPINFOHEADER Header(int width, int height, int bitCount, DWORD compression = BI_RGB, DWORD colorsUsed = 0) {
-  return BITMAPINFOHEADER{40, width, height, 1, static_cast<WORD>(bitCount), compression, 0, 0, 0, colorsUsed, 0};
+BITMAPINFOHEADER Header(int width, int height, int bitCount, DWORD compression = BI_RGB,
+                        DWORD colorsUsed = 0) {
+  return BITMAPINFOHEADER{40, width, height,     1, static_cast<WORD>(bitCount), compression, 0,
+                          0,  0,     colorsUsed, 0};
 }
 
 // A header followed by a colour table or channel masks, as image files store them.

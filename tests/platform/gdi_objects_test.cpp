@@ -34,7 +34,8 @@ TEST_F(GdiObjects, StockObjectsAreNeitherCountedNorDeleted) {
   EXPECT_EQ(GetStockObject(9), nullptr);
   EXPECT_EQ(GetStockObject(-1), nullptr);
   LOGBRUSH white{};
-  ASSERT_EQ(GetObjectA(GetStockObject(WHITE_BRUSH), sizeof white, &white), static_cast<int>(sizeof(LOGBRUSH)));
+  ASSERT_EQ(GetObjectA(GetStockObject(WHITE_BRUSH), sizeof white, &white),
+            static_cast<int>(sizeof(LOGBRUSH)));
   EXPECT_EQ(white.lbColor, RGB(255, 255, 255));
 }
 
@@ -117,10 +118,10 @@ TEST_F(GdiObjects, SelectionRules) {
   HBRUSH brush = CreateSolidBrush(RGB(9, 9, 9));
   HGDIOBJ stockBitmap = SelectObject(a, bitmap);
   ASSERT_NE(stockBitmap, nullptr);
-  EXPECT_EQ(SelectObject(a, bitmap), bitmap);      // already there
-  EXPECT_EQ(SelectObject(b, bitmap), nullptr);     // selected elsewhere
+  EXPECT_EQ(SelectObject(a, bitmap), bitmap);            // already there
+  EXPECT_EQ(SelectObject(b, bitmap), nullptr);           // selected elsewhere
   EXPECT_EQ(SelectObject(b, stockBitmap), stockBitmap);  // the stock bitmap is shared
-  EXPECT_FALSE(DeleteObject(bitmap));              // still selected: stays alive
+  EXPECT_FALSE(DeleteObject(bitmap));                    // still selected: stays alive
   EXPECT_EQ(GetObjectType(bitmap), static_cast<DWORD>(OBJ_BITMAP));
   EXPECT_EQ(SelectObject(a, brush), GetStockObject(WHITE_BRUSH));
   EXPECT_EQ(SelectObject(b, brush), GetStockObject(WHITE_BRUSH));  // brushes may be shared
@@ -159,8 +160,9 @@ TEST_F(GdiObjects, StaleForeignAndNullHandlesFailQuietly) {
   EXPECT_EQ(GetBkColor(dc), CLR_INVALID);
   EXPECT_EQ(SetStretchBltMode(dc, HALFTONE), 0);
   EXPECT_EQ(GetObjectType(bitmap), 0u);
-  for (const void* bogus : {static_cast<const void*>(nullptr), reinterpret_cast<const void*>(0x12345678),
-                            reinterpret_cast<const void*>(~std::uintptr_t{0}), static_cast<const void*>(&out)}) {
+  for (const void* bogus :
+       {static_cast<const void*>(nullptr), reinterpret_cast<const void*>(0x12345678),
+        reinterpret_cast<const void*>(~std::uintptr_t{0}), static_cast<const void*>(&out)}) {
     HGDIOBJ handle = const_cast<void*>(bogus);
     EXPECT_EQ(GetObjectType(handle), 0u);
     EXPECT_FALSE(DeleteObject(handle));
@@ -276,8 +278,8 @@ TEST(GdiMath, MulDivRoundsHalfAwayFromZero) {
   EXPECT_EQ(MulDiv(-5, 1, 2), -3);
   EXPECT_EQ(MulDiv(5, -1, 2), -3);
   EXPECT_EQ(MulDiv(-5, -1, -2), -3);
-  EXPECT_EQ(MulDiv(7, 3, 4), 5);  // 5.25
-  EXPECT_EQ(MulDiv(0x40000000, 4, 2), -1);  // overflows int
+  EXPECT_EQ(MulDiv(7, 3, 4), 5);                          // 5.25
+  EXPECT_EQ(MulDiv(0x40000000, 4, 2), -1);                // overflows int
   EXPECT_EQ(MulDiv(1 << 30, 1 << 20, 1 << 20), 1 << 30);  // 64-bit intermediate
   EXPECT_EQ(MulDiv(3, 4, 0), -1);
 }

@@ -1,0 +1,154 @@
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "platform/gdi_test_support.h"
+
+using gdi_test::kBlack;
+using gdi_test::kWhite;
+using gdi_test::MemSurface;
+using Row = std::vector<COLORREF>;
+
+namespace {
+
+COLORREF Gray(int v) { return RGB(v, v, v); }
+
+// Stretches a one-row source of `source` into `width` pixels with `mode`.
+Row StretchRow(const Row& source, int width, int mode) {
+  MemSurface src(static_cast<int>(source.size()), 1), dst(width, 1);
+  src.SetRow(0, source);
+  SetStretchBltMode(dst.dc(), mode);
+  EXPECT_TRUE(
+      StretchBlt(dst.dc(), 0, 0, width, 1, src.dc(), 0, 0, static_cast<int>(source.size()), 1, SRCCOPY));
+  return dst.Row(0, width);
+}
+
+TEST(GdiStretch, HalftoneShrinkAveragesTheCoveredArea) {
+  // 4 -> 2: each destination pixel is the mean of two source pixels, rounded to nearest.
+  EXPECT_EQ(StretchRow({Gray(0), Gray(100), Gray(200), Gray(51)}, 2, HALFTONE), (Row{Gray(50), Gray(126)}));
+  // 3 -> 2: the middle pixel is split, weights 2/3 and 1/3.
+  EXPECT_EQ(StretchRow({Gray(0), Gray(90), Gray(30)}, 2, HALFTONE), (Row{Gray(30), Gray(50)}));
+  // Channels are averaged separately.
+  EXPECT_EQ(StretchRow({RGB(255, 0, 10), RGB(0, 255, 20)}, 1, HALFTONE), (Row{RGB(128, 128, 15)}));
+}
+
+TEST(GdiStretch, HalftoneEnlargeInterpolatesBetweenCentres) {
+  // 2 -> 4: centres at 0.25, 0.75, 1.25, 1.75 of source pixels; the ends hold the edge.
+  EXPECT_EQ(StretchRow({Gray(0), Gray(200)}, 4, HALFTONE), (Row{Gray(0), Gray(50), Gray(150), Gray(200)}));
+  EXPECT_EQ(StretchRow({Gray(7)}, 3, HALFTONE), (Row{Gray(7), Gray(7), Gray(7)}));
+}
+
+TEST(GdiStretch, HalftoneTwoDimensionalMixesAxes) {
+  // 2x2 -> 1x4: rows averaged (shrink) across, interpolated (enlarge) down.
+  MemSurface src(2, 2), dst(1, 4);
+  src.SetRow(0, {Gray(0), Gray(100)});
+  src.SetRow(1, {Gray(200), Gray(100)});
+  SetStretchBltMode(dst.dc(), HALFTONE);
+  ASSERT_TRUE(StretchBlt(dst.dc(), 0, 0, 1, 4, src.dc(), 0, 0, 2, 2, SRCCOPY));
+  EXPECT_EQ(GetPixel(dst.dc(), 0, 0), Gray(50));
+  EXPECT_EQ(GetPixel(dst.dc(), 0, 1), Gray(75));  // 50 * 3/4 + 150 * 1/4
+  EXPECT_EQ(GetPixel(dst.dc(), 0, 3), Gray(150));
+}
+
+// The area average written out directly in two dimensions: every source pixel's
+// overlap with the destination pixel, in units of 1/(dw*dh) source pixels.
+COLORREF NaiveShrink(const std::vector<int>& src, int sw, int sh, int dw, int dh, int x, int y) {
+  std::uint64_t sum = 0;
+  for (int j = 0; j < sh; ++j) {
+    const std::int64_t oy = std::max<std::int64_t>(
+        0, std::min<std::int64_t>((j + 1) * dh, (y + 1) * sh) - std::max<std::int64_t>(j * dh, y * sh));
+    for (int i = 0; i < sw; ++i) {
+      const std::int64_t ox = std::max<std::int64_t>(
+          0, std::min<std::int64_t>((i + 1) * dw, (x + 1) * sw) - std::max<std::int64_t>(i * dw, x * sw));
+      sum += static_cast<std::uint64_t>(ox * oy * src[j * sw + i]);
+    }
+  }
+  const std::uint64_t total = static_cast<std::uint64_t>(sw) * sh;
+  return Gray(static_cast<int>((sum + total / 2) / total));
+}
+
+TEST(GdiStretch, HalftoneShrinkAgreesWithDirectAreaSumOnRandomImages) {
+  std::mt19937 random(20261123);
+  for (int round = 0; round < 20; ++round) {
+    const int sw = 2 + static_cast<int>(random() % 30), sh = 2 + static_cast<int>(random() % 30);
+    const int dw = 1 + static_cast<int>(random() % sw), dh = 1 + static_cast<int>(random() % sh);
+    std::vector<int> values(static_cast<std::size_t>(sw * sh));
+    MemSurface src(sw, sh), dst(dw, dh);
+    for (int y = 0; y < sh; ++y) {
+      for (int x = 0; x < sw; ++x) {
+        values[y * sw + x] = static_cast<int>(random() % 256);
+        SetPixel(src.dc(), x, y, Gray(values[y * sw + x]));
+      }
+    }
+    SetStretchBltMode(dst.dc(), HALFTONE);
+    ASSERT_TRUE(StretchBlt(dst.dc(), 0, 0, dw, dh, src.dc(), 0, 0, sw, sh, SRCCOPY));
+    for (int y = 0; y < dh; ++y) {
+      for (int x = 0; x < dw; ++x) {
+        ASSERT_EQ(GetPixel(dst.dc(), x, y), NaiveShrink(values, sw, sh, dw, dh, x, y))
+            << sw << "x" << sh << " -> " << dw << "x" << dh << " at " << x << "," << y;
+      }
+    }
+  }
+}
+
+TEST(GdiStretch, DefaultModesSampleOrMergeScans) {
+  const COLORREF red = RGB(255, 0, 0), green = RGB(0, 255, 0);
+  MemSurface probe(1, 1);
+  EXPECT_EQ(GetStretchBltMode(probe.dc()), BLACKONWHITE);
+  // BLACKONWHITE keeps black: merged pixels are ANDed; WHITEONBLACK ORs them.
+  EXPECT_EQ(StretchRow({red, kWhite, green, green}, 2, BLACKONWHITE), (Row{red, green}));
+  EXPECT_EQ(StretchRow({red, green, kBlack, green}, 2, BLACKONWHITE), (Row{kBlack, kBlack}));
+  EXPECT_EQ(StretchRow({red, green, kBlack, green}, 2, WHITEONBLACK), (Row{RGB(255, 255, 0), green}));
+  // COLORONCOLOR deletes: each destination pixel takes the source pixel under its centre.
+  EXPECT_EQ(StretchRow({Gray(1), Gray(2), Gray(3), Gray(4)}, 2, COLORONCOLOR), (Row{Gray(2), Gray(4)}));
+  // Which source pixels merge, as GDI draws it (powers of two show the sets under OR).
+  const Row powers{Gray(1), Gray(2), Gray(4), Gray(8), Gray(16), Gray(32), Gray(64)};
+  EXPECT_EQ(StretchRow(powers, 3, WHITEONBLACK), (Row{Gray(3), Gray(28), Gray(96)}));
+  EXPECT_EQ(StretchRow(powers, 5, WHITEONBLACK), (Row{Gray(1), Gray(6), Gray(8), Gray(48), Gray(64)}));
+  EXPECT_EQ(StretchRow({Gray(1), Gray(2), Gray(4), Gray(8)}, 3, WHITEONBLACK),
+            (Row{Gray(1), Gray(6), Gray(8)}));
+  EXPECT_EQ(StretchRow(powers, 3, COLORONCOLOR), (Row{Gray(2), Gray(16), Gray(64)}));
+  // Enlarging replicates in every non-halftone mode.
+  for (int mode : {BLACKONWHITE, WHITEONBLACK, COLORONCOLOR}) {
+    EXPECT_EQ(StretchRow({Gray(1), Gray(2)}, 5, mode), (Row{Gray(1), Gray(1), Gray(1), Gray(2), Gray(2)}));
+    EXPECT_EQ(StretchRow({Gray(1), Gray(2)}, 3, mode), (Row{Gray(1), Gray(1), Gray(2)}));
+  }
+}
+
+TEST(GdiStretch, EqualSizesCopyExactlyAndNegativeExtentsMirror) {
+  const Row source{Gray(1), Gray(2), Gray(3)};
+  EXPECT_EQ(StretchRow(source, 3, HALFTONE), source);
+  MemSurface src(3, 1), dst(3, 1);
+  src.SetRow(0, source);
+  // The source rectangle runs from x = 3 back to x = 0: a mirror image.
+  ASSERT_TRUE(StretchBlt(dst.dc(), 0, 0, 3, 1, src.dc(), 3, 0, -3, 1, SRCCOPY));
+  EXPECT_EQ(dst.Row(0, 3), (Row{Gray(3), Gray(2), Gray(1)}));
+  SetStretchBltMode(dst.dc(), HALFTONE);
+  MemSurface wide(6, 1);
+  SetStretchBltMode(wide.dc(), COLORONCOLOR);
+  ASSERT_TRUE(StretchBlt(wide.dc(), 6, 0, -6, 1, src.dc(), 0, 0, 3, 1, SRCCOPY));
+  EXPECT_EQ(wide.Row(0, 6), (Row{Gray(3), Gray(3), Gray(2), Gray(2), Gray(1), Gray(1)}));
+}
+
+TEST(GdiStretch, SourceOutsideTheBitmapLeavesPixelsAlone) {
+  MemSurface src(2, 1), dst(8, 1);
+  src.SetRow(0, {Gray(9), Gray(9)});
+  dst.Fill(Gray(5));
+  SetStretchBltMode(dst.dc(), COLORONCOLOR);
+  // Source rectangle (0..4) is twice the bitmap; only its left half can be read.
+  ASSERT_TRUE(StretchBlt(dst.dc(), 0, 0, 8, 1, src.dc(), 0, 0, 4, 1, SRCCOPY));
+  EXPECT_EQ(dst.Row(0, 8), (Row{Gray(9), Gray(9), Gray(9), Gray(9), Gray(5), Gray(5), Gray(5), Gray(5)}));
+  EXPECT_FALSE(StretchBlt(dst.dc(), 0, 0, 0, 1, src.dc(), 0, 0, 2, 1, SRCCOPY));
+}
+
+TEST(GdiStretch, MonoSourceStretchesThroughTheColourRule) {
+  MemSurface mono(2, 1, true), dst(4, 1);
+  mono.SetRow(0, {kWhite, kBlack});
+  SetBkColor(dst.dc(), RGB(0, 0, 200));
+  SetTextColor(dst.dc(), RGB(200, 0, 0));
+  SetStretchBltMode(dst.dc(), HALFTONE);  // samples: halftone needs colour on both sides
+  ASSERT_TRUE(StretchBlt(dst.dc(), 0, 0, 4, 1, mono.dc(), 0, 0, 2, 1, SRCCOPY));
+  EXPECT_EQ(dst.Row(0, 4), (Row{RGB(0, 0, 200), RGB(0, 0, 200), RGB(200, 0, 0), RGB(200, 0, 0)}));
+}
+
+}  // namespace
