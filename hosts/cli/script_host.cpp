@@ -17,18 +17,52 @@ void ScriptHost::ShowCursor(int resourceId) {
   // A person notices a cursor only when it changes.
   if (shownCursor_ == resourceId) return;
   shownCursor_ = resourceId;
-  if (trace_) out_ << "cursor " << resourceId << '\n';
+  if (!trace_) return;
+  if (resourceId < 0) {
+    out_ << "cursor none\n";
+  } else {
+    out_ << "cursor " << resourceId << '\n';
+  }
 }
 
-UINT ScriptHost::ShowPopupMenu(HMENU /*menu*/, int x, int y) {
+namespace {
+
+// Lists the menu as a person reads it, one item a line, submenus indented; returns
+// whether `commandId` is an enabled command anywhere in it.
+bool PrintMenu(std::ostream& out, HMENU menu, const std::string& indent, std::optional<UINT> commandId) {
+  bool found = false;
+  for (const platform::MenuItem& item : platform::MenuItems(menu)) {
+    if (item.separator) {
+      out << indent << "----\n";
+    } else if (item.submenu != nullptr) {
+      out << indent << "submenu " << QuoteString(item.text) << '\n';
+      found = PrintMenu(out, item.submenu, indent + "  ", commandId) || found;
+    } else {
+      out << indent << "item " << item.id << ' ' << QuoteString(item.text) << (item.grayed ? " grayed" : "")
+          << (item.checked ? " checked" : "") << '\n';
+      found = found || (commandId == item.id && !item.grayed);
+    }
+  }
+  return found;
+}
+
+}  // namespace
+
+UINT ScriptHost::ShowPopupMenu(HMENU menu, int x, int y) {
   out_ << "menu shown at " << x << ' ' << y << '\n';
   const auto answer = TakeAnswer(menuAnswers_);
+  const bool enabled = PrintMenu(out_, menu, "  ", answer ? *answer : std::nullopt);
   if (!answer) {
     out_ << "menu cancelled (no answer queued)\n";
     return 0;
   }
   if (!*answer) {
     out_ << "menu cancelled\n";
+    return 0;
+  }
+  // A person can only pick what the menu offers and is enabled.
+  if (!enabled) {
+    out_ << "menu cancelled (" << **answer << " is not an enabled item)\n";
     return 0;
   }
   out_ << "menu chose " << **answer << '\n';

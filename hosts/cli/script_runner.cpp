@@ -351,7 +351,7 @@ void ScriptRunner::CallMethod(const std::string& name, Args args) {
     }
   }
   InvokeResult result = Invoke(*control_, method, values);
-  if (FAILED(result.hr)) throw ParseError(std::string(method.name) + ": " + result.error);
+  if (FAILED(result.hr)) throw ParseError(result.error);
   if (method.result != ResultType::None) out_ << method.name << " -> " << FormatVariant(result.value) << '\n';
 }
 
