@@ -55,6 +55,23 @@ TEST(GdiBitBlt, PatternWithHollowBrushPaintsNothing) {
   SelectObject(dst.dc(), GetStockObject(WHITE_BRUSH));
 }
 
+TEST(GdiBitBlt, BrushColourFollowsTheSelectedBitmapsKind) {
+  MemSurface mono(2, 1, true);
+  HBRUSH light = CreateSolidBrush(RGB(200, 200, 0));
+  HGDIOBJ old = SelectObject(mono.dc(), light);
+  ASSERT_TRUE(BitBlt(mono.dc(), 0, 0, 2, 1, nullptr, 0, 0, PATCOPY));
+  EXPECT_EQ(mono.Row(0, 2), (Row{kWhite, kWhite}));
+  // The same DC holding a colour bitmap paints the brush's own colour.
+  HBITMAP colour = CreateBitmap(1, 1, 1, 32, nullptr);
+  HGDIOBJ monoBitmap = SelectObject(mono.dc(), colour);
+  ASSERT_TRUE(BitBlt(mono.dc(), 0, 0, 1, 1, nullptr, 0, 0, PATCOPY));
+  EXPECT_EQ(GetPixel(mono.dc(), 0, 0), RGB(200, 200, 0));
+  SelectObject(mono.dc(), monoBitmap);
+  SelectObject(mono.dc(), old);
+  DeleteObject(colour);
+  DeleteObject(light);
+}
+
 TEST(GdiBitBlt, MonoSourceOnColourUsesDestinationBackgroundAndTextColours) {
   MemSurface mono(2, 1, true), dst(2, 1);
   mono.SetRow(0, {kWhite, kBlack});

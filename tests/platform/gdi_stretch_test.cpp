@@ -141,6 +141,22 @@ TEST(GdiStretch, SourceOutsideTheBitmapLeavesPixelsAlone) {
   EXPECT_FALSE(StretchBlt(dst.dc(), 0, 0, 0, 1, src.dc(), 0, 0, 2, 1, SRCCOPY));
 }
 
+TEST(GdiStretch, AbsurdExtentsDrawOnlyWhatCanBeRead) {
+  MemSurface src(3, 3), dst(2, 2);
+  src.Fill(Gray(9));
+  dst.Fill(Gray(5));
+  for (int mode : {HALFTONE, BLACKONWHITE, COLORONCOLOR}) {
+    SetStretchBltMode(dst.dc(), mode);
+    // Each destination pixel would cover far more than the source bitmap: nothing drawn.
+    EXPECT_TRUE(StretchBlt(dst.dc(), 0, 0, 2, 2, src.dc(), 0, 0, INT32_MAX, INT32_MAX, SRCCOPY));
+    EXPECT_EQ(dst.Row(0, 2), (Row{Gray(5), Gray(5)})) << mode;
+    EXPECT_TRUE(StretchBlt(dst.dc(), 0, 0, INT32_MIN, -3, src.dc(), 0, 0, 3, 3, SRCCOPY));
+  }
+  // Enlarging into a huge rectangle touches only the destination bitmap.
+  EXPECT_TRUE(StretchBlt(dst.dc(), 0, 0, INT32_MAX, INT32_MAX, src.dc(), 0, 0, 3, 3, SRCCOPY));
+  EXPECT_EQ(dst.Row(1, 2), (Row{Gray(9), Gray(9)}));
+}
+
 TEST(GdiStretch, MonoSourceStretchesThroughTheColourRule) {
   MemSurface mono(2, 1, true), dst(4, 1);
   mono.SetRow(0, {kWhite, kBlack});
