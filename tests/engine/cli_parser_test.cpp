@@ -1,0 +1,179 @@
+// The script host's reading of statement lines: tokens, numbers, strings, names and
+// answers, and the JSON it prints for `state`.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "json_writer.h"
+#include "script_parser.h"
+
+namespace script {
+namespace {
+
+Token Word(std::string text) { return {Token::Kind::Word, std::move(text)}; }
+Token Str(std::string text) { return {Token::Kind::String, std::move(text)}; }
+
+std::string ParseErrorOf(auto&& call) {
+  try {
+    call();
+  } catch (const ParseError& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(CliTokenizeTest, WordsStringsBlanksAndComments) {
+  EXPECT_EQ(TokenizeLine("  SetImage \"a b.jpg\"\t 12  # a comment \"x"),
+            (std::vector<Token>{Word("SetImage"), Str("a b.jpg"), Word("12")}));
+  EXPECT_EQ(TokenizeLine("state\r"), (std::vector<Token>{Word("state")}));
+  EXPECT_TRUE(TokenizeLine("   # only a comment").empty());
+  EXPECT_TRUE(TokenizeLine("").empty());
+  // '#' inside a string is text; '#' right after a word starts the comment.
+  EXPECT_EQ(TokenizeLine("type \"#1\"#c"), (std::vector<Token>{Word("type"), Str("#1")}));
+  EXPECT_EQ(TokenizeLine("wait 5#c"), (std::vector<Token>{Word("wait"), Word("5")}));
+  EXPECT_EQ(TokenizeLine("SetImage \"\""), (std::vector<Token>{Word("SetImage"), Str("")}));
+}
+
+TEST(CliTokenizeTest, EscapesResolve) {
+  EXPECT_EQ(TokenizeLine(R"(type "a\\b\"c\nd\x41\xe9")"), (std::vector<Token>{Word("type"), Str("a\\b\"c\nd"
+                                                                                                "A\xE9")}));
+}
+
+TEST(CliTokenizeTest, MalformedLinesSayWhatIsWrong) {
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(SetImage "a.jpg)"); }), "unterminated string");
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(SetImage "a.jpg\")"); }), "unterminated string");
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(type "\q")"); }), "bad escape: \\q");
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(type "\x4")"); }),
+            "bad escape: \\x needs two hexadecimal digits");
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(type "\x4g")"); }),
+            "bad escape: \\x needs two hexadecimal digits");
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(type "\x00")"); }),
+            "bad escape: \\x00 is not allowed in a string");
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(type "\)"); }), "unterminated string");
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(type "a"b)"); }),
+            "a closing quote must be followed by a blank");
+  EXPECT_EQ(ParseErrorOf([] { TokenizeLine(R"(type a"b")"); }),
+            "a quote inside a word; strings are separate tokens");
+}
+
+TEST(CliIntegerTest, DecimalAndHexWithinThirtyTwoBits) {
+  EXPECT_EQ(ParseInteger("0"), 0);
+  EXPECT_EQ(ParseInteger("150"), 150);
+  EXPECT_EQ(ParseInteger("-7"), -7);
+  EXPECT_EQ(ParseInteger("2147483647"), 2147483647);
+  EXPECT_EQ(ParseInteger("-2147483648"), INT32_MIN);
+  EXPECT_EQ(ParseInteger("0x12"), 0x12);
+  EXPECT_EQ(ParseInteger("0XfF"), 255);
+  EXPECT_EQ(ParseInteger("-0x10"), -16);
+  // Hexadecimal literals are bit patterns: the full unsigned range is allowed.
+  EXPECT_EQ(ParseInteger("0xFFFFFFFF"), -1);
+  EXPECT_EQ(ParseInteger("0x80000000"), INT32_MIN);
+  EXPECT_EQ(ParseInteger("-0x80000000"), INT32_MIN);
+  EXPECT_EQ(ParseInteger("000000000000000000000000012"), 12);
+}
+
+TEST(CliIntegerTest, RejectsMalformedAndOutOfRange) {
+  for (const char* bad : {"", "-", "0x", "-0x", "12x", "1.5", "0x1G", "--1", "+1", "1e3", "\xEF\xBC\x90"}) {
+    EXPECT_EQ(ParseErrorOf([&] { ParseInteger(bad); }), "bad number '" + std::string(bad) + "'") << bad;
+  }
+  for (const char* big :
+       {"2147483648", "-2147483649", "0x100000000", "-0x80000001", "99999999999999999999999"}) {
+    EXPECT_EQ(ParseErrorOf([&] { ParseInteger(big); }),
+              "number out of 32-bit range '" + std::string(big) + "'")
+        << big;
+  }
+  EXPECT_TRUE(LooksLikeNumber("-3"));
+  EXPECT_TRUE(LooksLikeNumber("0x1"));
+  EXPECT_FALSE(LooksLikeNumber("Escape"));
+  EXPECT_FALSE(LooksLikeNumber(""));
+}
+
+TEST(CliUtf8Test, DecodesEveryLengthAndRejectsMalformedForms) {
+  EXPECT_EQ(DecodeUtf8("A\xC3\xA9\xEC\x95\x88\xF0\x9F\x98\x80"),
+            (std::vector<char32_t>{0x41, 0xE9, 0xC548, 0x1F600}));
+  EXPECT_TRUE(DecodeUtf8("").empty());
+  for (const char* bad : {"\x80", "\xC3", "\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80",
+                          "\xF8\x88\x80\x80\x80", "\xC3\x41", "\xEC\x95"}) {
+    EXPECT_EQ(ParseErrorOf([&] { DecodeUtf8(bad); }), "invalid UTF-8 in string");
+  }
+}
+
+TEST(CliQuoteTest, QuotedTextReadsBackUnchanged) {
+  EXPECT_EQ(QuoteString("I failed to read \"a\\b\".\nCode 2"), R"("I failed to read \"a\\b\".\nCode 2")");
+  EXPECT_EQ(QuoteString(std::string("\x01\t\x7F\xEB\xA9\x94", 6)), "\"\\x01\\x09\\x7F\xEB\xA9\x94\"");
+  const std::string text = "tab\there \"q\" back\\slash\nline \x1F end \xED\x95\x9C";
+  EXPECT_EQ(TokenizeLine("type " + QuoteString(text)), (std::vector<Token>{Word("type"), Str(text)}));
+}
+
+TEST(CliNamesTest, KeysAndScrollCodes) {
+  EXPECT_EQ(VirtualKeyByName("Escape"), 0x1B);
+  EXPECT_EQ(VirtualKeyByName("escape"), 0x1B);
+  EXPECT_EQ(VirtualKeyByName("Tab"), 0x09);
+  EXPECT_EQ(VirtualKeyByName("DELETE"), 0x2E);
+  EXPECT_EQ(VirtualKeyByName("Left"), 0x25);
+  EXPECT_EQ(VirtualKeyByName("PageDown"), 0x22);
+  EXPECT_EQ(VirtualKeyByName("z"), 'Z');
+  EXPECT_EQ(VirtualKeyByName("F13"), std::nullopt);
+  EXPECT_EQ(VirtualKeyByName(""), std::nullopt);
+
+  EXPECT_EQ(ScrollCodeByName("SB_LINEDOWN"), 1u);
+  EXPECT_EQ(ScrollCodeByName("sb_lineright"), 1u);
+  EXPECT_EQ(ScrollCodeByName("SB_THUMBTRACK"), 5u);
+  EXPECT_EQ(ScrollCodeByName("SB_RIGHT"), 7u);
+  EXPECT_EQ(ScrollCodeByName("SB_ENDSCROLL"), 8u);
+  EXPECT_EQ(ScrollCodeByName("LINEDOWN"), std::nullopt);
+}
+
+TEST(CliAnswerTest, ColoursAreRgbHexInBothDirections) {
+  EXPECT_EQ(ParseRgbHex("00FF00"), 0x0000FF00u);
+  EXPECT_EQ(ParseRgbHex("123456"), 0x00563412u);
+  EXPECT_EQ(ParseRgbHex("abcdef"), 0x00EFCDABu);
+  EXPECT_EQ(FormatRgbHex(0x00563412u), "123456");
+  EXPECT_EQ(FormatRgbHex(0x00EFCDABu), "ABCDEF");
+  for (const char* bad : {"", "12345", "1234567", "12345G", "0x1234"}) {
+    EXPECT_NE(ParseErrorOf([&] { ParseRgbHex(bad); }), "no error") << bad;
+  }
+}
+
+TEST(CliAnswerTest, FontAnswersTakeTheSevenFieldForm) {
+  const FontChoice bold = ParseFontAnswer("Arial,,bold,12,,Underline,FF0000");
+  EXPECT_EQ(bold.face, "Arial");
+  EXPECT_FALSE(bold.italic);
+  EXPECT_TRUE(bold.bold);
+  EXPECT_EQ(bold.points, 12);
+  EXPECT_FALSE(bold.strikeOut);
+  EXPECT_TRUE(bold.underline);
+  EXPECT_EQ(bold.color, 0x000000FFu);
+
+  const FontChoice plain = ParseFontAnswer("Gulim,Italic,,9,StrikeOut,,00FF00");
+  EXPECT_TRUE(plain.italic);
+  EXPECT_FALSE(plain.bold);
+  EXPECT_TRUE(plain.strikeOut);
+  EXPECT_EQ(plain.color, 0x0000FF00u);
+
+  for (const char* bad :
+       {"Arial,,Bold,12,,", "Arial,,Bold,12,,,FF0000,0", ",,,12,,,000000", "Arial,Bold,,12,,,000000",
+        "Arial,,,0,,,000000", "Arial,,,twelve,,,000000", "Arial,,,1000,,,000000", "Arial,,,12,,,red",
+        "A face name longer than thirty-one,,,12,,,000000"}) {
+    EXPECT_NE(ParseErrorOf([&] { ParseFontAnswer(bad); }), "no error") << bad;
+  }
+}
+
+TEST(CliJsonTest, NestingCommasAndDeterministicNumbers) {
+  JsonWriter json;
+  json.BeginObject();
+  json.Key("a").Value(1);
+  json.Key("list").BeginArray().Value(true).Value(-2).BeginArray().EndArray().EndArray();
+  json.Key("o").BeginObject().Key("x").Value(0.5).Key("y").Value(1.0 / 3.0).EndObject();
+  json.Key("s").Value("q\"\\\n\x01");
+  json.Key("n").Value(std::numeric_limits<double>::infinity());
+  json.EndObject();
+  EXPECT_EQ(
+      json.str(),
+      R"({"a":1,"list":[true,-2,[]],"o":{"x":0.5,"y":0.3333333333333333},"s":"q\"\\\n\u0001","n":null})");
+}
+
+}  // namespace
+}  // namespace script
