@@ -1,0 +1,100 @@
+// The script's side of the host interface: what it prints for menus, dialogs, message
+// boxes and cursors, and how queued answers are used.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "script_host.h"
+
+namespace script {
+namespace {
+
+class CliHostTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    menu_ = CreatePopupMenu();
+    AppendMenuA(menu_, MF_STRING, 101, "Delete");
+    AppendMenuA(menu_, MF_SEPARATOR, 0, nullptr);
+    AppendMenuA(menu_, MF_STRING | MF_GRAYED, 102, "Restore \"size\"");
+  }
+  void TearDown() override { DestroyMenu(menu_); }
+
+  std::ostringstream out_;
+  ScriptHost host_{out_, false};
+  HMENU menu_ = nullptr;
+};
+
+TEST_F(CliHostTest, MenuListsItemsAndUsesAnswersInOrder) {
+  host_.QueueMenuAnswer(101);
+  host_.QueueMenuAnswer(std::nullopt);
+  EXPECT_EQ(host_.ShowPopupMenu(menu_, 10, 20), 101u);
+  EXPECT_EQ(host_.ShowPopupMenu(menu_, 1, 2), 0u);
+  EXPECT_EQ(host_.ShowPopupMenu(menu_, 3, 4), 0u);
+  const std::string items = "  item 101 \"Delete\"\n  ----\n  item 102 \"Restore \\\"size\\\"\" grayed\n";
+  EXPECT_EQ(out_.str(), "menu shown at 10 20\n" + items + "menu chose 101\n" +    //
+                            "menu shown at 1 2\n" + items + "menu cancelled\n" +  //
+                            "menu shown at 3 4\n" + items + "menu cancelled (no answer queued)\n");
+}
+
+TEST_F(CliHostTest, MenuRefusesAnswersThatAreNotEnabledItems) {
+  host_.QueueMenuAnswer(102);
+  host_.QueueMenuAnswer(999);
+  EXPECT_EQ(host_.ShowPopupMenu(menu_, 0, 0), 0u);
+  EXPECT_EQ(host_.ShowPopupMenu(menu_, 0, 0), 0u);
+  EXPECT_NE(out_.str().find("menu cancelled (102 is not an enabled item)\n"), std::string::npos);
+  EXPECT_NE(out_.str().find("menu cancelled (999 is not an enabled item)\n"), std::string::npos);
+}
+
+TEST_F(CliHostTest, ColourDialogTakesItsAnswerOrKeepsTheColour) {
+  host_.QueueColorAnswer(RGB(0x12, 0x34, 0x56));
+  COLORREF color = 0xABCDEF;
+  EXPECT_TRUE(host_.ChooseColor(color));
+  EXPECT_EQ(color, RGB(0x12, 0x34, 0x56));
+  color = 0xABCDEF;
+  EXPECT_FALSE(host_.ChooseColor(color));
+  EXPECT_EQ(color, 0xABCDEFu);
+  EXPECT_EQ(out_.str(),
+            "color dialog shown\ncolor dialog chose 123456\n"
+            "color dialog shown\ncolor dialog cancelled (no answer queued)\n");
+}
+
+TEST_F(CliHostTest, FontDialogChangesOnlyWhatItsUserPicks) {
+  host_.QueueFontAnswer(ParseFontAnswer("Batang,Italic,Bold,12,,Underline,00FF00"));
+  host_.QueueFontAnswer(std::nullopt);
+  LOGFONTA font{};
+  font.lfHeight = -13;
+  font.lfCharSet = 129;
+  font.lfStrikeOut = 1;
+  COLORREF color = 0;
+  EXPECT_TRUE(host_.ChooseFont(font, color));
+  EXPECT_STREQ(font.lfFaceName, "Batang");
+  EXPECT_EQ(font.lfHeight, -16);  // 12 points at 96 pixels an inch
+  EXPECT_EQ(font.lfWeight, 700);
+  EXPECT_EQ(font.lfItalic, 1);
+  EXPECT_EQ(font.lfUnderline, 1);
+  EXPECT_EQ(font.lfStrikeOut, 0);
+  EXPECT_EQ(font.lfCharSet, 129);
+  EXPECT_EQ(color, RGB(0, 0xFF, 0));
+
+  const LOGFONTA before = font;
+  EXPECT_FALSE(host_.ChooseFont(font, color));
+  EXPECT_EQ(font.lfHeight, before.lfHeight);
+  EXPECT_STREQ(font.lfFaceName, "Batang");
+  EXPECT_EQ(out_.str(),
+            "font dialog shown\nfont dialog chose \"Batang\" 12\nfont dialog shown\nfont dialog cancelled\n");
+}
+
+TEST_F(CliHostTest, MessageBoxesAreQuotedAndCursorsTracedOnChange) {
+  EXPECT_EQ(host_.ShowMessageBox("I failed to read \"a\".\nCode 2", "Image Edit Control", MB_OK), IDOK);
+  EXPECT_EQ(out_.str(), "messagebox \"I failed to read \\\"a\\\".\\nCode 2\"\n");
+
+  std::ostringstream traced;
+  ScriptHost tracing(traced, true);
+  for (int id : {215, 215, 216, -1, 215}) tracing.ShowCursor(id);
+  EXPECT_EQ(traced.str(), "cursor 215\ncursor 216\ncursor none\ncursor 215\n");
+  host_.ShowCursor(215);
+  EXPECT_EQ(out_.str().find("cursor"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace script
