@@ -112,6 +112,9 @@ class CImageEditWnd : public CWnd {
   void ShowOutOfMemoryMessage() const;
 
   // ---- view ----
+  // Composes the picture as shown (image surface, then strokes) into the
+  // composition buffer at surface coordinates; repaints and saves start from it.
+  void ComposeView();
   // Shows or hides the scroll bars for content of that size, resets the scroll
   // positions and measures the view.
   void UpdateScrollBars(int contentWidth, int contentHeight);

@@ -14,24 +14,6 @@ imageio::WriteContext WriteContextOf(const CImageEditWnd& editor) {
   return {editor.m_hWnd, editor.m_verbose, editor.m_userLanguage};
 }
 
-// Compose steps 2 to 5: the current picture as it would be shown, in the
-// composition buffer at surface coordinates.
-void ComposePicture(CImageEditWnd& editor) {
-  if (editor.m_imageSurface.dc && editor.m_imageSurface.bitmap) {
-    BitBlt(editor.m_composition.dc, 0, 0, editor.m_composition.width(), editor.m_composition.height(),
-           editor.m_imageSurface.dc, 0, 0, SRCCOPY);
-  }
-  if (editor.m_drawingLayer.dc && editor.m_drawingLayer.bitmap) {
-    editor.CompositeDrawingLayer(editor.m_composition.dc);
-  }
-  // Inserted objects (every one in its plain appearance, offset by the scroll
-  // position) and the frame are drawn here once they exist in the editor.
-}
-
-// Compose for saving: pending text becomes part of the drawing layer first. Text
-// entry is closed here once it exists in the editor.
-void Compose(CImageEditWnd& editor) { ComposePicture(editor); }
-
 // The composition buffer's area (x, y, width, height) that the whole saved image
 // covers: the image rectangle, widened to take in the frame when there is one.
 RECT SavedImageArea(const CImageEditWnd& editor) {
@@ -102,7 +84,8 @@ void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
 
 void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
   if (!m_composition.dc) return;
-  Compose(*this);
+  // Text entry is closed here (before composing) once it exists in the editor.
+  ComposeView();
   const RECT source = SavedImageArea(*this);  // left, top, width, height
   const int width = m_saveWidth > 0 ? m_saveWidth : source.right;
   const int height = m_saveHeight > 0 ? m_saveHeight : source.bottom;
@@ -119,7 +102,7 @@ void CImageEditWnd::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
   if (!m_composition.dc || m_selectionBoxWidth <= 0 || m_selectionBoxHeight <= 0) return;
   ScratchBitmap output(m_composition.dc, m_selectionBoxWidth, m_selectionBoxHeight);
   if (!output.ok()) return;
-  ComposePicture(*this);
+  ComposeView();
   // The box keeps window coordinates; the picture under it on screen lies at the
   // box's position plus the scroll position in the composition buffer.
   BitBlt(output.dc(), 0, 0, m_selectionBoxWidth, m_selectionBoxHeight, m_composition.dc,

@@ -42,17 +42,21 @@ void CImageEditWnd::OnPaint() {
     return;
   }
 
+  ComposeView();
+  // The selection box is drawn on the window here once it exists.
+  BitBlt(windowDC, 0, 0, m_composition.width() - m_hScrollPos, m_composition.height() - m_vScrollPos,
+         m_composition.dc, m_hScrollPos, m_vScrollPos, SRCCOPY);
+  EndPaint(m_hWnd, &paint);
+}
+
+void CImageEditWnd::ComposeView() {
+  if (!m_composition.dc) return;
   if (m_imageSurface.dc && m_imageSurface.bitmap) {
     BitBlt(m_composition.dc, 0, 0, m_composition.width(), m_composition.height(), m_imageSurface.dc, 0, 0,
            SRCCOPY);
   }
   if (m_drawingLayer.dc && m_drawingLayer.bitmap) CompositeDrawingLayer(m_composition.dc);
-  // Inserted objects, the frame and the selection box join the composition when
-  // they exist.
-
-  BitBlt(windowDC, 0, 0, m_composition.width() - m_hScrollPos, m_composition.height() - m_vScrollPos,
-         m_composition.dc, m_hScrollPos, m_vScrollPos, SRCCOPY);
-  EndPaint(m_hWnd, &paint);
+  // Inserted objects and the frame join the composition here once they exist.
 }
 
 void CImageEditWnd::UpdateScrollBars(int contentWidth, int contentHeight) {
