@@ -11,7 +11,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j2 --target fuzz_all
-for target in bitmap_file jpeg png gif image_source; do
+for target in bitmap_file jpeg png gif image_source script_line; do
   work="build/fuzz/corpus/$target"
   mkdir -p "$work"
   echo "fuzz_$target: $seconds s"

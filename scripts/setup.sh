@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-  cmake ninja-build g++ clang-14 libclang-rt-14-dev pkg-config
+  cmake ninja-build g++ clang clang-14 libclang-rt-14-dev pkg-config zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libjpeg-dev libpng-dev libgif-dev libcurl4-openssl-dev
   libfontconfig-dev libfreetype-dev fonts-liberation fonts-noto-cjk
