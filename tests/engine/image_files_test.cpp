@@ -14,21 +14,21 @@ constexpr COLORREF kBlue = 0xFF0000;
 
 // A 24-bit bitmap file of the given COLORREFs, top row first.
 std::vector<std::uint8_t> BitmapFile(int width, int height, const std::vector<COLORREF>& colors) {
-  imageio_test::BmpSpec spec;
-  spec.width = width;
-  spec.height = height;
+  imageio_test::BmpLayout layout;
+  layout.width = width;
+  layout.height = height;
   const int stride = (width * 3 + 3) & ~3;
-  spec.pixels.assign(static_cast<std::size_t>(stride) * height, 0);
+  layout.pixels.assign(static_cast<std::size_t>(stride) * height, 0);
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       const COLORREF c = colors[static_cast<std::size_t>(y * width + x)];
-      std::uint8_t* p = spec.pixels.data() + static_cast<std::size_t>(height - 1 - y) * stride + x * 3;
+      std::uint8_t* p = layout.pixels.data() + static_cast<std::size_t>(height - 1 - y) * stride + x * 3;
       p[0] = GetBValue(c);
       p[1] = GetGValue(c);
       p[2] = GetRValue(c);
     }
   }
-  return imageio_test::BuildBmp(spec);
+  return imageio_test::BuildBmp(layout);
 }
 
 // The pixels of a written bitmap file as COLORREFs, top row first.

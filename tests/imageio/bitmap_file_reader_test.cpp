@@ -8,7 +8,7 @@ namespace {
 
 using imageio::Dib24;
 using imageio::ReadBitmapFile;
-using imageio_test::BmpSpec;
+using imageio_test::BmpLayout;
 using imageio_test::BuildBmp;
 
 // The pixel at (x, y) counted from the top, as 0x00RRGGBB.
@@ -22,12 +22,12 @@ std::optional<Dib24> Read(const std::vector<std::uint8_t>& file) {
 }
 
 TEST(BitmapFileReader, TwentyFourBitBottomUpWithRowPadding) {
-  BmpSpec spec;
-  spec.width = 2;
-  spec.height = 2;
+  BmpLayout layout;
+  layout.width = 2;
+  layout.height = 2;
   // Bottom row first: blue, green; then the top row: red, white. Two padding bytes.
-  spec.pixels = {0xFF, 0, 0, 0, 0xFF, 0, 0, 0, /**/ 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0};
-  const auto dib = Read(BuildBmp(spec));
+  layout.pixels = {0xFF, 0, 0, 0, 0xFF, 0, 0, 0, /**/ 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0};
+  const auto dib = Read(BuildBmp(layout));
   ASSERT_TRUE(dib);
   EXPECT_EQ(dib->stride, 8);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0xFF0000u);
@@ -37,10 +37,10 @@ TEST(BitmapFileReader, TwentyFourBitBottomUpWithRowPadding) {
 }
 
 TEST(BitmapFileReader, NegativeHeightMeansTopDownRows) {
-  BmpSpec spec;
-  spec.height = -2;
-  spec.pixels = {0, 0, 0xFF, 0, /* top: red */ 0xFF, 0, 0, 0 /* bottom: blue */};
-  const auto dib = Read(BuildBmp(spec));
+  BmpLayout layout;
+  layout.height = -2;
+  layout.pixels = {0, 0, 0xFF, 0, /* top: red */ 0xFF, 0, 0, 0 /* bottom: blue */};
+  const auto dib = Read(BuildBmp(layout));
   ASSERT_TRUE(dib);
   EXPECT_EQ(dib->height, 2);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0xFF0000u);
@@ -49,7 +49,7 @@ TEST(BitmapFileReader, NegativeHeightMeansTopDownRows) {
 
 TEST(BitmapFileReader, PalettedDepthsIndexTheirColourTable) {
   // 1 bit: 9 pixels in one row cross a byte boundary; 4 bits: high nibble first.
-  BmpSpec one;
+  BmpLayout one;
   one.width = 9;
   one.bitCount = 1;
   one.palette = {0x102030, 0xA0B0C0};
@@ -61,7 +61,7 @@ TEST(BitmapFileReader, PalettedDepthsIndexTheirColourTable) {
   EXPECT_EQ(PixelAt(*dib, 7, 0), 0xA0B0C0u);
   EXPECT_EQ(PixelAt(*dib, 8, 0), 0xA0B0C0u);
 
-  BmpSpec four;
+  BmpLayout four;
   four.width = 3;
   four.bitCount = 4;
   four.colorsUsed = 3;
@@ -73,7 +73,7 @@ TEST(BitmapFileReader, PalettedDepthsIndexTheirColourTable) {
   EXPECT_EQ(PixelAt(*dib, 1, 0), 0x111111u);
   EXPECT_EQ(PixelAt(*dib, 2, 0), 0x000000u);
 
-  BmpSpec eight;
+  BmpLayout eight;
   eight.bitCount = 8;
   eight.colorsUsed = 2;
   eight.palette = {0x000000, 0x123456};
@@ -84,26 +84,26 @@ TEST(BitmapFileReader, PalettedDepthsIndexTheirColourTable) {
 }
 
 TEST(BitmapFileReader, CoreHeaderHasThreeByteColourEntries) {
-  BmpSpec spec;
-  spec.infoSize = 12;
-  spec.bitCount = 8;
-  spec.palette.assign(256, 0);
-  spec.palette[7] = 0xABCDEF;
-  spec.pixels = {7, 0, 0, 0};
-  const auto dib = Read(BuildBmp(spec));
+  BmpLayout layout;
+  layout.infoSize = 12;
+  layout.bitCount = 8;
+  layout.palette.assign(256, 0);
+  layout.palette[7] = 0xABCDEF;
+  layout.pixels = {7, 0, 0, 0};
+  const auto dib = Read(BuildBmp(layout));
   ASSERT_TRUE(dib);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0xABCDEFu);
 }
 
 TEST(BitmapFileReader, SixteenAndThirtyTwoBitDefaultsAndBitfields) {
-  BmpSpec rgb555;
+  BmpLayout rgb555;
   rgb555.bitCount = 16;
   rgb555.pixels = {0x1F, 0x7C, 0, 0};  // 0x7C1F: red 31, green 0, blue 31
   auto dib = Read(BuildBmp(rgb555));
   ASSERT_TRUE(dib);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0xFF00FFu);
 
-  BmpSpec rgb565;
+  BmpLayout rgb565;
   rgb565.bitCount = 16;
   rgb565.compression = 3;
   rgb565.masks = {0xF800, 0x07E0, 0x001F};
@@ -112,7 +112,7 @@ TEST(BitmapFileReader, SixteenAndThirtyTwoBitDefaultsAndBitfields) {
   ASSERT_TRUE(dib);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0x00FF00u);
 
-  BmpSpec x888;
+  BmpLayout x888;
   x888.bitCount = 32;
   x888.pixels = {0x11, 0x22, 0x33, 0x99};  // the top byte is ignored
   dib = Read(BuildBmp(x888));
@@ -120,7 +120,7 @@ TEST(BitmapFileReader, SixteenAndThirtyTwoBitDefaultsAndBitfields) {
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0x332211u);
 
   // Masks inside a 108-byte header, in an unusual channel order.
-  BmpSpec v4;
+  BmpLayout v4;
   v4.infoSize = 108;
   v4.bitCount = 32;
   v4.compression = 3;
@@ -132,7 +132,7 @@ TEST(BitmapFileReader, SixteenAndThirtyTwoBitDefaultsAndBitfields) {
 }
 
 TEST(BitmapFileReader, MalformedFilesGiveNothing) {
-  BmpSpec good;
+  BmpLayout good;
   good.width = 2;
   good.height = 2;
   good.pixels.assign(16, 0x80);
@@ -145,36 +145,36 @@ TEST(BitmapFileReader, MalformedFilesGiveNothing) {
   }
 
   auto variant = [&](auto change) {
-    BmpSpec spec = good;
-    change(spec);
-    return Read(BuildBmp(spec));
+    BmpLayout layout = good;
+    change(layout);
+    return Read(BuildBmp(layout));
   };
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.infoSize = 20; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.bitCount = 2; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.compression = 1; }));  // run-length
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.compression = 3; }));  // bitfields need 16 or 32 bits
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.width = 0; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.width = -2; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.height = 0; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.height = INT32_MIN; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.width = 0x7FFFFFFF; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.height = 100000; }));  // rows beyond the data
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.pixelOffsetOverride = 0x7FFFFFFF; }));
-  EXPECT_FALSE(variant([](BmpSpec& s) { s.pixelOffsetOverride = 60; }));  // last row cut short
-  EXPECT_FALSE(variant([](BmpSpec& s) {                                   // table beyond the data
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.infoSize = 20; }));
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.bitCount = 2; }));
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.compression = 1; }));  // run-length
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.compression = 3; }));  // bitfields need 16 or 32 bits
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.width = 0; }));
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.width = -2; }));
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.height = 0; }));
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.height = INT32_MIN; }));
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.width = 0x7FFFFFFF; }));
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.height = 100000; }));  // rows beyond the data
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.pixelOffsetOverride = 0x7FFFFFFF; }));
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.pixelOffsetOverride = 60; }));  // last row cut short
+  EXPECT_FALSE(variant([](BmpLayout& s) {                                   // table beyond the data
     s.bitCount = 8;
     s.pixels.clear();
   }));
 }
 
 TEST(BitmapFileReader, HugeAnnouncedSizesAreRefusedBeforeAllocating) {
-  BmpSpec spec;
-  spec.width = 1 << 20;
-  spec.height = 1 << 20;
-  spec.bitCount = 1;
-  spec.palette = {0, 0xFFFFFF};
-  spec.pixels.assign(64, 0);
-  EXPECT_FALSE(Read(BuildBmp(spec)));
+  BmpLayout layout;
+  layout.width = 1 << 20;
+  layout.height = 1 << 20;
+  layout.bitCount = 1;
+  layout.palette = {0, 0xFFFFFF};
+  layout.pixels.assign(64, 0);
+  EXPECT_FALSE(Read(BuildBmp(layout)));
 }
 
 TEST(BitmapFileReader, StrideOfTheTwentyFourBitBuffer) {

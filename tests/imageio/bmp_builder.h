@@ -8,7 +8,7 @@
 
 namespace imageio_test {
 
-struct BmpSpec {
+struct BmpLayout {
   std::uint32_t infoSize = 40;
   std::int32_t width = 1;
   std::int32_t height = 1;
@@ -29,43 +29,43 @@ inline void Put32(std::vector<std::uint8_t>& out, std::size_t at, std::uint32_t 
   for (int i = 0; i < 4; ++i) out[at + i] = static_cast<std::uint8_t>(v >> (8 * i));
 }
 
-inline std::vector<std::uint8_t> BuildBmp(const BmpSpec& spec) {
-  const bool core = spec.infoSize == 12;
+inline std::vector<std::uint8_t> BuildBmp(const BmpLayout& layout) {
+  const bool core = layout.infoSize == 12;
   const std::size_t entrySize = core ? 3 : 4;
   // Fields are written into a header of at least 40 bytes, then cut to the size
   // announced, so that short unknown header sizes can be built too.
-  std::vector<std::uint8_t> out(14 + std::max<std::uint32_t>(spec.infoSize, 40), 0);
+  std::vector<std::uint8_t> out(14 + std::max<std::uint32_t>(layout.infoSize, 40), 0);
   out[0] = 'B';
   out[1] = 'M';
-  Put32(out, 14, spec.infoSize);
+  Put32(out, 14, layout.infoSize);
   if (core) {
-    Put16(out, 18, static_cast<std::uint32_t>(spec.width));
-    Put16(out, 20, static_cast<std::uint32_t>(spec.height));
+    Put16(out, 18, static_cast<std::uint32_t>(layout.width));
+    Put16(out, 20, static_cast<std::uint32_t>(layout.height));
     Put16(out, 22, 1);
-    Put16(out, 24, spec.bitCount);
+    Put16(out, 24, layout.bitCount);
   } else {
-    Put32(out, 18, static_cast<std::uint32_t>(spec.width));
-    Put32(out, 22, static_cast<std::uint32_t>(spec.height));
+    Put32(out, 18, static_cast<std::uint32_t>(layout.width));
+    Put32(out, 22, static_cast<std::uint32_t>(layout.height));
     Put16(out, 26, 1);
-    Put16(out, 28, spec.bitCount);
-    Put32(out, 30, spec.compression);
-    Put32(out, 46, spec.colorsUsed);
+    Put16(out, 28, layout.bitCount);
+    Put32(out, 30, layout.compression);
+    Put32(out, 46, layout.colorsUsed);
   }
-  out.resize(14 + spec.infoSize);
-  for (std::size_t i = 0; i < spec.masks.size(); ++i) {
+  out.resize(14 + layout.infoSize);
+  for (std::size_t i = 0; i < layout.masks.size(); ++i) {
     if (14 + 40 + 4 * i + 4 > out.size()) out.resize(14 + 40 + 4 * i + 4);
-    Put32(out, 14 + 40 + 4 * i, spec.masks[i]);
+    Put32(out, 14 + 40 + 4 * i, layout.masks[i]);
   }
-  for (std::uint32_t color : spec.palette) {
+  for (std::uint32_t color : layout.palette) {
     out.push_back(static_cast<std::uint8_t>(color));
     out.push_back(static_cast<std::uint8_t>(color >> 8));
     out.push_back(static_cast<std::uint8_t>(color >> 16));
     if (entrySize == 4) out.push_back(0);
   }
   const std::size_t offset =
-      spec.pixelOffsetOverride >= 0 ? static_cast<std::size_t>(spec.pixelOffsetOverride) : out.size();
+      layout.pixelOffsetOverride >= 0 ? static_cast<std::size_t>(layout.pixelOffsetOverride) : out.size();
   Put32(out, 10, static_cast<std::uint32_t>(offset));
-  out.insert(out.end(), spec.pixels.begin(), spec.pixels.end());
+  out.insert(out.end(), layout.pixels.begin(), layout.pixels.end());
   Put32(out, 2, static_cast<std::uint32_t>(out.size()));
   return out;
 }

@@ -69,14 +69,14 @@ const LoadContext kQuiet{nullptr, false, 0x09};
 const LoadContext kVerbose{nullptr, true, 0x09};
 
 TEST_F(ImageLoaderTest, BitmapFileFromAPathBecomesADeviceBitmap) {
-  imageio_test::BmpSpec spec;
-  spec.width = 2;
-  spec.height = 2;
-  spec.bitCount = 8;
-  spec.colorsUsed = 4;
-  spec.palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF};
-  spec.pixels = {3, 0, 0, 0, /* top */ 1, 2, 0, 0};
-  const std::string path = WriteTemp("pal.bmp", imageio_test::BuildBmp(spec));
+  imageio_test::BmpLayout layout;
+  layout.width = 2;
+  layout.height = 2;
+  layout.bitCount = 8;
+  layout.colorsUsed = 4;
+  layout.palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF};
+  layout.pixels = {3, 0, 0, 0, /* top */ 1, 2, 0, 0};
+  const std::string path = WriteTemp("pal.bmp", imageio_test::BuildBmp(layout));
   HBITMAP bitmap = LoadImage(path.c_str(), kQuiet);
   ASSERT_NE(bitmap, nullptr);
   BITMAP description{};
