@@ -4,6 +4,7 @@
 #include <cctype>
 #include <utility>
 
+#include "platform/text.h"
 #include "platform/user.h"
 
 namespace script {
@@ -16,16 +17,6 @@ int HexDigitValue(char c) {
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   return -1;
-}
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
 }
 
 std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
@@ -184,9 +175,9 @@ std::optional<int> VirtualKeyByName(std::string_view name) {
       {"Down", VK_DOWN},
   }};
   for (const auto& [keyName, key] : kKeys) {
-    if (EqualsIgnoringCase(name, keyName)) return key;
+    if (platform::EqualsIgnoringCase(name, keyName)) return key;
   }
-  if (EqualsIgnoringCase(name, "Delete") || EqualsIgnoringCase(name, "Del")) return VK_DELETE;
+  if (platform::EqualsIgnoringCase(name, "Delete") || platform::EqualsIgnoringCase(name, "Del")) return VK_DELETE;
   if (name.size() == 1 && std::isalpha(static_cast<unsigned char>(name[0]))) {
     return std::toupper(static_cast<unsigned char>(name[0]));
   }
@@ -212,7 +203,7 @@ std::optional<UINT> ScrollCodeByName(std::string_view name) {
       {"SB_ENDSCROLL", SB_ENDSCROLL},
   }};
   for (const auto& [codeName, code] : kCodes) {
-    if (EqualsIgnoringCase(name, codeName)) return code;
+    if (platform::EqualsIgnoringCase(name, codeName)) return code;
   }
   return std::nullopt;
 }
@@ -250,7 +241,7 @@ FontChoice ParseFontAnswer(std::string_view text) {
     throw ParseError("bad font answer: expected FACE,Italic,Bold,SIZE,StrikeOut,Underline,RRGGBB");
   const auto flag = [](std::string_view field, std::string_view word) {
     if (field.empty()) return false;
-    if (!EqualsIgnoringCase(field, word)) {
+    if (!platform::EqualsIgnoringCase(field, word)) {
       throw ParseError("bad font answer: " + Quoted(field) + " where '" + std::string(word) +
                        "' or nothing belongs");
     }

@@ -1,14 +1,13 @@
 #include "control/dispatch_table.h"
 
-#include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstddef>
 #include <optional>
 #include <type_traits>
 #include <utility>
 
 #include "control/image_edit_ctrl.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -153,12 +152,6 @@ std::vector<MethodInfo> BuildDispatchMethods() {
   };
 }
 
-bool SameNameIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-  });
-}
-
 const char* TypeName(Variant::Type type) {
   switch (type) {
     case Variant::Type::Empty:
@@ -222,7 +215,7 @@ const std::vector<MethodInfo>& DispatchMethods() {
 
 const MethodInfo* FindMethod(std::string_view name) {
   for (const MethodInfo& method : DispatchMethods()) {
-    if (SameNameIgnoringCase(method.name, name)) return &method;
+    if (platform::EqualsIgnoringCase(method.name, name)) return &method;
   }
   return nullptr;
 }

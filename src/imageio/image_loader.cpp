@@ -23,28 +23,23 @@
 namespace imageio {
 namespace {
 
-constexpr DWORD kErrorFileNotFound = 2;
-constexpr DWORD kErrorPathNotFound = 3;
-constexpr DWORD kErrorAccessDenied = 5;
-constexpr DWORD kErrorNotEnoughMemory = 8;
-constexpr DWORD kErrorReadFault = 30;
 // Room after the data for an appended JPEG end marker.
 constexpr std::size_t kSpareBytes = 2;
 
 DWORD LastErrorFromErrno(int error) {
   switch (error) {
     case ENOENT:
-      return kErrorFileNotFound;
+      return ERROR_FILE_NOT_FOUND;
     case ENOTDIR:
     case ENAMETOOLONG:
-      return kErrorPathNotFound;
+      return ERROR_PATH_NOT_FOUND;
     case EACCES:
     case EISDIR:
-      return kErrorAccessDenied;
+      return ERROR_ACCESS_DENIED;
     case ENOMEM:
-      return kErrorNotEnoughMemory;
+      return ERROR_NOT_ENOUGH_MEMORY;
     default:
-      return kErrorReadFault;
+      return ERROR_READ_FAULT;
   }
 }
 
@@ -66,18 +61,18 @@ bool ReadWholeFile(const std::string& name, FileBlock* block) {
   }
   struct stat status {};
   if (::fstat(::fileno(file.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
-    SetLastError(S_ISDIR(status.st_mode) ? kErrorAccessDenied : kErrorReadFault);
+    SetLastError(S_ISDIR(status.st_mode) ? ERROR_ACCESS_DENIED : ERROR_READ_FAULT);
     return false;
   }
   const auto size = static_cast<std::size_t>(status.st_size);
   block->data.reset(new (std::nothrow) std::uint8_t[size + kSpareBytes]);
   if (!block->data) {
-    SetLastError(kErrorNotEnoughMemory);
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return false;
   }
   block->count = std::fread(block->data.get(), 1, size, file.get());
   if (std::ferror(file.get())) {
-    SetLastError(kErrorReadFault);
+    SetLastError(ERROR_READ_FAULT);
     return false;
   }
   block->count = RepairJpegEndMarker(block->data.get(), block->count);

@@ -1,21 +1,12 @@
 #include "imageio/image_source.h"
 
 #include <array>
-#include <cctype>
 #include <utility>
+
+#include "platform/text.h"
 
 namespace imageio {
 namespace {
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
-}
 
 constexpr std::array<std::pair<std::string_view, UrlService>, 5> kSchemes{{
     {"http", UrlService::Http},
@@ -32,7 +23,7 @@ bool ParseUrl(std::string_view text, UrlService* service) {
   if (separator == std::string_view::npos) return false;
   const std::string_view scheme = text.substr(0, separator);
   for (const auto& [name, type] : kSchemes) {
-    if (!EqualsIgnoringCase(scheme, name)) continue;
+    if (!platform::EqualsIgnoringCase(scheme, name)) continue;
     const std::string_view rest = text.substr(separator + 3);
     const std::string_view server = rest.substr(0, rest.find_first_of("/?#"));
     if (type != UrlService::File && server.empty()) return false;

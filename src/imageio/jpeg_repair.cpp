@@ -1,7 +1,8 @@
 #include "imageio/jpeg_repair.h"
 
-#include <cctype>
 #include <string_view>
+
+#include "platform/text.h"
 
 namespace imageio {
 namespace {
@@ -15,11 +16,8 @@ bool HasJfifOrExifIdentifier(const std::uint8_t* data, std::size_t count) {
   for (std::string_view name : {std::string_view("JFIF"), std::string_view("EXIF")}) {
     const std::size_t end = kIdentifierOffset + name.size();
     if (end >= count || data[end] != 0) continue;
-    bool same = true;
-    for (std::size_t i = 0; i < name.size(); ++i) {
-      same = same && std::toupper(data[kIdentifierOffset + i]) == name[i];
-    }
-    if (same) return true;
+    const std::string_view identifier(reinterpret_cast<const char*>(data) + kIdentifierOffset, name.size());
+    if (platform::EqualsIgnoringCase(identifier, name)) return true;
   }
   return false;
 }

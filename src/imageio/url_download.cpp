@@ -11,13 +11,6 @@
 namespace imageio {
 namespace {
 
-constexpr DWORD kErrorFileNotFound = 2;
-constexpr DWORD kErrorFileTooLarge = 223;
-constexpr DWORD kErrorInternetInternal = 12004;
-constexpr DWORD kErrorInternetTimeout = 12002;
-constexpr DWORD kErrorInternetInvalidUrl = 12005;
-constexpr DWORD kErrorInternetNameNotResolved = 12007;
-constexpr DWORD kErrorInternetCannotConnect = 12029;
 constexpr long kMaxRedirects = 10;
 
 DownloadLimits& Limits() {
@@ -50,21 +43,21 @@ std::size_t WriteBody(char* data, std::size_t size, std::size_t count, void* use
 }
 
 DWORD LastErrorFor(CURLcode code, long httpStatus, bool tooLarge) {
-  if (tooLarge || code == CURLE_FILESIZE_EXCEEDED) return kErrorFileTooLarge;
+  if (tooLarge || code == CURLE_FILESIZE_EXCEEDED) return ERROR_FILE_TOO_LARGE;
   switch (code) {
     case CURLE_HTTP_RETURNED_ERROR:
-      return httpStatus == 404 || httpStatus == 410 ? kErrorFileNotFound : kErrorInternetInternal;
+      return httpStatus == 404 || httpStatus == 410 ? ERROR_FILE_NOT_FOUND : ERROR_INTERNET_INTERNAL_ERROR;
     case CURLE_OPERATION_TIMEDOUT:
-      return kErrorInternetTimeout;
+      return ERROR_INTERNET_TIMEOUT;
     case CURLE_URL_MALFORMAT:
     case CURLE_UNSUPPORTED_PROTOCOL:
-      return kErrorInternetInvalidUrl;
+      return ERROR_INTERNET_INVALID_URL;
     case CURLE_COULDNT_RESOLVE_HOST:
-      return kErrorInternetNameNotResolved;
+      return ERROR_INTERNET_NAME_NOT_RESOLVED;
     case CURLE_COULDNT_CONNECT:
-      return kErrorInternetCannotConnect;
+      return ERROR_INTERNET_CANNOT_CONNECT;
     default:
-      return kErrorInternetInternal;
+      return ERROR_INTERNET_INTERNAL_ERROR;
   }
 }
 
@@ -112,14 +105,14 @@ std::string DownloadCacheFolder() { return platform::TempFolder() + "imageedit-c
 HRESULT DownloadToCacheFile(const std::string& url, std::string* localName) {
   InitCurlOnce();
   CurlHandle curl(curl_easy_init(), curl_easy_cleanup);
-  if (!curl) return Failure(kErrorInternetInternal);
+  if (!curl) return Failure(ERROR_INTERNET_INTERNAL_ERROR);
   ::mkdir(DownloadCacheFolder().c_str(), 0700);
   const std::string target = CacheFileName(url);
   const std::string partial = target + ".part";
   Sink sink;
   sink.maxBytes = Limits().maxBytes;
   sink.file = std::fopen(partial.c_str(), "wb");
-  if (!sink.file) return Failure(kErrorInternetInternal);
+  if (!sink.file) return Failure(ERROR_INTERNET_INTERNAL_ERROR);
   ApplyOptions(curl.get(), url, &sink, Limits());
   const CURLcode code = curl_easy_perform(curl.get());
   const bool closed = std::fclose(sink.file) == 0;
@@ -127,7 +120,7 @@ HRESULT DownloadToCacheFile(const std::string& url, std::string* localName) {
   curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &status);
   if (code != CURLE_OK || !closed || std::rename(partial.c_str(), target.c_str()) != 0) {
     std::remove(partial.c_str());
-    return Failure(code == CURLE_OK ? kErrorInternetInternal : LastErrorFor(code, status, sink.tooLarge));
+    return Failure(code == CURLE_OK ? ERROR_INTERNET_INTERNAL_ERROR : LastErrorFor(code, status, sink.tooLarge));
   }
   *localName = target;
   return S_OK;

@@ -70,8 +70,6 @@ Module* LoadedModule(HMODULE module, std::string* name) {
   return nullptr;
 }
 
-constexpr DWORD kErrorModNotFound = 126;
-constexpr DWORD kErrorProcNotFound = 127;
 
 }  // namespace
 
@@ -88,7 +86,7 @@ HMODULE LoadLibraryA(LPCSTR name) {
   if (name == nullptr) return nullptr;
   auto it = Modules().find(UpperCase(name));
   if (it == Modules().end() || !it->second.available) {
-    SetLastError(kErrorModNotFound);
+    SetLastError(ERROR_MOD_NOT_FOUND);
     return nullptr;
   }
   ++it->second.loads;
@@ -101,7 +99,7 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
       std::string(name) == "TransparentBlt") {
     return reinterpret_cast<FARPROC>(&TransparentBlt);
   }
-  SetLastError(kErrorProcNotFound);
+  SetLastError(ERROR_PROC_NOT_FOUND);
   return nullptr;
 }
 
