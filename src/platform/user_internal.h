@@ -19,6 +19,8 @@ LRESULT DefaultSetCursor(HWND hwnd, WPARAM wParam, LPARAM lParam);
 void SetScreenSize(int width, int height);
 // A registered cursor resource and its hot spot.
 bool FindCursorResource(int id, POINT* hotSpot);
+// Draws a window's shown scroll bars (and the corner between two) into its host frame.
+void RedrawScrollBars(HWND hwnd);
 // Paints everything pending in every host tree (after each timer message).
 void FlushAllPaint();
 

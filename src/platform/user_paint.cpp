@@ -33,6 +33,7 @@ void PaintOne(HWND hwnd) {
     if (platform::window::IsEmpty(under)) continue;
     RECT inChild = platform::window::Offset(under, -child->rect.left, -child->rect.top);
     InvalidateRect(childHandle, &inChild, TRUE);
+    child->barsPending = true;
   }
   SendMessageA(hwnd, WM_PAINT, 0, 0);
   // A handler that never validates is not asked again in the same pass.
@@ -45,6 +46,9 @@ void PaintOne(HWND hwnd) {
 void PaintTree(HWND hwnd) {
   Window* window = Find(hwnd);
   if (window == nullptr || !platform::window::IsShownOnHost(*window)) return;
+  // Scroll bars lie outside the client area: they are drawn whenever the window is
+  // painted and whenever its parent painted over them.
+  if (!platform::window::IsEmpty(window->update) || window->barsPending) platform::user::RedrawScrollBars(hwnd);
   if (!platform::window::IsEmpty(window->update)) PaintOne(hwnd);
   window = Find(hwnd);
   if (window == nullptr) return;

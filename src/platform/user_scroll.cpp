@@ -1,8 +1,12 @@
 // The standard scroll bars of a window: range, page and position. A shown bar takes
 // SCROLLBAR_THICKNESS pixels from the client area (right for vertical, bottom for
-// horizontal); a change of the client size sends WM_SIZE as Windows does.
+// horizontal); a change of the client size sends WM_SIZE as Windows does. The bars
+// are drawn into the host frame straight away when asked to redraw, and again in each
+// paint pass of their window.
 #include <algorithm>
 
+#include "platform/gdi.h"
+#include "platform/scroll_bar.h"
 #include "platform/user.h"
 #include "platform/user_internal.h"
 #include "platform/window_tree.h"
@@ -28,10 +32,37 @@ int ClampPosition(const ScrollBarState& state, int pos) {
   return std::clamp(pos, state.min, highest);
 }
 
-// A bar is needed while the range is larger than one page.
-bool IsNeeded(const ScrollBarState& state) {
-  int page = static_cast<int>(std::min<UINT>(state.page, 0x7FFFFFFF));
-  return state.min < state.max - std::max(page - 1, 0);
+// A bar that a range change hides leaves its strip to the client area, which must be
+// painted there.
+void ShowOrHide(HWND hwnd, int bar, bool show) {
+  platform::window::Window* window = platform::window::Find(hwnd);
+  bool wasShown = window != nullptr && (window->style & StyleOf(bar)) != 0;
+  platform::user::SetStyleBits(hwnd, StyleOf(bar), show);
+  if (wasShown && !show) InvalidateRect(hwnd, nullptr, TRUE);
+}
+
+// The host-frame DC for a window's whole area (client and bars), as far as its
+// ancestors' client areas let it show; null when it does not show.
+HDC WholeWindowDC(const platform::window::Window& window) {
+  platform::window::Window* host = platform::window::HostOf(window.handle);
+  if (host == nullptr || host->frame == nullptr || !platform::window::IsShownOnHost(window)) return nullptr;
+  POINT origin = platform::window::ClientOrigin(window);
+  RECT whole = platform::window::Offset(
+      RECT{0, 0, window.rect.right - window.rect.left, window.rect.bottom - window.rect.top}, origin.x, origin.y);
+  if (platform::window::Window* parent = platform::window::Find(window.parent)) {
+    whole = platform::window::Intersect(whole, platform::window::VisibleClientOnHost(*parent));
+  }
+  HDC dc = platform::CreateWindowDC(host->frame, origin.x, origin.y, whole);
+  if (dc != nullptr) host->frameChanged = true;
+  return dc;
+}
+
+void DrawBar(HDC dc, const platform::window::Window& window, int bar) {
+  const ScrollBarState& state = bar == SB_VERT ? window.vertical : window.horizontal;
+  bool vertical = bar == SB_VERT;
+  RECT rect = platform::scroll::BarRect(window, bar);
+  int pos = state.tracking ? state.trackPos : state.pos;
+  platform::scroll::Draw(dc, rect, vertical, platform::scroll::Layout(rect, vertical, state, pos));
 }
 
 }  // namespace
@@ -43,10 +74,11 @@ BOOL ShowScrollBar(HWND hwnd, int bar, BOOL show) {
   if (bits == 0) return FALSE;
   platform::user::SetStyleBits(hwnd, bits, show != FALSE);
   InvalidateRect(hwnd, nullptr, TRUE);
+  platform::user::RedrawScrollBars(hwnd);
   return TRUE;
 }
 
-int SetScrollInfo(HWND hwnd, int bar, const SCROLLINFO* info, BOOL /*redraw*/) {
+int SetScrollInfo(HWND hwnd, int bar, const SCROLLINFO* info, BOOL redraw) {
   ScrollBarState* state = BarOf(hwnd, bar);
   if (state == nullptr || info == nullptr) return 0;
   if (info->fMask & SIF_RANGE) {
@@ -66,10 +98,10 @@ int SetScrollInfo(HWND hwnd, int bar, const SCROLLINFO* info, BOOL /*redraw*/) {
   // A standard bar appears when its range needs it and, unless asked to stay as a
   // disabled bar, disappears when it does not.
   if (info->fMask & (SIF_RANGE | SIF_PAGE)) {
-    bool needed = IsNeeded(*state);
-    if (needed || !(info->fMask & SIF_DISABLENOSCROLL))
-      platform::user::SetStyleBits(hwnd, StyleOf(bar), needed);
+    bool needed = platform::scroll::CanScroll(*state);
+    if (needed || !(info->fMask & SIF_DISABLENOSCROLL)) ShowOrHide(hwnd, bar, needed);
   }
+  if (redraw) platform::user::RedrawScrollBars(hwnd);
   return pos;
 }
 
@@ -86,11 +118,12 @@ BOOL GetScrollInfo(HWND hwnd, int bar, SCROLLINFO* info) {
   return TRUE;
 }
 
-int SetScrollPos(HWND hwnd, int bar, int pos, BOOL /*redraw*/) {
+int SetScrollPos(HWND hwnd, int bar, int pos, BOOL redraw) {
   ScrollBarState* state = BarOf(hwnd, bar);
   if (state == nullptr) return 0;
   int previous = state->pos;
   state->pos = ClampPosition(*state, pos);
+  if (redraw) platform::user::RedrawScrollBars(hwnd);
   return previous;
 }
 
@@ -98,3 +131,22 @@ int GetScrollPos(HWND hwnd, int bar) {
   ScrollBarState* state = BarOf(hwnd, bar);
   return state == nullptr ? 0 : state->pos;
 }
+
+namespace platform::user {
+
+void RedrawScrollBars(HWND hwnd) {
+  window::Window* window = window::Find(hwnd);
+  if (window == nullptr) return;
+  window->barsPending = false;
+  bool horizontal = (window->style & WS_HSCROLL) != 0;
+  bool vertical = (window->style & WS_VSCROLL) != 0;
+  if (!horizontal && !vertical) return;
+  HDC dc = WholeWindowDC(*window);
+  if (dc == nullptr) return;
+  if (horizontal) DrawBar(dc, *window, SB_HORZ);
+  if (vertical) DrawBar(dc, *window, SB_VERT);
+  if (horizontal && vertical) scroll::DrawCorner(dc, scroll::CornerRect(*window));
+  DeleteDC(dc);
+}
+
+}  // namespace platform::user

@@ -10,13 +10,15 @@
 
 namespace platform::window {
 
-// One standard scroll bar of a window: its range, page and position.
+// One standard scroll bar of a window: its range, page and position; while its thumb
+// is dragged, the tracked position, at which the thumb is drawn.
 struct ScrollBarState {
   int min = 0;
   int max = 0;
   UINT page = 0;
   int pos = 0;
   int trackPos = 0;
+  bool tracking = false;
 };
 
 struct WindowClass {
@@ -41,6 +43,7 @@ struct Window {
   bool frameChanged = false;  // a host root's frame holds pixels not yet presented
   RECT update{};              // pending invalid area in client coordinates; empty when none
   bool erasePending = false;
+  bool barsPending = false;  // its scroll bars need drawing in the next paint pass
   ScrollBarState horizontal;
   ScrollBarState vertical;
   bool destroying = false;
