@@ -10,8 +10,6 @@
 
 namespace imageio {
 
-inline constexpr WORD kLanguageKorean = 0x12;
-inline constexpr WORD kLanguageChinese = 0x04;
 inline constexpr std::size_t kMessageBufferSize = 1024;
 
 // A picture could not be fetched or read: the caller's string and the last error.
