@@ -186,6 +186,7 @@ void MouseInput(HWND host, UINT message, int x, int y) {
   }
   state.cursor = point;
   TrackButtons(message);
+  if (user::ScrollBarMouse(message, point)) return;
 
   Hit hit;
   if (HWND capture = GetCapture()) {
@@ -201,7 +202,12 @@ void MouseInput(HWND host, UINT message, int x, int y) {
     }
     SendMessageA(hit.hwnd, WM_SETCURSOR, reinterpret_cast<WPARAM>(hit.hwnd), hitAndMessage);
     // Presses on a scroll bar belong to the bar, not to the client area.
-    if (hit.code != HTCLIENT) return;
+    if (hit.code != HTCLIENT) {
+      if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
+        user::PressScrollBar(hit.hwnd, hit.code == HTVSCROLL ? SB_VERT : SB_HORZ, hit.local);
+      }
+      return;
+    }
   }
   if (!IsWindow(hit.hwnd)) return;
   DeliverQueued(MakeMessage(hit.hwnd, message, MouseKeyFlags(), MAKELPARAM(hit.local.x, hit.local.y)));

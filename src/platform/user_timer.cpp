@@ -22,6 +22,7 @@ struct Timer {
   unsigned long long period;
   unsigned long long due;
   unsigned long long order;
+  platform::user::InternalTimerProc internal;  // null for a window's own timer
 };
 
 struct Clock {
@@ -35,8 +36,20 @@ Clock& TheClock() {
   return clock;
 }
 
-auto SameTimer(HWND hwnd, UINT_PTR id) {
-  return [hwnd, id](const Timer& t) { return t.hwnd == hwnd && t.id == id; };
+// A window's own timers and the platform's internal ones have separate id spaces.
+auto SameTimer(HWND hwnd, UINT_PTR id, bool internal) {
+  return [hwnd, id, internal](const Timer& t) {
+    return t.hwnd == hwnd && t.id == id && (t.internal != nullptr) == internal;
+  };
+}
+
+UINT_PTR AddTimer(HWND hwnd, UINT_PTR id, UINT milliseconds, platform::user::InternalTimerProc internal) {
+  if (!IsWindow(hwnd)) return 0;
+  Clock& clock = TheClock();
+  std::erase_if(clock.timers, SameTimer(hwnd, id, internal != nullptr));
+  unsigned long long period = std::max(milliseconds, kMinimumPeriod);
+  clock.timers.push_back(Timer{hwnd, id, period, clock.now + period, clock.nextOrder++, internal});
+  return id;
 }
 
 // The next timer due by `limit`, earliest first; null when none is.
@@ -53,16 +66,11 @@ Timer* NextDue(unsigned long long limit) {
 
 UINT_PTR SetTimer(HWND hwnd, UINT_PTR id, UINT milliseconds, void* /*callback*/) {
   // Only window timers exist here: the message carries the id to the window.
-  if (!IsWindow(hwnd)) return 0;
-  Clock& clock = TheClock();
-  std::erase_if(clock.timers, SameTimer(hwnd, id));
-  unsigned long long period = std::max(milliseconds, kMinimumPeriod);
-  clock.timers.push_back(Timer{hwnd, id, period, clock.now + period, clock.nextOrder++});
-  return id;
+  return AddTimer(hwnd, id, milliseconds, nullptr);
 }
 
 BOOL KillTimer(HWND hwnd, UINT_PTR id) {
-  return std::erase_if(TheClock().timers, SameTimer(hwnd, id)) > 0 ? TRUE : FALSE;
+  return std::erase_if(TheClock().timers, SameTimer(hwnd, id, false)) > 0 ? TRUE : FALSE;
 }
 
 namespace platform {
@@ -75,7 +83,12 @@ void AdvanceClock(unsigned milliseconds) {
     timer->due += timer->period;
     HWND hwnd = timer->hwnd;
     UINT_PTR id = timer->id;
-    SendMessageA(hwnd, WM_TIMER, id, 0);
+    platform::user::InternalTimerProc internal = timer->internal;
+    if (internal != nullptr) {
+      internal(hwnd);
+    } else {
+      SendMessageA(hwnd, WM_TIMER, id, 0);
+    }
     user::FlushAllPaint();
   }
   clock.now = target;
@@ -84,6 +97,12 @@ void AdvanceClock(unsigned milliseconds) {
 unsigned long long ClockNow() { return TheClock().now; }
 
 namespace user {
+
+void SetInternalTimer(HWND hwnd, UINT_PTR id, UINT milliseconds, InternalTimerProc proc) {
+  if (proc != nullptr) AddTimer(hwnd, id, milliseconds, proc);
+}
+
+void KillInternalTimer(HWND hwnd, UINT_PTR id) { std::erase_if(TheClock().timers, SameTimer(hwnd, id, true)); }
 
 void KillWindowTimers(HWND hwnd) {
   std::erase_if(TheClock().timers, [hwnd](const Timer& t) { return t.hwnd == hwnd; });
