@@ -12,16 +12,6 @@
 
 namespace {
 
-class DialogRecordingHost : public RecordingHost {
- public:
-  struct Dialog {
-    int id;
-    std::string title;
-  };
-  std::vector<Dialog> dialogs;
-  void ShowDialog(int dialogId, const std::string& title) override { dialogs.push_back({dialogId, title}); }
-};
-
 class ControlTest : public ::testing::Test {
  protected:
   void SetUp() override { platform::SetHost(&host_); }
@@ -40,7 +30,7 @@ class ControlTest : public ::testing::Test {
   }
   CImageEditWnd& editor() { return control_->m_editor; }
 
-  DialogRecordingHost host_;
+  RecordingHost host_;
   HWND hostWindow_ = nullptr;
   std::unique_ptr<CImageEditCtrl> control_ = std::make_unique<CImageEditCtrl>();
 };
@@ -95,16 +85,6 @@ TEST_F(ControlTest, EveryMethodButAboutBoxIsInertBeforeTheEditorWindowExists) {
   EXPECT_EQ(editor().m_objectCount, 0);
   EXPECT_TRUE(host_.dialogs.empty());
   EXPECT_TRUE(host_.messages.empty());
-}
-
-TEST_F(ControlTest, DirectCallsBeforeCreationReturnTheEmptyResults) {
-  EXPECT_TRUE(control_->GetColor().isNull());
-  EXPECT_TRUE(control_->SetColor("FF0000").isNull());
-  EXPECT_TRUE(control_->SetTextFont("Arial,10").isNull());
-  EXPECT_TRUE(control_->SetTextBackgroundColor("TRANSPARENT").isNull());
-  EXPECT_EQ(control_->ScaleImage(50), FALSE);
-  control_->SetImage(kPicture);
-  EXPECT_EQ(editor().m_originalImage, nullptr);
 }
 
 TEST_F(ControlTest, AboutBoxShowsDialogOneInEveryState) {
@@ -180,18 +160,14 @@ TEST_F(ControlTest, OnDrawFillsTheBoundsWhite) {
 
 // ---- forwarding after activation ----
 
-TEST_F(ControlTest, SetNothingClearsTheToolModeOnlyOnceTheEditorExists) {
+TEST_F(ControlTest, CallsReachTheEditorOnceItExists) {
   Activate();
   editor().m_toolMode = 9;
   EXPECT_EQ(Call("SetNothing").hr, S_OK);
   EXPECT_EQ(editor().m_toolMode, 0);
-}
-
-TEST_F(ControlTest, GetColorAnswersAStringOnceTheEditorExists) {
-  Activate();
-  const InvokeResult result = Call("GetColor");
-  ASSERT_EQ(result.value.type(), Variant::Type::String);
-  EXPECT_EQ(result.value.asString().size(), 6u);
+  const InvokeResult color = Call("GetColor");
+  ASSERT_EQ(color.value.type(), Variant::Type::String);
+  EXPECT_EQ(color.value.asString().size(), 6u);
 }
 
 TEST_F(ControlTest, GrayAndInvertTurnOnOnlyForOne) {
@@ -393,16 +369,15 @@ TEST_F(ControlTest, HostNeverSeesTheEditorKeys) {
   target.DestroyWindow();
 }
 
-TEST_F(ControlTest, KeysAreTakenEvenWhenTheEditorWindowIsGone) {
+// The keys belong to the control once it is active, whether or not the editor window
+// still exists; before that they are the host's.
+TEST_F(ControlTest, KeysAreTakenOnlyOnceTheControlIsActive) {
+  MSG msg{nullptr, WM_KEYDOWN, VK_DELETE, 0, 0, {0, 0}};
+  EXPECT_FALSE(control_->PreTranslateMessage(&msg));
   Activate();
   editor().DestroyWindow();
-  MSG msg{control_->m_hWnd, WM_KEYDOWN, VK_DELETE, 0, 0, {0, 0}};
+  msg.hwnd = control_->m_hWnd;
   EXPECT_TRUE(control_->PreTranslateMessage(&msg));
-}
-
-TEST_F(ControlTest, KeysPassThroughBeforeTheEditorExists) {
-  MSG msg{nullptr, WM_KEYDOWN, VK_TAB, 0, 0, {0, 0}};
-  EXPECT_FALSE(control_->PreTranslateMessage(&msg));
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
-#include <unistd.h>
-
 #include <fstream>
 
 #include "imageio/bitmap_file_reader.h"
 #include "imageio/bmp_builder.h"
-#include "imageio/pillow_reader.h"
+#include "support/temp_files.h"
 #include "test_support.h"
 
 namespace {
@@ -14,21 +12,10 @@ constexpr COLORREF kBlue = 0xFF0000;
 
 // A 24-bit bitmap file of the given COLORREFs, top row first.
 std::vector<std::uint8_t> BitmapFile(int width, int height, const std::vector<COLORREF>& colors) {
-  imageio_test::BmpLayout layout;
-  layout.width = width;
-  layout.height = height;
-  const int stride = (width * 3 + 3) & ~3;
-  layout.pixels.assign(static_cast<std::size_t>(stride) * height, 0);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const COLORREF c = colors[static_cast<std::size_t>(y * width + x)];
-      std::uint8_t* p = layout.pixels.data() + static_cast<std::size_t>(height - 1 - y) * stride + x * 3;
-      p[0] = GetBValue(c);
-      p[1] = GetGValue(c);
-      p[2] = GetRValue(c);
-    }
-  }
-  return imageio_test::BuildBmp(layout);
+  return imageio_test::BuildTrueColourBmp(width, height, [&](int x, int y) {
+    const COLORREF c = colors[static_cast<std::size_t>(y * width + x)];
+    return static_cast<std::uint32_t>(GetRValue(c) << 16 | GetGValue(c) << 8 | GetBValue(c));
+  });
 }
 
 // The pixels of a written bitmap file as COLORREFs, top row first.
@@ -39,8 +26,7 @@ struct WrittenPicture {
 };
 
 std::optional<WrittenPicture> ReadWritten(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  const std::vector<std::uint8_t> data{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  const std::vector<std::uint8_t> data = ReadFileBytes(path);
   const auto dib = imageio::ReadBitmapFile(data.data(), data.size());
   if (!dib) return std::nullopt;
   WrittenPicture picture{dib->width, dib->height, {}};
@@ -56,30 +42,14 @@ std::optional<WrittenPicture> ReadWritten(const std::string& path) {
 
 class ImageFilesTest : public HostedTest {
  protected:
-  void TearDown() override {
-    for (const std::string& file : files_) std::remove(file.c_str());
-    HostedTest::TearDown();
-  }
-  // A file in the temp folder; returns its bare name (the full path is remembered).
-  std::string TempName(const std::string& name) {
-    const std::string bare = "image_files_" + std::to_string(::getpid()) + "_" + name;
-    files_.push_back(platform::TempFolder() + bare);
-    return bare;
-  }
-  std::string WritePicture(const std::string& name, const std::vector<std::uint8_t>& data) {
-    TempName(name);
-    std::ofstream(files_.back(), std::ios::binary)
-        .write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
-    return files_.back();
-  }
-  std::vector<std::string> files_;
+  TempFiles files_{"image_files_"};
 };
 
 TEST_F(ImageFilesTest, SetImageLoadsTheOriginalAndLaysItOut) {
   LiveEditor live(20, 10);
   const std::vector<COLORREF> colors{kRed, kRed, kBlue, kBlue, kBlue, kBlue, kRed, kRed};
   live->m_scalingAllowed = false;
-  live->SetImage(WritePicture("a.bmp", BitmapFile(4, 2, colors)).c_str());
+  live->SetImage(files_.Write("a.bmp", BitmapFile(4, 2, colors)).c_str());
   ASSERT_NE(live->m_originalImage, nullptr);
   EXPECT_EQ(live->m_originalWidth, 4);
   EXPECT_EQ(live->m_originalHeight, 2);
@@ -96,7 +66,7 @@ TEST_F(ImageFilesTest, SetImageLoadsTheOriginalAndLaysItOut) {
 
 TEST_F(ImageFilesTest, FailedSetImageKeepsTheViewAndDropsTheOriginal) {
   LiveEditor live(20, 10);
-  live->SetImage(WritePicture("b.bmp", BitmapFile(2, 1, {kRed, kBlue})).c_str());
+  live->SetImage(files_.Write("b.bmp", BitmapFile(2, 1, {kRed, kBlue})).c_str());
   ASSERT_NE(live->m_originalImage, nullptr);
   const std::vector<COLORREF> shown = SurfaceColors(live->m_imageSurface.dc, 20, 10);
   const HBITMAP drawingLayer = live->m_drawingLayer.bitmap;
@@ -126,14 +96,14 @@ TEST_F(ImageFilesTest, SetImageBeforeTheWindowExistsDoesNothing) {
 TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
   LiveEditor live(20, 10);
   const std::vector<COLORREF> colors{kRed, 0x00FF00, kBlue, 0x808080, 0x123456, 0xFFFFFF};
-  live->SetImage(WritePicture("c.bmp", BitmapFile(3, 2, colors)).c_str());
+  live->SetImage(files_.Write("c.bmp", BitmapFile(3, 2, colors)).c_str());
   // A stroke on the drawing layer over the image's second pixel.
   SetPixel(live->m_drawingLayer.dc, live->m_imageRect.left + 1, live->m_imageRect.top, 0x0000AA);
-  const std::string bare = TempName("saved.bmp");
+  const std::string bare = files_.Name("saved.bmp");
   const int objectsBefore = platform::LiveGdiObjects().total();
   live->SaveEditedBitmap(bare.c_str());  // a bare name goes to the temp folder
   EXPECT_EQ(platform::LiveGdiObjects().total(), objectsBefore) << "the scratch DC and bitmap are released";
-  const auto written = ReadWritten(files_.back());
+  const auto written = ReadWritten(files_.last());
   ASSERT_TRUE(written);
   EXPECT_EQ(written->width, 3);
   EXPECT_EQ(written->height, 2);
@@ -145,7 +115,7 @@ TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
 TEST_F(ImageFilesTest, SaveSizeStretchesToAnyProportions) {
   LiveEditor live(20, 10);
   live->SetImage(
-      WritePicture("d.bmp", BitmapFile(4, 2, {kRed, kRed, kBlue, kBlue, kRed, kRed, kBlue, kBlue})).c_str());
+      files_.Write("d.bmp", BitmapFile(4, 2, {kRed, kRed, kBlue, kBlue, kRed, kRed, kBlue, kBlue})).c_str());
   live->SetSaveEditedBitmapSize(640, 0);
   live->SetSaveEditedBitmapSize(-1, 480);
   EXPECT_EQ(live->m_saveWidth, 0);
@@ -154,8 +124,8 @@ TEST_F(ImageFilesTest, SaveSizeStretchesToAnyProportions) {
   EXPECT_EQ(live->m_saveWidth, 8);
   EXPECT_EQ(live->m_saveHeight, 5);
 
-  live->SaveEditedBitmap(TempName("stretched.bmp").c_str());
-  const auto written = ReadWritten(files_.back());
+  live->SaveEditedBitmap(files_.Name("stretched.bmp").c_str());
+  const auto written = ReadWritten(files_.last());
   ASSERT_TRUE(written);
   ASSERT_EQ(written->width, 8);
   ASSERT_EQ(written->height, 5);
@@ -176,14 +146,14 @@ TEST_F(ImageFilesTest, SaveSizeStretchesToAnyProportions) {
 
 TEST_F(ImageFilesTest, FramePiecesWidenTheSavedArea) {
   LiveEditor live(60, 50);
-  live->SetImage(WritePicture("e.bmp", BitmapFile(2, 2, {kRed, kRed, kRed, kRed})).c_str());
+  live->SetImage(files_.Write("e.bmp", BitmapFile(2, 2, {kRed, kRed, kRed, kRed})).c_str());
   live->m_framePresent = true;
   for (int orientation : {0, 2, 4, 6}) {
     live->m_frame[orientation].width = 20;
     live->m_frame[orientation].height = 20;
   }
-  live->SaveEditedBitmap(TempName("framed.bmp").c_str());
-  const auto written = ReadWritten(files_.back());
+  live->SaveEditedBitmap(files_.Name("framed.bmp").c_str());
+  const auto written = ReadWritten(files_.last());
   ASSERT_TRUE(written);
   EXPECT_EQ(written->width, 42);
   EXPECT_EQ(written->height, 42);
@@ -198,7 +168,7 @@ TEST_F(ImageFilesTest, SelectionBoxSaveTakesThePixelsSeenInTheBoxWhenScrolled) {
   for (int y = 0; y < 20; ++y) {
     for (int x = 0; x < 30; ++x) colors.push_back(RGB(x * 8, y * 12, 77));
   }
-  live->SetImage(WritePicture("f.bmp", BitmapFile(30, 20, colors)).c_str());
+  live->SetImage(files_.Write("f.bmp", BitmapFile(30, 20, colors)).c_str());
   ASSERT_EQ(live->m_imageRect.left, 0);
   live->m_hScrollPos = 5;
   live->m_vScrollPos = 3;
@@ -209,9 +179,9 @@ TEST_F(ImageFilesTest, SelectionBoxSaveTakesThePixelsSeenInTheBoxWhenScrolled) {
   live->m_saveWidth = 100;  // the save size plays no part here
   live->m_saveHeight = 100;
   const int objectsBefore = platform::LiveGdiObjects().total();
-  live->SaveSelectionBoxBitmap(TempName("box.bmp").c_str());
+  live->SaveSelectionBoxBitmap(files_.Name("box.bmp").c_str());
   EXPECT_EQ(platform::LiveGdiObjects().total(), objectsBefore);
-  const auto written = ReadWritten(files_.back());
+  const auto written = ReadWritten(files_.last());
   ASSERT_TRUE(written);
   ASSERT_EQ(written->width, 3);
   ASSERT_EQ(written->height, 2);
@@ -225,23 +195,10 @@ TEST_F(ImageFilesTest, SelectionBoxSaveTakesThePixelsSeenInTheBoxWhenScrolled) {
 
 TEST_F(ImageFilesTest, SelectionBoxSaveWithoutABoxWritesNothing) {
   LiveEditor live(10, 8);
-  live->SetImage(WritePicture("g.bmp", BitmapFile(2, 2, {kRed, kRed, kRed, kRed})).c_str());
+  live->SetImage(files_.Write("g.bmp", BitmapFile(2, 2, {kRed, kRed, kRed, kRed})).c_str());
   live->m_selectionBoxWidth = 5;
-  live->SaveSelectionBoxBitmap(TempName("nobox.bmp").c_str());
-  EXPECT_FALSE(std::ifstream(files_.back()).good());
-}
-
-TEST_F(ImageFilesTest, SavedFilesOpenInAnotherReader) {
-  SKIP_WITHOUT_PILLOW();
-  LiveEditor live(20, 10);
-  live->SetImage((std::string(IE_TEST_DATA) + "/imageio/two_frames_3x2.gif").c_str());
-  live->SaveEditedBitmap(TempName("pillow.bmp").c_str());
-  const auto picture = imageio_test::ReadWithPillow(files_.back());
-  ASSERT_TRUE(picture);
-  ASSERT_EQ(picture->width, 3);
-  ASSERT_EQ(picture->height, 2);
-  EXPECT_EQ(picture->pixels,
-            (std::vector<std::uint32_t>{0xFF0000, 0x00FF00, 0xFFFFFF, 0xFFFFFF, 0x00FF00, 0xFF0000}));
+  live->SaveSelectionBoxBitmap(files_.Name("nobox.bmp").c_str());
+  EXPECT_FALSE(std::ifstream(files_.last()).good());
 }
 
 }  // namespace

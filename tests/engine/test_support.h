@@ -1,5 +1,5 @@
-// Shared pieces of the engine tests: a host that records what a person would see,
-// and an editor window created inside a host window the way the control creates it.
+// Shared pieces of the engine tests: a fixture installing the recording host, and an
+// editor window created inside a host window the way the control creates it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,20 +10,7 @@
 
 #include "editor/image_edit_wnd.h"
 #include "platform/platform.h"
-
-class RecordingHost : public platform::Host {
- public:
-  struct Message {
-    std::string text;
-    std::string caption;
-    UINT type;
-  };
-  std::vector<Message> messages;
-  int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override {
-    messages.push_back({text, caption, type});
-    return IDOK;
-  }
-};
+#include "support/recording_host.h"
 
 // Installs a recording host for the test's lifetime and restores the platform's
 // process-wide settings afterwards.

@@ -1,14 +1,14 @@
 #include "imageio/bitmap_file_writer.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <fstream>
-#include <iterator>
 
+#include "bmp_builder.h"
 #include "pillow_reader.h"
 #include "platform/platform.h"
-#include "recording_host.h"
+#include "support/recording_host.h"
+#include "support/temp_files.h"
 
 namespace {
 
@@ -20,20 +20,10 @@ template <typename ColorAt>
 HBITMAP MakeBitmap(int width, int height, ColorAt color) {
   HDC screen = GetDC(nullptr);
   HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
-  const int stride = (width * 3 + 3) & ~3;
-  std::vector<std::uint8_t> rows(static_cast<std::size_t>(stride) * height);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const std::uint32_t c = color(x, y);
-      std::uint8_t* p = rows.data() + static_cast<std::size_t>(height - 1 - y) * stride + x * 3;
-      p[0] = static_cast<std::uint8_t>(c);
-      p[1] = static_cast<std::uint8_t>(c >> 8);
-      p[2] = static_cast<std::uint8_t>(c >> 16);
-    }
-  }
+  const std::vector<std::uint8_t> file = imageio_test::BuildTrueColourBmp(width, height, color);
   BITMAPINFO info{};
   info.bmiHeader = {40, width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-  SetDIBits(screen, bitmap, 0, static_cast<UINT>(height), rows.data(), &info, DIB_RGB_COLORS);
+  SetDIBits(screen, bitmap, 0, static_cast<UINT>(height), file.data() + 54, &info, DIB_RGB_COLORS);
   ReleaseDC(nullptr, screen);
   return bitmap;
 }
@@ -49,22 +39,9 @@ std::uint32_t Field16(const std::vector<std::uint8_t>& file, std::size_t at) {
 class BitmapFileWriterTest : public ::testing::Test {
  protected:
   void SetUp() override { platform::SetHost(&host_); }
-  void TearDown() override {
-    platform::SetHost(nullptr);
-    for (const std::string& file : files_) std::remove(file.c_str());
-  }
-  std::string TempName(const std::string& name) {
-    const std::string bare = "imageio_writer_" + std::to_string(::getpid()) + "_" + name;
-    files_.push_back(platform::TempFolder() + bare);
-    return bare;
-  }
-  static std::vector<std::uint8_t> ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  }
-
-  imageio_test::MessageRecorder host_;
-  std::vector<std::string> files_;
+  void TearDown() override { platform::SetHost(nullptr); }
+  RecordingHost host_;
+  TempFiles files_{"imageio_writer_"};
 };
 
 const WriteContext kQuiet{nullptr, false, 0x09};
@@ -73,9 +50,9 @@ const WriteContext kVerbose{nullptr, true, 0x09};
 TEST_F(BitmapFileWriterTest, TrueColourFileHasTheTwentyFourBitHeader) {
   HBITMAP bitmap =
       MakeBitmap(3, 2, [](int x, int y) { return static_cast<std::uint32_t>(0x102030 * (x + 3 * y)); });
-  const std::string bare = TempName("fields.bmp");
+  const std::string bare = files_.Name("fields.bmp");
   WriteBitmapFile(bare.c_str(), bitmap, kQuiet);  // a bare name lands in the temp folder
-  const std::vector<std::uint8_t> file = ReadFile(files_.back());
+  const std::vector<std::uint8_t> file = ReadFileBytes(files_.last());
   ASSERT_EQ(file.size(), 54u + 12u * 2u);
   EXPECT_EQ(Field16(file, 0), 0x4D42u);
   EXPECT_EQ(Field32(file, 2), 78u);   // bfSize
@@ -105,9 +82,9 @@ TEST_F(BitmapFileWriterTest, TrueColourFileHasTheTwentyFourBitHeader) {
 
 TEST_F(BitmapFileWriterTest, OnePixelWideRowsArePaddedToFourBytes) {
   HBITMAP bitmap = MakeBitmap(1, 3, [](int, int y) { return 0x010203u * static_cast<std::uint32_t>(y + 1); });
-  TempName("narrow.bmp");
-  WriteBitmapFile(files_.back().c_str(), bitmap, kQuiet);
-  const std::vector<std::uint8_t> file = ReadFile(files_.back());
+  files_.Name("narrow.bmp");
+  WriteBitmapFile(files_.last().c_str(), bitmap, kQuiet);
+  const std::vector<std::uint8_t> file = ReadFileBytes(files_.last());
   ASSERT_EQ(file.size(), 54u + 12u);
   EXPECT_EQ(Field32(file, 34), 12u);
   const std::vector<std::uint8_t> rows(file.begin() + 54, file.end());
@@ -121,9 +98,9 @@ TEST_F(BitmapFileWriterTest, AnotherReaderSeesTheSamePixels) {
     return static_cast<std::uint32_t>((x * 37) << 16 | (y * 53) << 8 | ((x + y) * 11));
   };
   HBITMAP bitmap = MakeBitmap(7, 5, color);
-  TempName("pillow.bmp");
-  WriteBitmapFile(files_.back().c_str(), bitmap, kQuiet);
-  const auto picture = imageio_test::ReadWithPillow(files_.back());
+  files_.Name("pillow.bmp");
+  WriteBitmapFile(files_.last().c_str(), bitmap, kQuiet);
+  const auto picture = imageio_test::ReadWithPillow(files_.last());
   ASSERT_TRUE(picture);
   ASSERT_EQ(picture->width, 7);
   ASSERT_EQ(picture->height, 5);
@@ -135,13 +112,13 @@ TEST_F(BitmapFileWriterTest, AnotherReaderSeesTheSamePixels) {
 
 TEST_F(BitmapFileWriterTest, NothingIsWrittenWithoutPathOrBitmap) {
   HBITMAP bitmap = MakeBitmap(1, 1, [](int, int) { return 0u; });
-  const std::string bare = TempName("nothing.bmp");
+  const std::string bare = files_.Name("nothing.bmp");
   WriteBitmapFile(bare.c_str(), nullptr, kVerbose);
   WriteBitmapFile("", bitmap, kVerbose);
   WriteBitmapFile(nullptr, bitmap, kVerbose);
   DeleteObject(bitmap);
   WriteBitmapFile(bare.c_str(), bitmap, kVerbose);  // a deleted bitmap cannot be described
-  EXPECT_FALSE(std::ifstream(files_.back()).good());
+  EXPECT_FALSE(std::ifstream(files_.last()).good());
   EXPECT_TRUE(host_.messages.empty());
 }
 

@@ -70,4 +70,25 @@ inline std::vector<std::uint8_t> BuildBmp(const BmpLayout& layout) {
   return out;
 }
 
+// A 24-bit bitmap file (54-byte headers, no table) whose pixel (x, y), counted from
+// the top, is rgb(x, y) as 0x00RRGGBB.
+template <typename RgbAt>
+std::vector<std::uint8_t> BuildTrueColourBmp(int width, int height, RgbAt rgb) {
+  BmpLayout layout;
+  layout.width = width;
+  layout.height = height;
+  const std::size_t stride = (static_cast<std::size_t>(width) * 3 + 3) & ~std::size_t{3};
+  layout.pixels.assign(stride * height, 0);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const std::uint32_t c = rgb(x, y);
+      std::uint8_t* p = layout.pixels.data() + (height - 1 - y) * stride + x * 3;
+      p[0] = static_cast<std::uint8_t>(c);
+      p[1] = static_cast<std::uint8_t>(c >> 8);
+      p[2] = static_cast<std::uint8_t>(c >> 16);
+    }
+  }
+  return BuildBmp(layout);
+}
+
 }  // namespace imageio_test

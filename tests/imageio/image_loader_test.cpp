@@ -1,15 +1,12 @@
 #include "imageio/image_loader.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <fstream>
-
 #include "bmp_builder.h"
 #include "imageio/url_download.h"
 #include "local_http_server.h"
 #include "platform/platform.h"
-#include "recording_host.h"
+#include "support/recording_host.h"
+#include "support/temp_files.h"
 #include "sample_files.h"
 
 namespace {
@@ -38,17 +35,7 @@ class ImageLoaderTest : public ::testing::Test {
   void TearDown() override {
     imageio::SetDownloadLimits({});
     platform::SetHost(nullptr);
-    for (const std::string& file : files_) std::remove(file.c_str());
     EXPECT_EQ(platform::LiveGdiObjects().bitmaps, baseline_) << "a bitmap leaked";
-  }
-
-  std::string WriteTemp(const std::string& name, const std::vector<std::uint8_t>& data) {
-    const std::string path =
-        platform::TempFolder() + "imageio_test_" + std::to_string(::getpid()) + "_" + name;
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
-    files_.push_back(path);
-    return path;
   }
 
   // Loads and deletes the result; returns its pixels.
@@ -60,8 +47,8 @@ class ImageLoaderTest : public ::testing::Test {
     return pixels;
   }
 
-  imageio_test::MessageRecorder host_;
-  std::vector<std::string> files_;
+  RecordingHost host_;
+  TempFiles files_{"imageio_test_"};
   int baseline_ = 0;
 };
 
@@ -76,7 +63,7 @@ TEST_F(ImageLoaderTest, BitmapFileFromAPathBecomesADeviceBitmap) {
   layout.colorsUsed = 4;
   layout.palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF};
   layout.pixels = {3, 0, 0, 0, /* top */ 1, 2, 0, 0};
-  const std::string path = WriteTemp("pal.bmp", imageio_test::BuildBmp(layout));
+  const std::string path = files_.Write("pal.bmp", imageio_test::BuildBmp(layout));
   HBITMAP bitmap = LoadImage(path.c_str(), kQuiet);
   ASSERT_NE(bitmap, nullptr);
   BITMAP description{};
@@ -107,8 +94,8 @@ TEST_F(ImageLoaderTest, JpegWithoutEndMarkerDecodesAsTheCompleteOne) {
 
 TEST_F(ImageLoaderTest, UndecodableDataGiveNullWithoutMessage) {
   EXPECT_TRUE(LoadPixels(SamplePath("icon_16.ico"), kVerbose).empty());
-  EXPECT_TRUE(LoadPixels(WriteTemp("text.bmp", {'B', 'M', 1, 2, 3}), kVerbose).empty());
-  EXPECT_TRUE(LoadPixels(WriteTemp("empty.jpg", {}), kVerbose).empty());
+  EXPECT_TRUE(LoadPixels(files_.Write("text.bmp", {'B', 'M', 1, 2, 3}), kVerbose).empty());
+  EXPECT_TRUE(LoadPixels(files_.Write("empty.jpg", {}), kVerbose).empty());
   EXPECT_TRUE(host_.messages.empty());
 }
 

@@ -1,10 +1,10 @@
 // Reading the sample pictures of tests/data/imageio.
 #pragma once
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
+
+#include "support/temp_files.h"
 
 namespace imageio_test {
 
@@ -13,8 +13,7 @@ inline std::string SamplePath(const std::string& name) {
 }
 
 inline std::vector<std::uint8_t> ReadSample(const std::string& name) {
-  std::ifstream in(SamplePath(name), std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  return ReadFileBytes(SamplePath(name));
 }
 
 }  // namespace imageio_test

@@ -94,7 +94,10 @@ TEST_F(Menus, TrackPopupMenuAsksTheHostAndSendsOrReturnsTheCommand) {
 TEST_F(Menus, MessageBoxesGoToTheHostWithTheModuleCaption) {
   EXPECT_EQ(AfxMessageBox("Out of memory.", MB_ICONEXCLAMATION), IDOK);
   EXPECT_EQ(MessageBoxA(nullptr, "text", nullptr, MB_OK), IDOK);
-  EXPECT_EQ(host_.boxes, (std::vector<std::string>{"Image Edit Control: Out of memory.", "Error: text"}));
+  ASSERT_EQ(host_.messages.size(), 2u);
+  EXPECT_EQ(host_.messages[0].caption + ": " + host_.messages[0].text, "Image Edit Control: Out of memory.");
+  EXPECT_EQ(host_.messages[0].type, static_cast<UINT>(MB_ICONEXCLAMATION));
+  EXPECT_EQ(host_.messages[1].caption + ": " + host_.messages[1].text, "Error: text");
 }
 
 TEST_F(Menus, CursorsLoadFromRegisteredResourcesAndTheWaitCursorNests) {

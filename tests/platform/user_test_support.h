@@ -1,5 +1,5 @@
-// Shared pieces of the window-layer tests: a fake host that records what a person
-// would see, a window that logs its messages, and a fixture owning one host window.
+// Shared pieces of the window-layer tests: a window that logs its messages, and a
+// fixture owning one host window and a recording host.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,34 +8,9 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "support/recording_host.h"
 
 namespace user_test {
-
-class FakeHost : public platform::Host {
- public:
-  void PresentFrame(HWND) override { ++presented; }
-  void ShowCursor(int resourceId) override { cursors.push_back(resourceId); }
-  UINT ShowPopupMenu(HMENU menu, int x, int y) override {
-    shownMenu = menu;
-    menuX = x;
-    menuY = y;
-    return menuAnswer;
-  }
-  int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override {
-    boxes.push_back(caption + ": " + text);
-    boxType = type;
-    return IDOK;
-  }
-
-  int presented = 0;
-  std::vector<int> cursors;
-  HMENU shownMenu = nullptr;
-  int menuX = 0;
-  int menuY = 0;
-  UINT menuAnswer = 0;
-  std::vector<std::string> boxes;
-  UINT boxType = 0;
-};
 
 // Records each message it receives as "name" or "name:args".
 class LoggingWnd : public CWnd {
@@ -93,7 +68,7 @@ class HostFixture : public ::testing::Test {
     return pixels[y * width + x];
   }
 
-  FakeHost host_;
+  RecordingHost host_;
   HWND hostWindow_ = nullptr;
 };
 

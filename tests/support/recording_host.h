@@ -1,0 +1,46 @@
+// The host every test program installs: it records what a person would have seen
+// (message boxes, dialogs, cursors, presented frames, popup menus) and answers a
+// popup menu with `menuAnswer`.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/host.h"
+#include "platform/user.h"
+
+class RecordingHost : public platform::Host {
+ public:
+  struct Message {
+    std::string text;
+    std::string caption;
+    UINT type;
+  };
+  struct Dialog {
+    int id;
+    std::string title;
+  };
+
+  void PresentFrame(HWND) override { ++presented; }
+  void ShowCursor(int resourceId) override { cursors.push_back(resourceId); }
+  UINT ShowPopupMenu(HMENU menu, int x, int y) override {
+    shownMenu = menu;
+    menuX = x;
+    menuY = y;
+    return menuAnswer;
+  }
+  int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override {
+    messages.push_back({text, caption, type});
+    return IDOK;
+  }
+  void ShowDialog(int dialogId, const std::string& title) override { dialogs.push_back({dialogId, title}); }
+
+  std::vector<Message> messages;
+  std::vector<Dialog> dialogs;
+  std::vector<int> cursors;
+  int presented = 0;
+  HMENU shownMenu = nullptr;
+  int menuX = 0;
+  int menuY = 0;
+  UINT menuAnswer = 0;
+};
