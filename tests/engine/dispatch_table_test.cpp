@@ -165,7 +165,9 @@ TEST_F(InvokeErrors, RefusedCallsSayWhatIsWrong) {
       {"SetPen", {Variant::String("5")}, DISP_E_TYPEMISMATCH, "nPenSize"},
       {"SetImage", {Variant::Int(1)}, DISP_E_TYPEMISMATCH, "lpszFilePath"},
       // The third argument is the wrong one; the message says so.
-      {"InsertIcon", {Variant::Int(1), Variant::Int(2), Variant::Bool(true)}, DISP_E_TYPEMISMATCH,
+      {"InsertIcon",
+       {Variant::Int(1), Variant::Int(2), Variant::Bool(true)},
+       DISP_E_TYPEMISMATCH,
        "argument 3 (lpszFilePath)"},
       {"SetPen", {Variant::Null()}, DISP_E_TYPEMISMATCH, "nPenSize"},
       {"SetPen", {Variant()}, DISP_E_TYPEMISMATCH, "nPenSize"},

@@ -22,12 +22,11 @@ std::optional<Dib24> Read(const std::vector<std::uint8_t>& file) {
 }
 
 TEST(BitmapFileReader, TwentyFourBitBottomUpWithRowPadding) {
-  BmpLayout layout;
-  layout.width = 2;
-  layout.height = 2;
   // Bottom row first: blue, green; then the top row: red, white. Two padding bytes.
-  layout.pixels = {0xFF, 0, 0, 0, 0xFF, 0, 0, 0, /**/ 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0};
-  const auto dib = Read(BuildBmp(layout));
+  const auto dib =
+      Read(BuildBmp({.width = 2,
+                     .height = 2,
+                     .pixels = {0xFF, 0, 0, 0, 0xFF, 0, 0, 0, /**/ 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0}}));
   ASSERT_TRUE(dib);
   EXPECT_EQ(dib->stride, 8);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0xFF0000u);
@@ -37,10 +36,8 @@ TEST(BitmapFileReader, TwentyFourBitBottomUpWithRowPadding) {
 }
 
 TEST(BitmapFileReader, NegativeHeightMeansTopDownRows) {
-  BmpLayout layout;
-  layout.height = -2;
-  layout.pixels = {0, 0, 0xFF, 0, /* top: red */ 0xFF, 0, 0, 0 /* bottom: blue */};
-  const auto dib = Read(BuildBmp(layout));
+  const auto dib = Read(
+      BuildBmp({.height = -2, .pixels = {0, 0, 0xFF, 0, /* top: red */ 0xFF, 0, 0, 0 /* bottom: blue */}}));
   ASSERT_TRUE(dib);
   EXPECT_EQ(dib->height, 2);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0xFF0000u);
@@ -48,94 +45,65 @@ TEST(BitmapFileReader, NegativeHeightMeansTopDownRows) {
 }
 
 TEST(BitmapFileReader, PalettedDepthsIndexTheirColourTable) {
-  // 1 bit: 9 pixels in one row cross a byte boundary; 4 bits: high nibble first.
-  BmpLayout one;
-  one.width = 9;
-  one.bitCount = 1;
-  one.palette = {0x102030, 0xA0B0C0};
-  one.pixels = {0b10000001, 0b10000000, 0, 0};
-  auto dib = Read(BuildBmp(one));
+  // 1 bit: 9 pixels in one row cross a byte boundary.
+  auto dib = Read(BuildBmp({.width = 9,
+                            .bitCount = 1,
+                            .palette = {0x102030, 0xA0B0C0},
+                            .pixels = {0b10000001, 0b10000000, 0, 0}}));
   ASSERT_TRUE(dib);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0xA0B0C0u);
   EXPECT_EQ(PixelAt(*dib, 1, 0), 0x102030u);
   EXPECT_EQ(PixelAt(*dib, 7, 0), 0xA0B0C0u);
   EXPECT_EQ(PixelAt(*dib, 8, 0), 0xA0B0C0u);
-
-  BmpLayout four;
-  four.width = 3;
-  four.bitCount = 4;
-  four.colorsUsed = 3;
-  four.palette = {0x000000, 0x111111, 0x222222};
-  four.pixels = {0x21, 0x50, 0, 0};  // index 5 is beyond the 3-entry table: black
-  dib = Read(BuildBmp(four));
+  // 4 bits: high nibble first; index 5 is beyond the 3-entry table: black.
+  dib = Read(BuildBmp({.width = 3,
+                       .bitCount = 4,
+                       .colorsUsed = 3,
+                       .palette = {0x000000, 0x111111, 0x222222},
+                       .pixels = {0x21, 0x50, 0, 0}}));
   ASSERT_TRUE(dib);
   EXPECT_EQ(PixelAt(*dib, 0, 0), 0x222222u);
   EXPECT_EQ(PixelAt(*dib, 1, 0), 0x111111u);
   EXPECT_EQ(PixelAt(*dib, 2, 0), 0x000000u);
-
-  BmpLayout eight;
-  eight.bitCount = 8;
-  eight.colorsUsed = 2;
-  eight.palette = {0x000000, 0x123456};
-  eight.pixels = {1, 0, 0, 0};
-  dib = Read(BuildBmp(eight));
-  ASSERT_TRUE(dib);
-  EXPECT_EQ(PixelAt(*dib, 0, 0), 0x123456u);
 }
 
-TEST(BitmapFileReader, CoreHeaderHasThreeByteColourEntries) {
-  BmpLayout layout;
-  layout.infoSize = 12;
-  layout.bitCount = 8;
-  layout.palette.assign(256, 0);
-  layout.palette[7] = 0xABCDEF;
-  layout.pixels = {7, 0, 0, 0};
-  const auto dib = Read(BuildBmp(layout));
-  ASSERT_TRUE(dib);
-  EXPECT_EQ(PixelAt(*dib, 0, 0), 0xABCDEFu);
-}
-
-TEST(BitmapFileReader, SixteenAndThirtyTwoBitDefaultsAndBitfields) {
-  BmpLayout rgb555;
-  rgb555.bitCount = 16;
-  rgb555.pixels = {0x1F, 0x7C, 0, 0};  // 0x7C1F: red 31, green 0, blue 31
-  auto dib = Read(BuildBmp(rgb555));
-  ASSERT_TRUE(dib);
-  EXPECT_EQ(PixelAt(*dib, 0, 0), 0xFF00FFu);
-
-  BmpLayout rgb565;
-  rgb565.bitCount = 16;
-  rgb565.compression = 3;
-  rgb565.masks = {0xF800, 0x07E0, 0x001F};
-  rgb565.pixels = {0xE0, 0x07, 0, 0};  // green 63 only
-  dib = Read(BuildBmp(rgb565));
-  ASSERT_TRUE(dib);
-  EXPECT_EQ(PixelAt(*dib, 0, 0), 0x00FF00u);
-
-  BmpLayout x888;
-  x888.bitCount = 32;
-  x888.pixels = {0x11, 0x22, 0x33, 0x99};  // the top byte is ignored
-  dib = Read(BuildBmp(x888));
-  ASSERT_TRUE(dib);
-  EXPECT_EQ(PixelAt(*dib, 0, 0), 0x332211u);
-
-  // Masks inside a 108-byte header, in an unusual channel order.
-  BmpLayout v4;
-  v4.infoSize = 108;
-  v4.bitCount = 32;
-  v4.compression = 3;
-  v4.masks = {0x000000FF, 0x0000FF00, 0x00FF0000};
-  v4.pixels = {0x11, 0x22, 0x33, 0x00};
-  dib = Read(BuildBmp(v4));
-  ASSERT_TRUE(dib);
-  EXPECT_EQ(PixelAt(*dib, 0, 0), 0x112233u);
+TEST(BitmapFileReader, EachDepthAndHeaderKindGivesItsColour) {
+  std::vector<std::uint32_t> fullTable(256, 0);
+  fullTable[7] = 0xABCDEF;
+  struct Case {
+    const char* what;
+    BmpLayout layout;
+    std::uint32_t color;
+  };
+  const Case cases[] = {
+      {"8 bits, 2-entry table",
+       {.bitCount = 8, .colorsUsed = 2, .palette = {0, 0x123456}, .pixels = {1, 0, 0, 0}},
+       0x123456},
+      {"core header, 3-byte entries",
+       {.infoSize = 12, .bitCount = 8, .palette = fullTable, .pixels = {7, 0, 0, 0}},
+       0xABCDEF},
+      {"16 bits default 5-5-5", {.bitCount = 16, .pixels = {0x1F, 0x7C, 0, 0}}, 0xFF00FF},
+      {"16 bits 5-6-5 bitfields",
+       {.bitCount = 16, .compression = 3, .masks = {0xF800, 0x07E0, 0x001F}, .pixels = {0xE0, 0x07, 0, 0}},
+       0x00FF00},
+      {"32 bits, top byte ignored", {.bitCount = 32, .pixels = {0x11, 0x22, 0x33, 0x99}}, 0x332211},
+      {"masks inside a 108-byte header, unusual order",
+       {.infoSize = 108,
+        .bitCount = 32,
+        .compression = 3,
+        .masks = {0xFF, 0xFF00, 0xFF0000},
+        .pixels = {0x11, 0x22, 0x33, 0}},
+       0x112233},
+  };
+  for (const Case& c : cases) {
+    const auto dib = Read(BuildBmp(c.layout));
+    ASSERT_TRUE(dib) << c.what;
+    EXPECT_EQ(PixelAt(*dib, 0, 0), c.color) << c.what;
+  }
 }
 
 TEST(BitmapFileReader, MalformedFilesGiveNothing) {
-  BmpLayout good;
-  good.width = 2;
-  good.height = 2;
-  good.pixels.assign(16, 0x80);
+  const BmpLayout good{.width = 2, .height = 2, .pixels = std::vector<std::uint8_t>(16, 0x80)};
   const std::vector<std::uint8_t> file = BuildBmp(good);
   ASSERT_TRUE(Read(file));
 
@@ -168,13 +136,11 @@ TEST(BitmapFileReader, MalformedFilesGiveNothing) {
 }
 
 TEST(BitmapFileReader, HugeAnnouncedSizesAreRefusedBeforeAllocating) {
-  BmpLayout layout;
-  layout.width = 1 << 20;
-  layout.height = 1 << 20;
-  layout.bitCount = 1;
-  layout.palette = {0, 0xFFFFFF};
-  layout.pixels.assign(64, 0);
-  EXPECT_FALSE(Read(BuildBmp(layout)));
+  EXPECT_FALSE(Read(BuildBmp({.width = 1 << 20,
+                              .height = 1 << 20,
+                              .bitCount = 1,
+                              .palette = {0, 0xFFFFFF},
+                              .pixels = std::vector<std::uint8_t>(64, 0)})));
 }
 
 TEST(BitmapFileReader, StrideOfTheTwentyFourBitBuffer) {

@@ -1,13 +1,14 @@
 #include "imageio/image_loader.h"
 
 #include <gtest/gtest.h>
+
 #include "bmp_builder.h"
 #include "imageio/url_download.h"
 #include "local_http_server.h"
 #include "platform/platform.h"
+#include "sample_files.h"
 #include "support/recording_host.h"
 #include "support/temp_files.h"
-#include "sample_files.h"
 
 namespace {
 
@@ -56,14 +57,13 @@ const LoadContext kQuiet{nullptr, false, 0x09};
 const LoadContext kVerbose{nullptr, true, 0x09};
 
 TEST_F(ImageLoaderTest, BitmapFileFromAPathBecomesADeviceBitmap) {
-  imageio_test::BmpLayout layout;
-  layout.width = 2;
-  layout.height = 2;
-  layout.bitCount = 8;
-  layout.colorsUsed = 4;
-  layout.palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF};
-  layout.pixels = {3, 0, 0, 0, /* top */ 1, 2, 0, 0};
-  const std::string path = files_.Write("pal.bmp", imageio_test::BuildBmp(layout));
+  const std::string path =
+      files_.Write("pal.bmp", imageio_test::BuildBmp({.width = 2,
+                                                      .height = 2,
+                                                      .bitCount = 8,
+                                                      .colorsUsed = 4,
+                                                      .palette = {0, 0xFF0000, 0x00FF00, 0xFF},
+                                                      .pixels = {3, 0, 0, 0, /* top */ 1, 2, 0, 0}}));
   HBITMAP bitmap = LoadImage(path.c_str(), kQuiet);
   ASSERT_NE(bitmap, nullptr);
   BITMAP description{};
