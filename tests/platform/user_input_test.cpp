@@ -141,15 +141,7 @@ TEST_F(Routing, WithoutFocusKeysAndCharactersGoToTheHostsFirstChild) {
 class CursorClassWnd : public CWnd {
  public:
   BOOL PreCreateWindow(CREATESTRUCTA& cs) override {
-    WNDCLASSA existing{};
-    if (!GetClassInfoA(AfxGetInstanceHandle(), "WaitCursorClass", &existing)) {
-      WNDCLASSA windowClass{};
-      windowClass.lpfnWndProc = DefWindowProcA;
-      windowClass.hCursor = LoadCursorA(nullptr, IDC_WAIT);
-      windowClass.lpszClassName = "WaitCursorClass";
-      RegisterClassA(&windowClass);
-    }
-    cs.lpszClass = "WaitCursorClass";
+    user_test::UseWindowClass(cs, "WaitCursorClass", LoadCursorA(nullptr, IDC_WAIT), nullptr);
     return TRUE;
   }
 };

@@ -33,15 +33,8 @@ class SolidWnd : public CWnd {
 class BlackClassWnd : public CWnd {
  public:
   BOOL PreCreateWindow(CREATESTRUCTA& cs) override {
-    WNDCLASSA existing{};
-    if (!GetClassInfoA(AfxGetInstanceHandle(), "BlackBackground", &existing)) {
-      WNDCLASSA windowClass{};
-      windowClass.lpfnWndProc = DefWindowProcA;
-      windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
-      windowClass.lpszClassName = "BlackBackground";
-      RegisterClassA(&windowClass);
-    }
-    cs.lpszClass = "BlackBackground";
+    user_test::UseWindowClass(cs, "BlackBackground", nullptr,
+                              static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
     return TRUE;
   }
 };

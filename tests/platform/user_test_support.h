@@ -12,6 +12,20 @@
 
 namespace user_test {
 
+// Makes `cs` create a window of the class `name`, registering the class on first use.
+inline void UseWindowClass(CREATESTRUCTA& cs, const char* name, HCURSOR cursor, HBRUSH background) {
+  WNDCLASSA existing{};
+  if (!GetClassInfoA(AfxGetInstanceHandle(), name, &existing)) {
+    WNDCLASSA windowClass{};
+    windowClass.lpfnWndProc = DefWindowProcA;
+    windowClass.hCursor = cursor;
+    windowClass.hbrBackground = background;
+    windowClass.lpszClassName = name;
+    EXPECT_TRUE(AfxRegisterClass(&windowClass));
+  }
+  cs.lpszClass = name;
+}
+
 // Records each message it receives as "name" or "name:args".
 class LoggingWnd : public CWnd {
  public:

@@ -16,15 +16,7 @@ class ClassChoosingWnd : public LoggingWnd {
   using LoggingWnd::LoggingWnd;
   BOOL PreCreateWindow(CREATESTRUCTA& cs) override {
     Record("precreate");
-    WNDCLASSA existing{};
-    if (!GetClassInfoA(AfxGetInstanceHandle(), "TestClass", &existing)) {
-      WNDCLASSA windowClass{};
-      windowClass.lpfnWndProc = DefWindowProcA;
-      windowClass.hCursor = LoadCursorA(nullptr, IDC_WAIT);
-      windowClass.lpszClassName = "TestClass";
-      EXPECT_TRUE(AfxRegisterClass(&windowClass));
-    }
-    cs.lpszClass = "TestClass";
+    user_test::UseWindowClass(cs, "TestClass", LoadCursorA(nullptr, IDC_WAIT), nullptr);
     return CWnd::PreCreateWindow(cs);
   }
 };
