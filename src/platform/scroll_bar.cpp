@@ -42,7 +42,9 @@ long long Travel(const window::ScrollBarState& state) {
   return RangeOf(state) - std::max<long long>(PageOf(state), 1);
 }
 
-int Length(const RECT& r, bool vertical) { return std::max(vertical ? r.bottom - r.top : r.right - r.left, 0); }
+int Length(const RECT& r, bool vertical) {
+  return std::max(vertical ? r.bottom - r.top : r.right - r.left, 0);
+}
 int Start(const RECT& r, bool vertical) { return vertical ? r.top : r.left; }
 
 // The piece of the bar from `from` to `to` pixels along its axis.
@@ -56,7 +58,9 @@ int ThumbLength(int track, const window::ScrollBarState& state) {
   return std::max(static_cast<int>(Scale(track, PageOf(state), RangeOf(state))), kMinimumThumb);
 }
 
-bool Contains(const RECT& r, POINT p) { return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom; }
+bool Contains(const RECT& r, POINT p) {
+  return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom;
+}
 
 void Fill(HDC dc, const RECT& r, COLORREF color) {
   if (window::IsEmpty(r)) return;

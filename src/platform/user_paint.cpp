@@ -48,7 +48,8 @@ void PaintTree(HWND hwnd) {
   if (window == nullptr || !platform::window::IsShownOnHost(*window)) return;
   // Scroll bars lie outside the client area: they are drawn whenever the window is
   // painted and whenever its parent painted over them.
-  if (!platform::window::IsEmpty(window->update) || window->barsPending) platform::user::RedrawScrollBars(hwnd);
+  if (!platform::window::IsEmpty(window->update) || window->barsPending)
+    platform::user::RedrawScrollBars(hwnd);
   if (!platform::window::IsEmpty(window->update)) PaintOne(hwnd);
   window = Find(hwnd);
   if (window == nullptr) return;

@@ -48,7 +48,8 @@ HDC WholeWindowDC(const platform::window::Window& window) {
   if (host == nullptr || host->frame == nullptr || !platform::window::IsShownOnHost(window)) return nullptr;
   POINT origin = platform::window::ClientOrigin(window);
   RECT whole = platform::window::Offset(
-      RECT{0, 0, window.rect.right - window.rect.left, window.rect.bottom - window.rect.top}, origin.x, origin.y);
+      RECT{0, 0, window.rect.right - window.rect.left, window.rect.bottom - window.rect.top}, origin.x,
+      origin.y);
   if (platform::window::Window* parent = platform::window::Find(window.parent)) {
     whole = platform::window::Intersect(whole, platform::window::VisibleClientOnHost(*parent));
   }

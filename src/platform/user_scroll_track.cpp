@@ -41,11 +41,13 @@ Gesture& Current() {
 
 bool IsVertical(int bar) { return bar == SB_VERT; }
 
-ScrollBarState& StateOf(Window& window, int bar) { return IsVertical(bar) ? window.vertical : window.horizontal; }
+ScrollBarState& StateOf(Window& window, int bar) {
+  return IsVertical(bar) ? window.vertical : window.horizontal;
+}
 
 Parts PartsAt(Window& window, int bar, int pos) {
-  return platform::scroll::Layout(platform::scroll::BarRect(window, bar), IsVertical(bar), StateOf(window, bar),
-                                  pos);
+  return platform::scroll::Layout(platform::scroll::BarRect(window, bar), IsVertical(bar),
+                                  StateOf(window, bar), pos);
 }
 
 int Along(POINT point, int bar) { return IsVertical(bar) ? point.y : point.x; }

@@ -102,7 +102,9 @@ void SetInternalTimer(HWND hwnd, UINT_PTR id, UINT milliseconds, InternalTimerPr
   if (proc != nullptr) AddTimer(hwnd, id, milliseconds, proc);
 }
 
-void KillInternalTimer(HWND hwnd, UINT_PTR id) { std::erase_if(TheClock().timers, SameTimer(hwnd, id, true)); }
+void KillInternalTimer(HWND hwnd, UINT_PTR id) {
+  std::erase_if(TheClock().timers, SameTimer(hwnd, id, true));
+}
 
 void KillWindowTimers(HWND hwnd) {
   std::erase_if(TheClock().timers, [hwnd](const Timer& t) { return t.hwnd == hwnd; });

@@ -27,7 +27,8 @@ class ScrollRecorder : public CWnd {
     int current = GetScrollPos(m_hWnd, bar);
     int steps[] = {-1, 1, -10, 10};
     if (code <= SB_PAGEDOWN) SetScrollPos(m_hWnd, bar, current + steps[code], TRUE);
-    if (code == SB_THUMBPOSITION || code == SB_THUMBTRACK) SetScrollPos(m_hWnd, bar, static_cast<int>(pos), TRUE);
+    if (code == SB_THUMBPOSITION || code == SB_THUMBTRACK)
+      SetScrollPos(m_hWnd, bar, static_cast<int>(pos), TRUE);
   }
 };
 
@@ -96,8 +97,8 @@ TEST_F(ScrollBarInput, DraggingTheThumbTracksAndEndsWithThePosition) {
   SCROLLINFO info{sizeof(SCROLLINFO), SIF_TRACKPOS};
   GetScrollInfo(wnd_.m_hWnd, SB_HORZ, &info);
   EXPECT_EQ(info.nTrackPos, 45);
-  Move(49, 40);    // across the bar the position stays: no message
-  Move(500, 70);   // past the end: the last position a page allows
+  Move(49, 40);   // across the bar the position stays: no message
+  Move(500, 70);  // past the end: the last position a page allows
   Release(500, 70);
   EXPECT_EQ(wnd_.log, (Log{"h 5 45", "h 5 90", "h 4 90", "h 8 0"}));
   EXPECT_EQ(Pos(), 90);

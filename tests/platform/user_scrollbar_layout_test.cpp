@@ -86,7 +86,8 @@ TEST(ScrollBarLayout, TheWholeIntRangeStaysInsideTheTrack) {
   ExpectRect(Layout(kHorizontal, false, state, INT_MIN).thumb, RECT{17, 0, 34, 17});
   state.page = 0x80000000u;  // half the range
   ExpectRect(Layout(kHorizontal, false, state, INT_MAX).thumb, RECT{50, 0, 83, 17});
-  EXPECT_EQ(PositionAt(Layout(kHorizontal, false, state, 0), false, state, 33), 0);  // INT_MIN + half the range
+  // INT_MIN + half the range.
+  EXPECT_EQ(PositionAt(Layout(kHorizontal, false, state, 0), false, state, 33), 0);
 }
 
 TEST(ScrollBarLayout, PartsUnderPoints) {
