@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -108,21 +109,18 @@ TEST(CliQuoteTest, QuotedTextReadsBackUnchanged) {
 }
 
 TEST(CliNamesTest, KeysAndScrollCodes) {
-  EXPECT_EQ(VirtualKeyByName("Escape"), 0x1B);
-  EXPECT_EQ(VirtualKeyByName("escape"), 0x1B);
-  EXPECT_EQ(VirtualKeyByName("Tab"), 0x09);
-  EXPECT_EQ(VirtualKeyByName("DELETE"), 0x2E);
-  EXPECT_EQ(VirtualKeyByName("Left"), 0x25);
-  EXPECT_EQ(VirtualKeyByName("PageDown"), 0x22);
-  EXPECT_EQ(VirtualKeyByName("z"), 'Z');
-  EXPECT_EQ(VirtualKeyByName("F13"), std::nullopt);
-  EXPECT_EQ(VirtualKeyByName(""), std::nullopt);
-
-  EXPECT_EQ(ScrollCodeByName("SB_LINEDOWN"), 1u);
-  EXPECT_EQ(ScrollCodeByName("sb_lineright"), 1u);
-  EXPECT_EQ(ScrollCodeByName("SB_THUMBTRACK"), 5u);
-  EXPECT_EQ(ScrollCodeByName("SB_RIGHT"), 7u);
-  EXPECT_EQ(ScrollCodeByName("SB_ENDSCROLL"), 8u);
+  using Key = std::pair<const char*, std::optional<int>>;
+  for (const auto& [name, key] :
+       {Key{"Escape", 0x1B}, Key{"escape", 0x1B}, Key{"Tab", 0x09}, Key{"DELETE", 0x2E}, Key{"Left", 0x25},
+        Key{"PageDown", 0x22}, Key{"z", 'Z'}, Key{"F13", std::nullopt}, Key{"", std::nullopt}}) {
+    EXPECT_EQ(VirtualKeyByName(name), key) << name;
+  }
+  using Code = std::pair<const char*, std::optional<UINT>>;
+  for (const auto& [name, code] :
+       {Code{"SB_LINEDOWN", 1u}, Code{"sb_lineright", 1u}, Code{"SB_THUMBTRACK", 5u}, Code{"SB_RIGHT", 7u},
+        Code{"SB_ENDSCROLL", 8u}, Code{"LINEDOWN", std::nullopt}}) {
+    EXPECT_EQ(ScrollCodeByName(name), code) << name;
+  }
   EXPECT_EQ(ScrollCodeByName("LINEDOWN"), std::nullopt);
 }
 

@@ -80,36 +80,20 @@ const PublishedMethod kPublished[] = {
     {-552, "AboutBox", "", "none"},
 };
 
+const char* TypeName(ParamType type) {
+  return type == ParamType::Int ? "INT" : type == ParamType::Bool ? "BOOL" : "BSTR";
+}
+
 std::string DescribeParams(const MethodInfo& method) {
   std::string text;
   for (const ParamInfo& param : method.params) {
-    if (!text.empty()) text += ", ";
-    switch (param.type) {
-      case ParamType::Int:
-        text += "INT ";
-        break;
-      case ParamType::Bool:
-        text += "BOOL ";
-        break;
-      case ParamType::String:
-        text += "BSTR ";
-        break;
-    }
-    text += param.name;
+    text += (text.empty() ? "" : ", ") + std::string(TypeName(param.type)) + " " + param.name;
   }
   return text;
 }
 
 std::string DescribeResult(ResultType result) {
-  switch (result) {
-    case ResultType::None:
-      return "none";
-    case ResultType::String:
-      return "BSTR";
-    case ResultType::Bool:
-      return "BOOL";
-  }
-  return "?";
+  return result == ResultType::None ? "none" : result == ResultType::String ? "BSTR" : "BOOL";
 }
 
 TEST(DispatchTable, MatchesThePublishedInterfaceInOrder) {
