@@ -71,19 +71,22 @@ TEST_F(SurfaceOpsTest, OutOfMemoryIsReportedOnlyWhileVerboseInTheUserLanguage) {
     LANGID language;
     const char* text;
   };
-  for (const Case& c : {Case{0x0412, "메모리가 부족합니다."}, Case{0x0804, "内存不足."}, Case{0x0409, "Out of Memory."}}) {
+  for (const Case& c :
+       {Case{0x0412, "메모리가 부족합니다."}, Case{0x0804, "内存不足."}, Case{0x0409, "Out of Memory."}}) {
     platform::SetUserDefaultLangID(c.language);
     LiveEditor live(8, 4);
     SetPixelBufferLimit(16);
     int w = 0, h = 0, s = 0;
-    EXPECT_EQ(live->ReadSurfacePixels(live->m_composition.dc, live->m_composition.bitmap, &w, &h, &s), nullptr);
+    EXPECT_EQ(live->ReadSurfacePixels(live->m_composition.dc, live->m_composition.bitmap, &w, &h, &s),
+              nullptr);
     EXPECT_TRUE(host_.messages.empty());
     // The sizes are known before the allocation fails.
     EXPECT_EQ(w, 8);
     EXPECT_EQ(s, 24);
 
     live->EnableVerbose(1);
-    EXPECT_EQ(live->ReadSurfacePixels(live->m_composition.dc, live->m_composition.bitmap, &w, &h, &s), nullptr);
+    EXPECT_EQ(live->ReadSurfacePixels(live->m_composition.dc, live->m_composition.bitmap, &w, &h, &s),
+              nullptr);
     ASSERT_EQ(host_.messages.size(), 1u);
     EXPECT_EQ(host_.messages[0].text, c.text);
     EXPECT_EQ(host_.messages[0].caption, "Image Edit Control");
@@ -120,7 +123,8 @@ TEST_F(SurfaceOpsTest, DrawingLayerCreationResetsTheBrushKeyEvenWhenItFails) {
 TEST_F(SurfaceOpsTest, SurfaceCreationReplacesAndFills) {
   LiveEditor live(10, 10);
   const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
-  FillRect(live->m_composition.dc, &live->m_composition.rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+  FillRect(live->m_composition.dc, &live->m_composition.rect,
+           static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   live->CreateCompositionBuffer(3, 2);
   live->CreateDrawingLayer(2, 2);
   live->CreateImageSurface(1, 1);
@@ -144,11 +148,11 @@ TEST_P(TransparentBlitTest, LeavesOutExactlyTheKeyPixels) {
   const std::vector<COLORREF> sourceColors{kKey, kRed, kGreen, kKey, 0x0B4312, kBlue};
   HBITMAP source = MakeBitmap(target, 3, 2, sourceColors);
   live->TransparentBlit(target, source, 1, 1, 3, 2, kKey);
-  EXPECT_EQ(SurfaceColors(target, 4, 4), (std::vector<COLORREF>{
-                                             kWhite, kWhite, kWhite, kWhite,    //
-                                             kWhite, kWhite, kRed, kGreen,      //
-                                             kWhite, kWhite, 0x0B4312, kBlue,  // one bit off the key is paint
-                                             kWhite, kWhite, kWhite, kWhite}));
+  EXPECT_EQ(SurfaceColors(target, 4, 4),
+            (std::vector<COLORREF>{kWhite, kWhite, kWhite, kWhite,   //
+                                   kWhite, kWhite, kRed, kGreen,     //
+                                   kWhite, kWhite, 0x0B4312, kBlue,  // one bit off the key is paint
+                                   kWhite, kWhite, kWhite, kWhite}));
   EXPECT_EQ(BitmapColors(source), sourceColors) << "the source must not change";
 
   // A key that occurs nowhere is a plain copy; a source all of the key changes nothing.
@@ -190,7 +194,8 @@ INSTANTIATE_TEST_SUITE_P(BothBranches, TransparentBlitTest, ::testing::Values(tr
 TEST_F(SurfaceOpsTest, CompositingPutsStrokesOverTheTargetAndReselectsTheLayer) {
   LiveEditor live(3, 1);
   SetPixel(live->m_drawingLayer.dc, 1, 0, kBlue);
-  FillRect(live->m_composition.dc, &live->m_composition.rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+  FillRect(live->m_composition.dc, &live->m_composition.rect,
+           static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   live->CompositeDrawingLayer(live->m_composition.dc);
   EXPECT_EQ(SurfaceColors(live->m_composition.dc, 3, 1), (std::vector<COLORREF>{0, kBlue, 0}));
   // The layer is selected into its DC again: drawing on it still works.

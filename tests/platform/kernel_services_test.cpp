@@ -16,15 +16,9 @@ TEST(KernelServices, RandFollowsTheClassicGenerator) {
   EXPECT_EQ(platform::Rand(), 41);
 }
 
-TEST(KernelServices, LanguageAndKeyboardAreHostSettings) {
+TEST(KernelServices, LanguageAndKeyboardDefaultToUsEnglish) {
   EXPECT_EQ(GetUserDefaultLangID(), 0x0409);
   EXPECT_EQ(GetKeyboardLayout(0), 0x04090409u);
-  platform::SetUserDefaultLangID(0x0412);
-  platform::SetKeyboardLayout(0x04120412);
-  EXPECT_EQ(GetUserDefaultLangID() & 0x3FF, 0x12);
-  EXPECT_EQ(GetKeyboardLayout(0), 0x04120412u);
-  platform::SetUserDefaultLangID(0x0409);
-  platform::SetKeyboardLayout(0x04090409);
 }
 
 TEST(KernelServices, TheImageLibraryOffersTransparentBltUntilMadeUnavailable) {
