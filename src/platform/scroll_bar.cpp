@@ -77,6 +77,12 @@ void DrawRaisedButton(HDC dc, const RECT& r) {
   Fill(dc, RECT{r.left + 2, r.top + 2, r.right - 2, r.bottom - 2}, kFace);
 }
 
+// A held arrow sinks: a grey frame round a flat face.
+void DrawPressedButton(HDC dc, const RECT& r) {
+  Fill(dc, r, kShadow);
+  Fill(dc, RECT{r.left + 1, r.top + 1, r.right - 1, r.bottom - 1}, kFace);
+}
+
 // A solid triangle centred on the button, its tip towards `direction`: four rows of
 // 1, 3, 5 and 7 pixels on a full-size button, fewer on a squeezed one.
 void DrawArrowGlyph(HDC dc, const RECT& button, Direction direction) {
@@ -94,6 +100,17 @@ void DrawArrowGlyph(HDC dc, const RECT& button, Direction direction) {
     RECT row = vertical ? RECT{centreX - half, along, centreX + half + 1, along + 1}
                         : RECT{along, centreY - half, along + 1, centreY + half + 1};
     Fill(dc, row, kGlyph);
+  }
+}
+
+// The glyph of a held arrow moves one pixel down and right with the sunk face.
+void DrawArrowButton(HDC dc, const RECT& button, Direction direction, bool pressed) {
+  if (pressed) {
+    DrawPressedButton(dc, button);
+    DrawArrowGlyph(dc, window::Offset(button, 1, 1), direction);
+  } else {
+    DrawRaisedButton(dc, button);
+    DrawArrowGlyph(dc, button, direction);
   }
 }
 
@@ -147,12 +164,12 @@ RECT CornerRect(const window::Window& window) {
               client.bottom + SCROLLBAR_THICKNESS};
 }
 
-void Draw(HDC dc, const RECT& bar, bool vertical, const Parts& parts) {
+void Draw(HDC dc, const RECT& bar, bool vertical, const Parts& parts, Part pressed) {
   Fill(dc, bar, kTrack);
-  DrawRaisedButton(dc, parts.backArrow);
-  DrawArrowGlyph(dc, parts.backArrow, vertical ? Direction::Up : Direction::Left);
-  DrawRaisedButton(dc, parts.forwardArrow);
-  DrawArrowGlyph(dc, parts.forwardArrow, vertical ? Direction::Down : Direction::Right);
+  DrawArrowButton(dc, parts.backArrow, vertical ? Direction::Up : Direction::Left,
+                  pressed == Part::BackArrow);
+  DrawArrowButton(dc, parts.forwardArrow, vertical ? Direction::Down : Direction::Right,
+                  pressed == Part::ForwardArrow);
   if (!window::IsEmpty(parts.thumb)) DrawRaisedButton(dc, parts.thumb);
 }
 

@@ -37,8 +37,9 @@ int PositionAt(const Parts& parts, bool vertical, const window::ScrollBarState& 
 RECT BarRect(const window::Window& window, int bar);
 RECT CornerRect(const window::Window& window);
 
-// Draws a bar laid out as `parts` into `bar` of `dc`.
-void Draw(HDC dc, const RECT& bar, bool vertical, const Parts& parts);
+// Draws a bar laid out as `parts` into `bar` of `dc`; `pressed` names an arrow held
+// down (or Part::None), drawn sunk in.
+void Draw(HDC dc, const RECT& bar, bool vertical, const Parts& parts, Part pressed);
 void DrawCorner(HDC dc, const RECT& corner);
 
 }  // namespace platform::scroll

@@ -63,7 +63,10 @@ void DrawBar(HDC dc, const platform::window::Window& window, int bar) {
   bool vertical = bar == SB_VERT;
   RECT rect = platform::scroll::BarRect(window, bar);
   int pos = state.tracking ? state.trackPos : state.pos;
-  platform::scroll::Draw(dc, rect, vertical, platform::scroll::Layout(rect, vertical, state, pos));
+  platform::scroll::Part pressed = state.pressedArrow < 0   ? platform::scroll::Part::BackArrow
+                                   : state.pressedArrow > 0 ? platform::scroll::Part::ForwardArrow
+                                                            : platform::scroll::Part::None;
+  platform::scroll::Draw(dc, rect, vertical, platform::scroll::Layout(rect, vertical, state, pos), pressed);
 }
 
 }  // namespace

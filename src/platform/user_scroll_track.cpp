@@ -97,12 +97,27 @@ void TrackThumb(Gesture& gesture, Window& window) {
   Send(gesture, SB_THUMBTRACK, pos);
 }
 
+// A held arrow looks pressed while the cursor is on it.
+void ShowHeldArrow(const Gesture& gesture, Window& window, bool held) {
+  ScrollBarState& state = StateOf(window, gesture.bar);
+  int arrow = 0;
+  Parts parts = PartsAt(window, gesture.bar, state.pos);
+  if (held && platform::scroll::PartAt(parts, IsVertical(gesture.bar), gesture.cursor) == gesture.part) {
+    if (gesture.part == Part::BackArrow) arrow = -1;
+    if (gesture.part == Part::ForwardArrow) arrow = 1;
+  }
+  if (state.pressedArrow == arrow) return;
+  state.pressedArrow = arrow;
+  platform::user::RedrawScrollBars(gesture.owner);
+}
+
 // The gesture ends before its last messages go out, so their handlers see no gesture;
 // the thumb goes back to the position until the handler sets the final one.
 void Release() {
   Gesture gesture = Current();
   Current() = Gesture{};
   platform::user::KillInternalTimer(gesture.owner, kRepeatTimer);
+  if (Window* window = Find(gesture.owner)) ShowHeldArrow(gesture, *window, false);
   if (gesture.part == Part::Thumb) {
     if (Window* window = Find(gesture.owner)) StateOf(*window, gesture.bar).tracking = false;
     platform::user::RedrawScrollBars(gesture.owner);
@@ -133,6 +148,7 @@ void PressScrollBar(HWND hwnd, int bar, POINT point) {
     state.tracking = true;
     return;
   }
+  ShowHeldArrow(gesture, *window, true);
   SetInternalTimer(hwnd, kRepeatTimer, kFirstRepeatDelay, Repeat);
   Send(gesture, StepCode(part), 0);
 }
@@ -149,6 +165,7 @@ bool ScrollBarMouse(UINT message, POINT point) {
   ScreenToClient(gesture.owner, &point);
   gesture.cursor = point;
   if (message == WM_MOUSEMOVE && gesture.part == Part::Thumb) TrackThumb(gesture, *window);
+  if (message == WM_MOUSEMOVE) ShowHeldArrow(gesture, *window, true);
   if (message == WM_LBUTTONUP) Release();
   return true;
 }

@@ -11,7 +11,8 @@
 namespace platform::window {
 
 // One standard scroll bar of a window: its range, page and position; while its thumb
-// is dragged, the tracked position, at which the thumb is drawn.
+// is dragged, the tracked position, at which the thumb is drawn; while an arrow is
+// held down under the cursor, which one (-1 back, 1 forward, 0 none), drawn pressed.
 struct ScrollBarState {
   int min = 0;
   int max = 0;
@@ -19,6 +20,7 @@ struct ScrollBarState {
   int pos = 0;
   int trackPos = 0;
   bool tracking = false;
+  int pressedArrow = 0;
 };
 
 struct WindowClass {
