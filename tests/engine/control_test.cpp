@@ -14,11 +14,9 @@ namespace {
 
 class ControlTest : public ::testing::Test {
  protected:
-  void SetUp() override { platform::SetHost(&host_); }
   void TearDown() override {
     control_.reset();
     if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
-    platform::SetHost(nullptr);
   }
   // Activates the control the way a host does: its window, then the editor window.
   void Activate(int width = 160, int height = 120) {
@@ -30,7 +28,7 @@ class ControlTest : public ::testing::Test {
   }
   CImageEditWnd& editor() { return control_->m_editor; }
 
-  RecordingHost host_;
+  InstalledRecordingHost host_;
   HWND hostWindow_ = nullptr;
   std::unique_ptr<CImageEditCtrl> control_ = std::make_unique<CImageEditCtrl>();
 };

@@ -16,13 +16,11 @@
 // process-wide settings afterwards.
 class HostedTest : public ::testing::Test {
  protected:
-  void SetUp() override { platform::SetHost(&host_); }
   void TearDown() override {
-    platform::SetHost(nullptr);
     platform::SetUserDefaultLangID(0x0409);
     platform::SetModuleAvailable("MSIMG32.DLL", true);
   }
-  RecordingHost host_;
+  InstalledRecordingHost host_;
 };
 
 // An editor whose window exists and has had its first sizing, as after the control

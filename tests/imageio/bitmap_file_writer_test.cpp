@@ -38,9 +38,7 @@ std::uint32_t Field16(const std::vector<std::uint8_t>& file, std::size_t at) {
 
 class BitmapFileWriterTest : public ::testing::Test {
  protected:
-  void SetUp() override { platform::SetHost(&host_); }
-  void TearDown() override { platform::SetHost(nullptr); }
-  RecordingHost host_;
+  InstalledRecordingHost host_;
   TempFiles files_{"imageio_writer_"};
 };
 

@@ -29,13 +29,9 @@ std::vector<std::uint32_t> Pixels(HBITMAP bitmap, int* width = nullptr, int* hei
 
 class ImageLoaderTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    platform::SetHost(&host_);
-    baseline_ = platform::LiveGdiObjects().bitmaps;
-  }
+  void SetUp() override { baseline_ = platform::LiveGdiObjects().bitmaps; }
   void TearDown() override {
     imageio::SetDownloadLimits({});
-    platform::SetHost(nullptr);
     EXPECT_EQ(platform::LiveGdiObjects().bitmaps, baseline_) << "a bitmap leaked";
   }
 
@@ -48,7 +44,7 @@ class ImageLoaderTest : public ::testing::Test {
     return pixels;
   }
 
-  RecordingHost host_;
+  InstalledRecordingHost host_;
   TempFiles files_{"imageio_test_"};
   int baseline_ = 0;
 };

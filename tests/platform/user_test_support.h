@@ -60,7 +60,6 @@ class HostFixture : public ::testing::Test {
   static constexpr int kHeight = 80;
 
   void SetUp() override {
-    platform::SetHost(&host_);
     hostWindow_ = platform::CreateHostWindow(kWidth, kHeight);
     ASSERT_NE(hostWindow_, nullptr);
   }
@@ -69,7 +68,6 @@ class HostFixture : public ::testing::Test {
     ReleaseCapture();
     ClipCursor(nullptr);
     for (int key : {VK_LBUTTON, VK_RBUTTON, VK_SHIFT, VK_CONTROL}) platform::SetKeyDown(key, false);
-    platform::SetHost(nullptr);
   }
 
   // The host frame's pixel at (x, y), 0x00RRGGBB.
@@ -82,7 +80,7 @@ class HostFixture : public ::testing::Test {
     return pixels[y * width + x];
   }
 
-  RecordingHost host_;
+  InstalledRecordingHost host_;
   HWND hostWindow_ = nullptr;
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/host.h"
+#include "platform/platform.h"
 #include "platform/user.h"
 
 class RecordingHost : public platform::Host {
@@ -43,4 +44,13 @@ class RecordingHost : public platform::Host {
   int menuX = 0;
   int menuY = 0;
   UINT menuAnswer = 0;
+};
+
+// A recording host that is the platform's host for as long as it lives.
+class InstalledRecordingHost : public RecordingHost {
+ public:
+  InstalledRecordingHost() { platform::SetHost(this); }
+  ~InstalledRecordingHost() override { platform::SetHost(nullptr); }
+  InstalledRecordingHost(const InstalledRecordingHost&) = delete;
+  InstalledRecordingHost& operator=(const InstalledRecordingHost&) = delete;
 };
