@@ -56,20 +56,14 @@ inline HBITMAP MakeBitmap(HDC compatible, int width, int height, const std::vect
   return bitmap;
 }
 
-// Every pixel of a bitmap, row by row, top row first.
+// Every pixel of a colour bitmap, row by row, top row first.
 inline std::vector<COLORREF> BitmapColors(HBITMAP bitmap) {
-  BITMAP info{};
-  GetObjectA(bitmap, sizeof info, &info);
-  HDC screen = GetDC(nullptr);
-  HDC dc = CreateCompatibleDC(screen);
-  HGDIOBJ previous = SelectObject(dc, bitmap);
+  int width = 0, height = 0;
+  const std::uint32_t* pixels = platform::BitmapPixels(bitmap, &width, &height);
   std::vector<COLORREF> colors;
-  for (int y = 0; y < info.bmHeight; ++y) {
-    for (int x = 0; x < info.bmWidth; ++x) colors.push_back(GetPixel(dc, x, y));
+  for (int i = 0; pixels != nullptr && i < width * height; ++i) {
+    colors.push_back(RGB(pixels[i] >> 16 & 0xFF, pixels[i] >> 8 & 0xFF, pixels[i] & 0xFF));
   }
-  SelectObject(dc, previous);
-  DeleteDC(dc);
-  ReleaseDC(nullptr, screen);
   return colors;
 }
 
