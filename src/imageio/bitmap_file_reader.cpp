@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "imageio/pixel_limits.h"
+#include "platform/gdi.h"
 
 namespace imageio {
 namespace {
@@ -135,7 +136,7 @@ std::optional<FileLayout> ParseLayout(const std::uint8_t* data, std::size_t coun
     }
   }
 
-  const std::int64_t stride = (width * layout.bitCount + 31) / 32 * 4;
+  const std::int64_t stride = platform::DibRowStride(width, layout.bitCount);
   if (pixelOffset > count) return std::nullopt;
   if (static_cast<std::int64_t>(count - pixelOffset) / stride < height) return std::nullopt;
   layout.pixelOffset = pixelOffset;
@@ -166,7 +167,6 @@ void ConvertRow(const FileLayout& layout, const std::uint8_t* source, std::uint8
 
 }  // namespace
 
-int Dib24Stride(int width) { return (width * 24 + 31) / 32 * 4; }
 
 bool IsBitmapFile(const std::uint8_t* data, std::size_t count) {
   return count >= 2 && data[0] == 'B' && data[1] == 'M';
@@ -178,7 +178,7 @@ std::optional<Dib24> ReadBitmapFile(const std::uint8_t* data, std::size_t count)
   Dib24 dib;
   dib.width = layout->width;
   dib.height = layout->height;
-  dib.stride = Dib24Stride(dib.width);
+  dib.stride = static_cast<int>(platform::DibRowStride(dib.width, 24));
   dib.rows.assign(static_cast<std::size_t>(dib.stride) * dib.height, 0);
   for (int row = 0; row < dib.height; ++row) {
     const int sourceRow = layout->topDown ? dib.height - 1 - row : row;

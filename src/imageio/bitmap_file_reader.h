@@ -26,8 +26,6 @@ struct Dib24 {
   std::vector<std::uint8_t> rows;
 };
 
-int Dib24Stride(int width);
-
 // True when the data start with the bitmap-file signature "BM".
 bool IsBitmapFile(const std::uint8_t* data, std::size_t count);
 

@@ -72,8 +72,7 @@ BitmapFileLayout ComputeBitmapFileLayout(int width, int height, int planes, int 
   const int bits = bitsPerPixel >= 16 ? 24 : bitsPerPixel;
   layout.depth = RoundDepth(planes * bits);
   layout.colorCount = layout.depth < 24 ? 1 << layout.depth : 0;
-  const std::uint64_t rowBits = static_cast<std::uint64_t>(width) * layout.depth;
-  layout.rowSize = static_cast<std::uint32_t>(((rowBits + 31) & ~std::uint64_t{31}) / 8);
+  layout.rowSize = static_cast<std::uint32_t>(platform::DibRowStride(width, layout.depth));
   layout.imageSize = static_cast<std::uint64_t>(layout.rowSize) * static_cast<std::uint64_t>(height);
   layout.pixelOffset = kFileHeaderSize + kInfoHeaderSize + 4 * static_cast<std::uint32_t>(layout.colorCount);
   layout.fileSize = layout.pixelOffset + layout.imageSize;

@@ -4,10 +4,10 @@
 
 #include <cstddef>
 
-#include "platform/types.h"
+#include "platform/gdi.h"
 
 // Bytes in one row of a 24-bit buffer `width` pixels wide.
-inline constexpr int PixelRowStride(int width) { return ((width * 24 + 31) & ~31) / 8; }
+inline constexpr int PixelRowStride(int width) { return static_cast<int>(platform::DibRowStride(width, 24)); }
 
 // The header that describes a whole bitmap of that size as such a buffer.
 inline BITMAPINFOHEADER PixelBufferHeader(int width, int height) {

@@ -142,6 +142,11 @@ int GetDeviceCaps(HDC hdc, int index);
 
 namespace platform {
 
+// Bytes in one row of a DIB of that width and depth: rows are padded to 4 bytes.
+constexpr std::int64_t DibRowStride(std::int64_t width, int bitsPerPixel) {
+  return (width * bitsPerPixel + 31) / 32 * 4;
+}
+
 // Live objects per handle kind, created minus deleted; stock objects are not counted.
 struct GdiCounts {
   int dcs = 0;

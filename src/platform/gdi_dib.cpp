@@ -12,7 +12,7 @@ namespace raster = platform::raster;
 namespace {
 
 std::size_t StrideOf(std::int64_t width, int bitCount) {
-  return static_cast<std::size_t>((width * bitCount + 31) / 32 * 4);
+  return static_cast<std::size_t>(platform::DibRowStride(width, bitCount));
 }
 
 // Scan lines [start, start + lines) of a DIB of `dibHeight` rows, mapped onto bitmap

@@ -143,10 +143,4 @@ TEST(BitmapFileReader, HugeAnnouncedSizesAreRefusedBeforeAllocating) {
                               .pixels = std::vector<std::uint8_t>(64, 0)})));
 }
 
-TEST(BitmapFileReader, StrideOfTheTwentyFourBitBuffer) {
-  EXPECT_EQ(imageio::Dib24Stride(1), 4);
-  EXPECT_EQ(imageio::Dib24Stride(4), 12);
-  EXPECT_EQ(imageio::Dib24Stride(5), 16);
-}
-
 }  // namespace
