@@ -177,7 +177,8 @@ std::optional<int> VirtualKeyByName(std::string_view name) {
   for (const auto& [keyName, key] : kKeys) {
     if (platform::EqualsIgnoringCase(name, keyName)) return key;
   }
-  if (platform::EqualsIgnoringCase(name, "Delete") || platform::EqualsIgnoringCase(name, "Del")) return VK_DELETE;
+  if (platform::EqualsIgnoringCase(name, "Delete") || platform::EqualsIgnoringCase(name, "Del"))
+    return VK_DELETE;
   if (name.size() == 1 && std::isalpha(static_cast<unsigned char>(name[0]))) {
     return std::toupper(static_cast<unsigned char>(name[0]));
   }

@@ -30,7 +30,8 @@ CImageEditWnd::CImageEditWnd() {
   LoadCursors();
   m_imageLibrary = LoadLibraryA("MSIMG32.DLL");
   if (m_imageLibrary) {
-    m_transparentBlt = reinterpret_cast<TransparentBltEntry>(GetProcAddress(m_imageLibrary, "TransparentBlt"));
+    m_transparentBlt =
+        reinterpret_cast<TransparentBltEntry>(GetProcAddress(m_imageLibrary, "TransparentBlt"));
   }
 }
 
@@ -71,7 +72,8 @@ CImageEditWnd::~CImageEditWnd() {
   ReleaseSurface(m_composition);
   if (m_drawingLayer.dc) {
     if (m_drawingLayerPreviousPen) DeleteObject(SelectObject(m_drawingLayer.dc, m_drawingLayerPreviousPen));
-    if (m_drawingLayerPreviousBrush) DeleteObject(SelectObject(m_drawingLayer.dc, m_drawingLayerPreviousBrush));
+    if (m_drawingLayerPreviousBrush)
+      DeleteObject(SelectObject(m_drawingLayer.dc, m_drawingLayerPreviousBrush));
   }
   ReleaseSurface(m_drawingLayer);
   ReleaseSurface(m_imageSurface);

@@ -167,7 +167,6 @@ void ConvertRow(const FileLayout& layout, const std::uint8_t* source, std::uint8
 
 }  // namespace
 
-
 bool IsBitmapFile(const std::uint8_t* data, std::size_t count) {
   return count >= 2 && data[0] == 'B' && data[1] == 'M';
 }

@@ -8,7 +8,8 @@ namespace imageio {
 namespace {
 
 constexpr LocalizedText kReadFailure{"%s 파일을 읽는 데 실패하였습니다.\n오류 코드는 %d입니다.",
-                                     "读%s 文件失败.\n错误代码是 “%d”.", "I failed to read %s. An error code is %d."};
+                                     "读%s 文件失败.\n错误代码是 “%d”.",
+                                     "I failed to read %s. An error code is %d."};
 constexpr LocalizedText kSaveFailure{"%s 파일을 저장하는 데 실패하였습니다.", "保存%s 文件失败.",
                                      "I failed to save %s."};
 constexpr LocalizedText kSaveOutOfMemory{"메모리가 부족합니다.", "内存不足.", "Out Of Memory."};

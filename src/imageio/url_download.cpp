@@ -120,7 +120,8 @@ HRESULT DownloadToCacheFile(const std::string& url, std::string* localName) {
   curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &status);
   if (code != CURLE_OK || !closed || std::rename(partial.c_str(), target.c_str()) != 0) {
     std::remove(partial.c_str());
-    return Failure(code == CURLE_OK ? ERROR_INTERNET_INTERNAL_ERROR : LastErrorFor(code, status, sink.tooLarge));
+    return Failure(code == CURLE_OK ? ERROR_INTERNET_INTERNAL_ERROR
+                                    : LastErrorFor(code, status, sink.tooLarge));
   }
   *localName = target;
   return S_OK;

@@ -129,8 +129,8 @@ void CImageEditWnd::RebuildImageSurface() {
   HDC scratch = CreateCompatibleDC(m_imageSurface.dc);
   if (!scratch) return;
   HGDIOBJ previous = SelectObject(scratch, m_originalImage);
-  StretchBlt(m_imageSurface.dc, m_imageRect.left, m_imageRect.top, m_displayedWidth, m_displayedHeight, scratch, 0,
-             0, m_originalWidth, m_originalHeight, SRCCOPY);
+  StretchBlt(m_imageSurface.dc, m_imageRect.left, m_imageRect.top, m_displayedWidth, m_displayedHeight,
+             scratch, 0, 0, m_originalWidth, m_originalHeight, SRCCOPY);
   SelectObject(scratch, previous);
   DeleteDC(scratch);
 }
@@ -140,7 +140,8 @@ void CImageEditWnd::CompositeDrawingLayer(HDC target) {
   SelectObject(m_drawingLayer.dc, m_drawingLayer.previousBitmap);
   TransparentBlit(target, m_drawingLayer.bitmap, 0, 0, m_drawingLayer.width(), m_drawingLayer.height(),
                   m_drawingLayerKeyColor);
-  m_drawingLayer.previousBitmap = static_cast<HBITMAP>(SelectObject(m_drawingLayer.dc, m_drawingLayer.bitmap));
+  m_drawingLayer.previousBitmap =
+      static_cast<HBITMAP>(SelectObject(m_drawingLayer.dc, m_drawingLayer.bitmap));
 }
 
 void CImageEditWnd::TransparentBlit(HDC target, HBITMAP source, int x, int y, int width, int height,
@@ -161,7 +162,8 @@ void CImageEditWnd::TransparentBlit(HDC target, HBITMAP source, int x, int y, in
   // blackening its key pixels never alters the caller's bitmap.
   HDC maskDC = CreateCompatibleDC(target);
   HBITMAP mask = maskDC ? CreateBitmap(width, height, 1, 1, nullptr) : nullptr;
-  auto copy = mask ? static_cast<HBITMAP>(CopyImage(source, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)) : nullptr;
+  auto copy =
+      mask ? static_cast<HBITMAP>(CopyImage(source, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)) : nullptr;
   if (!copy) {
     if (mask) DeleteObject(mask);
     if (maskDC) DeleteDC(maskDC);

@@ -70,7 +70,6 @@ Module* LoadedModule(HMODULE module, std::string* name) {
   return nullptr;
 }
 
-
 }  // namespace
 
 LANGID GetUserDefaultLangID() { return Kernel().language; }

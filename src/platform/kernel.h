@@ -46,7 +46,8 @@ UINT GetACP();
 // becomes U+FFFD (or fails with MB_ERR_INVALID_CHARS); characters a code page
 // cannot hold become the default character ('?' unless given) and set
 // *usedDefault. For UTF-8 the default character arguments must be null.
-int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLength, WCHAR* dest, int destSize);
+int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLength, WCHAR* dest,
+                        int destSize);
 int WideCharToMultiByte(UINT codePage, DWORD flags, const WCHAR* src, int srcLength, char* dest, int destSize,
                         const char* defaultChar, BOOL* usedDefault);
 

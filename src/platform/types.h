@@ -77,8 +77,12 @@ inline constexpr LPARAM MAKELPARAM(int lo, int hi) {
   return static_cast<LPARAM>(static_cast<DWORD>((lo & 0xFFFF) | ((hi & 0xFFFF) << 16)));
 }
 // Signed coordinates packed in an LPARAM, as GET_X_LPARAM/GET_Y_LPARAM read them.
-inline constexpr int GET_X_LPARAM(LPARAM lp) { return static_cast<short>(LOWORD(static_cast<std::uintptr_t>(lp))); }
-inline constexpr int GET_Y_LPARAM(LPARAM lp) { return static_cast<short>(HIWORD(static_cast<std::uintptr_t>(lp))); }
+inline constexpr int GET_X_LPARAM(LPARAM lp) {
+  return static_cast<short>(LOWORD(static_cast<std::uintptr_t>(lp)));
+}
+inline constexpr int GET_Y_LPARAM(LPARAM lp) {
+  return static_cast<short>(HIWORD(static_cast<std::uintptr_t>(lp)));
+}
 
 // number * numerator / denominator with a 64-bit intermediate, rounded half away from
 // zero; -1 when the denominator is 0.

@@ -220,7 +220,9 @@ struct WNDCLASSA {
 
 inline const LPCSTR IDC_ARROW = reinterpret_cast<LPCSTR>(32512);
 inline const LPCSTR IDC_WAIT = reinterpret_cast<LPCSTR>(32514);
-inline LPCSTR MAKEINTRESOURCEA(int id) { return reinterpret_cast<LPCSTR>(static_cast<std::uintptr_t>(id & 0xFFFF)); }
+inline LPCSTR MAKEINTRESOURCEA(int id) {
+  return reinterpret_cast<LPCSTR>(static_cast<std::uintptr_t>(id & 0xFFFF));
+}
 
 // ---- windows ----
 class CWnd;

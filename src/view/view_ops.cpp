@@ -74,7 +74,8 @@ void CImageEditWnd::UpdateScrollBars(int contentWidth, int contentHeight) {
   // Both decisions use the client size without bars, so a bar on one axis never
   // causes the other.
   const RECT bare = ClientRect(m_hWnd);
-  const auto showBar = [this](int bar, int content, int available, bool& shown, int& viewSize, int& position) {
+  const auto showBar = [this](int bar, int content, int available, bool& shown, int& viewSize,
+                              int& position) {
     if (content <= available) return;
     ShowScrollBar(m_hWnd, bar, TRUE);
     shown = true;
@@ -111,13 +112,24 @@ void CImageEditWnd::Scroll(int bar, UINT code, int position) {
 
   int step = 0;
   switch (code) {
-    case SB_LINEUP: step = -(displayed / 50); break;
-    case SB_LINEDOWN: step = displayed / 50; break;
-    case SB_PAGEUP: step = -(displayed / 20); break;
-    case SB_PAGEDOWN: step = displayed / 20; break;
+    case SB_LINEUP:
+      step = -(displayed / 50);
+      break;
+    case SB_LINEDOWN:
+      step = displayed / 50;
+      break;
+    case SB_PAGEUP:
+      step = -(displayed / 20);
+      break;
+    case SB_PAGEDOWN:
+      step = displayed / 20;
+      break;
     case SB_THUMBPOSITION:
-    case SB_THUMBTRACK: step = position - current; break;
-    default: return;
+    case SB_THUMBTRACK:
+      step = position - current;
+      break;
+    default:
+      return;
   }
   if (step != 0) {
     int moved = std::max(current + step, 0);
@@ -156,8 +168,8 @@ void CImageEditWnd::DrawScaledOriginal(const Surface& surface) {
   m_imageRect.bottom = m_imageRect.top + m_displayedHeight;
   FillRect(surface.dc, &surface.rect, WhiteBrush());
   HGDIOBJ previous = SelectObject(scratch, m_originalImage);
-  StretchBlt(surface.dc, m_imageRect.left, m_imageRect.top, m_displayedWidth, m_displayedHeight, scratch, 0, 0,
-             m_originalWidth, m_originalHeight, SRCCOPY);
+  StretchBlt(surface.dc, m_imageRect.left, m_imageRect.top, m_displayedWidth, m_displayedHeight, scratch, 0,
+             0, m_originalWidth, m_originalHeight, SRCCOPY);
   SelectObject(scratch, previous);
   DeleteDC(scratch);
 }
