@@ -221,18 +221,7 @@ HRESULT CImageEditCtrl::SetInterfaceSafetyOptions(InterfaceId iid, DWORD mask, D
 // ---- window ----
 
 BOOL CImageEditCtrl::PreCreateWindow(CREATESTRUCTA& cs) {
-  WNDCLASSA windowClass{};
-  if (!GetClassInfoA(AfxGetInstanceHandle(), kControlClassName, &windowClass)) {
-    windowClass = WNDCLASSA{};
-    windowClass.style = kControlClassStyle;
-    windowClass.lpfnWndProc = DefWindowProcA;
-    windowClass.hInstance = AfxGetInstanceHandle();
-    windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
-    windowClass.hbrBackground = nullptr;
-    windowClass.lpszClassName = kControlClassName;
-    AfxRegisterClass(&windowClass);
-  }
-  cs.lpszClass = kControlClassName;
+  UseWindowClass(cs, kControlClassName, kControlClassStyle);
   return CWnd::PreCreateWindow(cs);
 }
 

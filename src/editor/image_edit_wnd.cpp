@@ -121,17 +121,7 @@ void CImageEditWnd::ReleaseSurface(Surface& surface) {
 }
 
 BOOL CImageEditWnd::PreCreateWindow(CREATESTRUCTA& cs) {
-  WNDCLASSA existing{};
-  if (!GetClassInfoA(AfxGetInstanceHandle(), kEditorClassName, &existing)) {
-    WNDCLASSA windowClass{};
-    windowClass.style = CS_VREDRAW | CS_HREDRAW | CS_DBLCLKS;
-    windowClass.lpfnWndProc = DefWindowProcA;
-    windowClass.hInstance = AfxGetInstanceHandle();
-    windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
-    windowClass.lpszClassName = kEditorClassName;
-    AfxRegisterClass(&windowClass);
-  }
-  cs.lpszClass = kEditorClassName;
+  UseWindowClass(cs, kEditorClassName, CS_VREDRAW | CS_HREDRAW | CS_DBLCLKS);
   return CWnd::PreCreateWindow(cs);
 }
 

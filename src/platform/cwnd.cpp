@@ -215,3 +215,17 @@ int AfxMessageBox(LPCSTR text, UINT type, UINT /*helpId*/) {
 }
 
 BOOL AfxRegisterClass(WNDCLASSA* windowClass) { return RegisterClassA(windowClass); }
+
+void UseWindowClass(CREATESTRUCTA& cs, LPCSTR className, UINT classStyle) {
+  WNDCLASSA windowClass{};
+  if (!GetClassInfoA(AfxGetInstanceHandle(), className, &windowClass)) {
+    windowClass = WNDCLASSA{};
+    windowClass.style = classStyle;
+    windowClass.lpfnWndProc = DefWindowProcA;
+    windowClass.hInstance = AfxGetInstanceHandle();
+    windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
+    windowClass.lpszClassName = className;
+    AfxRegisterClass(&windowClass);
+  }
+  cs.lpszClass = className;
+}

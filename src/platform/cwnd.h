@@ -104,3 +104,7 @@ class CWnd {
 int AfxMessageBox(LPCSTR text, UINT type = MB_OK, UINT helpId = 0);
 // Registers a window class; false when the name is taken or the class is invalid.
 BOOL AfxRegisterClass(WNDCLASSA* windowClass);
+// The class every window of the control uses under its own name: the given class
+// style, the default window procedure, the arrow cursor and no background brush.
+// Registers it the first time and points the creation structure at it.
+void UseWindowClass(CREATESTRUCTA& cs, LPCSTR className, UINT classStyle);
