@@ -107,6 +107,15 @@ class CImageEditWnd : public CWnd {
   void CompositeDrawingLayer(HDC target);
   void TransparentBlit(HDC target, HBITMAP source, int x, int y, int width, int height, COLORREF key);
   void RecolorBitmapBrush(COLORREF color);
+  // The adjusted rebuild: the image rectangle refilled from the original and both
+  // pixel passes run with every stored setting.
+  void RunAdjustedRebuild();
+
+  // ---- history ----
+  // Appends the current state as the new current level, discarding the redo levels;
+  // with a source DC (the drawing layer) the level also keeps a snapshot of it.
+  void CommitHistoryLevel(HDC source, int width, int height);
+
   // The out-of-memory message box in the user's language (shown by callers only
   // while verbose, except where they say otherwise).
   void ShowOutOfMemoryMessage() const;
