@@ -6,7 +6,11 @@
 #include "pixels/frame_piece.h"
 #include "platform/types.h"
 
-struct HistoryLevel {
+// The plain part of a level: values and the handles the level owns. Kept apart from
+// the object copies so that a level can be moved or reset with one assignment. The
+// initial values are the ones a discarded slot is reset to; slots that were never
+// used are never read, so they may start out the same way.
+struct HistoryLevelValues {
   HBITMAP snapshot = nullptr;
   int imageLeft = 0;
   int imageTop = 0;
@@ -18,7 +22,6 @@ struct HistoryLevel {
   int vScrollPos = 0;
   bool framePresent = false;
   FramePiece frame[kFramePieceCount];
-  CInsertedObject objects[kMaxInsertedObjects];
   int objectCount = 0;
   int draggedObject = -1;
   int dragX = -1;
@@ -26,6 +29,10 @@ struct HistoryLevel {
   int selectedObject = -1;
   int zOrder[kMaxInsertedObjects + 1] = {-1, -1, -1, -1, -1, -1};
   AdjustmentSettings settings;
+};
+
+struct HistoryLevel : HistoryLevelValues {
+  CInsertedObject objects[kMaxInsertedObjects];
 };
 
 inline constexpr int kHistoryLevels = 10;
