@@ -13,10 +13,6 @@ std::string CImageEditWnd::GetColor() {
 
 std::string CImageEditWnd::SetColor(LPCSTR) { return GetColor(); }
 
-// The gray and invert settings are stored now; the rebuild that applies them comes
-// with the adjustment passes.
-void CImageEditWnd::GrayImage(bool bGraying) { m_settings.gray = bGraying; }
-void CImageEditWnd::InvertImage(bool bInverting) { m_settings.invert = bInverting; }
 void CImageEditWnd::SelectColor() {}
 void CImageEditWnd::FillWithSelectedColor() {}
 void CImageEditWnd::SetEraser(int) {}
@@ -46,15 +42,7 @@ void CImageEditWnd::InsertBalloonText(int, int, LPCSTR, int, int, int, int, LPCS
 void CImageEditWnd::InsertIcon(int, int, LPCSTR) {}
 void CImageEditWnd::FlipImage() {}
 void CImageEditWnd::ReverseImage() {}
-void CImageEditWnd::SharpenImage(int) {}
-void CImageEditWnd::SmoothImage(int) {}
 void CImageEditWnd::EmbossImage() {}
-void CImageEditWnd::BrightenImage(int) {}
-void CImageEditWnd::ContrastImage(int) {}
-void CImageEditWnd::HueImage(int) {}
-void CImageEditWnd::SaturateImage(int) {}
-void CImageEditWnd::CorrectGamma(int, int, int) {}
 void CImageEditWnd::EqualizeHistogram() {}
 void CImageEditWnd::BlendImage(LPCSTR, int) {}
-void CImageEditWnd::WhitenImage(int) {}
 void CImageEditWnd::SetSelectionBox(int, int) {}

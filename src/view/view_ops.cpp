@@ -213,8 +213,7 @@ void CImageEditWnd::SetImageWidth(int nImageWidth) {
   CreateImageSurface(width, height);
 
   BeginWaitCursor();
-  RebuildImageSurface();
-  // The adjustment passes run over the rebuilt image rectangle here once they exist.
+  RunAdjustedRebuild();
   EndWaitCursor();
   RedrawWindow();
 }

@@ -1,0 +1,177 @@
+#include "pixels/adjust_colors.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "pixels/pixel_rect.h"
+
+namespace {
+
+using LookupTable = std::array<BYTE, 256>;
+using ColorMatrix = std::array<std::array<double, 4>, 4>;
+
+// The weights of the grey that saturation moves towards and hue rotates about,
+// paired with bytes 0, 1 and 2 of a pixel in that order.
+constexpr double kGreyWeights[3] = {0.3086, 0.6094, 0.0820};
+// The double nearest 1/255; gamma multiplies by it rather than dividing.
+constexpr double kInverse255 = 0.00392156862745098;
+// Degrees to radians with pi taken as 3.1415.
+constexpr double kRadiansPerDegree = 0.01745277777777778;
+
+BYTE ClampByte(int value) { return static_cast<BYTE>(std::clamp(value, 0, 255)); }
+
+template <typename Entry>
+LookupTable BuildTable(Entry&& entry) {
+  LookupTable table{};
+  for (int i = 0; i < 256; ++i) table[static_cast<size_t>(i)] = ClampByte(entry(i));
+  return table;
+}
+
+// Replaces byte k of every pixel by tables[k] of it.
+void ApplyTables(const PixelRect& rect, const LookupTable& byte0, const LookupTable& byte1,
+                 const LookupTable& byte2) {
+  ForEachPixel(rect, [&](BYTE* pixel, int, int) {
+    pixel[0] = byte0[pixel[0]];
+    pixel[1] = byte1[pixel[1]];
+    pixel[2] = byte2[pixel[2]];
+  });
+}
+
+LookupTable BrightnessTable(int brightness) {
+  return BuildTable(
+      [&](int i) { return static_cast<int>(i + static_cast<double>(255 * brightness) * 0.01); });
+}
+
+LookupTable ContrastTable(int contrast) {
+  const int k = contrast + 100;
+  const int offset = static_cast<int>((1.0 - k * 0.01) * 255 * 0.5);
+  return BuildTable([&](int i) { return static_cast<int>((i * k) * 0.01) + offset; });
+}
+
+LookupTable GammaTable(double gamma) {
+  return BuildTable([&](int i) { return static_cast<int>(std::pow(i * kInverse255, gamma) * 255.0); });
+}
+
+ColorMatrix Identity() {
+  ColorMatrix m{};
+  for (int i = 0; i < 4; ++i) m[i][i] = 1.0;
+  return m;
+}
+
+// m becomes m x step.
+void Apply(ColorMatrix& m, const ColorMatrix& step) {
+  ColorMatrix product{};
+  for (int r = 0; r < 4; ++r) {
+    for (int c = 0; c < 4; ++c) {
+      double sum = 0.0;
+      for (int k = 0; k < 4; ++k) sum += m[r][k] * step[k][c];
+      product[r][c] = sum;
+    }
+  }
+  m = product;
+}
+
+ColorMatrix SaturationMatrix(double s) {
+  ColorMatrix m{};
+  for (int r = 0; r < 3; ++r) {
+    for (int c = 0; c < 3; ++c) m[r][c] = (1.0 - s) * kGreyWeights[r] + (r == c ? s : 0.0);
+  }
+  m[3][3] = 1.0;
+  return m;
+}
+
+ColorMatrix RotateX(double s, double c) {
+  ColorMatrix m = Identity();
+  m[1][1] = c;
+  m[1][2] = s;
+  m[2][1] = -s;
+  m[2][2] = c;
+  return m;
+}
+
+ColorMatrix RotateY(double s, double c) {
+  ColorMatrix m = Identity();
+  m[0][0] = c;
+  m[0][2] = -s;
+  m[2][0] = s;
+  m[2][2] = c;
+  return m;
+}
+
+ColorMatrix RotateZ(double s, double c) {
+  ColorMatrix m = Identity();
+  m[0][0] = c;
+  m[0][1] = s;
+  m[1][0] = -s;
+  m[1][1] = c;
+  return m;
+}
+
+ColorMatrix ShearZ(double p, double q) {
+  ColorMatrix m = Identity();
+  m[0][2] = p;
+  m[1][2] = q;
+  return m;
+}
+
+// Turns the grey axis onto z, shears so that the grey weights' point lies on it too,
+// rotates about z by the angle and undoes the rest, so the weighted grey of every
+// colour is kept.
+ColorMatrix HueMatrix(double degrees) {
+  const double invSqrt2 = 1.0 / std::sqrt(2.0);
+  const double sqrt2BySqrt3 = std::sqrt(2.0) / std::sqrt(3.0);
+  const double invSqrt3 = 1.0 / std::sqrt(3.0);
+  ColorMatrix h = Identity();
+  Apply(h, RotateX(invSqrt2, invSqrt2));
+  Apply(h, RotateY(-invSqrt3, sqrt2BySqrt3));
+  double l[3];
+  for (int c = 0; c < 3; ++c) {
+    l[c] = kGreyWeights[0] * h[0][c] + kGreyWeights[1] * h[1][c] + kGreyWeights[2] * h[2][c] + h[3][c];
+  }
+  Apply(h, ShearZ(l[0] / l[2], l[1] / l[2]));
+  const double t = degrees * kRadiansPerDegree;
+  Apply(h, RotateZ(std::sin(t), std::cos(t)));
+  Apply(h, ShearZ(-l[0] / l[2], -l[1] / l[2]));
+  Apply(h, RotateY(invSqrt3, sqrt2BySqrt3));
+  Apply(h, RotateX(-invSqrt2, invSqrt2));
+  return h;
+}
+
+void ApplyMatrix(const PixelRect& rect, const ColorMatrix& m) {
+  ForEachPixel(rect, [&](BYTE* pixel, int, int) {
+    const double c0 = pixel[0];
+    const double c1 = pixel[1];
+    const double c2 = pixel[2];
+    for (int j = 0; j < 3; ++j) {
+      const double v = ((c2 * m[2][j] + c1 * m[1][j]) + c0 * m[0][j]) + m[3][j];
+      pixel[j] = v < 0 ? 0 : v > 255 ? 255 : static_cast<BYTE>(v);
+    }
+  });
+}
+
+}  // namespace
+
+void AdjustColors(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int brightness, int contrast,
+                  double redGamma, double greenGamma, double blueGamma, double saturation, double hue) {
+  const PixelRect rect{buffer, x0, y0, x1, y1, stride};
+  if (rect.empty()) return;
+  if (brightness != 0) {
+    const LookupTable table = BrightnessTable(brightness);
+    ApplyTables(rect, table, table, table);
+  }
+  if (contrast != 0) {
+    const LookupTable table = ContrastTable(contrast);
+    ApplyTables(rect, table, table, table);
+  }
+  if (redGamma != 1.0 || greenGamma != 1.0 || blueGamma != 1.0) {
+    // The first gamma of the triple acts on byte 0, the blue byte, and the last on
+    // the red byte; the names follow the order the triple is given in.
+    ApplyTables(rect, GammaTable(redGamma), GammaTable(greenGamma), GammaTable(blueGamma));
+  }
+  if (hue == 0.0 && saturation == 1.0) return;
+  ColorMatrix m = Identity();
+  Apply(m, SaturationMatrix(saturation));
+  Apply(m, HueMatrix(hue));
+  ApplyMatrix(rect, m);
+}
