@@ -78,8 +78,7 @@ void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
   m_scalingAllowed = true;
   CreateDrawingLayer(m_originalWidth, m_originalHeight);
   SetImageWidth(m_requestedImageWidth > 0 ? m_requestedImageWidth : -100);
-  // The first history level of the new picture is committed here (drawing layer
-  // DC, width and height) once the edit history exists in the editor.
+  CommitHistoryLevel(m_drawingLayer.dc, m_drawingLayer.width(), m_drawingLayer.height());
 }
 
 void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {

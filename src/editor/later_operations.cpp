@@ -28,9 +28,6 @@ void CImageEditWnd::SelectRectangle() {}
 void CImageEditWnd::SelectIrregular() {}
 void CImageEditWnd::SetTransparency(int, int) {}
 void CImageEditWnd::SetTexture(int) {}
-void CImageEditWnd::Undo() {}
-void CImageEditWnd::Redo() {}
-void CImageEditWnd::Clear(long) {}
 void CImageEditWnd::SetFrame(int, LPCSTR, int, int) {}
 void CImageEditWnd::RotateImage(int) {}
 void CImageEditWnd::CutImage() {}
