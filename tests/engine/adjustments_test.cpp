@@ -1,0 +1,249 @@
+// The ten adjustment setters through the control's dispatch: the stored values, the
+// rebuilt picture, when nothing happens, the order of a filter being set, and a
+// working copy that runs out of memory.
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "control/dispatch_table.h"
+#include "control/image_edit_ctrl.h"
+#include "imageio/bmp_builder.h"
+#include "pixels/pixel_buffer.h"
+#include "support/temp_files.h"
+#include "test_support.h"
+
+namespace {
+
+// A pixel as its bytes in buffer order: blue, green, red.
+using Bytes = std::array<BYTE, 3>;
+COLORREF ColorOf(Bytes b) { return RGB(b[2], b[1], b[0]); }
+
+struct Call {
+  const char* name;
+  std::vector<int> args;
+};
+
+class AdjustmentsTest : public ::testing::Test {
+ protected:
+  void TearDown() override {
+    SetPixelBufferLimit(kDefaultPixelBufferLimit);
+    control_.reset();
+    if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
+  }
+
+  // Activates a control of that size and loads a picture of the given pixels (top
+  // row first) at 100 %.
+  void Load(int width, int height, const std::vector<Bytes>& pixels, int clientWidth = 40,
+            int clientHeight = 30) {
+    hostWindow_ = platform::CreateHostWindow(clientWidth, clientHeight);
+    ASSERT_TRUE(control_->CreateControl(hostWindow_, clientWidth, clientHeight));
+    const auto file = imageio_test::BuildTrueColourBmp(width, height, [&](int x, int y) {
+      const Bytes& b = pixels[static_cast<size_t>(y * width + x)];
+      return static_cast<std::uint32_t>(b[2] << 16 | b[1] << 8 | b[0]);
+    });
+    Run({"SetImage", {}}, files_.Write("picture.bmp", file));
+    ASSERT_EQ(editor().m_displayedWidth, width);
+  }
+
+  void Run(const Call& call, const std::string& text = {}) {
+    std::vector<Variant> args;
+    if (!text.empty()) args.push_back(Variant::String(text));
+    for (int value : call.args) args.push_back(Variant::Int(value));
+    Invoke(*control_, call.name, args);
+  }
+
+  CImageEditWnd& editor() { return control_->m_editor; }
+
+  // The image rectangle of the image surface, top row first.
+  std::vector<COLORREF> Picture() {
+    const RECT& r = editor().m_imageRect;
+    std::vector<COLORREF> colors;
+    for (int y = r.top; y < r.bottom; ++y) {
+      for (int x = r.left; x < r.right; ++x) colors.push_back(GetPixel(editor().m_imageSurface.dc, x, y));
+    }
+    return colors;
+  }
+  static std::vector<COLORREF> Colors(const std::vector<Bytes>& pixels) {
+    std::vector<COLORREF> colors;
+    for (const Bytes& b : pixels) colors.push_back(ColorOf(b));
+    return colors;
+  }
+
+  InstalledRecordingHost host_;
+  TempFiles files_{"adjustments_"};
+  HWND hostWindow_ = nullptr;
+  std::unique_ptr<CImageEditCtrl> control_ = std::make_unique<CImageEditCtrl>();
+};
+
+std::vector<Bytes> Uniform(Bytes value) { return std::vector<Bytes>(9, value); }
+std::vector<Bytes> Spike(Bytes centre) {
+  std::vector<Bytes> pixels = Uniform({0, 0, 0});
+  pixels[4] = centre;
+  return pixels;
+}
+
+TEST_F(AdjustmentsTest, EachSetterRebuildsThePictureFromTheOriginal) {
+  struct Case {
+    Call call;
+    std::vector<Bytes> in;
+    std::vector<Bytes> out;
+  };
+  const Case cases[] = {
+      {{"BrightenImage", {-5}}, Uniform({10, 128, 255}), Uniform({0, 0, 0})},
+      {{"BrightenImage", {300}}, Uniform({0, 128, 10}), Uniform({255, 255, 255})},
+      {{"ContrastImage", {0}}, Uniform({0, 200, 255}), Uniform({127, 127, 127})},
+      {{"ContrastImage", {200}}, Uniform({63, 191, 100}), Uniform({0, 255, 73})},
+      // The first gamma acts on the blue bytes; the others pass through 1.0 tables.
+      {{"CorrectGamma", {80, 40, 40}}, Uniform({100, 33, 33}), Uniform({39, 32, 32})},
+      {{"SaturateImage", {0}}, Uniform({0, 0, 255}), Uniform({20, 20, 20})},
+      {{"SaturateImage", {0}}, Uniform({255, 0, 0}), Uniform({78, 78, 78})},
+      {{"SaturateImage", {200}}, Uniform({100, 120, 140}), Uniform({84, 124, 164})},
+      {{"HueImage", {100}}, Uniform({0, 0, 255}), Uniform({41, 41, 0})},
+      {{"HueImage", {50}}, Uniform({0, 0, 255}), Uniform({212, 0, 65})},
+      {{"GrayImage", {1}}, Uniform({10, 20, 30}), Uniform({21, 21, 21})},
+      {{"InvertImage", {1}}, Uniform({0, 1, 254}), Uniform({255, 254, 1})},
+      {{"SharpenImage", {1}}, Spike({100, 100, 100}), Spike({112, 112, 112})},
+      {{"SharpenImage", {-3}}, Spike({100, 100, 100}), Spike({100, 100, 100})},
+      {{"SmoothImage", {1}}, Spike({90, 90, 90}), Uniform({10, 10, 10})},
+      {{"WhitenImage", {1}}, Uniform({0, 128, 255}), Uniform({25, 198, 255})},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.call.name) + " " + std::to_string(c.call.args[0]));
+    TearDown();
+    control_ = std::make_unique<CImageEditCtrl>();
+    Load(3, 3, c.in);
+    const int levels = editor().m_historyCount;
+    Run(c.call);
+    EXPECT_EQ(Picture(), Colors(c.out));
+    EXPECT_EQ(editor().m_historyCount, levels + 1);
+    // The picture inside a larger surface: the white around it is left alone.
+    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, 0, 0), RGB(255, 255, 255));
+    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, editor().m_imageRect.right, editor().m_imageRect.bottom),
+              RGB(255, 255, 255));
+  }
+}
+
+TEST_F(AdjustmentsTest, SettersStoreTheMappedValue) {
+  Load(1, 1, {{1, 2, 3}});
+  const AdjustmentSettings& s = editor().m_settings;
+  Run({"BrightenImage", {150}});
+  EXPECT_EQ(s.brightness, 50);
+  Run({"ContrastImage", {-7}});
+  EXPECT_EQ(s.contrast, -100);
+  Run({"HueImage", {250}});
+  EXPECT_EQ(s.hue, 360.0);
+  Run({"SaturateImage", {150}});
+  EXPECT_EQ(s.saturation, 1.5);
+  Run({"CorrectGamma", {80, 0, 300}});
+  EXPECT_EQ(s.redGamma, 1.9960000000000002);
+  EXPECT_EQ(s.greenGamma, 0.004);
+  EXPECT_EQ(s.blueGamma, 4.984);
+  Run({"SharpenImage", {-3}});
+  Run({"SmoothImage", {1000}});
+  Run({"WhitenImage", {7}});
+  EXPECT_EQ(s.sharpenSteps, -3);
+  EXPECT_EQ(s.smoothSteps, 1000);
+  EXPECT_EQ(s.whitenSteps, 7);
+  Run({"GrayImage", {1}});
+  Run({"InvertImage", {1}});
+  EXPECT_TRUE(s.gray);
+  EXPECT_TRUE(s.invert);
+  // The control hands on only 1 as on; 2 reaches the editor as off.
+  control_->GrayImage(2);
+  EXPECT_FALSE(s.gray);
+}
+
+TEST_F(AdjustmentsTest, AnUnchangedValueNeitherRebuildsNorCommits) {
+  const Call neutral[] = {
+      {"BrightenImage", {100}}, {"ContrastImage", {100}},       {"HueImage", {0}},
+      {"SaturateImage", {100}}, {"CorrectGamma", {40, 40, 40}}, {"GrayImage", {0}},
+      {"InvertImage", {0}},     {"SharpenImage", {0}},          {"SmoothImage", {0}},
+      {"WhitenImage", {0}},
+  };
+  Load(3, 3, Uniform({50, 60, 70}));
+  const RECT& r = editor().m_imageRect;
+  // A mark on the surface that any rebuild would paint over.
+  SetPixel(editor().m_imageSurface.dc, r.left, r.top, RGB(1, 2, 3));
+  const int levels = editor().m_historyCount;
+  const std::size_t cursors = host_.cursors.size();
+  for (const Call& call : neutral) {
+    SCOPED_TRACE(call.name);
+    Run(call);
+    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, r.left, r.top), RGB(1, 2, 3));
+    EXPECT_EQ(editor().m_historyCount, levels);
+    EXPECT_EQ(host_.cursors.size(), cursors);
+  }
+  // Only all three gammas equal stop CorrectGamma.
+  Run({"CorrectGamma", {40, 40, 41}});
+  EXPECT_EQ(editor().m_historyCount, levels + 1);
+  EXPECT_NE(GetPixel(editor().m_imageSurface.dc, r.left, r.top), RGB(1, 2, 3));
+}
+
+TEST_F(AdjustmentsTest, HueRotationKeepsGreyWithinTruncation) {
+  const std::vector<Bytes> greys{{1, 1, 1},       {2, 2, 2},       {77, 77, 77},
+                                 {128, 128, 128}, {200, 200, 200}, {254, 254, 254},
+                                 {0, 0, 0},       {255, 255, 255}, {9, 9, 9}};
+  Load(3, 3, greys);
+  for (int hue : {1, 37, 100, 163, 200}) {
+    SCOPED_TRACE(hue);
+    Run({"HueImage", {hue}});
+    const std::vector<COLORREF> picture = Picture();
+    for (std::size_t i = 0; i < greys.size(); ++i) {
+      for (int shift : {0, 8, 16}) EXPECT_NEAR(static_cast<int>(picture[i] >> shift & 0xFF), greys[i][0], 1);
+    }
+  }
+}
+
+TEST_F(AdjustmentsTest, SettingsNeverCompound) {
+  Load(3, 3, Uniform({10, 100, 200}));
+  Run({"BrightenImage", {150}});
+  Run({"BrightenImage", {120}});
+  const std::vector<COLORREF> twice = Picture();
+  EXPECT_EQ(twice, Colors(Uniform({61, 151, 251})));  // i + 51
+}
+
+TEST_F(AdjustmentsTest, TheFilterBeingSetRunsLastUntilTheNextRebuild) {
+  Load(3, 3, Uniform({1, 0, 0}));
+  Run({"GrayImage", {1}});
+  Run({"InvertImage", {1}});
+  EXPECT_EQ(Picture(), Colors(Uniform({255, 255, 255})));  // invert(gray(x))
+  editor().RunAdjustedRebuild();
+  EXPECT_EQ(Picture(), Colors(Uniform({254, 254, 254})));  // gray(invert(x))
+  // Setting the image width rebuilds the same way.
+  Run({"SharpenImage", {0}});
+  Run({"SetImageWidth", {-100}});
+  EXPECT_EQ(Picture(), Colors(Uniform({254, 254, 254})));
+}
+
+TEST_F(AdjustmentsTest, AWorkingCopyOutOfMemorySkipsItsFilterButKeepsTheSetting) {
+  for (bool verbose : {false, true}) {
+    SCOPED_TRACE(verbose ? "verbose" : "quiet");
+    TearDown();
+    control_ = std::make_unique<CImageEditCtrl>();
+    host_.messages.clear();
+    // A picture larger than the client fills its surface, so its working copy of
+    // 42 x 32 pixels needs more than the 120 x 30 bytes of the surface's buffer.
+    std::vector<Bytes> pixels(40 * 30, Bytes{0, 0, 0});
+    pixels[40 * 15 + 20] = {100, 100, 100};
+    Load(40, 30, pixels, 20, 10);
+    Run({"EnableVerbose", {verbose ? 1 : 0}});
+    ASSERT_EQ(editor().m_imageRect.right, editor().m_imageSurface.width());
+    const int levels = editor().m_historyCount;
+    SetPixelBufferLimit(40 * 30 * 3);
+
+    Run({"SharpenImage", {1}});
+    EXPECT_EQ(editor().m_settings.sharpenSteps, 1);
+    EXPECT_EQ(editor().m_historyCount, levels + 1);
+    EXPECT_EQ(Picture(), Colors(pixels));
+    // Whiten, sharpen and smooth of the pass ask even at 0 steps, then the sharpen
+    // being set asks once more.
+    const std::size_t expected = verbose ? 4 : 0;
+    ASSERT_EQ(host_.messages.size(), expected);
+    if (verbose) {
+      EXPECT_EQ(host_.messages[0].text, "Out of Memory.");
+    }
+  }
+}
+
+}  // namespace
