@@ -53,8 +53,8 @@ void DiscardRedoLevels(CImageEditWnd& editor) {
 }
 
 // Gives up level 0 and moves the others down one place; their handles change slots
-// and stay owned. The current index follows the count, so that a commit that ends
-// up recording nothing still leaves the last remaining level on screen.
+// and stay owned. The current index follows the count, so that after a commit that
+// ends up recording nothing it still names a level that exists (the last one).
 void DropOldestLevel(CImageEditWnd& editor) {
   HistoryLevel* history = editor.m_history;
   ReleaseLevel(editor, history[0]);
