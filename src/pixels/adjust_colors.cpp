@@ -59,13 +59,15 @@ ColorMatrix Identity() {
   return m;
 }
 
-// m becomes m x step.
+// m becomes m x step. Each entry sums its four products from the last to the first:
+// the order decides the last bit of the matrix, and with it whether a near-grey
+// colour truncates to the byte below (at 1.8 degrees (1, 1, 1) becomes (1, 1, 0)).
 void Apply(ColorMatrix& m, const ColorMatrix& step) {
   ColorMatrix product{};
   for (int r = 0; r < 4; ++r) {
     for (int c = 0; c < 4; ++c) {
       double sum = 0.0;
-      for (int k = 0; k < 4; ++k) sum += m[r][k] * step[k][c];
+      for (int k = 3; k >= 0; --k) sum += m[r][k] * step[k][c];
       product[r][c] = sum;
     }
   }

@@ -101,6 +101,7 @@ TEST_F(AdjustmentsTest, EachSetterRebuildsThePictureFromTheOriginal) {
       {{"SaturateImage", {200}}, Uniform({100, 120, 140}), Uniform({84, 124, 164})},
       {{"HueImage", {100}}, Uniform({0, 0, 255}), Uniform({41, 41, 0})},
       {{"HueImage", {50}}, Uniform({0, 0, 255}), Uniform({212, 0, 65})},
+      {{"HueImage", {1}}, Uniform({1, 1, 1}), Uniform({1, 1, 0})},
       {{"GrayImage", {1}}, Uniform({10, 20, 30}), Uniform({21, 21, 21})},
       {{"InvertImage", {1}}, Uniform({0, 1, 254}), Uniform({255, 254, 1})},
       {{"SharpenImage", {1}}, Spike({100, 100, 100}), Spike({112, 112, 112})},
