@@ -1,6 +1,7 @@
 // The ten adjustment setters through the control's dispatch: the stored values, the
 // rebuilt picture, when nothing happens, the order of a filter being set, and a
 // working copy that runs out of memory.
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <string>
@@ -18,6 +19,9 @@ namespace {
 // A pixel as its bytes in buffer order: blue, green, red.
 using Bytes = std::array<BYTE, 3>;
 COLORREF ColorOf(Bytes b) { return RGB(b[2], b[1], b[0]); }
+
+// The resource id the host sees for the wait cursor.
+constexpr int kWaitCursorId = 32514;
 
 struct Call {
   const char* name;
@@ -194,6 +198,30 @@ TEST_F(AdjustmentsTest, HueRotationKeepsGreyWithinTruncation) {
       for (int shift : {0, 8, 16}) EXPECT_NEAR(static_cast<int>(picture[i] >> shift & 0xFF), greys[i][0], 1);
     }
   }
+}
+
+TEST_F(AdjustmentsTest, WithoutPixelsOrSurfaceTheSettingStaysAsItWas) {
+  // No image surface: an editor whose window was never made.
+  CImageEditWnd bare;
+  bare.BrightenImage(150);
+  bare.SharpenImage(2);
+  EXPECT_EQ(bare.m_settings.brightness, 0);
+  EXPECT_EQ(bare.m_settings.sharpenSteps, 0);
+  EXPECT_EQ(bare.m_historyCount, 0);
+
+  // The surface's pixels cannot be read: nothing is stored or committed, and the
+  // wait cursor is put back.
+  Load(3, 3, Uniform({50, 60, 70}));
+  const int levels = editor().m_historyCount;
+  const auto waitsBefore = std::count(host_.cursors.begin(), host_.cursors.end(), kWaitCursorId);
+  SetPixelBufferLimit(16);
+  Run({"BrightenImage", {150}});
+  Run({"GrayImage", {1}});
+  EXPECT_EQ(editor().m_settings.brightness, 0);
+  EXPECT_FALSE(editor().m_settings.gray);
+  EXPECT_EQ(editor().m_historyCount, levels);
+  ASSERT_EQ(std::count(host_.cursors.begin(), host_.cursors.end(), kWaitCursorId), 2 + waitsBefore);
+  EXPECT_NE(host_.cursors.back(), kWaitCursorId);
 }
 
 TEST_F(AdjustmentsTest, SettingsNeverCompound) {
