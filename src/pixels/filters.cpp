@@ -10,8 +10,9 @@ BYTE ClampByte(int value) { return static_cast<BYTE>(std::clamp(value, 0, 255));
 
 // Runs `steps` rounds of a neighbourhood filter: each round refills the working copy
 // from the rectangle and replaces every byte by newByte(copy of that byte, offset of
-// the next row in the copy). The copy is requested before the step count is looked
-// at, so a count below 1 can still run out of memory.
+// the next row in the copy); `beforeRefill`, when given, first changes the rectangle
+// in place. The copy is requested before the step count is looked at, so a count
+// below 1 can still run out of memory; an empty rectangle needs no copy at all.
 template <typename NewByte>
 void RunNeighbourhoodFilter(const PixelRect& rect, int steps, const OutOfMemoryHandler& outOfMemory,
                             NewByte&& newByte, void (*beforeRefill)(const PixelRect&) = nullptr) {
