@@ -83,32 +83,19 @@ ColorMatrix SaturationMatrix(double s) {
   return m;
 }
 
-ColorMatrix RotateX(double s, double c) {
+// A rotation in the plane of axes i and j: [i][i] = [j][j] = c, [i][j] = s,
+// [j][i] = -s. The x, y and z rotations are the planes (1, 2), (2, 0) and (0, 1).
+ColorMatrix PlaneRotation(int i, int j, double s, double c) {
   ColorMatrix m = Identity();
-  m[1][1] = c;
-  m[1][2] = s;
-  m[2][1] = -s;
-  m[2][2] = c;
+  m[i][i] = c;
+  m[i][j] = s;
+  m[j][i] = -s;
+  m[j][j] = c;
   return m;
 }
-
-ColorMatrix RotateY(double s, double c) {
-  ColorMatrix m = Identity();
-  m[0][0] = c;
-  m[0][2] = -s;
-  m[2][0] = s;
-  m[2][2] = c;
-  return m;
-}
-
-ColorMatrix RotateZ(double s, double c) {
-  ColorMatrix m = Identity();
-  m[0][0] = c;
-  m[0][1] = s;
-  m[1][0] = -s;
-  m[1][1] = c;
-  return m;
-}
+ColorMatrix RotateX(double s, double c) { return PlaneRotation(1, 2, s, c); }
+ColorMatrix RotateY(double s, double c) { return PlaneRotation(2, 0, s, c); }
+ColorMatrix RotateZ(double s, double c) { return PlaneRotation(0, 1, s, c); }
 
 ColorMatrix ShearZ(double p, double q) {
   ColorMatrix m = Identity();
