@@ -311,28 +311,23 @@ void ScriptRunner::Shot(Args args) {
 void ScriptRunner::Dump(Args args) {
   ExpectCount(args, 2, 2, "dump image|drawing|composition|snapshot|original FILE");
   const std::string& surface = WordArg(args[0], "dump: surface");
-  const CImageEditWnd& editor = control_->m_editor;
-  HBITMAP bitmap = nullptr;
-  if (surface == "image") {
-    bitmap = editor.m_imageSurface.bitmap;
-  } else if (surface == "drawing") {
-    bitmap = editor.m_drawingLayer.bitmap;
-  } else if (surface == "composition") {
-    bitmap = editor.m_composition.bitmap;
-  } else if (surface == "snapshot") {
-    bitmap = static_cast<HBITMAP>(GetCurrentObject(editor.m_snapshotDC, OBJ_BITMAP));
-  } else if (surface == "original") {
-    bitmap = editor.m_originalImage;
-  } else {
-    throw ParseError("dump: unknown surface '" + surface +
-                     "' (image, drawing, composition, snapshot, original)");
+  static const std::pair<const char*, SurfaceName> kSurfaces[] = {{"image", SurfaceName::Image},
+                                                                   {"drawing", SurfaceName::Drawing},
+                                                                   {"composition", SurfaceName::Composition},
+                                                                   {"snapshot", SurfaceName::Snapshot},
+                                                                   {"original", SurfaceName::Original}};
+  const auto named = std::find_if(std::begin(kSurfaces), std::end(kSurfaces),
+                                  [&](const auto& entry) { return surface == entry.first; });
+  if (named == std::end(kSurfaces)) {
+    throw ParseError("dump: unknown surface '" + surface + "' (image, drawing, composition, snapshot, original)");
   }
+  HBITMAP bitmap = control_->m_editor.SurfaceBitmap(named->second);
   WritePicture(bitmap, PathArg(args[1]), "dump " + surface);
 }
 
 void ScriptRunner::State(Args args) {
   ExpectCount(args, 0, 0, "state");
-  out_ << EditorStateJson(control_->m_editor) << '\n';
+  out_ << EditorStateJson(control_->m_editor.State()) << '\n';
 }
 
 // ---- interface methods ----

@@ -2,7 +2,6 @@
 
 #include <initializer_list>
 
-#include "editor/image_edit_wnd.h"
 #include "json_writer.h"
 #include "script_parser.h"
 
@@ -39,50 +38,44 @@ void Settings(JsonWriter& json, const AdjustmentSettings& settings) {
   json.EndObject();
 }
 
-// The live objects front first, as the z-order lists them.
-void ZOrder(JsonWriter& json, const CImageEditWnd& editor) {
-  json.Key("zorder").BeginArray();
-  for (int i = 0; i < editor.m_objectCount && i < kMaxInsertedObjects; ++i) json.Value(editor.m_zOrder[i]);
-  json.EndArray();
-}
-
 }  // namespace
 
-std::string EditorStateJson(const CImageEditWnd& editor) {
+std::string EditorStateJson(const EditorState& state) {
   JsonWriter json;
   json.BeginObject();
-  json.Key("toolMode").Value(editor.m_toolMode);
-  json.Key("savedToolMode").Value(editor.m_savedToolMode);
-  json.Key("color").Value(FormatRgbHex(editor.m_color));
-  json.Key("penSize").Value(editor.m_penSize);
-  json.Key("toolWidth").Value(editor.m_toolWidth);
-  json.Key("shapeStyle").Value(editor.m_shapeStyle);
-  json.Key("curveStage").Value(editor.m_curveStage);
-  json.Key("scale").Value(editor.m_displayScale);
-  const RECT& image = editor.m_imageRect;
+  json.Key("toolMode").Value(state.toolMode);
+  json.Key("savedToolMode").Value(state.savedToolMode);
+  json.Key("color").Value(FormatRgbHex(state.color));
+  json.Key("penSize").Value(state.penSize);
+  json.Key("toolWidth").Value(state.toolWidth);
+  json.Key("shapeStyle").Value(state.shapeStyle);
+  json.Key("curveStage").Value(state.curveStage);
+  json.Key("scale").Value(state.scale);
+  const RECT& image = state.imageRect;
   IntArray(json, "imageRect", {image.left, image.top, image.right, image.bottom});
-  IntArray(json, "displayed", {editor.m_displayedWidth, editor.m_displayedHeight});
-  IntArray(json, "original", {editor.m_originalWidth, editor.m_originalHeight});
-  IntArray(json, "scroll", {editor.m_hScrollPos, editor.m_vScrollPos});
-  BoolArray(json, "bars", {editor.m_hScrollShown, editor.m_vScrollShown});
-  IntArray(json, "view", {editor.m_viewWidth, editor.m_viewHeight});
+  IntArray(json, "displayed", {state.displayed.cx, state.displayed.cy});
+  IntArray(json, "original", {state.original.cx, state.original.cy});
+  IntArray(json, "scroll", {state.scroll.x, state.scroll.y});
+  BoolArray(json, "bars", {state.hScrollShown, state.vScrollShown});
+  IntArray(json, "view", {state.view.cx, state.view.cy});
   json.Key("history").BeginObject();
-  json.Key("count").Value(editor.m_historyCount);
-  json.Key("index").Value(editor.m_historyIndex);
+  json.Key("count").Value(state.historyCount);
+  json.Key("index").Value(state.historyIndex);
   json.EndObject();
   // Inserted objects carry no readable geometry yet; the list stays empty until they do.
   json.Key("objects").BeginArray().EndArray();
-  ZOrder(json, editor);
-  json.Key("selectedObject").Value(editor.m_selectedObject);
-  IntArray(json, "selectionBox",
-           {editor.m_selectionBoxX, editor.m_selectionBoxY, editor.m_selectionBoxWidth,
-            editor.m_selectionBoxHeight});
-  json.Key("frame").Value(editor.m_framePresent);
-  json.Key("textShown").Value(IsWindowVisible(editor.m_textEdit.m_hWnd) == TRUE);
-  Settings(json, editor.m_settings);
-  json.Key("scalingAllowed").Value(editor.m_scalingAllowed);
-  json.Key("verbose").Value(editor.m_verbose);
-  json.Key("gdiObjects").Value(platform::LiveGdiObjects().total());
+  json.Key("zorder").BeginArray();
+  for (int slot : state.zOrder) json.Value(slot);
+  json.EndArray();
+  json.Key("selectedObject").Value(state.selectedObject);
+  const RECT& box = state.selectionBox;
+  IntArray(json, "selectionBox", {box.left, box.top, box.right, box.bottom});
+  json.Key("frame").Value(state.frame);
+  json.Key("textShown").Value(state.textShown);
+  Settings(json, state.settings);
+  json.Key("scalingAllowed").Value(state.scalingAllowed);
+  json.Key("verbose").Value(state.verbose);
+  json.Key("gdiObjects").Value(state.gdiObjects);
   json.EndObject();
   return json.str();
 }

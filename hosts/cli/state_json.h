@@ -3,10 +3,10 @@
 
 #include <string>
 
-class CImageEditWnd;
+#include "editor/editor_state.h"
 
 namespace script {
 
-std::string EditorStateJson(const CImageEditWnd& editor);
+std::string EditorStateJson(const EditorState& state);
 
 }  // namespace script

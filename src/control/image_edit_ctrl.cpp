@@ -7,8 +7,8 @@ namespace {
 
 constexpr char kControlClassName[] = "OstrelImageEditCtrl";
 constexpr char kEditorTitle[] = "Image Edit";
-// WS_CHILD plus the class-specific bits 0x0120; shown only once it exists.
-constexpr DWORD kEditorStyle = 0x40000120;
+// Shown only once it exists.
+constexpr DWORD kEditorStyle = WS_CHILD | kClassStyleBits;
 constexpr UINT kEditorChildId = 1;
 constexpr UINT kControlClassStyle = CS_VREDRAW | CS_HREDRAW | CS_DBLCLKS;
 constexpr int kAboutDialogId = 1;
@@ -138,10 +138,7 @@ void CImageEditCtrl::BlendImage(LPCSTR lpszFilePath, int nAlpha) {
 }
 void CImageEditCtrl::WhitenImage(int nStep) { Forward(&CImageEditWnd::WhitenImage, nStep); }
 
-// Only the tool mode changes: pending text stays in its box and nothing is redrawn.
-void CImageEditCtrl::SetNothing() {
-  if (m_editor.m_windowCreated) m_editor.m_toolMode = 0;
-}
+void CImageEditCtrl::SetNothing() { Forward(&CImageEditWnd::SetNothing); }
 
 void CImageEditCtrl::SetSelectionBox(int nWidth, int nHeight) {
   Forward(&CImageEditWnd::SetSelectionBox, nWidth, nHeight);

@@ -8,6 +8,9 @@
 namespace {
 
 constexpr char kEditorClassName[] = "OstrelImageEdit";
+// The text-entry child is hidden until text is entered.
+constexpr DWORD kTextEntryStyle = WS_CHILD | WS_THICKFRAME | kClassStyleBits;
+constexpr UINT kTextEntryChildId = 1;
 
 struct DefaultFont {
   BYTE charSet;
@@ -25,7 +28,7 @@ DefaultFont DefaultFontFor(WORD language) {
 CImageEditWnd::CImageEditWnd() {
   m_userLanguage = static_cast<WORD>(GetUserDefaultLangID() & 0x3FF);
   InitTextFont();
-  m_textBackgroundBrush = CreateSolidBrush(0xFFFFFF);
+  m_textBackgroundBrush = platform::OwnedBrush(CreateSolidBrush(m_textBackgroundColor));
   BuildPopupMenu();
   LoadCursors();
   m_imageLibrary = LoadLibraryA("MSIMG32.DLL");
@@ -48,7 +51,7 @@ void CImageEditWnd::InitTextFont() {
   m_textFontDescription.lfClipPrecision = 2;
   m_textFontDescription.lfQuality = 1;
   std::strncpy(m_textFontDescription.lfFaceName, font.faceName, LF_FACESIZE - 1);
-  m_textFont = CreateFontIndirectA(&m_textFontDescription);
+  m_textFont = platform::OwnedFont(CreateFontIndirectA(&m_textFontDescription));
 }
 
 // The object menu's items arrive with the inserted objects; until then the menus
@@ -68,36 +71,9 @@ void CImageEditWnd::LoadCursors() {
   }
 }
 
+// The GDI objects go with the parts that own them; what is left are the menus, the
+// cursors and the image library.
 CImageEditWnd::~CImageEditWnd() {
-  ReleaseSurface(m_composition);
-  if (m_drawingLayer.dc) {
-    if (m_drawingLayerPreviousPen) DeleteObject(SelectObject(m_drawingLayer.dc, m_drawingLayerPreviousPen));
-    if (m_drawingLayerPreviousBrush)
-      DeleteObject(SelectObject(m_drawingLayer.dc, m_drawingLayerPreviousBrush));
-  }
-  ReleaseSurface(m_drawingLayer);
-  ReleaseSurface(m_imageSurface);
-
-  for (HGDIOBJ object : {static_cast<HGDIOBJ>(m_originalImage), static_cast<HGDIOBJ>(m_bitmapBrush),
-                         static_cast<HGDIOBJ>(m_selectionBitmap), static_cast<HGDIOBJ>(m_textFont),
-                         static_cast<HGDIOBJ>(m_textBackgroundBrush)}) {
-    if (object) DeleteObject(object);
-  }
-
-  if (m_snapshotDC) {
-    if (m_snapshotPreviousBitmap) SelectObject(m_snapshotDC, m_snapshotPreviousBitmap);
-    DeleteDC(m_snapshotDC);
-  }
-  for (int level = 0; level < m_historyCount; ++level) {
-    if (m_history[level].snapshot) DeleteObject(m_history[level].snapshot);
-    for (FramePiece& piece : m_history[level].frame) {
-      if (piece.bitmap) DeleteObject(piece.bitmap);
-    }
-  }
-  for (FramePiece& piece : m_frame) {
-    if (piece.bitmap) DeleteObject(piece.bitmap);
-  }
-
   if (m_popupMenu) {
     if (m_zOrderMenu) DestroyMenu(m_zOrderMenu);
     DestroyMenu(m_popupMenu);
@@ -106,18 +82,6 @@ CImageEditWnd::~CImageEditWnd() {
     if (cursor) DestroyCursor(cursor);
   }
   if (m_imageLibrary) FreeLibrary(m_imageLibrary);
-
-  // The window may outlive the control's own teardown order only in tests that
-  // destroy the editor directly; the CWnd base destroys it then.
-}
-
-void CImageEditWnd::ReleaseSurface(Surface& surface) {
-  if (surface.dc) {
-    if (surface.previousBitmap) SelectObject(surface.dc, surface.previousBitmap);
-    DeleteDC(surface.dc);
-  }
-  if (surface.bitmap) DeleteObject(surface.bitmap);
-  surface = Surface{};
 }
 
 BOOL CImageEditWnd::PreCreateWindow(CREATESTRUCTA& cs) {
@@ -130,29 +94,20 @@ int CImageEditWnd::OnCreate(LPCREATESTRUCTA cs) {
 
   if (IsWindow(m_hWnd)) {
     if (HDC windowDC = ::GetDC(m_hWnd)) {
-      for (Surface* surface : {&m_composition, &m_drawingLayer, &m_imageSurface}) {
-        surface->dc = CreateCompatibleDC(windowDC);
-        if (!surface->dc) continue;
-        surface->bitmap = CreateCompatibleBitmap(windowDC, 1, 1);
-        if (surface->bitmap) {
-          surface->previousBitmap = static_cast<HBITMAP>(SelectObject(surface->dc, surface->bitmap));
-        }
-      }
-      if (m_imageSurface.dc) SetStretchBltMode(m_imageSurface.dc, HALFTONE);
-      m_snapshotDC = CreateCompatibleDC(windowDC);
+      m_surfaces.Create(windowDC);
       ::ReleaseDC(m_hWnd, windowDC);
     }
   }
 
   const RECT none{0, 0, 0, 0};
-  m_textEdit.Create(nullptr, "Text Edit", 0x40040120, none, this, 1);
+  m_textEdit.Create(nullptr, "Text Edit", kTextEntryStyle, none, this, kTextEntryChildId);
   return 0;
 }
 
 void CImageEditWnd::OnSize(UINT type, int cx, int cy) {
   CWnd::OnSize(type, cx, cy);
-  if (cx > 0 && cy > 0 && m_surfacesPending) {
-    m_surfacesPending = false;
+  if (cx > 0 && cy > 0 && m_surfaces.sizePending) {
+    m_surfaces.sizePending = false;
     CreateCompositionBuffer(cx, cy);
     CreateDrawingLayer(cx, cy);
     CreateImageSurface(cx, cy);
@@ -160,14 +115,16 @@ void CImageEditWnd::OnSize(UINT type, int cx, int cy) {
 }
 
 void CImageEditWnd::OnClose() {
-  if (m_sprayTimerId) KillTimer(m_sprayTimerId);
-  if (m_autoScrollTimerId) KillTimer(m_autoScrollTimerId);
+  if (m_tools.stroke.sprayTimerId) KillTimer(m_tools.stroke.sprayTimerId);
+  if (m_tools.stroke.autoScrollTimerId) KillTimer(m_tools.stroke.autoScrollTimerId);
   CWnd::OnClose();
 }
 
 void CImageEditWnd::EnableShortcutMenu(long bShortcutMenu) { m_shortcutMenuEnabled = (bShortcutMenu == 1); }
 
 void CImageEditWnd::EnableVerbose(long bVerbose) { m_verbose = (bVerbose == 1); }
+
+void CImageEditWnd::SetNothing() { m_tools.mode = ToolMode::None; }
 
 void CImageEditWnd::ShowOutOfMemoryMessage() const {
   AfxMessageBox(kOutOfMemoryText.For(m_userLanguage), MB_ICONHAND | MB_OK, 0);

@@ -5,31 +5,27 @@
 
 #include <string>
 
-#include "editor/history_level.h"
-#include "editor/inserted_object.h"
+#include "editor/editor_state.h"
+#include "editor/history.h"
+#include "editor/inserted_objects.h"
+#include "editor/selection_box.h"
+#include "editor/surfaces.h"
+#include "editor/view_placement.h"
 #include "pixels/adjustment_settings.h"
 #include "pixels/frame_piece.h"
+#include "pixels/pixel_buffer.h"
+#include "platform/gdi_handles.h"
 #include "platform/platform.h"
 #include "tools/text_edit_wnd.h"
+#include "tools/tool_state.h"
 
 class CImageEditCtrl;
 
-// A memory DC with its own bitmap, the bitmap that was selected before it, and its
-// extent (left and top are always 0).
-struct Surface {
-  HDC dc = nullptr;
-  HBITMAP previousBitmap = nullptr;
-  HBITMAP bitmap = nullptr;
-  RECT rect{0, 0, 0, 0};
-  int width() const { return rect.right - rect.left; }
-  int height() const { return rect.bottom - rect.top; }
-};
-
-inline constexpr COLORREF kDrawingLayerKeyColor = 0x000B4313;
-inline constexpr COLORREF kInitialBitmapBrushKeyColor = 0x00E9CE72;
 inline constexpr int kCursorCount = 20;
-inline constexpr UINT_PTR kSprayTimerId = 1;
-inline constexpr UINT_PTR kAutoScrollTimerId = 2;
+// The class-specific low style bits the editor window and its text-entry child are
+// created with. Neither window class gives them a meaning; they are kept so that both
+// windows carry the styles they always had.
+inline constexpr DWORD kClassStyleBits = 0x0120;
 
 class CImageEditWnd : public CWnd {
  public:
@@ -92,13 +88,22 @@ class CImageEditWnd : public CWnd {
   void SaveSelectionBoxBitmap(LPCSTR lpcFilePath);
   void EnableShortcutMenu(long bShortcutMenu);
   void EnableVerbose(long bVerbose);
+  // Only the tool mode changes: pending text stays in its box and nothing is redrawn.
+  void SetNothing();
+
+  // ---- what hosts read ----
+  // Everything a host reports about the editor, as one value.
+  EditorState State() const;
+  // The bitmap of one of the surfaces (null when there is none), for hosts that write
+  // it out as a picture.
+  HBITMAP SurfaceBitmap(SurfaceName surface) const;
 
   // ---- surface operations ----
-  // A new 24-bit bottom-up pixel buffer of the bitmap, or null. Width, height and
-  // stride are stored as soon as the bitmap's header is known.
-  BYTE* ReadSurfacePixels(HDC dc, HBITMAP bitmap, int* width, int* height, int* stride);
-  // Replaces the bitmap's rows from the buffer and frees the buffer in every case.
-  void WriteSurfacePixels(HDC dc, HBITMAP bitmap, BYTE* buffer);
+  // The bitmap's pixels as a new 24-bit bottom-up buffer; empty (nothing allocated)
+  // when the DC or the bitmap is missing or the memory cannot be had.
+  PixelBuffer ReadSurfacePixels(HDC dc, HBITMAP bitmap);
+  // Replaces the bitmap's rows from the buffer, which is released in every case.
+  void WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffer);
   void CreateCompositionBuffer(int width, int height);
   void CreateDrawingLayer(int width, int height);
   void CreateImageSurface(int width, int height);
@@ -139,47 +144,34 @@ class CImageEditWnd : public CWnd {
 
   // The control that owns this editor, for events.
   CImageEditCtrl* m_control = nullptr;
-
-  // 1. window state
+  // Set by the control right after it has created the editor window.
   bool m_windowCreated = false;
-  bool m_surfacesPending = true;
 
-  // 2. surfaces
-  Surface m_composition;
-  Surface m_drawingLayer;
-  COLORREF m_drawingLayerKeyColor = kDrawingLayerKeyColor;
-  Surface m_imageSurface;
-  HBITMAP m_originalImage = nullptr;
-  int m_originalWidth = 0;
-  int m_originalHeight = 0;
-  RECT m_imageRect{0, 0, 0, 0};
-  int m_displayedWidth = 0;
-  int m_displayedHeight = 0;
-  double m_displayScale = 1.0;
-  bool m_scalingAllowed = false;
+  // The parts. The history is declared before the surfaces and the tools after them,
+  // so that the snapshot DC lets go of a level's snapshot before the history deletes
+  // it, and the tools put the drawing layer's previous pen and brush back before the
+  // drawing layer goes.
+  EditHistory m_history;
+  bool m_framePresent = false;
+  FramePiece m_frame[kFramePieceCount];
+  EditorSurfaces m_surfaces;
+  ViewPlacement m_view;
+  ToolState m_tools;
+  InsertedObjects m_objects;
+  SelectionBox m_selectionBox;
+  AdjustmentSettings m_settings;
 
-  // 3. mouse and tool state
+  // View dragging (panning) with no tool.
   bool m_panning = false;
   POINT m_panLastPoint{-1, -1};
-  int m_toolMode = 0;
-  int m_savedToolMode = 0;
-  COLORREF m_color = 0;
-  int m_penSize = 0;
-  int m_shapeStyle = 0;
+  // Last SetTransparency and SetTexture arguments.
   int m_transparentColor = 0;
   int m_transparency = 0;
   int m_texture = 0;
-  int m_toolWidth = 0;
-  HBITMAP m_bitmapBrush = nullptr;
-  COLORREF m_bitmapBrushKeyColor = kInitialBitmapBrushKeyColor;
-  HGDIOBJ m_drawingLayerPreviousPen = nullptr;
-  HGDIOBJ m_drawingLayerPreviousBrush = nullptr;
-  int m_airbrushDensity = 64;
-  UINT_PTR m_sprayTimerId = 0;
 
-  // 4. text entry and selection
+  // Text entry and the captured selection.
   CTextEditWnd m_textEdit;
-  HBITMAP m_selectionBitmap = nullptr;
+  platform::OwnedBitmap m_selectionBitmap;
   int m_selectionX = 0;
   int m_selectionY = 0;
   int m_selectionWidth = 0;
@@ -187,68 +179,17 @@ class CImageEditWnd : public CWnd {
   COLORREF m_pickedColor = 0;
   WORD m_userLanguage = 0;
   LOGFONTA m_textFontDescription{};
-  HFONT m_textFont = nullptr;
+  platform::OwnedFont m_textFont;
   COLORREF m_textColor = 0;
   COLORREF m_textBackgroundColor = 0xFFFFFF;
-  HBRUSH m_textBackgroundBrush = nullptr;
+  platform::OwnedBrush m_textBackgroundBrush;
   bool m_textBackgroundTransparent = false;
 
-  // 5. stroke state
-  bool m_buttonDown = false;
-  UINT_PTR m_autoScrollTimerId = 0;
-  POINT m_autoScrollPoint{0, 0};
-  POINT m_downPoint{0, 0};
-  POINT m_lastPoint{0, 0};
-  POINT m_curvePoints[4]{};
-  int m_curveStage = 0;
-
-  // 6. history
-  HDC m_snapshotDC = nullptr;
-  HBITMAP m_snapshotPreviousBitmap = nullptr;
-  HistoryLevel m_history[kHistoryLevels];
-  int m_historyCount = 0;
-  int m_historyIndex = -1;
-
-  // 7. save size and frame
+  // Saving at a chosen size; 0 means the displayed size.
   int m_saveWidth = 0;
   int m_saveHeight = 0;
-  int m_requestedImageWidth = 0;
-  bool m_framePresent = false;
-  FramePiece m_frame[kFramePieceCount];
 
-  // 8. scrolling
-  int m_viewWidth = 0;
-  int m_viewHeight = 0;
-  bool m_hScrollShown = false;
-  int m_hScrollPos = 0;
-  bool m_vScrollShown = false;
-  int m_vScrollPos = 0;
-
-  // 9. inserted objects
-  CInsertedObject m_objects[kMaxInsertedObjects];
-  int m_objectCount = 0;
-  int m_draggedObject = -1;
-  int m_dragLastX = -1;
-  int m_dragLastY = -1;
-  int m_selectedObject = -1;
-  int m_zOrder[kMaxInsertedObjects + 1] = {0, 0, 0, 0, 0, 0};
-  bool m_overObjectBody = false;
-  bool m_resizingObject = false;
-  bool m_overObjectGrip = false;
-
-  // 10. adjustment settings
-  AdjustmentSettings m_settings;
-
-  // 11. selection box
-  int m_selectionBoxX = 0;
-  int m_selectionBoxY = 0;
-  int m_selectionBoxWidth = 0;
-  int m_selectionBoxHeight = 0;
-  bool m_selectionBoxDragging = false;
-  POINT m_selectionBoxLastPoint{0, 0};
-  bool m_overSelectionBox = false;
-
-  // 12. shell resources
+  // Shell resources.
   bool m_shortcutMenuEnabled = false;
   HMENU m_popupMenu = nullptr;
   HMENU m_zOrderMenu = nullptr;
@@ -262,10 +203,9 @@ class CImageEditWnd : public CWnd {
   void InitTextFont();
   void BuildPopupMenu();
   void LoadCursors();
-  void ReleaseSurface(Surface& surface);
-  // Steps 1 to 4 shared by the three surface creations; false when the surface has
-  // no DC or the new bitmap could not be made.
-  bool ReplaceSurfaceBitmap(Surface& surface, int width, int height);
+  // Everything a history level records except the drawing layer, and giving it back.
+  void RecordLevel(HistoryLevel& level) const;
+  void RestoreLevel(const HistoryLevel& level);
   // Centres the original, scaled by the display scale, in a surface of that size
   // and stretches it there on white.
   void DrawScaledOriginal(const Surface& surface);

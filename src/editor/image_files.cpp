@@ -17,8 +17,8 @@ imageio::WriteContext WriteContextOf(const CImageEditWnd& editor) {
 // The composition buffer's area (x, y, width, height) that the whole saved image
 // covers: the image rectangle, widened to take in the frame when there is one.
 RECT SavedImageArea(const CImageEditWnd& editor) {
-  RECT area{editor.m_imageRect.left, editor.m_imageRect.top, editor.m_displayedWidth,
-            editor.m_displayedHeight};
+  const ViewPlacement& view = editor.m_view;
+  RECT area{view.imageRect.left, view.imageRect.top, view.displayedWidth, view.displayedHeight};
   if (editor.m_framePresent) {
     const FramePiece& right = editor.m_frame[0];
     const FramePiece& top = editor.m_frame[2];
@@ -32,81 +32,67 @@ RECT SavedImageArea(const CImageEditWnd& editor) {
   return area;
 }
 
-// A scratch DC with a new bitmap compatible with the composition buffer selected
-// into it; both are released by the destructor.
-class ScratchBitmap {
- public:
-  ScratchBitmap(HDC compatibleWith, int width, int height) {
-    dc_ = CreateCompatibleDC(compatibleWith);
-    if (!dc_) return;
-    bitmap_ = CreateCompatibleBitmap(compatibleWith, width, height);
-    if (bitmap_) previous_ = SelectObject(dc_, bitmap_);
-  }
-  ~ScratchBitmap() {
-    if (previous_) SelectObject(dc_, previous_);
-    if (bitmap_) DeleteObject(bitmap_);
-    if (dc_) DeleteDC(dc_);
-  }
-  ScratchBitmap(const ScratchBitmap&) = delete;
-  ScratchBitmap& operator=(const ScratchBitmap&) = delete;
+// A scratch DC with a new bitmap compatible with `compatibleWith` selected into it.
+struct ScratchBitmap {
+  ScratchBitmap(HDC compatibleWith, int width, int height)
+      : dc(compatibleWith),
+        bitmap(dc ? CreateCompatibleBitmap(compatibleWith, width, height) : nullptr),
+        selected(bitmap ? dc.get() : nullptr, bitmap.get()) {}
+  bool ok() const { return dc && bitmap; }
 
-  bool ok() const { return dc_ && bitmap_; }
-  HDC dc() const { return dc_; }
-  HBITMAP bitmap() const { return bitmap_; }
-
- private:
-  HDC dc_ = nullptr;
-  HBITMAP bitmap_ = nullptr;
-  HGDIOBJ previous_ = nullptr;
+  platform::MemoryDC dc;
+  platform::OwnedBitmap bitmap;
+  platform::SelectionGuard selected;
 };
 
 }  // namespace
 
 void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
-  if (!m_imageSurface.dc) return;
-  if (m_originalImage) {
-    DeleteObject(m_originalImage);
-    m_originalImage = nullptr;
-  }
+  if (!m_surfaces.imageSurface.dc()) return;
+  m_surfaces.original.reset();
   // A failed load leaves the view as it was: the surfaces are not touched.
-  m_originalImage = imageio::LoadImage(lpszFilePath, LoadContextOf(*this));
-  if (!m_originalImage) return;
+  m_surfaces.original = platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, LoadContextOf(*this)));
+  if (!m_surfaces.original) return;
   BITMAP description{};
-  if (!GetObjectA(m_originalImage, sizeof description, &description)) return;
-  m_originalWidth = description.bmWidth;
-  m_originalHeight = description.bmHeight;
-  m_scalingAllowed = true;
-  CreateDrawingLayer(m_originalWidth, m_originalHeight);
-  SetImageWidth(m_requestedImageWidth > 0 ? m_requestedImageWidth : -100);
-  CommitHistoryLevel(m_drawingLayer.dc, m_drawingLayer.width(), m_drawingLayer.height());
+  if (!GetObjectA(m_surfaces.original.get(), sizeof description, &description)) return;
+  m_view.originalWidth = description.bmWidth;
+  m_view.originalHeight = description.bmHeight;
+  m_view.scalingAllowed = true;
+  CreateDrawingLayer(m_view.originalWidth, m_view.originalHeight);
+  SetImageWidth(m_view.requestedImageWidth > 0 ? m_view.requestedImageWidth : -100);
+  const Surface& layer = m_surfaces.drawingLayer;
+  CommitHistoryLevel(layer.dc(), layer.width(), layer.height());
 }
 
 void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
-  if (!m_composition.dc) return;
+  HDC composition = m_surfaces.composition.dc();
+  if (!composition) return;
   // Text entry is closed here (before composing) once it exists in the editor.
   ComposeView();
   const RECT source = SavedImageArea(*this);  // left, top, width, height
   const int width = m_saveWidth > 0 ? m_saveWidth : source.right;
   const int height = m_saveHeight > 0 ? m_saveHeight : source.bottom;
-  ScratchBitmap output(m_composition.dc, width, height);
+  const ScratchBitmap output(composition, width, height);
   if (!output.ok()) return;
-  SetStretchBltMode(output.dc(), HALFTONE);
-  StretchBlt(output.dc(), 0, 0, width, height, m_composition.dc, source.left, source.top, source.right,
+  SetStretchBltMode(output.dc.get(), HALFTONE);
+  StretchBlt(output.dc.get(), 0, 0, width, height, composition, source.left, source.top, source.right,
              source.bottom, SRCCOPY);
-  imageio::WriteBitmapFile(lpszFilePath, output.bitmap(), WriteContextOf(*this));
+  imageio::WriteBitmapFile(lpszFilePath, output.bitmap.get(), WriteContextOf(*this));
 }
 
 void CImageEditWnd::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
   // Text entry is closed here (before anything else) once it exists in the editor.
-  if (!m_composition.dc || m_selectionBoxWidth <= 0 || m_selectionBoxHeight <= 0) return;
-  ScratchBitmap output(m_composition.dc, m_selectionBoxWidth, m_selectionBoxHeight);
+  HDC composition = m_surfaces.composition.dc();
+  if (!composition || !m_selectionBox.IsShown()) return;
+  const ScratchBitmap output(composition, m_selectionBox.width, m_selectionBox.height);
   if (!output.ok()) return;
   ComposeView();
   // The box keeps window coordinates; the picture under it on screen lies at the
   // box's position plus the scroll position in the composition buffer.
-  BitBlt(output.dc(), 0, 0, m_selectionBoxWidth, m_selectionBoxHeight, m_composition.dc,
-         m_selectionBoxX + m_hScrollPos, m_selectionBoxY + m_vScrollPos, SRCCOPY);
-  imageio::WriteBitmapFile(lpcFilePath, output.bitmap(), WriteContextOf(*this));
+  const RECT under = m_selectionBox.OnSurface(m_view.hScrollPos, m_view.vScrollPos);
+  BitBlt(output.dc.get(), 0, 0, m_selectionBox.width, m_selectionBox.height, composition, under.left, under.top,
+         SRCCOPY);
+  imageio::WriteBitmapFile(lpcFilePath, output.bitmap.get(), WriteContextOf(*this));
 }
 
 void CImageEditWnd::SetSaveEditedBitmapSize(int nWidth, int nHeight) {

@@ -6,9 +6,10 @@
 class CInsertedObject {
  public:
   CInsertedObject() = default;
-  ~CInsertedObject() = default;
+  // An object is copied deeply (its bitmaps duplicated) by an explicit copy operation
+  // once it has content; plain copies would share handles.
   CInsertedObject(const CInsertedObject&) = delete;
   CInsertedObject& operator=(const CInsertedObject&) = delete;
+  CInsertedObject(CInsertedObject&&) = default;
+  CInsertedObject& operator=(CInsertedObject&&) = default;
 };
-
-inline constexpr int kMaxInsertedObjects = 5;

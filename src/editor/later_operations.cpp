@@ -6,8 +6,8 @@
 
 std::string CImageEditWnd::GetColor() {
   char text[8];
-  std::snprintf(text, sizeof text, "%02X%02X%02X", GetRValue(m_color), GetGValue(m_color),
-                GetBValue(m_color));
+  std::snprintf(text, sizeof text, "%02X%02X%02X", GetRValue(m_tools.color), GetGValue(m_tools.color),
+                GetBValue(m_tools.color));
   return text;
 }
 

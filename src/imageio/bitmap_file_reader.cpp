@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 
 #include "imageio/pixel_limits.h"
 #include "platform/gdi.h"
@@ -24,27 +23,6 @@ std::uint32_t Read32(const std::uint8_t* p) {
 
 struct Bgr {
   std::uint8_t blue = 0, green = 0, red = 0;
-};
-
-// One colour channel of a BI_BITFIELDS pixel: where it sits and how wide it is.
-struct Channel {
-  std::uint32_t mask = 0;
-  int shift = 0;
-  int bits = 0;
-
-  explicit Channel(std::uint32_t m) : mask(m) {
-    if (mask == 0) return;
-    shift = std::countr_zero(mask);
-    bits = std::bit_width(mask >> shift);
-  }
-  // Scales the channel's value to 0..255; the top 8 bits of wider channels.
-  std::uint8_t Extract(std::uint32_t pixel) const {
-    if (bits == 0) return 0;
-    const std::uint32_t value = (pixel & mask) >> shift;
-    if (bits >= 8) return static_cast<std::uint8_t>(std::min<std::uint32_t>(value >> (bits - 8), 255));
-    const std::uint32_t max = (1u << bits) - 1;
-    return static_cast<std::uint8_t>(std::min<std::uint32_t>(value * 255 / max, 255));
-  }
 };
 
 // Everything the pixel conversion needs, checked against the data.
@@ -145,7 +123,7 @@ std::optional<FileLayout> ParseLayout(const std::uint8_t* data, std::size_t coun
 }
 
 void ConvertRow(const FileLayout& layout, const std::uint8_t* source, std::uint8_t* target) {
-  const Channel red(layout.masks[0]), green(layout.masks[1]), blue(layout.masks[2]);
+  const platform::DibChannel red(layout.masks[0]), green(layout.masks[1]), blue(layout.masks[2]);
   for (int x = 0; x < layout.width; ++x, target += 3) {
     Bgr pixel;
     if (layout.bitCount <= 8) {
@@ -157,7 +135,7 @@ void ConvertRow(const FileLayout& layout, const std::uint8_t* source, std::uint8
       pixel = {source[x * 3], source[x * 3 + 1], source[x * 3 + 2]};
     } else {
       const std::uint32_t value = layout.bitCount == 16 ? Read16(source + x * 2) : Read32(source + x * 4);
-      pixel = {blue.Extract(value), green.Extract(value), red.Extract(value)};
+      pixel = {blue.Read(value), green.Read(value), red.Read(value)};
     }
     target[0] = pixel.blue;
     target[1] = pixel.green;

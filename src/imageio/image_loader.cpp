@@ -106,13 +106,7 @@ HBITMAP DecodeBitmapFile(const std::uint8_t* data, std::size_t count, HWND windo
   HBITMAP bitmap = nullptr;
   if (const std::optional<Dib24> dib = ReadBitmapFile(data, count)) {
     bitmap = CreateCompatibleBitmap(dc, dib->width, dib->height);
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info.bmiHeader.biWidth = dib->width;
-    info.bmiHeader.biHeight = dib->height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 24;
-    info.bmiHeader.biCompression = BI_RGB;
+    const BITMAPINFO info = platform::Dib24Info(dib->width, dib->height);
     if (bitmap && SetDIBits(dc, bitmap, 0, static_cast<UINT>(dib->height), dib->rows.data(), &info,
                             DIB_RGB_COLORS) == 0) {
       DeleteObject(bitmap);

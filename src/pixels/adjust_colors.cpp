@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "pixels/pixel_rect.h"
 
 namespace {
 
@@ -141,26 +140,25 @@ void ApplyMatrix(const PixelRect& rect, const ColorMatrix& m) {
 
 }  // namespace
 
-void AdjustColors(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int brightness, int contrast,
-                  double redGamma, double greenGamma, double blueGamma, double saturation, double hue) {
-  const PixelRect rect{buffer, x0, y0, x1, y1, stride};
+void AdjustColors(const PixelRect& rect, const AdjustmentSettings& settings) {
   if (rect.empty()) return;
-  if (brightness != 0) {
-    const LookupTable table = BrightnessTable(brightness);
+  if (settings.brightness != 0) {
+    const LookupTable table = BrightnessTable(settings.brightness);
     ApplyTables(rect, table, table, table);
   }
-  if (contrast != 0) {
-    const LookupTable table = ContrastTable(contrast);
+  if (settings.contrast != 0) {
+    const LookupTable table = ContrastTable(settings.contrast);
     ApplyTables(rect, table, table, table);
   }
-  if (redGamma != 1.0 || greenGamma != 1.0 || blueGamma != 1.0) {
+  if (settings.redGamma != 1.0 || settings.greenGamma != 1.0 || settings.blueGamma != 1.0) {
     // The first gamma of the triple acts on byte 0, the blue byte, and the last on
     // the red byte; the names follow the order the triple is given in.
-    ApplyTables(rect, GammaTable(redGamma), GammaTable(greenGamma), GammaTable(blueGamma));
+    ApplyTables(rect, GammaTable(settings.redGamma), GammaTable(settings.greenGamma),
+                GammaTable(settings.blueGamma));
   }
-  if (hue == 0.0 && saturation == 1.0) return;
+  if (settings.hue == 0.0 && settings.saturation == 1.0) return;
   ColorMatrix m = Identity();
-  Apply(m, SaturationMatrix(saturation));
-  Apply(m, HueMatrix(hue));
+  Apply(m, SaturationMatrix(settings.saturation));
+  Apply(m, HueMatrix(settings.hue));
   ApplyMatrix(rect, m);
 }

@@ -46,18 +46,16 @@ void LiftTowardsWhite(const PixelRect& rect) {
 
 }  // namespace
 
-void ApplyFilters(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int whitenSteps, int sharpenSteps,
-                  int smoothSteps, bool invert, bool gray, const OutOfMemoryHandler& outOfMemory) {
-  WhitenPixels(buffer, x0, y0, x1, y1, stride, whitenSteps, outOfMemory);
-  SharpenPixels(buffer, x0, y0, x1, y1, stride, sharpenSteps, outOfMemory);
-  SmoothPixels(buffer, x0, y0, x1, y1, stride, smoothSteps, outOfMemory);
-  if (invert) InvertPixels(buffer, x0, y0, x1, y1, stride);
-  if (gray) GrayPixels(buffer, x0, y0, x1, y1, stride);
+void ApplyFilters(const PixelRect& rect, const AdjustmentSettings& settings,
+                  const OutOfMemoryHandler& outOfMemory) {
+  WhitenPixels(rect, settings.whitenSteps, outOfMemory);
+  SharpenPixels(rect, settings.sharpenSteps, outOfMemory);
+  SmoothPixels(rect, settings.smoothSteps, outOfMemory);
+  if (settings.invert) InvertPixels(rect);
+  if (settings.gray) GrayPixels(rect);
 }
 
-void WhitenPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int steps,
-                  const OutOfMemoryHandler& outOfMemory) {
-  const PixelRect rect{buffer, x0, y0, x1, y1, stride};
+void WhitenPixels(const PixelRect& rect, int steps, const OutOfMemoryHandler& outOfMemory) {
   RunNeighbourhoodFilter(
       rect, steps, outOfMemory,
       [](const BYTE* c, std::ptrdiff_t row) {
@@ -69,32 +67,26 @@ void WhitenPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int 
       LiftTowardsWhite);
 }
 
-void SharpenPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int steps,
-                   const OutOfMemoryHandler& outOfMemory) {
-  RunNeighbourhoodFilter(PixelRect{buffer, x0, y0, x1, y1, stride}, steps, outOfMemory,
-                         [](const BYTE* c, std::ptrdiff_t row) {
-                           return ClampByte((36 * c[0] - c[-row] - c[row] - c[-3] - c[3]) / 32);
-                         });
+void SharpenPixels(const PixelRect& rect, int steps, const OutOfMemoryHandler& outOfMemory) {
+  RunNeighbourhoodFilter(rect, steps, outOfMemory, [](const BYTE* c, std::ptrdiff_t row) {
+    return ClampByte((36 * c[0] - c[-row] - c[row] - c[-3] - c[3]) / 32);
+  });
 }
 
-void SmoothPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int steps,
-                  const OutOfMemoryHandler& outOfMemory) {
-  RunNeighbourhoodFilter(PixelRect{buffer, x0, y0, x1, y1, stride}, steps, outOfMemory,
-                         [](const BYTE* c, std::ptrdiff_t row) {
-                           int sum = 0;
-                           for (std::ptrdiff_t dy : {-row, std::ptrdiff_t{0}, row}) {
-                             sum += c[dy - 3] + c[dy] + c[dy + 3];
-                           }
-                           return static_cast<BYTE>(sum / 9);
-                         });
+void SmoothPixels(const PixelRect& rect, int steps, const OutOfMemoryHandler& outOfMemory) {
+  RunNeighbourhoodFilter(rect, steps, outOfMemory, [](const BYTE* c, std::ptrdiff_t row) {
+    int sum = 0;
+    for (std::ptrdiff_t dy : {-row, std::ptrdiff_t{0}, row}) sum += c[dy - 3] + c[dy] + c[dy + 3];
+    return static_cast<BYTE>(sum / 9);
+  });
 }
 
-void InvertPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride) {
-  MapEveryByte(PixelRect{buffer, x0, y0, x1, y1, stride}, [](int v) { return static_cast<BYTE>(255 - v); });
+void InvertPixels(const PixelRect& rect) {
+  MapEveryByte(rect, [](int v) { return static_cast<BYTE>(255 - v); });
 }
 
-void GrayPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride) {
-  ForEachPixel(PixelRect{buffer, x0, y0, x1, y1, stride}, [](BYTE* pixel, int, int) {
+void GrayPixels(const PixelRect& rect) {
+  ForEachPixel(rect, [](BYTE* pixel, int, int) {
     const BYTE g = static_cast<BYTE>((pixel[2] * 0.299 + pixel[0] * 0.114) + pixel[1] * 0.587);
     pixel[0] = pixel[1] = pixel[2] = g;
   });

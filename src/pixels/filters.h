@@ -3,17 +3,15 @@
 // filters report a working copy they cannot get through `outOfMemory` and skip.
 #pragma once
 
+#include "pixels/adjustment_settings.h"
 #include "pixels/pixel_rect.h"
 
 // Whiten, sharpen and smooth by their step counts, then invert and gray when set.
-void ApplyFilters(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int whitenSteps, int sharpenSteps,
-                  int smoothSteps, bool invert, bool gray, const OutOfMemoryHandler& outOfMemory = {});
+void ApplyFilters(const PixelRect& rect, const AdjustmentSettings& settings,
+                  const OutOfMemoryHandler& outOfMemory = {});
 
-void WhitenPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int steps,
-                  const OutOfMemoryHandler& outOfMemory = {});
-void SharpenPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int steps,
-                   const OutOfMemoryHandler& outOfMemory = {});
-void SmoothPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride, int steps,
-                  const OutOfMemoryHandler& outOfMemory = {});
-void InvertPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride);
-void GrayPixels(BYTE* buffer, int x0, int y0, int x1, int y1, int stride);
+void WhitenPixels(const PixelRect& rect, int steps, const OutOfMemoryHandler& outOfMemory = {});
+void SharpenPixels(const PixelRect& rect, int steps, const OutOfMemoryHandler& outOfMemory = {});
+void SmoothPixels(const PixelRect& rect, int steps, const OutOfMemoryHandler& outOfMemory = {});
+void InvertPixels(const PixelRect& rect);
+void GrayPixels(const PixelRect& rect);

@@ -1,10 +1,10 @@
 // One of the nine pieces of the decorative frame.
 #pragma once
 
-#include "platform/types.h"
+#include "platform/gdi_handles.h"
 
 struct FramePiece {
-  HBITMAP bitmap = nullptr;
+  platform::OwnedBitmap bitmap;
   int width = 0;
   int height = 0;
   int offset = 0;

@@ -3,23 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
+#include "pixels/pixel_rect.h"
 #include "platform/gdi.h"
-
-// Bytes in one row of a 24-bit buffer `width` pixels wide.
-inline constexpr int PixelRowStride(int width) { return static_cast<int>(platform::DibRowStride(width, 24)); }
-
-// The header that describes a whole bitmap of that size as such a buffer.
-inline BITMAPINFOHEADER PixelBufferHeader(int width, int height) {
-  BITMAPINFOHEADER header{};
-  header.biSize = sizeof(BITMAPINFOHEADER);
-  header.biWidth = width;
-  header.biHeight = height;
-  header.biPlanes = 1;
-  header.biBitCount = 24;
-  header.biCompression = BI_RGB;
-  return header;
-}
 
 // A buffer pixel as a COLORREF, and a COLORREF stored into a buffer pixel.
 inline COLORREF PixelColor(const BYTE* pixel) {
@@ -31,11 +18,34 @@ inline void StorePixelColor(BYTE* pixel, COLORREF color) {
   pixel[2] = GetRValue(color);
 }
 
-// Pixel buffers come from here so that every pass shares one size limit: a request
-// above it fails as out of memory instead of exhausting the process. The limit is
-// adjustable so that the out-of-memory paths can be exercised.
-BYTE* AllocatePixelBuffer(std::size_t bytes);
-void FreePixelBuffer(BYTE* buffer);
+// Pixel memory comes from here so that every pass shares one size limit: a request
+// above it fails as out of memory (null) instead of exhausting the process. The limit
+// is adjustable so that the out-of-memory paths can be exercised.
+std::unique_ptr<BYTE[]> AllocatePixels(std::size_t bytes);
 void SetPixelBufferLimit(std::size_t bytes);
-std::size_t PixelBufferLimit();
 inline constexpr std::size_t kDefaultPixelBufferLimit = std::size_t{1} << 30;
+
+// The pixels of a whole bitmap of width x height, owned. The size is known even when
+// the memory could not be had; the buffer is then empty (no bytes).
+class PixelBuffer {
+ public:
+  PixelBuffer() = default;
+  PixelBuffer(int width, int height);
+
+  explicit operator bool() const { return bytes_ != nullptr; }
+  BYTE* data() const { return bytes_.get(); }
+  int width() const { return width_; }
+  int height() const { return height_; }
+  int stride() const { return stride_; }
+  // The part of the buffer under a rectangle given in top-down bitmap coordinates,
+  // kept inside the bitmap.
+  PixelRect Area(const RECT& rect) const;
+  // Every pixel of the bitmap.
+  PixelRect Whole() const { return PixelRect{data(), 0, 0, width_, height_, stride_}; }
+
+ private:
+  std::unique_ptr<BYTE[]> bytes_;
+  int width_ = 0;
+  int height_ = 0;
+  int stride_ = 0;
+};

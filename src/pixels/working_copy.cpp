@@ -8,11 +8,8 @@
 WorkingCopy::WorkingCopy(const PixelRect& rect) : rect_(rect) {
   if (rect.empty()) return;
   rowBytes_ = static_cast<std::ptrdiff_t>(rect.width() + 2) * 3;
-  pixels_ =
-      AllocatePixelBuffer(static_cast<std::size_t>(rowBytes_) * static_cast<std::size_t>(rect.height() + 2));
+  pixels_ = AllocatePixels(static_cast<std::size_t>(rowBytes_) * static_cast<std::size_t>(rect.height() + 2));
 }
-
-WorkingCopy::~WorkingCopy() { FreePixelBuffer(pixels_); }
 
 void WorkingCopy::Refill() {
   if (!valid()) return;
@@ -20,7 +17,7 @@ void WorkingCopy::Refill() {
   const int h = rect_.height();
   for (int j = 0; j < h + 2; ++j) {
     const int y = std::clamp(j - 1, 0, h - 1);
-    BYTE* row = pixels_ + static_cast<std::ptrdiff_t>(j) * rowBytes_;
+    BYTE* row = pixels_.get() + static_cast<std::ptrdiff_t>(j) * rowBytes_;
     std::memcpy(row + 3, rect_.At(0, y), static_cast<std::size_t>(w) * 3);
     std::memcpy(row, row + 3, 3);
     std::memcpy(row + static_cast<std::ptrdiff_t>(w + 1) * 3, row + static_cast<std::ptrdiff_t>(w) * 3, 3);

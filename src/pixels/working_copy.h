@@ -3,6 +3,8 @@
 // all eight neighbours and the filter can write the buffer while reading the copy.
 #pragma once
 
+#include <memory>
+
 #include "pixels/pixel_rect.h"
 
 class WorkingCopy {
@@ -10,9 +12,6 @@ class WorkingCopy {
   // Asks for (w + 2) x (h + 2) pixels for the rectangle; valid() tells whether the
   // memory was granted.
   explicit WorkingCopy(const PixelRect& rect);
-  ~WorkingCopy();
-  WorkingCopy(const WorkingCopy&) = delete;
-  WorkingCopy& operator=(const WorkingCopy&) = delete;
 
   bool valid() const { return pixels_ != nullptr; }
   // Copies the rectangle's current pixels in and repeats its edge pixels around them.
@@ -20,12 +19,12 @@ class WorkingCopy {
   // The copy of rectangle pixel (x, y); its neighbours lie 3 bytes to either side and
   // rowBytes() above and below.
   const BYTE* Around(int x, int y) const {
-    return pixels_ + static_cast<std::ptrdiff_t>(y + 1) * rowBytes_ + static_cast<std::ptrdiff_t>(x + 1) * 3;
+    return pixels_.get() + static_cast<std::ptrdiff_t>(y + 1) * rowBytes_ + static_cast<std::ptrdiff_t>(x + 1) * 3;
   }
   std::ptrdiff_t rowBytes() const { return rowBytes_; }
 
  private:
   PixelRect rect_;
   std::ptrdiff_t rowBytes_ = 0;
-  BYTE* pixels_ = nullptr;
+  std::unique_ptr<BYTE[]> pixels_;
 };

@@ -147,6 +147,44 @@ constexpr std::int64_t DibRowStride(std::int64_t width, int bitsPerPixel) {
   return (width * bitsPerPixel + 31) / 32 * 4;
 }
 
+// The description of a packed 24-bit bottom-up DIB of that size (BI_RGB, no colour
+// table): what GetDIBits and SetDIBits exchange with pixel buffers and bitmap files.
+constexpr BITMAPINFO Dib24Info(int width, int height) {
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+  info.bmiHeader.biWidth = width;
+  info.bmiHeader.biHeight = height;
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 24;
+  info.bmiHeader.biCompression = BI_RGB;
+  return info;
+}
+
+// One colour channel of a BI_BITFIELDS pixel, widened to 8 bits the way GDI widens it:
+// a narrower channel repeats its top bits (5-bit 16 becomes 132, 31 becomes 255), a
+// wider one keeps its top 8 bits. SetDIBits and the bitmap file reader both use it.
+class DibChannel {
+ public:
+  explicit constexpr DibChannel(DWORD mask) : mask_(mask) {
+    if (!mask_) return;
+    while (!((mask_ >> shift_) & 1)) ++shift_;
+    while (bits_ < 32 - shift_ && ((mask_ >> (shift_ + bits_)) & 1)) ++bits_;
+  }
+  constexpr BYTE Read(DWORD pixel) const {
+    if (!bits_) return 0;
+    const DWORD value = (pixel & mask_) >> shift_;
+    if (bits_ >= 8) return static_cast<BYTE>(value >> (bits_ - 8));
+    DWORD out = value << (8 - bits_);
+    for (int filled = bits_; filled < 8; filled += bits_) out |= out >> bits_;
+    return static_cast<BYTE>(out & 0xFF);
+  }
+
+ private:
+  DWORD mask_ = 0;
+  int shift_ = 0;
+  int bits_ = 0;
+};
+
 // Live objects per handle kind, created minus deleted; stock objects are not counted.
 struct GdiCounts {
   int dcs = 0;

@@ -32,28 +32,6 @@ LineSpan SpanOf(LONG biHeight, UINT start, UINT lines) {
   return span;
 }
 
-// One channel taken out of a packed pixel by its mask and widened to 8 bits by
-// repeating its top bits (a 5-bit 0x1F becomes 0xFF).
-struct Channel {
-  DWORD mask = 0;
-  int shift = 0;
-  int bits = 0;
-
-  explicit Channel(DWORD m) : mask(m) {
-    if (!mask) return;
-    while (!((mask >> shift) & 1)) ++shift;
-    while (bits < 32 - shift && ((mask >> (shift + bits)) & 1)) ++bits;
-  }
-  std::uint32_t Read(DWORD value) const {
-    if (!bits) return 0;
-    std::uint32_t v = (value & mask) >> shift;
-    if (bits >= 8) return v >> (bits - 8);
-    std::uint32_t out = v << (8 - bits);
-    for (int filled = bits; filled < 8; filled += bits) out |= out >> bits;
-    return out & 0xFF;
-  }
-};
-
 // Decodes rows of one DIB format into 0x00RRGGBB pixels.
 class RowDecoder {
  public:
@@ -119,17 +97,19 @@ class RowDecoder {
 
  private:
   RowDecoder WithMasks(DWORD red, DWORD green, DWORD blue) {
-    red_ = Channel(red);
-    green_ = Channel(green);
-    blue_ = Channel(blue);
+    red_ = platform::DibChannel(red);
+    green_ = platform::DibChannel(green);
+    blue_ = platform::DibChannel(blue);
     masks_ = true;
     return *this;
   }
-  std::uint32_t Masked(DWORD v) const { return (red_.Read(v) << 16) | (green_.Read(v) << 8) | blue_.Read(v); }
+  std::uint32_t Masked(DWORD v) const {
+    return (std::uint32_t{red_.Read(v)} << 16) | (std::uint32_t{green_.Read(v)} << 8) | blue_.Read(v);
+  }
 
   int bitCount_ = 0;
   bool masks_ = false;
-  Channel red_{0}, green_{0}, blue_{0};
+  platform::DibChannel red_{0}, green_{0}, blue_{0};
   std::vector<std::uint32_t> palette_;
 };
 

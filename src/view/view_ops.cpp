@@ -22,6 +22,11 @@ double ScaleFromPercentage(int percent, int originalWidth, int originalHeight, i
 
 namespace {
 
+// Every field the bar is given: range, page and position, with a bar that cannot
+// scroll shown disabled rather than hidden.
+constexpr UINT kScrollInfoMask = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL;
+static_assert(sizeof(SCROLLINFO) == 28, "SCROLLINFO has the size the scroll-bar calls expect");
+
 HBRUSH WhiteBrush() { return static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)); }
 
 RECT ClientRect(HWND window) {
@@ -35,7 +40,8 @@ RECT ClientRect(HWND window) {
 void CImageEditWnd::OnPaint() {
   PAINTSTRUCT paint{};
   HDC windowDC = BeginPaint(m_hWnd, &paint);
-  if (!m_composition.dc || !m_composition.bitmap) {
+  const Surface& composition = m_surfaces.composition;
+  if (!composition.dc() || !composition.bitmap()) {
     const RECT client = ClientRect(m_hWnd);
     FillRect(windowDC, &client, WhiteBrush());
     EndPaint(m_hWnd, &paint);
@@ -44,31 +50,32 @@ void CImageEditWnd::OnPaint() {
 
   ComposeView();
   // The selection box is drawn on the window here once it exists.
-  BitBlt(windowDC, 0, 0, m_composition.width() - m_hScrollPos, m_composition.height() - m_vScrollPos,
-         m_composition.dc, m_hScrollPos, m_vScrollPos, SRCCOPY);
+  BitBlt(windowDC, 0, 0, composition.width() - m_view.hScrollPos, composition.height() - m_view.vScrollPos,
+         composition.dc(), m_view.hScrollPos, m_view.vScrollPos, SRCCOPY);
   EndPaint(m_hWnd, &paint);
 }
 
 void CImageEditWnd::ComposeView() {
-  if (!m_composition.dc) return;
-  if (m_imageSurface.dc && m_imageSurface.bitmap) {
-    BitBlt(m_composition.dc, 0, 0, m_composition.width(), m_composition.height(), m_imageSurface.dc, 0, 0,
-           SRCCOPY);
+  const Surface& composition = m_surfaces.composition;
+  const Surface& image = m_surfaces.imageSurface;
+  if (!composition.dc()) return;
+  if (image.dc() && image.bitmap()) {
+    BitBlt(composition.dc(), 0, 0, composition.width(), composition.height(), image.dc(), 0, 0, SRCCOPY);
   }
-  if (m_drawingLayer.dc && m_drawingLayer.bitmap) CompositeDrawingLayer(m_composition.dc);
+  if (m_surfaces.drawingLayer.dc() && m_surfaces.drawingLayer.bitmap()) CompositeDrawingLayer(composition.dc());
   // Inserted objects and the frame join the composition here once they exist.
 }
 
 void CImageEditWnd::UpdateScrollBars(int contentWidth, int contentHeight) {
-  if (m_hScrollShown) {
+  if (m_view.hScrollShown) {
     ShowScrollBar(m_hWnd, SB_HORZ, FALSE);
-    m_hScrollShown = false;
-    m_hScrollPos = 0;
+    m_view.hScrollShown = false;
+    m_view.hScrollPos = 0;
   }
-  if (m_vScrollShown) {
+  if (m_view.vScrollShown) {
     ShowScrollBar(m_hWnd, SB_VERT, FALSE);
-    m_vScrollShown = false;
-    m_vScrollPos = 0;
+    m_view.vScrollShown = false;
+    m_view.vScrollPos = 0;
   }
 
   // Both decisions use the client size without bars, so a bar on one axis never
@@ -83,15 +90,15 @@ void CImageEditWnd::UpdateScrollBars(int contentWidth, int contentHeight) {
     const int overflow = content - available;
     const int maximum = overflow + overflow / 20;
     position = 0;
-    SCROLLINFO info{28, SIF_ALL, 0, maximum, static_cast<UINT>(maximum / 20), 0, 0};
+    const SCROLLINFO info{sizeof(SCROLLINFO), kScrollInfoMask, 0, maximum, static_cast<UINT>(maximum / 20), 0, 0};
     SetScrollInfo(m_hWnd, bar, &info, TRUE);
   };
-  showBar(SB_HORZ, contentWidth, bare.right, m_hScrollShown, m_viewWidth, m_hScrollPos);
-  showBar(SB_VERT, contentHeight, bare.bottom, m_vScrollShown, m_viewHeight, m_vScrollPos);
+  showBar(SB_HORZ, contentWidth, bare.right, m_view.hScrollShown, m_view.viewWidth, m_view.hScrollPos);
+  showBar(SB_VERT, contentHeight, bare.bottom, m_view.vScrollShown, m_view.viewHeight, m_view.vScrollPos);
 
   const RECT client = ClientRect(m_hWnd);
-  m_viewWidth = client.right;
-  m_viewHeight = client.bottom;
+  m_view.viewWidth = client.right;
+  m_view.viewHeight = client.bottom;
 }
 
 void CImageEditWnd::OnHScroll(UINT code, UINT pos, HWND scrollBar) {
@@ -106,21 +113,16 @@ void CImageEditWnd::OnVScroll(UINT code, UINT pos, HWND scrollBar) {
 
 void CImageEditWnd::Scroll(int bar, UINT code, int position) {
   const bool horizontal = bar == SB_HORZ;
-  const int displayed = horizontal ? m_displayedWidth : m_displayedHeight;
-  const int view = horizontal ? m_viewWidth : m_viewHeight;
-  int& current = horizontal ? m_hScrollPos : m_vScrollPos;
-
+  const int displayed = horizontal ? m_view.displayedWidth : m_view.displayedHeight;
+  const int current = horizontal ? m_view.hScrollPos : m_view.vScrollPos;
+  // A line is a fiftieth of the displayed length, a page a twentieth.
   int step = 0;
   switch (code) {
     case SB_LINEUP:
-      step = -(displayed / 50);
-      break;
     case SB_LINEDOWN:
       step = displayed / 50;
       break;
     case SB_PAGEUP:
-      step = -(displayed / 20);
-      break;
     case SB_PAGEDOWN:
       step = displayed / 20;
       break;
@@ -131,85 +133,70 @@ void CImageEditWnd::Scroll(int bar, UINT code, int position) {
     default:
       return;
   }
-  if (step != 0) {
-    int moved = std::max(current + step, 0);
-    // The upper limit is applied last, so content narrower than the view pins the
-    // position at a negative value rather than at 0.
-    moved = std::min(moved, displayed - view);
-    current = moved;
-    SetScrollPos(m_hWnd, bar, moved, TRUE);
-  }
+  if (code == SB_LINEUP || code == SB_PAGEUP) step = -step;
+  if (step != 0) SetScrollPos(m_hWnd, bar, m_view.ScrollBy(bar, step), TRUE);
   // Inserted objects follow the scroll here once they exist.
   RedrawWindow();
 }
 
 BOOL CImageEditWnd::ScaleImage(int nScaleFactor) {
-  if (!m_scalingAllowed) return FALSE;
+  if (!m_view.scalingAllowed) return FALSE;
   const int percent = std::clamp(nScaleFactor, 0, 200);
-  m_displayScale = ScaleFromPercentage(percent, m_originalWidth, m_originalHeight, m_imageSurface.width(),
-                                       m_imageSurface.height());
-  DrawScaledOriginal(m_drawingLayer);
+  m_view.scale = ScaleFromPercentage(percent, m_view.originalWidth, m_view.originalHeight,
+                                     m_surfaces.imageSurface.width(), m_surfaces.imageSurface.height());
+  DrawScaledOriginal(m_surfaces.drawingLayer);
   // The image surface is drawn second: its placement is the image rectangle that
   // remains.
-  DrawScaledOriginal(m_imageSurface);
+  DrawScaledOriginal(m_surfaces.imageSurface);
   RedrawWindow();
   return TRUE;
 }
 
 void CImageEditWnd::DrawScaledOriginal(const Surface& surface) {
-  if (!surface.dc) return;
-  HDC scratch = CreateCompatibleDC(surface.dc);
+  if (!surface.dc()) return;
+  const platform::MemoryDC scratch(surface.dc());
   if (!scratch) return;
-  m_displayedWidth = static_cast<int>(m_originalWidth * m_displayScale);
-  m_displayedHeight = static_cast<int>(m_originalHeight * m_displayScale);
-  m_imageRect.left = surface.width() / 2 - m_displayedWidth / 2;
-  m_imageRect.top = surface.height() / 2 - m_displayedHeight / 2;
-  m_imageRect.right = m_imageRect.left + m_displayedWidth;
-  m_imageRect.bottom = m_imageRect.top + m_displayedHeight;
-  FillRect(surface.dc, &surface.rect, WhiteBrush());
-  HGDIOBJ previous = SelectObject(scratch, m_originalImage);
-  StretchBlt(surface.dc, m_imageRect.left, m_imageRect.top, m_displayedWidth, m_displayedHeight, scratch, 0,
-             0, m_originalWidth, m_originalHeight, SRCCOPY);
-  SelectObject(scratch, previous);
-  DeleteDC(scratch);
+  m_view.SizeToScale();
+  m_view.CentreIn(surface.width(), surface.height());
+  FillRect(surface.dc(), &surface.rect, WhiteBrush());
+  const platform::SelectionGuard selected(scratch.get(), m_surfaces.original.get());
+  const RECT& image = m_view.imageRect;
+  StretchBlt(surface.dc(), image.left, image.top, m_view.displayedWidth, m_view.displayedHeight, scratch.get(), 0,
+             0, m_view.originalWidth, m_view.originalHeight, SRCCOPY);
 }
 
 void CImageEditWnd::SetImageWidth(int nImageWidth) {
   if (nImageWidth == 0) {
-    m_requestedImageWidth = 0;
+    m_view.requestedImageWidth = 0;
     ShowScrollBar(m_hWnd, SB_BOTH, FALSE);
-    m_hScrollShown = m_vScrollShown = false;
-    m_viewWidth = m_viewHeight = m_hScrollPos = m_vScrollPos = 0;
+    m_view.hScrollShown = m_view.vScrollShown = false;
+    m_view.viewWidth = m_view.viewHeight = m_view.hScrollPos = m_view.vScrollPos = 0;
     return;
   }
   double scale = 1.0;
   if (nImageWidth > 0) {
-    m_requestedImageWidth = nImageWidth;
-    if (nImageWidth < m_originalWidth) scale = static_cast<double>(nImageWidth) / m_originalWidth;
+    m_view.requestedImageWidth = nImageWidth;
+    if (nImageWidth < m_view.originalWidth) scale = static_cast<double>(nImageWidth) / m_view.originalWidth;
   } else {
-    m_requestedImageWidth = 0;
+    m_view.requestedImageWidth = 0;
     const int percent = nImageWidth < -200 ? 200 : -nImageWidth;
-    scale = ScaleFromPercentage(percent, m_originalWidth, m_originalHeight, m_composition.width(),
-                                m_composition.height());
+    scale = ScaleFromPercentage(percent, m_view.originalWidth, m_view.originalHeight,
+                                m_surfaces.composition.width(), m_surfaces.composition.height());
   }
-  m_displayScale = scale;
-  if (!m_imageSurface.dc || !m_originalImage) return;
+  m_view.scale = scale;
+  if (!m_surfaces.imageSurface.dc() || !m_surfaces.original) return;
 
-  m_displayedWidth = static_cast<int>(m_originalWidth * scale);
-  m_displayedHeight = static_cast<int>(m_originalHeight * scale);
-  UpdateScrollBars(m_displayedWidth, m_displayedHeight);
+  m_view.SizeToScale();
+  UpdateScrollBars(m_view.displayedWidth, m_view.displayedHeight);
 
   const RECT client = ClientRect(m_hWnd);
-  const int width = std::max(static_cast<int>(client.right), m_displayedWidth);
-  const int height = std::max(static_cast<int>(client.bottom), m_displayedHeight);
-  const RECT oldImageRect = m_imageRect;
-  m_imageRect.left = width / 2 - m_displayedWidth / 2;
-  m_imageRect.top = height / 2 - m_displayedHeight / 2;
-  m_imageRect.right = m_imageRect.left + m_displayedWidth;
-  m_imageRect.bottom = m_imageRect.top + m_displayedHeight;
+  const int width = std::max(static_cast<int>(client.right), m_view.displayedWidth);
+  const int height = std::max(static_cast<int>(client.bottom), m_view.displayedHeight);
+  const RECT oldImageRect = m_view.imageRect;
+  m_view.CentreIn(width, height);
 
   CreateCompositionBuffer(width, height);
-  ResizeDrawingLayer(width, height, m_imageRect, oldImageRect);
+  ResizeDrawingLayer(width, height, m_view.imageRect, oldImageRect);
   CreateImageSurface(width, height);
 
   BeginWaitCursor();

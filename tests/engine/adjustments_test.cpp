@@ -47,7 +47,7 @@ class AdjustmentsTest : public ::testing::Test {
       return static_cast<std::uint32_t>(b[2] << 16 | b[1] << 8 | b[0]);
     });
     Run({"SetImage", {}}, files_.Write("picture.bmp", file));
-    ASSERT_EQ(editor().m_displayedWidth, width);
+    ASSERT_EQ(editor().m_view.displayedWidth, width);
   }
 
   void Run(const Call& call, const std::string& text = {}) {
@@ -61,10 +61,10 @@ class AdjustmentsTest : public ::testing::Test {
 
   // The image rectangle of the image surface, top row first.
   std::vector<COLORREF> Picture() {
-    const RECT& r = editor().m_imageRect;
+    const RECT& r = editor().m_view.imageRect;
     std::vector<COLORREF> colors;
     for (int y = r.top; y < r.bottom; ++y) {
-      for (int x = r.left; x < r.right; ++x) colors.push_back(GetPixel(editor().m_imageSurface.dc, x, y));
+      for (int x = r.left; x < r.right; ++x) colors.push_back(GetPixel(editor().m_surfaces.imageSurface.dc(), x, y));
     }
     return colors;
   }
@@ -118,13 +118,13 @@ TEST_F(AdjustmentsTest, EachSetterRebuildsThePictureFromTheOriginal) {
     TearDown();
     control_ = std::make_unique<CImageEditCtrl>();
     Load(3, 3, c.in);
-    const int levels = editor().m_historyCount;
+    const int levels = editor().m_history.count;
     Run(c.call);
     EXPECT_EQ(Picture(), Colors(c.out));
-    EXPECT_EQ(editor().m_historyCount, levels + 1);
+    EXPECT_EQ(editor().m_history.count, levels + 1);
     // The picture inside a larger surface: the white around it is left alone.
-    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, 0, 0), RGB(255, 255, 255));
-    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, editor().m_imageRect.right, editor().m_imageRect.bottom),
+    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), 0, 0), RGB(255, 255, 255));
+    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), editor().m_view.imageRect.right, editor().m_view.imageRect.bottom),
               RGB(255, 255, 255));
   }
 }
@@ -167,22 +167,22 @@ TEST_F(AdjustmentsTest, AnUnchangedValueNeitherRebuildsNorCommits) {
       {"WhitenImage", {0}},
   };
   Load(3, 3, Uniform({50, 60, 70}));
-  const RECT& r = editor().m_imageRect;
+  const RECT& r = editor().m_view.imageRect;
   // A mark on the surface that any rebuild would paint over.
-  SetPixel(editor().m_imageSurface.dc, r.left, r.top, RGB(1, 2, 3));
-  const int levels = editor().m_historyCount;
+  SetPixel(editor().m_surfaces.imageSurface.dc(), r.left, r.top, RGB(1, 2, 3));
+  const int levels = editor().m_history.count;
   const std::size_t cursors = host_.cursors.size();
   for (const Call& call : neutral) {
     SCOPED_TRACE(call.name);
     Run(call);
-    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, r.left, r.top), RGB(1, 2, 3));
-    EXPECT_EQ(editor().m_historyCount, levels);
+    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), r.left, r.top), RGB(1, 2, 3));
+    EXPECT_EQ(editor().m_history.count, levels);
     EXPECT_EQ(host_.cursors.size(), cursors);
   }
   // Only all three gammas equal stop CorrectGamma.
   Run({"CorrectGamma", {40, 40, 41}});
-  EXPECT_EQ(editor().m_historyCount, levels + 1);
-  EXPECT_NE(GetPixel(editor().m_imageSurface.dc, r.left, r.top), RGB(1, 2, 3));
+  EXPECT_EQ(editor().m_history.count, levels + 1);
+  EXPECT_NE(GetPixel(editor().m_surfaces.imageSurface.dc(), r.left, r.top), RGB(1, 2, 3));
 }
 
 TEST_F(AdjustmentsTest, HueRotationKeepsGreyWithinTruncation) {
@@ -207,19 +207,19 @@ TEST_F(AdjustmentsTest, WithoutPixelsOrSurfaceTheSettingStaysAsItWas) {
   bare.SharpenImage(2);
   EXPECT_EQ(bare.m_settings.brightness, 0);
   EXPECT_EQ(bare.m_settings.sharpenSteps, 0);
-  EXPECT_EQ(bare.m_historyCount, 0);
+  EXPECT_EQ(bare.m_history.count, 0);
 
   // The surface's pixels cannot be read: nothing is stored or committed, and the
   // wait cursor is put back.
   Load(3, 3, Uniform({50, 60, 70}));
-  const int levels = editor().m_historyCount;
+  const int levels = editor().m_history.count;
   const auto waitsBefore = std::count(host_.cursors.begin(), host_.cursors.end(), kWaitCursorId);
   SetPixelBufferLimit(16);
   Run({"BrightenImage", {150}});
   Run({"GrayImage", {1}});
   EXPECT_EQ(editor().m_settings.brightness, 0);
   EXPECT_FALSE(editor().m_settings.gray);
-  EXPECT_EQ(editor().m_historyCount, levels);
+  EXPECT_EQ(editor().m_history.count, levels);
   ASSERT_EQ(std::count(host_.cursors.begin(), host_.cursors.end(), kWaitCursorId), 2 + waitsBefore);
   EXPECT_NE(host_.cursors.back(), kWaitCursorId);
 }
@@ -257,13 +257,13 @@ TEST_F(AdjustmentsTest, AWorkingCopyOutOfMemorySkipsItsFilterButKeepsTheSetting)
     pixels[40 * 15 + 20] = {100, 100, 100};
     Load(40, 30, pixels, 20, 10);
     Run({"EnableVerbose", {verbose ? 1 : 0}});
-    ASSERT_EQ(editor().m_imageRect.right, editor().m_imageSurface.width());
-    const int levels = editor().m_historyCount;
+    ASSERT_EQ(editor().m_view.imageRect.right, editor().m_surfaces.imageSurface.width());
+    const int levels = editor().m_history.count;
     SetPixelBufferLimit(40 * 30 * 3);
 
     Run({"SharpenImage", {1}});
     EXPECT_EQ(editor().m_settings.sharpenSteps, 1);
-    EXPECT_EQ(editor().m_historyCount, levels + 1);
+    EXPECT_EQ(editor().m_history.count, levels + 1);
     EXPECT_EQ(Picture(), Colors(pixels));
     // Whiten, sharpen and smooth of the pass ask even at 0 steps, then the sharpen
     // being set asks once more.

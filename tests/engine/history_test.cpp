@@ -38,7 +38,7 @@ class HistoryTest : public ::testing::Test {
     ASSERT_TRUE(control_->CreateControl(hostWindow_, windowWidth, windowHeight));
     const std::string path = files_.Write("p.bmp", PlainPicture(pictureWidth, pictureHeight, kGray));
     Call("SetImage", {Variant::String(path)});
-    ASSERT_EQ(editor().m_historyCount, 1);
+    ASSERT_EQ(editor().m_history.count, 1);
   }
   void Call(std::string_view name, std::vector<Variant> args = {}) {
     ASSERT_EQ(Invoke(*control_, name, args).hr, S_OK) << name;
@@ -46,18 +46,18 @@ class HistoryTest : public ::testing::Test {
   // BrightenImage commits a level whose stored brightness is `label`.
   void CommitLabelled(int label) { Call("BrightenImage", {Variant::Int(100 + label)}); }
   void CommitStrokes() {
-    const Surface& layer = editor().m_drawingLayer;
-    editor().CommitHistoryLevel(layer.dc, layer.width(), layer.height());
+    const Surface& layer = editor().m_surfaces.drawingLayer;
+    editor().CommitHistoryLevel(layer.dc(), layer.width(), layer.height());
   }
   std::vector<int> LevelLabels() {
     std::vector<int> labels;
-    for (int i = 0; i < editor().m_historyCount; ++i)
-      labels.push_back(editor().m_history[i].settings.brightness);
+    for (int i = 0; i < editor().m_history.count; ++i)
+      labels.push_back(editor().m_history.levels[i].settings.brightness);
     return labels;
   }
   std::vector<COLORREF> DrawingLayer() {
-    const Surface& layer = editor().m_drawingLayer;
-    return SurfaceColors(layer.dc, layer.width(), layer.height());
+    const Surface& layer = editor().m_surfaces.drawingLayer;
+    return SurfaceColors(layer.dc(), layer.width(), layer.height());
   }
   CImageEditWnd& editor() { return control_->m_editor; }
 
@@ -97,7 +97,7 @@ TEST_F(HistoryTest, SequencesOfCommitsUndosAndRedos) {
       if (*step == 'R') Call("Redo");
     }
     EXPECT_EQ(LevelLabels(), c.levels);
-    EXPECT_EQ(editor().m_historyIndex, c.index);
+    EXPECT_EQ(editor().m_history.index, c.index);
     // The level on screen is the current one: its settings are the live ones.
     EXPECT_EQ(editor().m_settings.brightness, c.levels[static_cast<size_t>(c.index)]);
   }
@@ -108,17 +108,17 @@ TEST_F(HistoryTest, StrokesComeBackFromSnapshotsAndLevelsWithoutOneLeaveTheLayer
   const std::vector<COLORREF> clean = DrawingLayer();
   ASSERT_EQ(clean, std::vector<COLORREF>(48, kKey));
   std::vector<COLORREF> stroked = clean;
-  SetPixel(editor().m_drawingLayer.dc, 2, 1, kRed);
+  SetPixel(editor().m_surfaces.drawingLayer.dc(), 2, 1, kRed);
   stroked[1 * 8 + 2] = kRed;
   CommitStrokes();    // level 1: the stroke
   CommitLabelled(7);  // level 2: a setting, no snapshot
   std::vector<COLORREF> later = stroked;
   later[4 * 8 + 5] = kRed;
 
-  SetPixel(editor().m_drawingLayer.dc, 5, 4, kRed);  // never committed
+  SetPixel(editor().m_surfaces.drawingLayer.dc(), 5, 4, kRed);  // never committed
   Call("Undo");                                      // to level 1
   EXPECT_EQ(DrawingLayer(), stroked);
-  SetPixel(editor().m_drawingLayer.dc, 5, 4, kRed);
+  SetPixel(editor().m_surfaces.drawingLayer.dc(), 5, 4, kRed);
   Call("Redo");  // to level 2: settings only, the layer stays as it is on screen
   EXPECT_EQ(editor().m_settings.brightness, 7);
   EXPECT_EQ(DrawingLayer(), later);
@@ -130,30 +130,30 @@ TEST_F(HistoryTest, StrokesComeBackFromSnapshotsAndLevelsWithoutOneLeaveTheLayer
 
 TEST_F(HistoryTest, PlacementAndScrollPositionsComeBack) {
   Load(40, 30, 60, 40);  // larger than the view: both bars
-  ASSERT_TRUE(editor().m_hScrollShown && editor().m_vScrollShown);
+  ASSERT_TRUE(editor().m_view.hScrollShown && editor().m_view.vScrollShown);
   editor().OnHScroll(SB_THUMBPOSITION, 10, nullptr);
   editor().OnVScroll(SB_THUMBPOSITION, 5, nullptr);
   CommitStrokes();  // level 1 at (10, 5)
   editor().OnHScroll(SB_THUMBPOSITION, 15, nullptr);
   editor().OnVScroll(SB_THUMBPOSITION, 8, nullptr);
   CommitStrokes();  // level 2 at (15, 8)
-  const RECT rect = editor().m_imageRect;
-  editor().m_imageRect = RECT{1, 2, 3, 4};  // a later move that no level recorded
+  const RECT rect = editor().m_view.imageRect;
+  editor().m_view.imageRect = RECT{1, 2, 3, 4};  // a later move that no level recorded
 
   Call("Undo");
-  EXPECT_EQ(editor().m_hScrollPos, 10);
-  EXPECT_EQ(editor().m_vScrollPos, 5);
-  EXPECT_EQ(editor().m_imageRect.left, rect.left);
-  EXPECT_EQ(editor().m_imageRect.top, rect.top);
-  EXPECT_EQ(editor().m_imageRect.right, rect.left + 60);
-  EXPECT_EQ(editor().m_imageRect.bottom, rect.top + 40);
+  EXPECT_EQ(editor().m_view.hScrollPos, 10);
+  EXPECT_EQ(editor().m_view.vScrollPos, 5);
+  EXPECT_EQ(editor().m_view.imageRect.left, rect.left);
+  EXPECT_EQ(editor().m_view.imageRect.top, rect.top);
+  EXPECT_EQ(editor().m_view.imageRect.right, rect.left + 60);
+  EXPECT_EQ(editor().m_view.imageRect.bottom, rect.top + 40);
   Call("Undo");
-  EXPECT_EQ(editor().m_hScrollPos, 0);
-  EXPECT_EQ(editor().m_vScrollPos, 0);
+  EXPECT_EQ(editor().m_view.hScrollPos, 0);
+  EXPECT_EQ(editor().m_view.vScrollPos, 0);
   Call("Redo");
   Call("Redo");
-  EXPECT_EQ(editor().m_hScrollPos, 15);
-  EXPECT_EQ(editor().m_vScrollPos, 8);
+  EXPECT_EQ(editor().m_view.hScrollPos, 15);
+  EXPECT_EQ(editor().m_view.vScrollPos, 8);
 }
 
 TEST_F(HistoryTest, RestoresRebuildTheImageAndClearShowsThePlainOriginalOnlyForZero) {
@@ -164,29 +164,29 @@ TEST_F(HistoryTest, RestoresRebuildTheImageAndClearShowsThePlainOriginalOnlyForZ
   for (const Case c : {Case{0, true}, Case{1, false}}) {
     SCOPED_TRACE(c.bImage);
     Load(8, 6, 8, 6);
-    SetPixel(editor().m_drawingLayer.dc, 3, 3, kRed);
+    SetPixel(editor().m_surfaces.drawingLayer.dc(), 3, 3, kRed);
     CommitStrokes();
     Call("BrightenImage", {Variant::Int(150)});
-    const COLORREF brightened = GetPixel(editor().m_imageSurface.dc, 0, 0);
+    const COLORREF brightened = GetPixel(editor().m_surfaces.imageSurface.dc(), 0, 0);
     ASSERT_NE(brightened, kGray);
     // Restores rebuild the image surface from the original with the level's settings.
     Call("Undo");
-    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, 0, 0), kGray);
+    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), 0, 0), kGray);
     Call("Redo");
-    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, 0, 0), brightened);
+    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), 0, 0), brightened);
 
     Call("Clear", {Variant::Int(static_cast<int>(c.bImage))});
-    EXPECT_EQ(editor().m_historyCount, 0);
-    EXPECT_EQ(editor().m_historyIndex, -1);
+    EXPECT_EQ(editor().m_history.count, 0);
+    EXPECT_EQ(editor().m_history.index, -1);
     EXPECT_EQ(DrawingLayer(), std::vector<COLORREF>(48, kKey));
-    const COLORREF shown = GetPixel(editor().m_imageSurface.dc, 0, 0);
+    const COLORREF shown = GetPixel(editor().m_surfaces.imageSurface.dc(), 0, 0);
     EXPECT_EQ(shown, c.plainOriginal ? kGray : brightened);
     EXPECT_EQ(editor().m_settings.brightness, 50);  // stored for the next rebuild
 
     Call("Undo");
     Call("Redo");
-    EXPECT_EQ(editor().m_historyIndex, -1);
-    EXPECT_EQ(GetPixel(editor().m_imageSurface.dc, 0, 0), shown);
+    EXPECT_EQ(editor().m_history.index, -1);
+    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), 0, 0), shown);
   }
 }
 
@@ -205,13 +205,13 @@ TEST_F(HistoryTest, UndoAndClearAbandonUnfinishedToolsAndUndoDiscardsTypedText) 
   for (const char* operation : {"Undo", "Clear"}) {
     for (const Case& c : cases) {
       SCOPED_TRACE(std::string(operation) + " mode " + std::to_string(c.toolMode));
-      editor().m_toolMode = c.toolMode;
-      editor().m_shapeStyle = c.shapeStyle;
-      editor().m_curveStage = c.curveStage;
+      editor().m_tools.mode = static_cast<ToolMode>(c.toolMode);
+      editor().m_tools.shapeStyle = static_cast<ShapeStyle>(c.shapeStyle);
+      editor().m_tools.stroke.curveStage = c.curveStage;
       editor().m_textEdit.ShowWindow(SW_SHOWNORMAL);
       Call(operation, operation[0] == 'C' ? std::vector<Variant>{Variant::Int(1)} : std::vector<Variant>{});
-      EXPECT_EQ(editor().m_toolMode, c.expectedToolMode);
-      EXPECT_EQ(editor().m_curveStage, c.expectedCurveStage);
+      EXPECT_EQ(static_cast<int>(editor().m_tools.mode), c.expectedToolMode);
+      EXPECT_EQ(editor().m_tools.stroke.curveStage, c.expectedCurveStage);
       // Clear leaves the text entry alone.
       EXPECT_EQ(editor().m_textEdit.IsWindowVisible() == TRUE, operation[0] == 'C');
     }
@@ -241,18 +241,18 @@ TEST_F(HistoryTest, FailedSnapshotsGiveUpOlderLevelsOneAtATime) {
     for (int label = 1; label <= c.laterLevels; ++label) CommitLabelled(label);
     editor().m_settings.brightness = c.laterLevels + 1;
     const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
-    const Surface& layer = editor().m_drawingLayer;
+    const Surface& layer = editor().m_surfaces.drawingLayer;
     if (c.onlyFirstFails) {
       platform::FailNthCreation(platform::GdiKind::Bitmap, 1);
       CommitStrokes();
     } else {
-      editor().CommitHistoryLevel(layer.dc, 0, layer.height());
+      editor().CommitHistoryLevel(layer.dc(), 0, layer.height());
     }
     EXPECT_EQ(LevelLabels(), c.levels);
-    EXPECT_EQ(editor().m_historyIndex, editor().m_historyCount - 1);
+    EXPECT_EQ(editor().m_history.index, editor().m_history.count - 1);
     EXPECT_EQ(platform::LiveGdiObjects().bitmaps - bitmapsBefore, c.bitmapChange);
     if (!c.levels.empty()) {
-      EXPECT_NE(editor().m_history[editor().m_historyIndex].snapshot, nullptr);
+      EXPECT_TRUE(editor().m_history.levels[editor().m_history.index].snapshot);
     }
   }
 }
@@ -266,7 +266,7 @@ TEST_F(HistoryTest, LevelsOwnTheirSnapshotsAndLeaveNothingBehind) {
   EXPECT_EQ(platform::LiveGdiObjects().bitmaps, withFirstLevel + 9);  // ten levels, ten snapshots
   for (int i = 0; i < 3; ++i) Call("Undo");
   CommitLabelled(5);  // three redo levels released, one level without a snapshot
-  EXPECT_EQ(editor().m_historyCount, 8);
+  EXPECT_EQ(editor().m_history.count, 8);
   EXPECT_EQ(platform::LiveGdiObjects().bitmaps, withFirstLevel + 6);
   Call("Undo");
   Call("Undo");

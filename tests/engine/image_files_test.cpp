@@ -48,37 +48,37 @@ class ImageFilesTest : public HostedTest {
 TEST_F(ImageFilesTest, SetImageLoadsTheOriginalAndLaysItOut) {
   LiveEditor live(20, 10);
   const std::vector<COLORREF> colors{kRed, kRed, kBlue, kBlue, kBlue, kBlue, kRed, kRed};
-  live->m_scalingAllowed = false;
+  live->m_view.scalingAllowed = false;
   live->SetImage(files_.Write("a.bmp", BitmapFile(4, 2, colors)).c_str());
-  ASSERT_NE(live->m_originalImage, nullptr);
-  EXPECT_EQ(live->m_originalWidth, 4);
-  EXPECT_EQ(live->m_originalHeight, 2);
-  EXPECT_TRUE(live->m_scalingAllowed);
-  EXPECT_EQ(BitmapColors(live->m_originalImage), colors);
+  ASSERT_TRUE(live->m_surfaces.original);
+  EXPECT_EQ(live->m_view.originalWidth, 4);
+  EXPECT_EQ(live->m_view.originalHeight, 2);
+  EXPECT_TRUE(live->m_view.scalingAllowed);
+  EXPECT_EQ(BitmapColors(live->m_surfaces.original.get()), colors);
   // At 100 %, centred in the 20 x 10 surfaces.
-  EXPECT_EQ(live->m_displayedWidth, 4);
-  EXPECT_EQ(live->m_imageRect.left, 8);
-  EXPECT_EQ(live->m_imageRect.top, 4);
-  EXPECT_EQ(GetPixel(live->m_imageSurface.dc, 8, 4), kRed);
-  EXPECT_EQ(GetPixel(live->m_imageSurface.dc, 11, 5), kRed);
-  EXPECT_EQ(GetPixel(live->m_imageSurface.dc, 10, 4), kBlue);
+  EXPECT_EQ(live->m_view.displayedWidth, 4);
+  EXPECT_EQ(live->m_view.imageRect.left, 8);
+  EXPECT_EQ(live->m_view.imageRect.top, 4);
+  EXPECT_EQ(GetPixel(live->m_surfaces.imageSurface.dc(), 8, 4), kRed);
+  EXPECT_EQ(GetPixel(live->m_surfaces.imageSurface.dc(), 11, 5), kRed);
+  EXPECT_EQ(GetPixel(live->m_surfaces.imageSurface.dc(), 10, 4), kBlue);
 }
 
 TEST_F(ImageFilesTest, FailedSetImageKeepsTheViewAndDropsTheOriginal) {
   LiveEditor live(20, 10);
   live->SetImage(files_.Write("b.bmp", BitmapFile(2, 1, {kRed, kBlue})).c_str());
-  ASSERT_NE(live->m_originalImage, nullptr);
-  const std::vector<COLORREF> shown = SurfaceColors(live->m_imageSurface.dc, 20, 10);
-  const HBITMAP drawingLayer = live->m_drawingLayer.bitmap;
-  live->m_scalingAllowed = false;
+  ASSERT_TRUE(live->m_surfaces.original);
+  const std::vector<COLORREF> shown = SurfaceColors(live->m_surfaces.imageSurface.dc(), 20, 10);
+  const HBITMAP drawingLayer = live->m_surfaces.drawingLayer.bitmap();
+  live->m_view.scalingAllowed = false;
   const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
 
   live->SetImage((platform::TempFolder() + "image_files_missing.bmp").c_str());
-  EXPECT_EQ(live->m_originalImage, nullptr);
+  EXPECT_FALSE(live->m_surfaces.original);
   EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmapsBefore - 1) << "the old original is deleted";
-  EXPECT_FALSE(live->m_scalingAllowed);
-  EXPECT_EQ(live->m_drawingLayer.bitmap, drawingLayer);
-  EXPECT_EQ(SurfaceColors(live->m_imageSurface.dc, 20, 10), shown);
+  EXPECT_FALSE(live->m_view.scalingAllowed);
+  EXPECT_EQ(live->m_surfaces.drawingLayer.bitmap(), drawingLayer);
+  EXPECT_EQ(SurfaceColors(live->m_surfaces.imageSurface.dc(), 20, 10), shown);
   EXPECT_TRUE(host_.messages.empty()) << "not verbose";
 
   live->m_verbose = true;
@@ -90,7 +90,7 @@ TEST_F(ImageFilesTest, FailedSetImageKeepsTheViewAndDropsTheOriginal) {
 TEST_F(ImageFilesTest, SetImageBeforeTheWindowExistsDoesNothing) {
   CImageEditWnd editor;
   editor.SetImage((std::string(IE_TEST_DATA) + "/imageio/rgba_2x2.png").c_str());
-  EXPECT_EQ(editor.m_originalImage, nullptr);
+  EXPECT_FALSE(editor.m_surfaces.original);
 }
 
 TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
@@ -98,7 +98,7 @@ TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
   const std::vector<COLORREF> colors{kRed, 0x00FF00, kBlue, 0x808080, 0x123456, 0xFFFFFF};
   live->SetImage(files_.Write("c.bmp", BitmapFile(3, 2, colors)).c_str());
   // A stroke on the drawing layer over the image's second pixel.
-  SetPixel(live->m_drawingLayer.dc, live->m_imageRect.left + 1, live->m_imageRect.top, 0x0000AA);
+  SetPixel(live->m_surfaces.drawingLayer.dc(), live->m_view.imageRect.left + 1, live->m_view.imageRect.top, 0x0000AA);
   const std::string bare = files_.Name("saved.bmp");
   const int objectsBefore = platform::LiveGdiObjects().total();
   live->SaveEditedBitmap(bare.c_str());  // a bare name goes to the temp folder
@@ -130,11 +130,11 @@ TEST_F(ImageFilesTest, SaveSizeStretchesToAnyProportions) {
   ASSERT_EQ(written->width, 8);
   ASSERT_EQ(written->height, 5);
   // The same halftone stretch of the displayed image, made directly.
-  HDC expectedDc = CreateCompatibleDC(live->m_composition.dc);
-  HBITMAP expected = CreateCompatibleBitmap(live->m_composition.dc, 8, 5);
+  HDC expectedDc = CreateCompatibleDC(live->m_surfaces.composition.dc());
+  HBITMAP expected = CreateCompatibleBitmap(live->m_surfaces.composition.dc(), 8, 5);
   HGDIOBJ previous = SelectObject(expectedDc, expected);
   SetStretchBltMode(expectedDc, HALFTONE);
-  StretchBlt(expectedDc, 0, 0, 8, 5, live->m_imageSurface.dc, live->m_imageRect.left, live->m_imageRect.top,
+  StretchBlt(expectedDc, 0, 0, 8, 5, live->m_surfaces.imageSurface.dc(), live->m_view.imageRect.left, live->m_view.imageRect.top,
              4, 2, SRCCOPY);
   EXPECT_EQ(written->colors, SurfaceColors(expectedDc, 8, 5));
   EXPECT_EQ(written->colors.front(), kRed);
@@ -169,13 +169,13 @@ TEST_F(ImageFilesTest, SelectionBoxSaveTakesThePixelsSeenInTheBoxWhenScrolled) {
     for (int x = 0; x < 30; ++x) colors.push_back(RGB(x * 8, y * 12, 77));
   }
   live->SetImage(files_.Write("f.bmp", BitmapFile(30, 20, colors)).c_str());
-  ASSERT_EQ(live->m_imageRect.left, 0);
-  live->m_hScrollPos = 5;
-  live->m_vScrollPos = 3;
-  live->m_selectionBoxX = 2;
-  live->m_selectionBoxY = 1;
-  live->m_selectionBoxWidth = 3;
-  live->m_selectionBoxHeight = 2;
+  ASSERT_EQ(live->m_view.imageRect.left, 0);
+  live->m_view.hScrollPos = 5;
+  live->m_view.vScrollPos = 3;
+  live->m_selectionBox.x = 2;
+  live->m_selectionBox.y = 1;
+  live->m_selectionBox.width = 3;
+  live->m_selectionBox.height = 2;
   live->m_saveWidth = 100;  // the save size plays no part here
   live->m_saveHeight = 100;
   const int objectsBefore = platform::LiveGdiObjects().total();
@@ -196,7 +196,7 @@ TEST_F(ImageFilesTest, SelectionBoxSaveTakesThePixelsSeenInTheBoxWhenScrolled) {
 TEST_F(ImageFilesTest, SelectionBoxSaveWithoutABoxWritesNothing) {
   LiveEditor live(10, 8);
   live->SetImage(files_.Write("g.bmp", BitmapFile(2, 2, {kRed, kRed, kRed, kRed})).c_str());
-  live->m_selectionBoxWidth = 5;
+  live->m_selectionBox.width = 5;
   live->SaveSelectionBoxBitmap(files_.Name("nobox.bmp").c_str());
   EXPECT_FALSE(std::ifstream(files_.last()).good());
 }

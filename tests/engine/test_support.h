@@ -32,7 +32,7 @@ struct LiveEditor {
   LiveEditor(int width, int height) {
     hostWindow = platform::CreateHostWindow(width, height);
     const RECT rect{0, 0, width, height};
-    editor->CreateInParent(nullptr, "Image Edit", 0x40000120, rect, hostWindow, 1);
+    editor->CreateInParent(nullptr, "Image Edit", WS_CHILD | kClassStyleBits, rect, hostWindow, 1);
     editor->m_windowCreated = IsWindow(editor->m_hWnd) == TRUE;
     editor->ShowWindow(SW_SHOWNORMAL);
   }

@@ -26,7 +26,8 @@ struct Buffer3x3 {
     }
   }
   static int Offset(int i) { return (i / 3) * kStride + (i % 3) * 3; }
-  BYTE* data() { return bytes.data(); }
+  PixelRect Rect(int x0, int y0, int x1, int y1) { return PixelRect{bytes.data(), x0, y0, x1, y1, kStride}; }
+  PixelRect All() { return Rect(0, 0, 3, 3); }
   std::vector<Bytes> Pixels() const {
     std::vector<Bytes> out;
     for (int i = 0; i < 9; ++i) {
@@ -55,7 +56,15 @@ std::vector<Bytes> Single(Bytes centre, Bytes field) {
 
 void AdjustWhole(Buffer3x3& b, int brightness, int contrast, double g0, double g1, double g2,
                  double saturation = 1.0, double hue = 0.0) {
-  AdjustColors(b.data(), 0, 0, 3, 3, Buffer3x3::kStride, brightness, contrast, g0, g1, g2, saturation, hue);
+  AdjustmentSettings settings;
+  settings.brightness = brightness;
+  settings.contrast = contrast;
+  settings.redGamma = g0;
+  settings.greenGamma = g1;
+  settings.blueGamma = g2;
+  settings.saturation = saturation;
+  settings.hue = hue;
+  AdjustColors(b.All(), settings);
 }
 
 TEST(AdjustColorsTest, TablesTruncateTowardZeroAndClamp) {
@@ -106,7 +115,9 @@ TEST(AdjustColorsTest, ColourMatrixKeepsWeightedGreyAndSkipsAtNeutral) {
 
 TEST(AdjustColorsTest, OnlyTheRectangleChanges) {
   Buffer3x3 buffer(Uniform({10, 20, 30}));
-  AdjustColors(buffer.data(), 1, 2, 3, 3, Buffer3x3::kStride, 100, 0, 1.0, 1.0, 1.0, 1.0, 0.0);
+  AdjustmentSettings brighter;
+  brighter.brightness = 100;
+  AdjustColors(buffer.Rect(1, 2, 3, 3), brighter);
   std::vector<Bytes> expected = Uniform({10, 20, 30});
   expected[7] = expected[8] = Bytes{255, 255, 255};
   EXPECT_EQ(buffer.Pixels(), expected);
@@ -122,7 +133,7 @@ TEST_F(FiltersTest, NeighbourhoodFiltersRepeatTheEdgePixels) {
   const Bytes z{0, 0, 0};
   struct Case {
     const char* what;
-    void (*filter)(BYTE*, int, int, int, int, int, int, const OutOfMemoryHandler&);
+    void (*filter)(const PixelRect&, int, const OutOfMemoryHandler&);
     int steps;
     std::vector<Bytes> in;
     std::vector<Bytes> out;
@@ -147,7 +158,7 @@ TEST_F(FiltersTest, NeighbourhoodFiltersRepeatTheEdgePixels) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     Buffer3x3 buffer(c.in);
-    c.filter(buffer.data(), 0, 0, 3, 3, Buffer3x3::kStride, c.steps, {});
+    c.filter(buffer.All(), c.steps, {});
     EXPECT_EQ(buffer.Pixels(), c.out);
     EXPECT_TRUE(buffer.PaddingIntact());
   }
@@ -157,25 +168,27 @@ TEST_F(FiltersTest, EachStepReadsTheValuesBeforeIt) {
   // Two sharpen steps on a spike: the first gives 112 and leaves the neighbours at 0;
   // the second sees 112 and gives 36 * 112 / 32 = 126, neighbours (-112 / 32) -> 0.
   Buffer3x3 buffer(Single({100, 100, 100}, {0, 0, 0}));
-  SharpenPixels(buffer.data(), 0, 0, 3, 3, Buffer3x3::kStride, 2);
+  SharpenPixels(buffer.All(), 2);
   EXPECT_EQ(buffer.Pixels(), Single({126, 126, 126}, {0, 0, 0}));
 }
 
 TEST_F(FiltersTest, InvertAndGrayArePerPixel) {
   Buffer3x3 inverted(Uniform({0, 1, 254}));
-  InvertPixels(inverted.data(), 0, 0, 3, 3, Buffer3x3::kStride);
+  InvertPixels(inverted.All());
   EXPECT_EQ(inverted.Pixels(), Uniform({255, 254, 1}));
 
   // (30 * 0.299 + 10 * 0.114) + 20 * 0.587 = 21.85; bytes are blue, green, red.
   Buffer3x3 grey(Uniform({10, 20, 30}));
-  GrayPixels(grey.data(), 0, 0, 3, 3, Buffer3x3::kStride);
+  GrayPixels(grey.All());
   EXPECT_EQ(grey.Pixels(), Uniform({21, 21, 21}));
 }
 
 TEST_F(FiltersTest, ApplyFiltersInvertsBeforeGraying) {
   // invert (1, 0, 0) -> (254, 255, 255), whose grey is 254.886.
   Buffer3x3 buffer(Uniform({1, 0, 0}));
-  ApplyFilters(buffer.data(), 0, 0, 3, 3, Buffer3x3::kStride, 0, 0, 0, true, true);
+  AdjustmentSettings settings;
+  settings.invert = settings.gray = true;
+  ApplyFilters(buffer.All(), settings);
   EXPECT_EQ(buffer.Pixels(), Uniform({254, 254, 254}));
 }
 
@@ -183,7 +196,10 @@ TEST_F(FiltersTest, FiltersStayInsideTheRectangle) {
   // A rectangle of one pixel: its working copy repeats it, so sharpening leaves it,
   // and nothing outside changes.
   Buffer3x3 buffer(Single({100, 100, 100}, {0, 0, 0}));
-  ApplyFilters(buffer.data(), 1, 1, 2, 2, Buffer3x3::kStride, 1, 1, 1, true, false);
+  AdjustmentSettings settings;
+  settings.whitenSteps = settings.sharpenSteps = settings.smoothSteps = 1;
+  settings.invert = true;
+  ApplyFilters(buffer.Rect(1, 1, 2, 2), settings);
   // whiten: 255 - 155 * 155 / 255 = 161 -> 161 * 0.9 + 25.5 = 170.4; invert -> 85.
   EXPECT_EQ(buffer.Pixels(), Single({85, 85, 85}, {0, 0, 0}));
   EXPECT_TRUE(buffer.PaddingIntact());
@@ -196,7 +212,7 @@ TEST_F(FiltersTest, AWorkingCopyThatCannotBeHadSkipsTheFilterEvenAtZeroSteps) {
     for (int steps : {0, 1}) {
       Buffer3x3 buffer(Single({100, 100, 100}, {0, 0, 0}));
       int reports = 0;
-      filter(buffer.data(), 0, 0, 3, 3, Buffer3x3::kStride, steps, [&] { ++reports; });
+      filter(buffer.All(), steps, [&] { ++reports; });
       EXPECT_EQ(reports, 1);
       EXPECT_EQ(buffer.Pixels(), Single({100, 100, 100}, {0, 0, 0}));
     }
@@ -204,7 +220,7 @@ TEST_F(FiltersTest, AWorkingCopyThatCannotBeHadSkipsTheFilterEvenAtZeroSteps) {
   SetPixelBufferLimit(75);
   Buffer3x3 buffer(Single({100, 100, 100}, {0, 0, 0}));
   int reports = 0;
-  SharpenPixels(buffer.data(), 0, 0, 3, 3, Buffer3x3::kStride, 1, [&] { ++reports; });
+  SharpenPixels(buffer.All(), 1, [&] { ++reports; });
   EXPECT_EQ(reports, 0);
   EXPECT_EQ(buffer.Pixels()[4], (Bytes{112, 112, 112}));
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <utility>
 
 #include "editor/image_edit_wnd.h"
 #include "pixels/adjust_colors.h"
@@ -15,15 +16,7 @@ const double kGammaStep = std::bit_cast<double>(std::uint64_t{0x3F997F62B6AE7D57
 
 int ClampSetterArgument(int value) { return std::clamp(value, 0, 200); }
 
-// The image rectangle as buffer rows counted from the bottom of a surface of that
-// height, kept inside the surface.
-PixelRect ImageRectInBuffer(BYTE* buffer, const RECT& imageRect, int width, int height, int stride) {
-  const int left = std::clamp(static_cast<int>(imageRect.left), 0, width);
-  const int right = std::clamp(static_cast<int>(imageRect.right), left, width);
-  const int top = std::clamp(static_cast<int>(imageRect.top), 0, height);
-  const int bottom = std::clamp(static_cast<int>(imageRect.bottom), top, height);
-  return PixelRect{buffer, left, height - bottom, right, height - top, stride};
-}
+double GammaOf(int argument) { return ClampSetterArgument(argument) * kGammaStep + 0.004; }
 
 OutOfMemoryHandler ReportOutOfMemory(const CImageEditWnd& editor) {
   return [&editor] {
@@ -31,29 +24,16 @@ OutOfMemoryHandler ReportOutOfMemory(const CImageEditWnd& editor) {
   };
 }
 
-void RunColorPass(const PixelRect& r, const AdjustmentSettings& s) {
-  AdjustColors(r.buffer, r.x0, r.y0, r.x1, r.y1, r.stride, s.brightness, s.contrast, s.redGamma, s.greenGamma,
-               s.blueGamma, s.saturation, s.hue);
-}
-
-void RunFilterPass(const PixelRect& r, const AdjustmentSettings& s, const OutOfMemoryHandler& outOfMemory) {
-  ApplyFilters(r.buffer, r.x0, r.y0, r.x1, r.y1, r.stride, s.whitenSteps, s.sharpenSteps, s.smoothSteps,
-               s.invert, s.gray, outOfMemory);
-}
-
 // Refills the image rectangle from the original, hands its pixels to `passes` and
 // writes them back; false when the pixels could not be read.
 template <typename Passes>
 bool RebuildImagePixels(CImageEditWnd& editor, Passes&& passes) {
-  Surface& surface = editor.m_imageSurface;
+  const Surface& surface = editor.m_surfaces.imageSurface;
   editor.RebuildImageSurface();
-  int width = 0;
-  int height = 0;
-  int stride = 0;
-  BYTE* buffer = editor.ReadSurfacePixels(surface.dc, surface.bitmap, &width, &height, &stride);
+  PixelBuffer buffer = editor.ReadSurfacePixels(surface.dc(), surface.bitmap());
   if (!buffer) return false;
-  passes(ImageRectInBuffer(buffer, editor.m_imageRect, width, height, stride));
-  editor.WriteSurfacePixels(surface.dc, surface.bitmap, buffer);
+  passes(buffer.Area(editor.m_view.imageRect));
+  editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
   return true;
 }
 
@@ -63,7 +43,7 @@ bool RebuildImagePixels(CImageEditWnd& editor, Passes&& passes) {
 template <typename Passes>
 void RunSetter(CImageEditWnd& editor, bool unchanged, Passes&& passes) {
   // Text being entered is committed here once the text tool exists.
-  if (!editor.m_imageSurface.dc || unchanged) return;
+  if (!editor.m_surfaces.imageSurface.dc() || unchanged) return;
   editor.BeginWaitCursor();
   if (RebuildImagePixels(editor, passes)) {
     editor.RedrawWindow();
@@ -78,8 +58,8 @@ void SetColorSetting(CImageEditWnd& editor, Value AdjustmentSettings::*setting, 
   AdjustmentSettings& settings = editor.m_settings;
   RunSetter(editor, settings.*setting == value, [&](const PixelRect& rect) {
     settings.*setting = value;
-    RunColorPass(rect, settings);
-    RunFilterPass(rect, settings, ReportOutOfMemory(editor));
+    AdjustColors(rect, settings);
+    ApplyFilters(rect, settings, ReportOutOfMemory(editor));
   });
 }
 
@@ -93,8 +73,8 @@ void SetFilterSetting(CImageEditWnd& editor, Value AdjustmentSettings::*setting,
   RunSetter(editor, settings.*setting == value, [&](const PixelRect& rect) {
     AdjustmentSettings withoutIt = settings;
     withoutIt.*setting = Value{};
-    RunColorPass(rect, settings);
-    RunFilterPass(rect, withoutIt, ReportOutOfMemory(editor));
+    AdjustColors(rect, settings);
+    ApplyFilters(rect, withoutIt, ReportOutOfMemory(editor));
     settings.*setting = value;
     runAlone(rect, value);
   });
@@ -104,8 +84,8 @@ void SetFilterSetting(CImageEditWnd& editor, Value AdjustmentSettings::*setting,
 
 void CImageEditWnd::RunAdjustedRebuild() {
   RebuildImagePixels(*this, [this](const PixelRect& rect) {
-    RunColorPass(rect, m_settings);
-    RunFilterPass(rect, m_settings, ReportOutOfMemory(*this));
+    AdjustColors(rect, m_settings);
+    ApplyFilters(rect, m_settings, ReportOutOfMemory(*this));
   });
 }
 
@@ -117,55 +97,50 @@ void CImageEditWnd::ContrastImage(int nContrast) {
   SetColorSetting(*this, &AdjustmentSettings::contrast, ClampSetterArgument(nContrast) - 100);
 }
 
-void CImageEditWnd::HueImage(int nHue) {
-  SetColorSetting(*this, &AdjustmentSettings::hue, ClampSetterArgument(nHue) * 1.8);
-}
+void CImageEditWnd::HueImage(int nHue) { SetColorSetting(*this, &AdjustmentSettings::hue, ClampSetterArgument(nHue) * 1.8); }
 
 void CImageEditWnd::SaturateImage(int nSaturation) {
   SetColorSetting(*this, &AdjustmentSettings::saturation, ClampSetterArgument(nSaturation) * 0.01);
 }
 
 void CImageEditWnd::CorrectGamma(int nRedGamma, int nGreenGamma, int nBlueGamma) {
-  const double red = ClampSetterArgument(nRedGamma) * kGammaStep + 0.004;
-  const double green = ClampSetterArgument(nGreenGamma) * kGammaStep + 0.004;
-  const double blue = ClampSetterArgument(nBlueGamma) * kGammaStep + 0.004;
+  const double red = GammaOf(nRedGamma);
+  const double green = GammaOf(nGreenGamma);
+  const double blue = GammaOf(nBlueGamma);
   AdjustmentSettings& s = m_settings;
   const bool unchanged = s.redGamma == red && s.greenGamma == green && s.blueGamma == blue;
   RunSetter(*this, unchanged, [&](const PixelRect& rect) {
     s.redGamma = red;
     s.greenGamma = green;
     s.blueGamma = blue;
-    RunColorPass(rect, s);
-    RunFilterPass(rect, s, ReportOutOfMemory(*this));
+    AdjustColors(rect, s);
+    ApplyFilters(rect, s, ReportOutOfMemory(*this));
   });
 }
 
 void CImageEditWnd::GrayImage(bool bGraying) {
-  SetFilterSetting(*this, &AdjustmentSettings::gray, bGraying, [](const PixelRect& r, bool on) {
-    if (on) GrayPixels(r.buffer, r.x0, r.y0, r.x1, r.y1, r.stride);
+  SetFilterSetting(*this, &AdjustmentSettings::gray, bGraying, [](const PixelRect& rect, bool on) {
+    if (on) GrayPixels(rect);
   });
 }
 
 void CImageEditWnd::InvertImage(bool bInverting) {
-  SetFilterSetting(*this, &AdjustmentSettings::invert, bInverting, [](const PixelRect& r, bool on) {
-    if (on) InvertPixels(r.buffer, r.x0, r.y0, r.x1, r.y1, r.stride);
+  SetFilterSetting(*this, &AdjustmentSettings::invert, bInverting, [](const PixelRect& rect, bool on) {
+    if (on) InvertPixels(rect);
   });
 }
 
 void CImageEditWnd::SharpenImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::sharpenSteps, nStep, [this](const PixelRect& r, int steps) {
-    SharpenPixels(r.buffer, r.x0, r.y0, r.x1, r.y1, r.stride, steps, ReportOutOfMemory(*this));
-  });
+  SetFilterSetting(*this, &AdjustmentSettings::sharpenSteps, nStep,
+                   [this](const PixelRect& rect, int steps) { SharpenPixels(rect, steps, ReportOutOfMemory(*this)); });
 }
 
 void CImageEditWnd::SmoothImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::smoothSteps, nStep, [this](const PixelRect& r, int steps) {
-    SmoothPixels(r.buffer, r.x0, r.y0, r.x1, r.y1, r.stride, steps, ReportOutOfMemory(*this));
-  });
+  SetFilterSetting(*this, &AdjustmentSettings::smoothSteps, nStep,
+                   [this](const PixelRect& rect, int steps) { SmoothPixels(rect, steps, ReportOutOfMemory(*this)); });
 }
 
 void CImageEditWnd::WhitenImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::whitenSteps, nStep, [this](const PixelRect& r, int steps) {
-    WhitenPixels(r.buffer, r.x0, r.y0, r.x1, r.y1, r.stride, steps, ReportOutOfMemory(*this));
-  });
+  SetFilterSetting(*this, &AdjustmentSettings::whitenSteps, nStep,
+                   [this](const PixelRect& rect, int steps) { WhitenPixels(rect, steps, ReportOutOfMemory(*this)); });
 }

@@ -1,0 +1,49 @@
+#include "editor/image_edit_wnd.h"
+
+EditorState CImageEditWnd::State() const {
+  EditorState state;
+  state.toolMode = static_cast<int>(m_tools.mode);
+  state.savedToolMode = static_cast<int>(m_tools.savedMode);
+  state.color = m_tools.color;
+  state.penSize = m_tools.penSize;
+  state.toolWidth = m_tools.toolWidth;
+  state.shapeStyle = static_cast<int>(m_tools.shapeStyle);
+  state.curveStage = m_tools.stroke.curveStage;
+  state.scale = m_view.scale;
+  state.imageRect = m_view.imageRect;
+  state.displayed = SIZE{m_view.displayedWidth, m_view.displayedHeight};
+  state.original = SIZE{m_view.originalWidth, m_view.originalHeight};
+  state.scroll = POINT{m_view.hScrollPos, m_view.vScrollPos};
+  state.hScrollShown = m_view.hScrollShown;
+  state.vScrollShown = m_view.vScrollShown;
+  state.view = SIZE{m_view.viewWidth, m_view.viewHeight};
+  state.historyCount = m_history.count;
+  state.historyIndex = m_history.index;
+  const std::span<const int> zOrder = m_objects.FrontToBack();
+  state.zOrder.assign(zOrder.begin(), zOrder.end());
+  state.selectedObject = m_objects.selected;
+  state.selectionBox = RECT{m_selectionBox.x, m_selectionBox.y, m_selectionBox.width, m_selectionBox.height};
+  state.frame = m_framePresent;
+  state.textShown = ::IsWindowVisible(m_textEdit.m_hWnd) == TRUE;
+  state.settings = m_settings;
+  state.scalingAllowed = m_view.scalingAllowed;
+  state.verbose = m_verbose;
+  state.gdiObjects = platform::LiveGdiObjects().total();
+  return state;
+}
+
+HBITMAP CImageEditWnd::SurfaceBitmap(SurfaceName surface) const {
+  switch (surface) {
+    case SurfaceName::Image:
+      return m_surfaces.imageSurface.bitmap();
+    case SurfaceName::Drawing:
+      return m_surfaces.drawingLayer.bitmap();
+    case SurfaceName::Composition:
+      return m_surfaces.composition.bitmap();
+    case SurfaceName::Snapshot:
+      return static_cast<HBITMAP>(GetCurrentObject(m_surfaces.snapshotDC.get(), OBJ_BITMAP));
+    case SurfaceName::Original:
+      return m_surfaces.original.get();
+  }
+  return nullptr;
+}

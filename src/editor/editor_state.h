@@ -1,0 +1,40 @@
+// What a host reads about the editor: one plain value, taken whole, so that hosts
+// never reach into the editor's parts.
+#pragma once
+
+#include <vector>
+
+#include "pixels/adjustment_settings.h"
+#include "platform/platform.h"
+
+struct EditorState {
+  int toolMode = 0;
+  int savedToolMode = 0;
+  COLORREF color = 0;
+  int penSize = 0;
+  int toolWidth = 0;
+  int shapeStyle = 0;
+  int curveStage = 0;
+  double scale = 1.0;
+  RECT imageRect{0, 0, 0, 0};
+  SIZE displayed{0, 0};
+  SIZE original{0, 0};
+  POINT scroll{0, 0};  // horizontal, vertical
+  bool hScrollShown = false;
+  bool vScrollShown = false;
+  SIZE view{0, 0};
+  int historyCount = 0;
+  int historyIndex = -1;
+  std::vector<int> zOrder;  // live object slots, front first
+  int selectedObject = -1;
+  RECT selectionBox{0, 0, 0, 0};  // x, y, width, height
+  bool frame = false;
+  bool textShown = false;
+  AdjustmentSettings settings;
+  bool scalingAllowed = false;
+  bool verbose = false;
+  int gdiObjects = 0;  // live GDI objects of the whole process
+};
+
+// The surfaces a host may write out as pictures.
+enum class SurfaceName { Image, Drawing, Composition, Snapshot, Original };

@@ -1,0 +1,54 @@
+// The edit history: up to ten levels, each a full record of the editable state at one
+// moment. Levels 0..count-1 are valid and the current index names the one on screen;
+// the levels above it are the redo levels. The index stays within -1..count-1 (-1 only
+// while the history is empty), and every level releases what it owns when it is
+// discarded, dropped or cleared.
+#pragma once
+
+#include "editor/inserted_objects.h"
+#include "editor/view_placement.h"
+#include "pixels/adjustment_settings.h"
+#include "pixels/frame_piece.h"
+#include "platform/gdi_handles.h"
+
+inline constexpr int kHistoryLevels = 10;
+
+// One undo step. A slot whose level is discarded is reset to these values.
+struct HistoryLevel {
+  // The drawing layer as it was, or none (levels recorded without a source).
+  platform::OwnedBitmap snapshot;
+  // Of the placement only the image position and displayed size, the view size and
+  // the scroll positions are given back.
+  ViewPlacement placement;
+  bool framePresent = false;
+  FramePiece frame[kFramePieceCount];
+  InsertedObjects objects;
+  AdjustmentSettings settings;
+};
+
+class EditHistory {
+ public:
+  bool CanUndo() const { return index > 0; }
+  bool CanRedo() const { return index < count - 1; }
+  bool IsFull() const { return count == kHistoryLevels; }
+
+  // A snapshot shown in the snapshot DC is taken out of it before it is deleted.
+  void DiscardRedoLevels(platform::MemoryDC& snapshotDC);
+  // Gives up level 0 and moves the others down one place. The index follows the
+  // count, so that it still names a level that exists (the last one).
+  void DropOldest(platform::MemoryDC& snapshotDC);
+  void Clear(platform::MemoryDC& snapshotDC);
+  // A new level after the last; it becomes the current one. Needs room.
+  HistoryLevel& Append();
+  // Moves the index one level down or up and returns that level; needs CanUndo or
+  // CanRedo.
+  HistoryLevel& StepBack();
+  HistoryLevel& StepForward();
+
+  HistoryLevel levels[kHistoryLevels];
+  int count = 0;
+  int index = -1;
+
+ private:
+  void Release(HistoryLevel& level, platform::MemoryDC& snapshotDC);
+};

@@ -1,0 +1,169 @@
+// The editor's surface operations: creating and re-creating surfaces, rebuilding the
+// image surface, moving pixels between surfaces and 24-bit buffers, and the
+// transparent blit that every layered drawing goes through.
+#include <utility>
+
+#include "editor/image_edit_wnd.h"
+#include "pixels/pixel_buffer.h"
+
+namespace {
+
+bool BitmapSize(HBITMAP bitmap, int* width, int* height) {
+  DIBSECTION section{};
+  if (!bitmap || GetObjectA(bitmap, sizeof section, &section) == 0) return false;
+  *width = section.dsBm.bmWidth;
+  *height = section.dsBm.bmHeight;
+  return true;
+}
+
+void FillWithColor(HDC dc, const RECT& rect, COLORREF color) {
+  const platform::OwnedBrush brush(CreateSolidBrush(color));
+  if (brush) FillRect(dc, &rect, brush.get());
+}
+
+void FillWhite(const Surface& surface) {
+  FillRect(surface.dc(), &surface.rect, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+}
+
+}  // namespace
+
+PixelBuffer CImageEditWnd::ReadSurfacePixels(HDC dc, HBITMAP bitmap) {
+  int width = 0;
+  int height = 0;
+  if (!dc || !BitmapSize(bitmap, &width, &height)) return PixelBuffer();
+  PixelBuffer buffer(width, height);
+  if (!buffer) {
+    if (m_verbose) ShowOutOfMemoryMessage();
+    return buffer;
+  }
+  BITMAPINFO info = platform::Dib24Info(width, height);
+  GetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
+  return buffer;
+}
+
+void CImageEditWnd::WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffer) {
+  int width = 0;
+  int height = 0;
+  if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
+  const BITMAPINFO info = platform::Dib24Info(width, height);
+  SetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
+}
+
+void CImageEditWnd::CreateCompositionBuffer(int width, int height) {
+  Surface& surface = m_surfaces.composition;
+  if (surface.dc() && surface.Recreate(width, height)) FillWhite(surface);
+}
+
+void CImageEditWnd::CreateDrawingLayer(int width, int height) {
+  Surface& surface = m_surfaces.drawingLayer;
+  if (!surface.dc()) return;
+  if (surface.Recreate(width, height)) FillWithColor(surface.dc(), surface.rect, kDrawingLayerKeyColor);
+  m_tools.bitmapBrushKeyColor = kDrawingLayerKeyColor;
+}
+
+void CImageEditWnd::CreateImageSurface(int width, int height) {
+  Surface& surface = m_surfaces.imageSurface;
+  if (surface.dc() && surface.Recreate(width, height)) FillWhite(surface);
+}
+
+void CImageEditWnd::ResizeDrawingLayer(int width, int height, const RECT& dest, const RECT& src) {
+  Surface& layer = m_surfaces.drawingLayer;
+  if (!layer.dc()) return;
+  const platform::MemoryDC scratch(layer.dc());
+  if (!scratch) return;
+  platform::OwnedBitmap bitmap(CreateCompatibleBitmap(layer.dc(), width, height));
+  if (!bitmap) return;
+  {
+    const platform::SelectionGuard selected(scratch.get(), bitmap.get());
+    FillWithColor(scratch.get(), RECT{0, 0, width, height}, kDrawingLayerKeyColor);
+    StretchBlt(scratch.get(), dest.left, dest.top, dest.right - dest.left, dest.bottom - dest.top, layer.dc(),
+               src.left, src.top, src.right - src.left, src.bottom - src.top, SRCCOPY);
+  }
+  layer.Adopt(std::move(bitmap), width, height);
+}
+
+void CImageEditWnd::RebuildImageSurface() {
+  const Surface& surface = m_surfaces.imageSurface;
+  if (!surface.dc()) return;
+  if (!m_surfaces.original) {
+    FillWithColor(surface.dc(), surface.rect, kDrawingLayerKeyColor);
+    return;
+  }
+  const platform::MemoryDC scratch(surface.dc());
+  if (!scratch) return;
+  const platform::SelectionGuard selected(scratch.get(), m_surfaces.original.get());
+  StretchBlt(surface.dc(), m_view.imageRect.left, m_view.imageRect.top, m_view.displayedWidth,
+             m_view.displayedHeight, scratch.get(), 0, 0, m_view.originalWidth, m_view.originalHeight, SRCCOPY);
+}
+
+void CImageEditWnd::CompositeDrawingLayer(HDC target) {
+  Surface& layer = m_surfaces.drawingLayer;
+  if (!target || !layer.dc()) return;
+  layer.Lend([&](HBITMAP bitmap) {
+    TransparentBlit(target, bitmap, 0, 0, layer.width(), layer.height(), kDrawingLayerKeyColor);
+  });
+}
+
+void CImageEditWnd::TransparentBlit(HDC target, HBITMAP source, int x, int y, int width, int height,
+                                    COLORREF key) {
+  const platform::MemoryDC sourceDC(target);
+  if (!sourceDC) return;
+
+  if (m_transparentBlt) {
+    const platform::SelectionGuard selected(sourceDC.get(), source);
+    m_transparentBlt(target, x, y, width, height, sourceDC.get(), 0, 0, width, height, key);
+    return;
+  }
+
+  // Without the platform's transparent copy, a monochrome mask of the key pixels
+  // does the same in four raster operations. The source is copied first so that
+  // blackening its key pixels never alters the caller's bitmap.
+  const platform::MemoryDC maskDC(target);
+  const platform::OwnedBitmap mask(maskDC ? CreateBitmap(width, height, 1, 1, nullptr) : nullptr);
+  const platform::OwnedBitmap copy(
+      mask ? static_cast<HBITMAP>(CopyImage(source, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)) : nullptr);
+  if (!copy) return;
+
+  const platform::SelectionGuard sourceSelected(sourceDC.get(), copy.get());
+  const platform::SelectionGuard maskSelected(maskDC.get(), mask.get());
+  SetMapMode(sourceDC.get(), GetMapMode(target));
+
+  const COLORREF background = SetBkColor(sourceDC.get(), key);
+  BitBlt(maskDC.get(), 0, 0, width, height, sourceDC.get(), 0, 0, SRCCOPY);
+  SetBkColor(sourceDC.get(), background);
+
+  BitBlt(target, x, y, width, height, maskDC.get(), 0, 0, SRCAND);
+  BitBlt(maskDC.get(), 0, 0, width, height, maskDC.get(), 0, 0, NOTSRCCOPY);
+  BitBlt(sourceDC.get(), 0, 0, width, height, maskDC.get(), 0, 0, SRCAND);
+  BitBlt(target, x, y, width, height, sourceDC.get(), 0, 0, SRCPAINT);
+}
+
+void CImageEditWnd::RecolorBitmapBrush(COLORREF color) {
+  HDC layerDC = m_surfaces.drawingLayer.dc();
+  platform::OwnedBitmap& brush = m_tools.bitmapBrush;
+  if (!layerDC || !brush || color == m_tools.bitmapBrushKeyColor) return;
+
+  // The brush is recoloured on a fresh copy, which then becomes the brush; the
+  // bitmap that is no longer the brush goes at the end.
+  const int side = m_tools.toolWidth;
+  platform::OwnedBitmap discarded(CreateCompatibleBitmap(layerDC, side, side));
+  if (discarded) {
+    const platform::MemoryDC from(layerDC);
+    const platform::MemoryDC to(layerDC);
+    if (from && to) {
+      {
+        const platform::SelectionGuard fromSelected(from.get(), brush.get());
+        const platform::SelectionGuard toSelected(to.get(), discarded.get());
+        BitBlt(to.get(), 0, 0, side, side, from.get(), 0, 0, SRCCOPY);
+      }
+      std::swap(brush, discarded);
+    }
+  }
+
+  PixelBuffer pixels = ReadSurfacePixels(layerDC, brush.get());
+  if (!pixels) return;
+  ForEachPixel(pixels.Whole(), [&](BYTE* pixel, int, int) {
+    if (PixelColor(pixel) != m_tools.bitmapBrushKeyColor) StorePixelColor(pixel, color);
+  });
+  WriteSurfacePixels(layerDC, brush.get(), std::move(pixels));
+}

@@ -1,0 +1,31 @@
+#include "editor/surfaces.h"
+
+#include <utility>
+
+void Surface::Create(HDC windowDC) {
+  dc_ = platform::MemoryDC(windowDC);
+  if (!dc_) return;
+  bitmap_ = platform::OwnedBitmap(CreateCompatibleBitmap(windowDC, 1, 1));
+  if (bitmap_) dc_.Show(bitmap_.get());
+}
+
+bool Surface::Recreate(int width, int height) {
+  rect = RECT{0, 0, width, height};
+  platform::OwnedBitmap bitmap(CreateCompatibleBitmap(dc(), width, height));
+  if (!bitmap) return false;
+  Adopt(std::move(bitmap), width, height);
+  return true;
+}
+
+void Surface::Adopt(platform::OwnedBitmap bitmap, int width, int height) {
+  if (bitmap_) dc_.ShowOriginal();
+  bitmap_ = std::move(bitmap);
+  rect = RECT{0, 0, width, height};
+  dc_.Show(bitmap_.get());
+}
+
+void EditorSurfaces::Create(HDC windowDC) {
+  for (Surface* surface : {&composition, &drawingLayer, &imageSurface}) surface->Create(windowDC);
+  if (imageSurface.dc()) SetStretchBltMode(imageSurface.dc(), HALFTONE);
+  snapshotDC = platform::MemoryDC(windowDC);
+}

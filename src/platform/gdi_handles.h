@@ -1,0 +1,123 @@
+// Owners for GDI handles. Engine code holds every DC, bitmap, pen, brush and font it
+// creates in one of these, so a handle is released exactly once, on every path, and
+// never while it is still selected: creation and deletion are not paired by hand.
+// All of them are move-only; a moved-from owner holds nothing.
+#pragma once
+
+#include <utility>
+
+#include "platform/gdi.h"
+
+namespace platform {
+
+// A GDI object (bitmap, pen, brush, font) deleted when its owner goes or takes another.
+template <typename Handle>
+class OwnedGdiObject {
+ public:
+  OwnedGdiObject() = default;
+  explicit OwnedGdiObject(Handle handle) : handle_(handle) {}
+  ~OwnedGdiObject() { reset(); }
+  OwnedGdiObject(OwnedGdiObject&& other) noexcept : handle_(other.release()) {}
+  OwnedGdiObject& operator=(OwnedGdiObject&& other) noexcept {
+    if (this != &other) reset(other.release());
+    return *this;
+  }
+
+  Handle get() const { return handle_; }
+  explicit operator bool() const { return handle_ != nullptr; }
+  // Gives the handle up without deleting it.
+  Handle release() { return std::exchange(handle_, nullptr); }
+  void reset(Handle handle = nullptr) {
+    if (handle_) DeleteObject(handle_);
+    handle_ = handle;
+  }
+
+ private:
+  Handle handle_ = nullptr;
+};
+
+using OwnedBitmap = OwnedGdiObject<HBITMAP>;
+using OwnedPen = OwnedGdiObject<HPEN>;
+using OwnedBrush = OwnedGdiObject<HBRUSH>;
+using OwnedFont = OwnedGdiObject<HFONT>;
+
+// Selects an object into a DC for the guard's lifetime and then puts back whatever
+// was selected before it. A failed selection (null DC or object) puts back nothing.
+class SelectionGuard {
+ public:
+  SelectionGuard() = default;
+  SelectionGuard(HDC dc, HGDIOBJ object) : dc_(dc), previous_(dc ? SelectObject(dc, object) : nullptr) {}
+  ~SelectionGuard() { Restore(); }
+  SelectionGuard(SelectionGuard&& other) noexcept
+      : dc_(std::exchange(other.dc_, nullptr)), previous_(std::exchange(other.previous_, nullptr)) {}
+  SelectionGuard& operator=(SelectionGuard&& other) noexcept {
+    if (this != &other) {
+      Restore();
+      dc_ = std::exchange(other.dc_, nullptr);
+      previous_ = std::exchange(other.previous_, nullptr);
+    }
+    return *this;
+  }
+
+ private:
+  void Restore() {
+    if (previous_) SelectObject(dc_, previous_);
+    previous_ = nullptr;
+  }
+
+  HDC dc_ = nullptr;
+  HGDIOBJ previous_ = nullptr;
+};
+
+// A memory DC, deleted when its owner goes. It remembers the bitmap it was created
+// with the first time another one is shown in it, so that a shown bitmap can always be
+// taken out again (before it is deleted or lent to another DC) and the DC goes with
+// its own bitmap back in. The shown bitmap is not owned.
+class MemoryDC {
+ public:
+  MemoryDC() = default;
+  // CreateCompatibleDC; holds nothing when that fails.
+  explicit MemoryDC(HDC compatibleWith) : dc_(CreateCompatibleDC(compatibleWith)) {}
+  ~MemoryDC() { reset(); }
+  MemoryDC(MemoryDC&& other) noexcept
+      : dc_(std::exchange(other.dc_, nullptr)), original_(std::exchange(other.original_, nullptr)) {}
+  MemoryDC& operator=(MemoryDC&& other) noexcept {
+    if (this != &other) {
+      reset();
+      dc_ = std::exchange(other.dc_, nullptr);
+      original_ = std::exchange(other.original_, nullptr);
+    }
+    return *this;
+  }
+
+  HDC get() const { return dc_; }
+  explicit operator bool() const { return dc_ != nullptr; }
+
+  // Selects the bitmap into the DC.
+  void Show(HBITMAP bitmap) {
+    HGDIOBJ previous = SelectObject(dc_, bitmap);
+    if (!original_) original_ = previous;
+  }
+  // Puts the DC's own bitmap back, so that nothing shown before stays selected.
+  void ShowOriginal() {
+    if (original_) SelectObject(dc_, original_);
+  }
+  // Takes the bitmap out if it is the one shown now.
+  void Hide(HBITMAP bitmap) {
+    if (original_ && GetCurrentObject(dc_, OBJ_BITMAP) == bitmap) SelectObject(dc_, original_);
+  }
+
+ private:
+  void reset() {
+    if (!dc_) return;
+    ShowOriginal();
+    DeleteDC(dc_);
+    dc_ = nullptr;
+    original_ = nullptr;
+  }
+
+  HDC dc_ = nullptr;
+  HGDIOBJ original_ = nullptr;
+};
+
+}  // namespace platform
