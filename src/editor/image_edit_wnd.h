@@ -16,12 +16,12 @@
 #include "pixels/pixel_buffer.h"
 #include "platform/gdi_handles.h"
 #include "platform/platform.h"
+#include "resources/cursor_table.h"
 #include "tools/text_edit_wnd.h"
 #include "tools/tool_state.h"
 
 class CImageEditCtrl;
 
-inline constexpr int kCursorCount = 20;
 // The class-specific low style bits the editor window and its text-entry child are
 // created with. Neither window class gives them a meaning; they are kept so that both
 // windows carry the styles they always had.

@@ -2,7 +2,9 @@
 // cursor is 32 x 32 pixels.
 #pragma once
 
-#include "editor/image_edit_wnd.h"
+#include "platform/types.h"
+
+inline constexpr int kCursorCount = 20;
 
 struct CursorResource {
   int resourceId;
