@@ -1,27 +1,17 @@
-// Pictures the script host writes: a bitmap read back through GetDIBits as 24-bit
-// bottom-up rows, saved as an uncompressed 24-bit BMP or as a PNG.
+// Pictures the script host writes: a bitmap's pixels as a 24-bit BMP, or as a PNG
+// when the file name ends in .png.
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "platform/platform.h"
 
 namespace script {
 
-struct DibPicture {
-  int width = 0;
-  int height = 0;
-  int stride = 0;          // bytes a row, a multiple of 4
-  std::vector<BYTE> bits;  // bottom-up rows of B, G, R
-};
+enum class PictureResult { Written, NoPicture, NotWritten };
 
-// The bitmap's pixels, or an empty picture (width 0) when the handle is not
-// a bitmap or GetDIBits fails.
-DibPicture ReadDibPicture(HBITMAP bitmap);
-
-// Both return false when the file cannot be written.
-bool WriteBmpFile(const DibPicture& picture, const std::string& path);
-bool WritePngFile(const DibPicture& picture, const std::string& path);
+// Reads the bitmap's pixels (NoPicture when it is not a readable bitmap) and writes
+// them to the path as it stands.
+PictureResult WritePictureFile(HBITMAP bitmap, const std::string& path);
 
 }  // namespace script

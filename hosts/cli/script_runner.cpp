@@ -50,11 +50,6 @@ const std::string& PathArg(const Token& token) { return token.text; }
 
 bool IsCancel(const Token& token) { return token.isWord() && token.text == "cancel"; }
 
-bool EndsWith(const std::string& text, std::string_view suffix) {
-  return text.size() >= suffix.size() &&
-         text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
 }  // namespace
 
 ScriptRunner::ScriptRunner(std::ostream& out, RunOptions options)
@@ -297,10 +292,14 @@ void ScriptRunner::VScroll(Args args) { Scroll(WM_VSCROLL, args); }
 // ---- pictures and state ----
 
 void ScriptRunner::WritePicture(HBITMAP bitmap, const std::string& path, const std::string& what) {
-  const DibPicture picture = ReadDibPicture(bitmap);
-  if (picture.width == 0) throw RunFailure(what + ": there is no picture to write");
-  const bool written = EndsWith(path, ".png") ? WritePngFile(picture, path) : WriteBmpFile(picture, path);
-  if (!written) throw RunFailure(what + ": cannot write '" + path + "'");
+  switch (WritePictureFile(bitmap, path)) {
+    case PictureResult::Written:
+      return;
+    case PictureResult::NoPicture:
+      throw RunFailure(what + ": there is no picture to write");
+    case PictureResult::NotWritten:
+      throw RunFailure(what + ": cannot write '" + path + "'");
+  }
 }
 
 void ScriptRunner::Shot(Args args) {

@@ -8,14 +8,6 @@
 
 namespace {
 
-bool BitmapSize(HBITMAP bitmap, int* width, int* height) {
-  DIBSECTION section{};
-  if (!bitmap || GetObjectA(bitmap, sizeof section, &section) == 0) return false;
-  *width = section.dsBm.bmWidth;
-  *height = section.dsBm.bmHeight;
-  return true;
-}
-
 void FillWithColor(HDC dc, const RECT& rect, COLORREF color) {
   const platform::OwnedBrush brush(CreateSolidBrush(color));
   if (brush) FillRect(dc, &rect, brush.get());
@@ -28,25 +20,13 @@ void FillWhite(const Surface& surface) {
 }  // namespace
 
 PixelBuffer CImageEditWnd::ReadSurfacePixels(HDC dc, HBITMAP bitmap) {
-  int width = 0;
-  int height = 0;
-  if (!dc || !BitmapSize(bitmap, &width, &height)) return PixelBuffer();
-  PixelBuffer buffer(width, height);
-  if (!buffer) {
-    if (m_verbose) ShowOutOfMemoryMessage();
-    return buffer;
-  }
-  BITMAPINFO info = platform::Dib24Info(width, height);
-  GetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
+  PixelBuffer buffer = ReadBitmapPixels(dc, bitmap);
+  if (!buffer && buffer.width() > 0 && m_verbose) ShowOutOfMemoryMessage();
   return buffer;
 }
 
 void CImageEditWnd::WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffer) {
-  int width = 0;
-  int height = 0;
-  if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
-  const BITMAPINFO info = platform::Dib24Info(width, height);
-  SetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
+  WriteBitmapPixels(dc, bitmap, buffer);
 }
 
 void CImageEditWnd::CreateCompositionBuffer(int width, int height) {

@@ -44,6 +44,15 @@ void ClearRowPadding(std::uint8_t* rows, int width, int height, const BitmapFile
   }
 }
 
+// The info header of a file with that layout; GetDIBits fills its colour table.
+BITMAPINFOHEADER InfoHeader(int width, int height, const BitmapFileLayout& layout) {
+  BITMAPINFOHEADER header = platform::Dib24Info(width, height).bmiHeader;
+  header.biBitCount = static_cast<WORD>(layout.depth);
+  header.biSizeImage = static_cast<DWORD>(layout.imageSize);
+  header.biClrUsed = static_cast<DWORD>(layout.colorCount);
+  return header;
+}
+
 BITMAPFILEHEADER FileHeader(const BitmapFileLayout& layout) {
   BITMAPFILEHEADER header{};
   header.bfType = 0x4D42;
@@ -84,6 +93,12 @@ std::string ResolveSavePath(const std::string& path) {
   return platform::TempFolder() + path;
 }
 
+bool WriteDib24File(const std::string& path, int width, int height, const std::uint8_t* rows) {
+  const BitmapFileLayout layout = ComputeBitmapFileLayout(width, height, 1, 24);
+  const BITMAPINFOHEADER header = InfoHeader(width, height, layout);
+  return WriteParts(path, FileHeader(layout), &header, sizeof header, rows, layout.imageSize);
+}
+
 void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
   BITMAP description{};
   if (!path || !*path || !bitmap || !GetObjectA(bitmap, sizeof description, &description)) return;
@@ -103,14 +118,7 @@ void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
     return;
   }
   auto* header = reinterpret_cast<BITMAPINFOHEADER*>(info.get());
-  header->biSize = kInfoHeaderSize;
-  header->biWidth = description.bmWidth;
-  header->biHeight = description.bmHeight;
-  header->biPlanes = 1;
-  header->biBitCount = static_cast<WORD>(layout.depth);
-  header->biCompression = BI_RGB;
-  header->biSizeImage = static_cast<DWORD>(layout.imageSize);
-  header->biClrUsed = static_cast<DWORD>(layout.colorCount);
+  *header = InfoHeader(description.bmWidth, description.bmHeight, layout);
 
   HDC dc = GetDC(context.window);
   if (!dc) return;

@@ -34,6 +34,11 @@ struct WriteContext {
   WORD userLanguage = 0;
 };
 
+// Writes a 24-bit picture (bottom-up rows of blue, green and red bytes, each row
+// padded to 4 bytes) to the path as it stands, with no messages; false when the file
+// cannot be written completely.
+bool WriteDib24File(const std::string& path, int width, int height, const std::uint8_t* rows);
+
 // Writes the bitmap (which stays the caller's) to the path. Nothing is written for
 // an empty path, a null or unreadable bitmap or a missing DC; a file that fails part
 // way stays as far as it was written.

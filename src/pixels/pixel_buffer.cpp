@@ -4,8 +4,18 @@
 #include <new>
 
 namespace {
+
 std::size_t g_limit = kDefaultPixelBufferLimit;
+
+bool BitmapSize(HBITMAP bitmap, int* width, int* height) {
+  DIBSECTION section{};
+  if (!bitmap || GetObjectA(bitmap, sizeof section, &section) == 0) return false;
+  *width = section.dsBm.bmWidth;
+  *height = section.dsBm.bmHeight;
+  return true;
 }
+
+}  // namespace
 
 std::unique_ptr<BYTE[]> AllocatePixels(std::size_t bytes) {
   if (bytes > g_limit) return nullptr;
@@ -25,4 +35,23 @@ PixelRect PixelBuffer::Area(const RECT& rect) const {
   const int top = std::clamp(static_cast<int>(rect.top), 0, height_);
   const int bottom = std::clamp(static_cast<int>(rect.bottom), top, height_);
   return PixelRect{data(), left, height_ - bottom, right, height_ - top, stride_};
+}
+
+PixelBuffer ReadBitmapPixels(HDC dc, HBITMAP bitmap) {
+  int width = 0;
+  int height = 0;
+  if (!dc || !BitmapSize(bitmap, &width, &height)) return PixelBuffer();
+  PixelBuffer buffer(width, height);
+  if (!buffer) return buffer;
+  BITMAPINFO info = platform::Dib24Info(width, height);
+  GetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
+  return buffer;
+}
+
+void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer) {
+  int width = 0;
+  int height = 0;
+  if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
+  const BITMAPINFO info = platform::Dib24Info(width, height);
+  SetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
 }

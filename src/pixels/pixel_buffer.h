@@ -49,3 +49,11 @@ class PixelBuffer {
   int height_ = 0;
   int stride_ = 0;
 };
+
+// A bitmap's pixels read through a DC as a whole buffer; empty when the DC or the
+// bitmap is missing or the bitmap's header cannot be read (size 0 then), or when the
+// memory cannot be had (size known then).
+PixelBuffer ReadBitmapPixels(HDC dc, HBITMAP bitmap);
+// Replaces the bitmap's rows from a buffer of the bitmap's current size; nothing
+// without a DC, a readable bitmap or pixels.
+void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer);

@@ -47,24 +47,18 @@ class SelectionGuard {
  public:
   SelectionGuard() = default;
   SelectionGuard(HDC dc, HGDIOBJ object) : dc_(dc), previous_(dc ? SelectObject(dc, object) : nullptr) {}
-  ~SelectionGuard() { Restore(); }
-  SelectionGuard(SelectionGuard&& other) noexcept
-      : dc_(std::exchange(other.dc_, nullptr)), previous_(std::exchange(other.previous_, nullptr)) {}
+  ~SelectionGuard() {
+    if (previous_) SelectObject(dc_, previous_);
+  }
+  SelectionGuard(SelectionGuard&& other) noexcept { *this = std::move(other); }
+  // Takes the other guard's selection; its own is put back when `other` goes.
   SelectionGuard& operator=(SelectionGuard&& other) noexcept {
-    if (this != &other) {
-      Restore();
-      dc_ = std::exchange(other.dc_, nullptr);
-      previous_ = std::exchange(other.previous_, nullptr);
-    }
+    std::swap(dc_, other.dc_);
+    std::swap(previous_, other.previous_);
     return *this;
   }
 
  private:
-  void Restore() {
-    if (previous_) SelectObject(dc_, previous_);
-    previous_ = nullptr;
-  }
-
   HDC dc_ = nullptr;
   HGDIOBJ previous_ = nullptr;
 };
@@ -78,15 +72,16 @@ class MemoryDC {
   MemoryDC() = default;
   // CreateCompatibleDC; holds nothing when that fails.
   explicit MemoryDC(HDC compatibleWith) : dc_(CreateCompatibleDC(compatibleWith)) {}
-  ~MemoryDC() { reset(); }
-  MemoryDC(MemoryDC&& other) noexcept
-      : dc_(std::exchange(other.dc_, nullptr)), original_(std::exchange(other.original_, nullptr)) {}
+  ~MemoryDC() {
+    if (!dc_) return;
+    ShowOriginal();
+    DeleteDC(dc_);
+  }
+  MemoryDC(MemoryDC&& other) noexcept { *this = std::move(other); }
+  // Takes the other DC; its own goes when `other` does.
   MemoryDC& operator=(MemoryDC&& other) noexcept {
-    if (this != &other) {
-      reset();
-      dc_ = std::exchange(other.dc_, nullptr);
-      original_ = std::exchange(other.original_, nullptr);
-    }
+    std::swap(dc_, other.dc_);
+    std::swap(original_, other.original_);
     return *this;
   }
 
@@ -108,14 +103,6 @@ class MemoryDC {
   }
 
  private:
-  void reset() {
-    if (!dc_) return;
-    ShowOriginal();
-    DeleteDC(dc_);
-    dc_ = nullptr;
-    original_ = nullptr;
-  }
-
   HDC dc_ = nullptr;
   HGDIOBJ original_ = nullptr;
 };

@@ -1,5 +1,6 @@
 // The handle table, the stock objects, object creation, selection and deletion.
 #include "platform/gdi_objects.h"
+#include "platform/user.h"
 
 #include <algorithm>
 #include <array>
@@ -146,14 +147,6 @@ void Replace(H& held, void* handle) {
   held = static_cast<H>(handle);
 }
 
-RECT Intersect(const RECT& a, const RECT& b) {
-  RECT r{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-         std::min(a.bottom, b.bottom)};
-  if (r.right < r.left) r.right = r.left;
-  if (r.bottom < r.top) r.bottom = r.top;
-  return r;
-}
-
 HDC NewDc(DcType type, HBITMAP bitmap) {
   if (!AllowCreation(GdiKind::DC)) return nullptr;
   DcObject dc;
@@ -211,7 +204,7 @@ std::optional<Surface> SurfaceOf(const DcObject& dc) {
   if (dc.type == DcType::Window) {
     surface.originX = dc.origin.x;
     surface.originY = dc.origin.y;
-    surface.clip = Intersect(surface.clip, dc.clip);
+    IntersectRect(&surface.clip, &surface.clip, &dc.clip);
   }
   return surface;
 }

@@ -237,6 +237,8 @@ BOOL DestroyWindow(HWND hwnd);
 HWND GetParent(HWND hwnd);
 CWnd* WindowObject(HWND hwnd);
 BOOL GetClientRect(HWND hwnd, RECT* rect);
+// The overlap of two rectangles; an empty overlap gives (0, 0, 0, 0) and FALSE.
+BOOL IntersectRect(RECT* dst, const RECT* a, const RECT* b);
 BOOL GetWindowRect(HWND hwnd, RECT* rect);  // in the root window's coordinates
 BOOL MoveWindow(HWND hwnd, int x, int y, int width, int height, BOOL repaint);
 LRESULT SendMessageA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);

@@ -118,21 +118,23 @@ BOOL AppendMenuA(HMENU menu, UINT flags, UINT_PTR id, LPCSTR text) {
   return items == nullptr ? FALSE : InsertMenuItemA(menu, static_cast<UINT>(items->size()), TRUE, &info);
 }
 
-UINT EnableMenuItem(HMENU menu, UINT item, UINT enable) {
-  Item* found = FindItem(menu, item, (enable & MF_BYPOSITION) != 0);
+namespace {
+
+// Sets the item's `bit` of its state from `flags` (which also say whether the item is
+// named by position) and returns the bit's previous value; -1 without such an item.
+UINT ChangeItemState(HMENU menu, UINT item, UINT flags, UINT bit) {
+  Item* found = FindItem(menu, item, (flags & MF_BYPOSITION) != 0);
   if (found == nullptr) return static_cast<UINT>(-1);
-  UINT previous = found->state & MFS_GRAYED;
-  found->state = (found->state & ~MFS_GRAYED) | (enable & MFS_GRAYED);
+  const UINT previous = found->state & bit;
+  found->state = (found->state & ~bit) | (flags & bit);
   return previous;
 }
 
-DWORD CheckMenuItem(HMENU menu, UINT item, UINT check) {
-  Item* found = FindItem(menu, item, (check & MF_BYPOSITION) != 0);
-  if (found == nullptr) return static_cast<DWORD>(-1);
-  DWORD previous = found->state & MFS_CHECKED;
-  found->state = (found->state & ~MFS_CHECKED) | (check & MF_CHECKED);
-  return previous;
-}
+}  // namespace
+
+UINT EnableMenuItem(HMENU menu, UINT item, UINT enable) { return ChangeItemState(menu, item, enable, MFS_GRAYED); }
+
+DWORD CheckMenuItem(HMENU menu, UINT item, UINT check) { return ChangeItemState(menu, item, check, MFS_CHECKED); }
 
 int GetMenuItemCount(HMENU menu) {
   std::vector<Item>* items = Find(menu);

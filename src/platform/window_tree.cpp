@@ -110,9 +110,9 @@ std::vector<HWND> HostRoots() { return TheTree().hostRoots; }
 bool IsEmpty(const RECT& r) { return r.right <= r.left || r.bottom <= r.top; }
 
 RECT Intersect(const RECT& a, const RECT& b) {
-  RECT r{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-         std::min(a.bottom, b.bottom)};
-  return IsEmpty(r) ? RECT{0, 0, 0, 0} : r;
+  RECT r;
+  IntersectRect(&r, &a, &b);
+  return r;
 }
 
 RECT Union(const RECT& a, const RECT& b) {
@@ -127,3 +127,11 @@ RECT Offset(const RECT& r, int dx, int dy) {
 }
 
 }  // namespace platform::window
+
+BOOL IntersectRect(RECT* dst, const RECT* a, const RECT* b) {
+  const RECT r{std::max(a->left, b->left), std::max(a->top, b->top), std::min(a->right, b->right),
+               std::min(a->bottom, b->bottom)};
+  const bool empty = platform::window::IsEmpty(r);
+  *dst = empty ? RECT{0, 0, 0, 0} : r;
+  return empty ? FALSE : TRUE;
+}

@@ -83,6 +83,9 @@ TEST(BitmapFileReader, EachDepthAndHeaderKindGivesItsColour) {
        {.infoSize = 12, .bitCount = 8, .palette = fullTable, .pixels = {7, 0, 0, 0}},
        0xABCDEF},
       {"16 bits default 5-5-5", {.bitCount = 16, .pixels = {0x1F, 0x7C, 0, 0}}, 0xFF00FF},
+      // Narrow channels widen as SetDIBits widens them (checked against Windows GDI):
+      // blue 16 of 31 is 132, not 16 * 255 / 31.
+      {"16 bits, blue 16 of 31", {.bitCount = 16, .pixels = {0x10, 0x00, 0, 0}}, 0x000084},
       {"16 bits 5-6-5 bitfields",
        {.bitCount = 16, .compression = 3, .masks = {0xF800, 0x07E0, 0x001F}, .pixels = {0xE0, 0x07, 0, 0}},
        0x00FF00},

@@ -133,7 +133,8 @@ TEST(GdiDib, PalettedRowsReadTheirColourTable) {
 TEST(GdiDib, SixteenAndThirtyTwoBitMasksWidenToEightBits) {
   MemSurface s(3, 1);
   InfoWithTable rgb555{Header(3, 1, 16), {}};
-  // 0x7FFF white, 0x7C00 pure red, 0x0010 blue 16 of 31
+  // 0x7FFF white, 0x7C00 pure red, 0x0010 blue 16 of 31, which GDI widens to 132 by
+  // repeating the top bits (the bitmap file reader does the same)
   const BYTE bits555[8] = {0xFF, 0x7F, 0x00, 0x7C, 0x10, 0x00, 0, 0};
   ASSERT_EQ(SetDIBits(s.dc(), s.bitmap(), 0, 1, bits555, rgb555.info(), DIB_RGB_COLORS), 1);
   EXPECT_EQ(s.Row(0, 3), (Row{kWhite, RGB(255, 0, 0), RGB(0, 0, 0x84)}));
