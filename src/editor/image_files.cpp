@@ -59,6 +59,8 @@ void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
   m_view.originalHeight = description.bmHeight;
   m_view.scalingAllowed = true;
   CreateDrawingLayer(m_view.originalWidth, m_view.originalHeight);
+  // Without a requested width the picture is laid out at 100 % (a negative width is a
+  // percentage).
   SetImageWidth(m_view.requestedImageWidth > 0 ? m_view.requestedImageWidth : -100);
   const Surface& layer = m_surfaces.drawingLayer;
   CommitHistoryLevel(layer.dc(), layer.width(), layer.height());

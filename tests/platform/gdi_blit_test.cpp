@@ -1,3 +1,4 @@
+#include <random>
 #include <vector>
 
 #include "platform/gdi_test_support.h"
@@ -9,41 +10,47 @@ using Row = std::vector<COLORREF>;
 
 namespace {
 
-constexpr COLORREF kS0 = 0x00F0A050;
-constexpr COLORREF kS1 = 0x000F0F0F;
 constexpr COLORREF kD0 = 0x00336699;
 constexpr COLORREF kD1 = 0x00FFFFFF;
 
-// Blits a two-pixel source onto a two-pixel destination with `rop` (red brush selected
-// into the destination) and returns the destination.
-Row BlitPair(DWORD rop) {
-  MemSurface src(2, 1), dst(2, 1);
-  src.SetRow(0, {kS0, kS1});
-  dst.SetRow(0, {kD0, kD1});
-  HBRUSH red = CreateSolidBrush(RGB(255, 0, 0));
-  HGDIOBJ oldBrush = SelectObject(dst.dc(), red);
-  EXPECT_TRUE(BitBlt(dst.dc(), 0, 0, 2, 1, src.dc(), 0, 0, rop));
-  SelectObject(dst.dc(), oldBrush);
-  DeleteObject(red);
-  return dst.Row(0, 2);
+// Every raster operation against the rule that defines it, written out bit by bit:
+// bit k of the result is bit (P*4 + S*2 + D) of the operation index, where P, S and D
+// are bit k of the pattern (the brush), the source and the destination.
+COLORREF ReferenceRop(int index, COLORREF p, COLORREF s, COLORREF d) {
+  COLORREF result = 0;
+  for (int bit = 0; bit < 24; ++bit) {
+    const int term = static_cast<int>(((p >> bit) & 1) * 4 + ((s >> bit) & 1) * 2 + ((d >> bit) & 1));
+    result |= static_cast<COLORREF>((index >> term) & 1) << bit;
+  }
+  return result;
 }
 
-TEST(GdiBitBlt, RasterOperationsComputeTheirBitwiseFormula) {
-  const COLORREF p = RGB(255, 0, 0);
-  EXPECT_EQ(BlitPair(SRCCOPY), (Row{kS0, kS1}));
-  EXPECT_EQ(BlitPair(SRCAND), (Row{kS0 & kD0, kS1 & kD1}));
-  EXPECT_EQ(BlitPair(SRCPAINT), (Row{kS0 | kD0, kS1 | kD1}));
-  EXPECT_EQ(BlitPair(SRCINVERT), (Row{kS0 ^ kD0, kS1 ^ kD1}));
-  EXPECT_EQ(BlitPair(NOTSRCCOPY), (Row{~kS0 & 0xFFFFFF, ~kS1 & 0xFFFFFF}));
-  EXPECT_EQ(BlitPair(DSTINVERT), (Row{~kD0 & 0xFFFFFF, ~kD1 & 0xFFFFFF}));
-  EXPECT_EQ(BlitPair(BLACKNESS), (Row{kBlack, kBlack}));
-  EXPECT_EQ(BlitPair(WHITENESS), (Row{kWhite, kWhite}));
-  EXPECT_EQ(BlitPair(PATCOPY), (Row{p, p}));
-  EXPECT_EQ(BlitPair(PATINVERT), (Row{p ^ kD0, p ^ kD1}));
-  // Operations without a fast path go through the general minterm evaluation.
-  EXPECT_EQ(BlitPair(MERGEPAINT), (Row{(~kS0 | kD0) & 0xFFFFFF, (~kS1 | kD1) & 0xFFFFFF}));
-  EXPECT_EQ(BlitPair(SRCERASE), (Row{kS0 & ~kD0, kS1 & ~kD1}));
-  EXPECT_EQ(BlitPair(NOTSRCERASE), (Row{~(kS0 | kD0) & 0xFFFFFF, ~(kS1 | kD1) & 0xFFFFFF}));
+TEST(GdiBitBlt, EveryRasterOperationFollowsTheMintermRuleOnColourAndMono) {
+  std::mt19937 random(5);
+  constexpr int kWidth = 16;
+  for (bool mono : {false, true}) {
+    // A monochrome bitmap holds only black and white.
+    const auto pick = [&] { return mono ? (random() & 1 ? kWhite : kBlack) : random() & 0xFFFFFF; };
+    MemSurface src(kWidth, 1, mono), dst(kWidth, 1, mono);
+    for (int index = 0; index < 256; ++index) {
+      Row source, before;
+      for (int x = 0; x < kWidth; ++x) {
+        source.push_back(pick());
+        before.push_back(pick());
+      }
+      src.SetRow(0, source);
+      dst.SetRow(0, before);
+      const COLORREF pattern = pick();
+      HBRUSH brush = CreateSolidBrush(pattern);
+      HGDIOBJ previous = SelectObject(dst.dc(), brush);
+      ASSERT_TRUE(BitBlt(dst.dc(), 0, 0, kWidth, 1, src.dc(), 0, 0, static_cast<DWORD>(index) << 16));
+      SelectObject(dst.dc(), previous);
+      DeleteObject(brush);
+      Row expected;
+      for (int x = 0; x < kWidth; ++x) expected.push_back(ReferenceRop(index, pattern, source[x], before[x]));
+      ASSERT_EQ(dst.Row(0, kWidth), expected) << (mono ? "mono" : "colour") << " rop index " << index;
+    }
+  }
 }
 
 TEST(GdiBitBlt, PatternWithHollowBrushPaintsNothing) {
