@@ -325,8 +325,13 @@ void ScriptRunner::Dump(Args args) {
 }
 
 void ScriptRunner::State(Args args) {
-  ExpectCount(args, 0, 0, "state");
-  out_ << EditorStateJson(control_->m_editor.State()) << '\n';
+  std::vector<std::string> keys;
+  for (const Token& token : args) {
+    const std::string& key = WordArg(token, "state: KEY");
+    if (!IsStateKey(key)) throw ParseError("state: unknown key '" + key + "'");
+    keys.push_back(key);
+  }
+  out_ << EditorStateJson(control_->m_editor.State(), keys) << '\n';
 }
 
 // ---- interface methods ----

@@ -1,6 +1,9 @@
 #include "state_json.h"
 
+#include <algorithm>
+#include <functional>
 #include <initializer_list>
+#include <utility>
 
 #include "json_writer.h"
 #include "script_parser.h"
@@ -8,74 +11,89 @@
 namespace script {
 namespace {
 
-void IntArray(JsonWriter& json, std::string_view key, std::initializer_list<int> values) {
-  json.Key(key).BeginArray();
+void Ints(JsonWriter& json, std::initializer_list<int> values) {
+  json.BeginArray();
   for (int value : values) json.Value(value);
   json.EndArray();
 }
 
-void BoolArray(JsonWriter& json, std::string_view key, std::initializer_list<bool> values) {
-  json.Key(key).BeginArray();
-  for (bool value : values) json.Value(value);
-  json.EndArray();
+void Settings(JsonWriter& json, const AdjustmentSettings& s) {
+  json.BeginObject();
+  json.Key("brightness").Value(s.brightness).Key("contrast").Value(s.contrast);
+  json.Key("hue").Value(s.hue).Key("saturation").Value(s.saturation);
+  json.Key("gammaR").Value(s.redGamma).Key("gammaG").Value(s.greenGamma).Key("gammaB").Value(s.blueGamma);
+  json.Key("gray").Value(s.gray).Key("invert").Value(s.invert);
+  json.Key("sharpen").Value(s.sharpenSteps).Key("smooth").Value(s.smoothSteps);
+  json.Key("whiten").Value(s.whitenSteps).Key("blend").Value(s.blend);
+  json.EndObject();
 }
 
-void Settings(JsonWriter& json, const AdjustmentSettings& settings) {
-  json.Key("settings").BeginObject();
-  json.Key("brightness").Value(settings.brightness);
-  json.Key("contrast").Value(settings.contrast);
-  json.Key("hue").Value(settings.hue);
-  json.Key("saturation").Value(settings.saturation);
-  json.Key("gammaR").Value(settings.redGamma);
-  json.Key("gammaG").Value(settings.greenGamma);
-  json.Key("gammaB").Value(settings.blueGamma);
-  json.Key("gray").Value(settings.gray);
-  json.Key("invert").Value(settings.invert);
-  json.Key("sharpen").Value(settings.sharpenSteps);
-  json.Key("smooth").Value(settings.smoothSteps);
-  json.Key("whiten").Value(settings.whitenSteps);
-  json.Key("blend").Value(settings.blend);
-  json.EndObject();
+using Member = std::pair<const char*, std::function<void(JsonWriter&, const EditorState&)>>;
+
+// The report's members in the order they are printed.
+const std::vector<Member>& Members() {
+  static const std::vector<Member> members = {
+      {"toolMode", [](JsonWriter& j, const EditorState& s) { j.Value(s.toolMode); }},
+      {"savedToolMode", [](JsonWriter& j, const EditorState& s) { j.Value(s.savedToolMode); }},
+      {"color", [](JsonWriter& j, const EditorState& s) { j.Value(FormatRgbHex(s.color)); }},
+      {"penSize", [](JsonWriter& j, const EditorState& s) { j.Value(s.penSize); }},
+      {"toolWidth", [](JsonWriter& j, const EditorState& s) { j.Value(s.toolWidth); }},
+      {"shapeStyle", [](JsonWriter& j, const EditorState& s) { j.Value(s.shapeStyle); }},
+      {"curveStage", [](JsonWriter& j, const EditorState& s) { j.Value(s.curveStage); }},
+      {"scale", [](JsonWriter& j, const EditorState& s) { j.Value(s.scale); }},
+      {"imageRect",
+       [](JsonWriter& j, const EditorState& s) {
+         Ints(j, {s.imageRect.left, s.imageRect.top, s.imageRect.right, s.imageRect.bottom});
+       }},
+      {"displayed", [](JsonWriter& j, const EditorState& s) { Ints(j, {s.displayed.cx, s.displayed.cy}); }},
+      {"original", [](JsonWriter& j, const EditorState& s) { Ints(j, {s.original.cx, s.original.cy}); }},
+      {"scroll", [](JsonWriter& j, const EditorState& s) { Ints(j, {s.scroll.x, s.scroll.y}); }},
+      {"bars",
+       [](JsonWriter& j, const EditorState& s) {
+         j.BeginArray().Value(s.hScrollShown).Value(s.vScrollShown).EndArray();
+       }},
+      {"view", [](JsonWriter& j, const EditorState& s) { Ints(j, {s.view.cx, s.view.cy}); }},
+      {"history",
+       [](JsonWriter& j, const EditorState& s) {
+         j.BeginObject().Key("count").Value(s.historyCount).Key("index").Value(s.historyIndex).EndObject();
+       }},
+      // Inserted objects carry no readable geometry yet; the list stays empty until they do.
+      {"objects", [](JsonWriter& j, const EditorState&) { j.BeginArray().EndArray(); }},
+      {"zorder",
+       [](JsonWriter& j, const EditorState& s) {
+         j.BeginArray();
+         for (int slot : s.zOrder) j.Value(slot);
+         j.EndArray();
+       }},
+      {"selectedObject", [](JsonWriter& j, const EditorState& s) { j.Value(s.selectedObject); }},
+      {"selectionBox",
+       [](JsonWriter& j, const EditorState& s) {
+         Ints(j, {s.selectionBox.left, s.selectionBox.top, s.selectionBox.right, s.selectionBox.bottom});
+       }},
+      {"frame", [](JsonWriter& j, const EditorState& s) { j.Value(s.frame); }},
+      {"textShown", [](JsonWriter& j, const EditorState& s) { j.Value(s.textShown); }},
+      {"settings", [](JsonWriter& j, const EditorState& s) { Settings(j, s.settings); }},
+      {"scalingAllowed", [](JsonWriter& j, const EditorState& s) { j.Value(s.scalingAllowed); }},
+      {"verbose", [](JsonWriter& j, const EditorState& s) { j.Value(s.verbose); }},
+      {"gdiObjects", [](JsonWriter& j, const EditorState& s) { j.Value(s.gdiObjects); }},
+  };
+  return members;
 }
 
 }  // namespace
 
-std::string EditorStateJson(const EditorState& state) {
+bool IsStateKey(std::string_view key) {
+  return std::any_of(Members().begin(), Members().end(), [&](const Member& m) { return key == m.first; });
+}
+
+std::string EditorStateJson(const EditorState& state, const std::vector<std::string>& keys) {
   JsonWriter json;
   json.BeginObject();
-  json.Key("toolMode").Value(state.toolMode);
-  json.Key("savedToolMode").Value(state.savedToolMode);
-  json.Key("color").Value(FormatRgbHex(state.color));
-  json.Key("penSize").Value(state.penSize);
-  json.Key("toolWidth").Value(state.toolWidth);
-  json.Key("shapeStyle").Value(state.shapeStyle);
-  json.Key("curveStage").Value(state.curveStage);
-  json.Key("scale").Value(state.scale);
-  const RECT& image = state.imageRect;
-  IntArray(json, "imageRect", {image.left, image.top, image.right, image.bottom});
-  IntArray(json, "displayed", {state.displayed.cx, state.displayed.cy});
-  IntArray(json, "original", {state.original.cx, state.original.cy});
-  IntArray(json, "scroll", {state.scroll.x, state.scroll.y});
-  BoolArray(json, "bars", {state.hScrollShown, state.vScrollShown});
-  IntArray(json, "view", {state.view.cx, state.view.cy});
-  json.Key("history").BeginObject();
-  json.Key("count").Value(state.historyCount);
-  json.Key("index").Value(state.historyIndex);
-  json.EndObject();
-  // Inserted objects carry no readable geometry yet; the list stays empty until they do.
-  json.Key("objects").BeginArray().EndArray();
-  json.Key("zorder").BeginArray();
-  for (int slot : state.zOrder) json.Value(slot);
-  json.EndArray();
-  json.Key("selectedObject").Value(state.selectedObject);
-  const RECT& box = state.selectionBox;
-  IntArray(json, "selectionBox", {box.left, box.top, box.right, box.bottom});
-  json.Key("frame").Value(state.frame);
-  json.Key("textShown").Value(state.textShown);
-  Settings(json, state.settings);
-  json.Key("scalingAllowed").Value(state.scalingAllowed);
-  json.Key("verbose").Value(state.verbose);
-  json.Key("gdiObjects").Value(state.gdiObjects);
+  for (const auto& [name, write] : Members()) {
+    if (!keys.empty() && std::find(keys.begin(), keys.end(), name) == keys.end()) continue;
+    json.Key(name);
+    write(json, state);
+  }
   json.EndObject();
   return json.str();
 }

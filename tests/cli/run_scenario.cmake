@@ -10,6 +10,9 @@
 # something was written there — a line "--- stderr ---" and standard error, then
 # "--- exit N ---" with the exit status. On a mismatch the actual transcript is left
 # in WORKDIR/NAME.actual and a unified diff is printed.
+#
+# Pictures: every file in the folder NAME/ beside the script must have been written by
+# the run (under the same name) with exactly the same bytes.
 foreach(variable IMAGEEDIT SCRIPT WORKDIR)
   if(NOT DEFINED ${variable})
     message(FATAL_ERROR "run_scenario.cmake needs -D${variable}=...")
@@ -56,3 +59,13 @@ if(NOT transcript STREQUAL expected)
   message(NOTICE "${difference}")
   message(FATAL_ERROR "scenario ${name}: transcript differs from ${name}.expected (actual: ${actualFile})")
 endif()
+
+file(GLOB expectedPictures "${scenarioDir}/${name}/*")
+foreach(expectedPicture ${expectedPictures})
+  get_filename_component(picture "${expectedPicture}" NAME)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files "${expectedPicture}" "${WORKDIR}/${picture}"
+                  RESULT_VARIABLE differs)
+  if(differs)
+    message(FATAL_ERROR "scenario ${name}: ${picture} differs from ${expectedPicture} (or was not written)")
+  endif()
+endforeach()

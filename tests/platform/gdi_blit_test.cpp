@@ -105,16 +105,6 @@ TEST(GdiBitBlt, ColourSourceOnMonoMarksSourceBackgroundColourWhite) {
   EXPECT_EQ(mono.Row(0, 3), (Row{kWhite, kBlack, kBlack}));
 }
 
-TEST(GdiBitBlt, MonoToMonoCopiesBitsAndNotSrcCopyInverts) {
-  MemSurface a(3, 1, true), b(3, 1, true);
-  a.SetRow(0, {kWhite, kBlack, kWhite});
-  SetBkColor(b.dc(), RGB(255, 0, 0));
-  ASSERT_TRUE(BitBlt(b.dc(), 0, 0, 3, 1, a.dc(), 0, 0, SRCCOPY));
-  EXPECT_EQ(b.Row(0, 3), (Row{kWhite, kBlack, kWhite}));
-  ASSERT_TRUE(BitBlt(b.dc(), 0, 0, 3, 1, b.dc(), 0, 0, NOTSRCCOPY));
-  EXPECT_EQ(b.Row(0, 3), (Row{kBlack, kWhite, kBlack}));
-}
-
 TEST(GdiBitBlt, ColoursOnMonoSurfacesSnapToNearestOfBlackAndWhite) {
   MemSurface mono(2, 1, true);
   EXPECT_EQ(SetPixel(mono.dc(), 0, 0, RGB(200, 200, 0)), kWhite);    // 400 > 382

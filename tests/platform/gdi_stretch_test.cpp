@@ -24,15 +24,6 @@ Row StretchRow(const Row& source, int width, int mode) {
   return dst.Row(0, width);
 }
 
-TEST(GdiStretch, HalftoneShrinkAveragesTheCoveredArea) {
-  // 4 -> 2: each destination pixel is the mean of two source pixels, rounded to nearest.
-  EXPECT_EQ(StretchRow({Gray(0), Gray(100), Gray(200), Gray(51)}, 2, HALFTONE), (Row{Gray(50), Gray(126)}));
-  // 3 -> 2: the middle pixel is split, weights 2/3 and 1/3.
-  EXPECT_EQ(StretchRow({Gray(0), Gray(90), Gray(30)}, 2, HALFTONE), (Row{Gray(30), Gray(50)}));
-  // Channels are averaged separately.
-  EXPECT_EQ(StretchRow({RGB(255, 0, 10), RGB(0, 255, 20)}, 1, HALFTONE), (Row{RGB(128, 128, 15)}));
-}
-
 TEST(GdiStretch, HalftoneTwoDimensionalMixesAxes) {
   // 2x2 -> 1x4: rows averaged (shrink) across, interpolated (enlarge) down.
   MemSurface src(2, 2), dst(1, 4);

@@ -47,14 +47,6 @@ TEST(CodePages, KoreanAndChineseMessagesRoundTripThroughTheirCodePages) {
   EXPECT_EQ(ToWide(932, ToNarrow(932, u"メモリ")), u"メモリ");
 }
 
-TEST(CodePages, Utf8IsTheAnsiCodePage) {
-  EXPECT_EQ(GetACP(), CP_UTF8);
-  const std::string text = "굴림체 Arial \xF0\x9F\x98\x80";
-  std::u16string wide = ToWide(CP_ACP, text);
-  EXPECT_EQ(wide, u"굴림체 Arial \U0001F600");
-  EXPECT_EQ(ToNarrow(CP_UTF8, wide), text);
-}
-
 TEST(CodePages, MinusOneLengthCountsTheTerminatorAndShortBuffersFail) {
   EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "abc", -1, nullptr, 0), 4);
   WCHAR buffer[4] = {u'x', u'x', u'x', u'x'};

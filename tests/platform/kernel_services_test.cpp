@@ -16,11 +16,6 @@ TEST(KernelServices, RandFollowsTheClassicGenerator) {
   EXPECT_EQ(platform::Rand(), 41);
 }
 
-TEST(KernelServices, LanguageAndKeyboardDefaultToUsEnglish) {
-  EXPECT_EQ(GetUserDefaultLangID(), 0x0409);
-  EXPECT_EQ(GetKeyboardLayout(0), 0x04090409u);
-}
-
 TEST(KernelServices, TheImageLibraryOffersTransparentBltUntilMadeUnavailable) {
   int before = platform::LiveModules();
   HMODULE module = LoadLibraryA("msimg32.dll");

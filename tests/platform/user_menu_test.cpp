@@ -91,15 +91,6 @@ TEST_F(Menus, TrackPopupMenuAsksTheHostAndSendsOrReturnsTheCommand) {
   DestroyMenu(menu);
 }
 
-TEST_F(Menus, MessageBoxesGoToTheHostWithTheModuleCaption) {
-  EXPECT_EQ(AfxMessageBox("Out of memory.", MB_ICONEXCLAMATION), IDOK);
-  EXPECT_EQ(MessageBoxA(nullptr, "text", nullptr, MB_OK), IDOK);
-  ASSERT_EQ(host_.messages.size(), 2u);
-  EXPECT_EQ(host_.messages[0].caption + ": " + host_.messages[0].text, "Image Edit Control: Out of memory.");
-  EXPECT_EQ(host_.messages[0].type, static_cast<UINT>(MB_ICONEXCLAMATION));
-  EXPECT_EQ(host_.messages[1].caption + ": " + host_.messages[1].text, "Error: text");
-}
-
 TEST_F(Menus, CursorsLoadFromRegisteredResourcesAndTheWaitCursorNests) {
   platform::RegisterCursorResource(215, 15, 8);
   int before = platform::LiveWindowObjects().cursors;

@@ -89,18 +89,6 @@ TEST_F(Painting, InvalidateWaitsForUpdateAndRedrawUpdatesAtOnce) {
   EXPECT_EQ(FramePixel(20, 20), kBlue);
 }
 
-TEST_F(Painting, RepaintingTheParentRepaintsTheChildOverIt) {
-  platform::FlushPaint(hostWindow_);
-  int childPaints = child_.paints;
-  parent_.RedrawWindow();
-  EXPECT_EQ(child_.paints, childPaints + 1);
-  EXPECT_EQ(FramePixel(15, 15), kBlue);
-  // A repaint of a parent part away from the child leaves the child alone.
-  RECT corner{40, 30, 50, 40};
-  RedrawWindow(parent_.m_hWnd, &corner, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-  EXPECT_EQ(child_.paints, childPaints + 1);
-}
-
 TEST_F(Painting, PaintStaysInsideTheChildAndItsParent) {
   // A child reaching past its parent's right and bottom edges.
   SolidWnd overhang;

@@ -145,27 +145,6 @@ TEST_F(ScrollBarInput, ArrowRepeatsOnlyWhileTheCursorStaysOnIt) {
   EXPECT_EQ(wnd_.log.size(), 6u);
 }
 
-TEST_F(ScrollBarInput, AHeldArrowLooksPressedWhileTheCursorIsOnIt) {
-  // The right arrow at x 83..100, y 63..80: raised, its tip at (92, 71).
-  constexpr std::uint32_t kGlyph = 0x202020;
-  EXPECT_EQ(FramePixel(83, 63), 0xE3E3E3u);
-  EXPECT_EQ(FramePixel(92, 71), kGlyph);
-  EXPECT_EQ(FramePixel(89, 68), kGlyph);
-  Press(90, 70);
-  // Sunk: a grey frame, the glyph one pixel down and right.
-  EXPECT_EQ(FramePixel(83, 63), 0xA0A0A0u);
-  EXPECT_EQ(FramePixel(99, 79), 0xA0A0A0u);
-  EXPECT_EQ(FramePixel(93, 72), kGlyph);
-  EXPECT_EQ(FramePixel(89, 68), 0xF0F0F0u);  // the raised glyph's base column
-  Move(50, 70);
-  EXPECT_EQ(FramePixel(83, 63), 0xE3E3E3u);
-  Move(95, 75);
-  EXPECT_EQ(FramePixel(83, 63), 0xA0A0A0u);
-  Release(95, 75);
-  EXPECT_EQ(FramePixel(83, 63), 0xE3E3E3u);
-  EXPECT_EQ(FramePixel(92, 71), kGlyph);
-}
-
 TEST_F(ScrollBarInput, VerticalBarSendsVScrollAndTheCornerAndADisabledBarDoNothing) {
   SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE, 0, 49, 20, 0, 0};
   SetScrollInfo(wnd_.m_hWnd, SB_VERT, &info, TRUE);

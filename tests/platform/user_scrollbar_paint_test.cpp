@@ -50,30 +50,6 @@ class ScrollBarPaint : public HostFixture {
   RedWnd wnd_;
 };
 
-TEST_F(ScrollBarPaint, ArrowButtonsAreRaisedWithADarkTriangle) {
-  // The up arrow at host x 73..90, y 5..22: centre (81, 13), tip row 11, base row 14.
-  EXPECT_EQ(FramePixel(73, 5), kLight);
-  EXPECT_EQ(FramePixel(74, 6), kHighlight);
-  EXPECT_EQ(FramePixel(88, 10), kShadow);
-  EXPECT_EQ(FramePixel(89, 10), kDarkShadow);
-  EXPECT_EQ(FramePixel(80, 21), kDarkShadow);
-  EXPECT_EQ(FramePixel(76, 8), kFace);
-  EXPECT_EQ(FramePixel(81, 11), kGlyph);
-  EXPECT_EQ(FramePixel(80, 11), kFace);
-  EXPECT_EQ(FramePixel(78, 14), kGlyph);
-  EXPECT_EQ(FramePixel(84, 14), kGlyph);
-  EXPECT_EQ(FramePixel(77, 14), kFace);
-  EXPECT_EQ(FramePixel(81, 15), kFace);
-  // The down arrow at y 41..58 points the other way: base row 47, tip row 50.
-  EXPECT_EQ(FramePixel(78, 47), kGlyph);
-  EXPECT_EQ(FramePixel(81, 50), kGlyph);
-  EXPECT_EQ(FramePixel(80, 50), kFace);
-  // The right arrow of the horizontal bar (host x 56..73, y 58..75): base column 62, tip column 65.
-  EXPECT_EQ(FramePixel(65, 66), kGlyph);
-  EXPECT_EQ(FramePixel(65, 65), kFace);
-  EXPECT_EQ(FramePixel(62, 63), kGlyph);
-}
-
 TEST_F(ScrollBarPaint, ThumbSitsWhereThePositionPutsItAndFollowsSetScrollPos) {
   // Vertical: a 19 px track (y 22..41), an 8 px thumb, 11 px for 90 positions; pos 90
   // puts the thumb at y 33..41.
@@ -129,14 +105,6 @@ TEST_F(ScrollBarPaint, AHiddenBarGivesItsStripBackToTheClientArea) {
   EXPECT_EQ(FramePixel(60, 66), kTrack);
   EXPECT_EQ(FramePixel(73, 58), kLight);
   EXPECT_EQ(FramePixel(89, 66), kDarkShadow);
-}
-
-TEST_F(ScrollBarPaint, DrawingLeavesNoGdiObjectsBehind) {
-  platform::GdiCounts before = platform::LiveGdiObjects();
-  for (int pos = 0; pos < 5; ++pos) SetScrollPos(wnd_.m_hWnd, SB_HORZ, pos * 20, TRUE);
-  InvalidateRect(hostWindow_, nullptr, TRUE);
-  platform::FlushPaint(hostWindow_);
-  EXPECT_EQ(platform::LiveGdiObjects().total(), before.total());
 }
 
 }  // namespace
