@@ -20,21 +20,21 @@ class ViewTest : public HostedTest {
   }
 };
 
-TEST(DisplayScaleTest, PercentagesMapOntoTwoLinearRanges) {
-  EXPECT_DOUBLE_EQ(ScaleFromPercentage(0, 10, 10, 100, 100), 0.25);
-  EXPECT_DOUBLE_EQ(ScaleFromPercentage(50, 10, 10, 100, 100), 0.625);
-  EXPECT_DOUBLE_EQ(ScaleFromPercentage(99, 10, 10, 100, 100), 0.9925);
-  EXPECT_DOUBLE_EQ(ScaleFromPercentage(100, 1000, 1000, 100, 100), 1.0);  // no correction at 100 %
-  EXPECT_DOUBLE_EQ(ScaleFromPercentage(200, 10, 10, 100, 100), 2.0);
-}
-
-TEST(DisplayScaleTest, ShrinkingAPictureLargerThanTheSurfaceShrinksFurther) {
-  // Twice as wide, three times as tall as the reference: the larger ratio counts.
-  EXPECT_DOUBLE_EQ(ScaleFromPercentage(50, 200, 300, 100, 100), 0.625 - 0.06);
-  // Exactly as large: no correction.
-  EXPECT_DOUBLE_EQ(ScaleFromPercentage(50, 100, 100, 100, 100), 0.625);
-  // A correction that would reach zero or below leaves a tiny positive scale.
-  EXPECT_DOUBLE_EQ(ScaleFromPercentage(0, 10000, 10, 10, 10), 0.001);
+// Two linear ranges meeting at 100 %; below it, a picture larger than the reference
+// surface is shrunk further by the larger of its ratios, never to 0 or below.
+TEST(DisplayScaleTest, PercentagesAndTheShrinkCorrection) {
+  struct Case {
+    int percent, originalWidth, originalHeight;
+    double scale;
+  };
+  for (const Case& c : {Case{0, 10, 10, 0.25}, Case{99, 10, 10, 0.9925}, Case{100, 1000, 1000, 1.0},
+                        Case{200, 10, 10, 2.0}, Case{50, 100, 100, 0.625}, Case{50, 200, 300, 0.625 - 0.06},
+                        Case{0, 10000, 10, 0.001}}) {
+    const int reference = c.originalWidth == 10000 ? 10 : 100;
+    EXPECT_DOUBLE_EQ(ScaleFromPercentage(c.percent, c.originalWidth, c.originalHeight, reference, reference),
+                     c.scale)
+        << c.percent << "% of " << c.originalWidth << "x" << c.originalHeight;
+  }
 }
 
 TEST_F(ViewTest, ScaleImageWorksOnlyWhileAllowedAndClampsThePercentage) {

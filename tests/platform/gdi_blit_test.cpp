@@ -177,27 +177,6 @@ TEST(GdiPixels, OutsideTheBitmapIsInvalid) {
   EXPECT_EQ(SetPixel(s.dc(), -1, 0, kWhite), CLR_INVALID);
 }
 
-TEST(GdiTransparentBlt, MatchesTheMaskSequence) {
-  const COLORREF key = RGB(19, 67, 11);
-  const Row source{key, RGB(9, 8, 7), kWhite, key, kBlack};
-  const Row target{RGB(1, 2, 3), RGB(4, 5, 6), RGB(7, 8, 9), RGB(10, 11, 12), RGB(13, 14, 15)};
-  MemSurface src(5, 1), direct(5, 1), masked(5, 1), mask(5, 1, true);
-  src.SetRow(0, source);
-  direct.SetRow(0, target);
-  masked.SetRow(0, target);
-  ASSERT_TRUE(TransparentBlt(direct.dc(), 0, 0, 5, 1, src.dc(), 0, 0, 5, 1, key));
-  SetBkColor(src.dc(), key);
-  BitBlt(mask.dc(), 0, 0, 5, 1, src.dc(), 0, 0, SRCCOPY);
-  SetBkColor(src.dc(), kWhite);  // mask bits blitted onto the source copy must stay white
-  BitBlt(masked.dc(), 0, 0, 5, 1, mask.dc(), 0, 0, SRCAND);
-  BitBlt(mask.dc(), 0, 0, 5, 1, mask.dc(), 0, 0, NOTSRCCOPY);
-  BitBlt(src.dc(), 0, 0, 5, 1, mask.dc(), 0, 0, SRCAND);
-  BitBlt(masked.dc(), 0, 0, 5, 1, src.dc(), 0, 0, SRCPAINT);
-  EXPECT_EQ(masked.Row(0, 5), direct.Row(0, 5));
-  EXPECT_EQ(direct.Row(0, 5), (Row{target[0], source[1], source[2], target[3], source[4]}));
-  EXPECT_FALSE(TransparentBlt(direct.dc(), 0, 0, -5, 1, src.dc(), 0, 0, 5, 1, key));
-}
-
 TEST(GdiTransparentBlt, UnequalSizesStretchByNearestPixel) {
   const COLORREF key = kWhite;
   MemSurface src(2, 1), dst(4, 1);
