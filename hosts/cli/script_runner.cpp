@@ -311,14 +311,15 @@ void ScriptRunner::Dump(Args args) {
   ExpectCount(args, 2, 2, "dump image|drawing|composition|snapshot|original FILE");
   const std::string& surface = WordArg(args[0], "dump: surface");
   static const std::pair<const char*, SurfaceName> kSurfaces[] = {{"image", SurfaceName::Image},
-                                                                   {"drawing", SurfaceName::Drawing},
-                                                                   {"composition", SurfaceName::Composition},
-                                                                   {"snapshot", SurfaceName::Snapshot},
-                                                                   {"original", SurfaceName::Original}};
+                                                                  {"drawing", SurfaceName::Drawing},
+                                                                  {"composition", SurfaceName::Composition},
+                                                                  {"snapshot", SurfaceName::Snapshot},
+                                                                  {"original", SurfaceName::Original}};
   const auto named = std::find_if(std::begin(kSurfaces), std::end(kSurfaces),
                                   [&](const auto& entry) { return surface == entry.first; });
   if (named == std::end(kSurfaces)) {
-    throw ParseError("dump: unknown surface '" + surface + "' (image, drawing, composition, snapshot, original)");
+    throw ParseError("dump: unknown surface '" + surface +
+                     "' (image, drawing, composition, snapshot, original)");
   }
   HBITMAP bitmap = control_->m_editor.SurfaceBitmap(named->second);
   WritePicture(bitmap, PathArg(args[1]), "dump " + surface);

@@ -45,14 +45,26 @@ const std::vector<Member>& Members() {
        [](JsonWriter& j, const EditorState& s) {
          Ints(j, {s.imageRect.left, s.imageRect.top, s.imageRect.right, s.imageRect.bottom});
        }},
-      {"displayed", [](JsonWriter& j, const EditorState& s) { Ints(j, {s.displayed.cx, s.displayed.cy}); }},
-      {"original", [](JsonWriter& j, const EditorState& s) { Ints(j, {s.original.cx, s.original.cy}); }},
-      {"scroll", [](JsonWriter& j, const EditorState& s) { Ints(j, {s.scroll.x, s.scroll.y}); }},
+      {"displayed",
+       [](JsonWriter& j, const EditorState& s) {
+         Ints(j, {s.displayed.cx, s.displayed.cy});
+       }},
+      {"original",
+       [](JsonWriter& j, const EditorState& s) {
+         Ints(j, {s.original.cx, s.original.cy});
+       }},
+      {"scroll",
+       [](JsonWriter& j, const EditorState& s) {
+         Ints(j, {s.scroll.x, s.scroll.y});
+       }},
       {"bars",
        [](JsonWriter& j, const EditorState& s) {
          j.BeginArray().Value(s.hScrollShown).Value(s.vScrollShown).EndArray();
        }},
-      {"view", [](JsonWriter& j, const EditorState& s) { Ints(j, {s.view.cx, s.view.cy}); }},
+      {"view",
+       [](JsonWriter& j, const EditorState& s) {
+         Ints(j, {s.view.cx, s.view.cy});
+       }},
       {"history",
        [](JsonWriter& j, const EditorState& s) {
          j.BeginObject().Key("count").Value(s.historyCount).Key("index").Value(s.historyIndex).EndObject();

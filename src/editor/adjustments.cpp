@@ -97,7 +97,9 @@ void CImageEditWnd::ContrastImage(int nContrast) {
   SetColorSetting(*this, &AdjustmentSettings::contrast, ClampSetterArgument(nContrast) - 100);
 }
 
-void CImageEditWnd::HueImage(int nHue) { SetColorSetting(*this, &AdjustmentSettings::hue, ClampSetterArgument(nHue) * 1.8); }
+void CImageEditWnd::HueImage(int nHue) {
+  SetColorSetting(*this, &AdjustmentSettings::hue, ClampSetterArgument(nHue) * 1.8);
+}
 
 void CImageEditWnd::SaturateImage(int nSaturation) {
   SetColorSetting(*this, &AdjustmentSettings::saturation, ClampSetterArgument(nSaturation) * 0.01);
@@ -131,16 +133,19 @@ void CImageEditWnd::InvertImage(bool bInverting) {
 }
 
 void CImageEditWnd::SharpenImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::sharpenSteps, nStep,
-                   [this](const PixelRect& rect, int steps) { SharpenPixels(rect, steps, ReportOutOfMemory(*this)); });
+  SetFilterSetting(*this, &AdjustmentSettings::sharpenSteps, nStep, [this](const PixelRect& rect, int steps) {
+    SharpenPixels(rect, steps, ReportOutOfMemory(*this));
+  });
 }
 
 void CImageEditWnd::SmoothImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::smoothSteps, nStep,
-                   [this](const PixelRect& rect, int steps) { SmoothPixels(rect, steps, ReportOutOfMemory(*this)); });
+  SetFilterSetting(*this, &AdjustmentSettings::smoothSteps, nStep, [this](const PixelRect& rect, int steps) {
+    SmoothPixels(rect, steps, ReportOutOfMemory(*this));
+  });
 }
 
 void CImageEditWnd::WhitenImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::whitenSteps, nStep,
-                   [this](const PixelRect& rect, int steps) { WhitenPixels(rect, steps, ReportOutOfMemory(*this)); });
+  SetFilterSetting(*this, &AdjustmentSettings::whitenSteps, nStep, [this](const PixelRect& rect, int steps) {
+    WhitenPixels(rect, steps, ReportOutOfMemory(*this));
+  });
 }

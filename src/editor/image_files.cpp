@@ -92,8 +92,8 @@ void CImageEditWnd::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
   // The box keeps window coordinates; the picture under it on screen lies at the
   // box's position plus the scroll position in the composition buffer.
   const RECT under = m_selectionBox.OnSurface(m_view.hScrollPos, m_view.vScrollPos);
-  BitBlt(output.dc.get(), 0, 0, m_selectionBox.width, m_selectionBox.height, composition, under.left, under.top,
-         SRCCOPY);
+  BitBlt(output.dc.get(), 0, 0, m_selectionBox.width, m_selectionBox.height, composition, under.left,
+         under.top, SRCCOPY);
   imageio::WriteBitmapFile(lpcFilePath, output.bitmap.get(), WriteContextOf(*this));
 }
 

@@ -73,7 +73,8 @@ void CImageEditWnd::RebuildImageSurface() {
   if (!scratch) return;
   const platform::SelectionGuard selected(scratch.get(), m_surfaces.original.get());
   StretchBlt(surface.dc(), m_view.imageRect.left, m_view.imageRect.top, m_view.displayedWidth,
-             m_view.displayedHeight, scratch.get(), 0, 0, m_view.originalWidth, m_view.originalHeight, SRCCOPY);
+             m_view.displayedHeight, scratch.get(), 0, 0, m_view.originalWidth, m_view.originalHeight,
+             SRCCOPY);
 }
 
 void CImageEditWnd::CompositeDrawingLayer(HDC target) {

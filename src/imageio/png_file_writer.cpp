@@ -32,8 +32,8 @@ bool WriteImage(png_structp png, png_infop info, std::FILE* file, int width, int
 bool WritePngFile(const std::string& path, int width, int height, int stride, const std::uint8_t* rows) {
   std::vector<png_bytep> topDown(static_cast<std::size_t>(height));
   for (int y = 0; y < height; ++y) {
-    topDown[static_cast<std::size_t>(y)] =
-        const_cast<png_bytep>(rows + static_cast<std::size_t>(height - 1 - y) * static_cast<std::size_t>(stride));
+    topDown[static_cast<std::size_t>(y)] = const_cast<png_bytep>(
+        rows + static_cast<std::size_t>(height - 1 - y) * static_cast<std::size_t>(stride));
   }
   // Room for the deflated rows even when they do not shrink.
   const std::size_t raw = (static_cast<std::size_t>(width) * 3 + 1) * static_cast<std::size_t>(height);

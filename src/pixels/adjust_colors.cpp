@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 
-
 namespace {
 
 using LookupTable = std::array<BYTE, 256>;

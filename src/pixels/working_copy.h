@@ -19,7 +19,8 @@ class WorkingCopy {
   // The copy of rectangle pixel (x, y); its neighbours lie 3 bytes to either side and
   // rowBytes() above and below.
   const BYTE* Around(int x, int y) const {
-    return pixels_.get() + static_cast<std::ptrdiff_t>(y + 1) * rowBytes_ + static_cast<std::ptrdiff_t>(x + 1) * 3;
+    return pixels_.get() + static_cast<std::ptrdiff_t>(y + 1) * rowBytes_ +
+           static_cast<std::ptrdiff_t>(x + 1) * 3;
   }
   std::ptrdiff_t rowBytes() const { return rowBytes_; }
 

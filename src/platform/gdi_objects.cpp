@@ -1,6 +1,5 @@
 // The handle table, the stock objects, object creation, selection and deletion.
 #include "platform/gdi_objects.h"
-#include "platform/user.h"
 
 #include <algorithm>
 #include <array>
@@ -8,6 +7,8 @@
 #include <deque>
 #include <memory>
 #include <vector>
+
+#include "platform/user.h"
 
 namespace platform::gdi {
 namespace {

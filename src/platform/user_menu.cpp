@@ -132,9 +132,13 @@ UINT ChangeItemState(HMENU menu, UINT item, UINT flags, UINT bit) {
 
 }  // namespace
 
-UINT EnableMenuItem(HMENU menu, UINT item, UINT enable) { return ChangeItemState(menu, item, enable, MFS_GRAYED); }
+UINT EnableMenuItem(HMENU menu, UINT item, UINT enable) {
+  return ChangeItemState(menu, item, enable, MFS_GRAYED);
+}
 
-DWORD CheckMenuItem(HMENU menu, UINT item, UINT check) { return ChangeItemState(menu, item, check, MFS_CHECKED); }
+DWORD CheckMenuItem(HMENU menu, UINT item, UINT check) {
+  return ChangeItemState(menu, item, check, MFS_CHECKED);
+}
 
 int GetMenuItemCount(HMENU menu) {
   std::vector<Item>* items = Find(menu);

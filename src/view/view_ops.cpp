@@ -62,7 +62,8 @@ void CImageEditWnd::ComposeView() {
   if (image.dc() && image.bitmap()) {
     BitBlt(composition.dc(), 0, 0, composition.width(), composition.height(), image.dc(), 0, 0, SRCCOPY);
   }
-  if (m_surfaces.drawingLayer.dc() && m_surfaces.drawingLayer.bitmap()) CompositeDrawingLayer(composition.dc());
+  if (m_surfaces.drawingLayer.dc() && m_surfaces.drawingLayer.bitmap())
+    CompositeDrawingLayer(composition.dc());
   // Inserted objects and the frame join the composition here once they exist.
 }
 
@@ -90,7 +91,8 @@ void CImageEditWnd::UpdateScrollBars(int contentWidth, int contentHeight) {
     const int overflow = content - available;
     const int maximum = overflow + overflow / 20;
     position = 0;
-    const SCROLLINFO info{sizeof(SCROLLINFO), kScrollInfoMask, 0, maximum, static_cast<UINT>(maximum / 20), 0, 0};
+    const SCROLLINFO info{
+        sizeof(SCROLLINFO), kScrollInfoMask, 0, maximum, static_cast<UINT>(maximum / 20), 0, 0};
     SetScrollInfo(m_hWnd, bar, &info, TRUE);
   };
   showBar(SB_HORZ, contentWidth, bare.right, m_view.hScrollShown, m_view.viewWidth, m_view.hScrollPos);
@@ -161,8 +163,8 @@ void CImageEditWnd::DrawScaledOriginal(const Surface& surface) {
   FillRect(surface.dc(), &surface.rect, WhiteBrush());
   const platform::SelectionGuard selected(scratch.get(), m_surfaces.original.get());
   const RECT& image = m_view.imageRect;
-  StretchBlt(surface.dc(), image.left, image.top, m_view.displayedWidth, m_view.displayedHeight, scratch.get(), 0,
-             0, m_view.originalWidth, m_view.originalHeight, SRCCOPY);
+  StretchBlt(surface.dc(), image.left, image.top, m_view.displayedWidth, m_view.displayedHeight,
+             scratch.get(), 0, 0, m_view.originalWidth, m_view.originalHeight, SRCCOPY);
 }
 
 void CImageEditWnd::SetImageWidth(int nImageWidth) {

@@ -64,7 +64,8 @@ class AdjustmentsTest : public ::testing::Test {
     const RECT& r = editor().m_view.imageRect;
     std::vector<COLORREF> colors;
     for (int y = r.top; y < r.bottom; ++y) {
-      for (int x = r.left; x < r.right; ++x) colors.push_back(GetPixel(editor().m_surfaces.imageSurface.dc(), x, y));
+      for (int x = r.left; x < r.right; ++x)
+        colors.push_back(GetPixel(editor().m_surfaces.imageSurface.dc(), x, y));
     }
     return colors;
   }
@@ -117,7 +118,8 @@ TEST_F(AdjustmentsTest, EachSetterRebuildsThePictureFromTheOriginal) {
     EXPECT_EQ(editor().m_history.count, levels + 1);
     // The picture inside a larger surface: the white around it is left alone.
     EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), 0, 0), RGB(255, 255, 255));
-    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), editor().m_view.imageRect.right, editor().m_view.imageRect.bottom),
+    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), editor().m_view.imageRect.right,
+                       editor().m_view.imageRect.bottom),
               RGB(255, 255, 255));
   }
 }

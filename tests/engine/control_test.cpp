@@ -234,7 +234,8 @@ TEST_F(ControlTest, SinksMayDisconnectWhileTheEventIsFired) {
 // Both options are reported for every interface, but an interface the control lacks
 // also answers E_NOINTERFACE.
 TEST_F(ControlTest, SafetyOptionsAreReportedForSupportedInterfacesOnly) {
-  for (const auto& [iid, hr] : {std::pair{InterfaceId::IDispatch, S_OK}, {InterfaceId::IStorage, E_NOINTERFACE}}) {
+  for (const auto& [iid, hr] :
+       {std::pair{InterfaceId::IDispatch, S_OK}, {InterfaceId::IStorage, E_NOINTERFACE}}) {
     DWORD supported = 0, enabled = 0;
     EXPECT_EQ(control_->GetInterfaceSafetyOptions(iid, &supported, &enabled), hr);
     EXPECT_EQ(supported, 3u);

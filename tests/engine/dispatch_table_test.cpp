@@ -28,7 +28,8 @@ TEST(DispatchTable, FiftySixMethodsInDispidOrderWithAboutBoxLast) {
       if (param.type == ParamType::Bool) flags.push_back(param.name);
     }
   }
-  EXPECT_EQ(flags, (std::vector<std::string>{"bImage", "bGraying", "bInverting", "bShortcutMenu", "bVerbose"}));
+  EXPECT_EQ(flags,
+            (std::vector<std::string>{"bImage", "bGraying", "bInverting", "bShortcutMenu", "bVerbose"}));
   EXPECT_EQ(FindMethod("ScaleImage")->result, ResultType::Bool);
   EXPECT_EQ(FindMethod(35)->params.size(), 8u);  // InsertBalloonText
 }

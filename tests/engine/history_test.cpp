@@ -116,7 +116,7 @@ TEST_F(HistoryTest, StrokesComeBackFromSnapshotsAndLevelsWithoutOneLeaveTheLayer
   later[4 * 8 + 5] = kRed;
 
   SetPixel(editor().m_surfaces.drawingLayer.dc(), 5, 4, kRed);  // never committed
-  Call("Undo");                                      // to level 1
+  Call("Undo");                                                 // to level 1
   EXPECT_EQ(DrawingLayer(), stroked);
   SetPixel(editor().m_surfaces.drawingLayer.dc(), 5, 4, kRed);
   Call("Redo");  // to level 2: settings only, the layer stays as it is on screen

@@ -98,7 +98,8 @@ TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
   const std::vector<COLORREF> colors{kRed, 0x00FF00, kBlue, 0x808080, 0x123456, 0xFFFFFF};
   live->SetImage(files_.Write("c.bmp", BitmapFile(3, 2, colors)).c_str());
   // A stroke on the drawing layer over the image's second pixel.
-  SetPixel(live->m_surfaces.drawingLayer.dc(), live->m_view.imageRect.left + 1, live->m_view.imageRect.top, 0x0000AA);
+  SetPixel(live->m_surfaces.drawingLayer.dc(), live->m_view.imageRect.left + 1, live->m_view.imageRect.top,
+           0x0000AA);
   const std::string bare = files_.Name("saved.bmp");
   const int objectsBefore = platform::LiveGdiObjects().total();
   live->SaveEditedBitmap(bare.c_str());  // a bare name goes to the temp folder
@@ -134,8 +135,8 @@ TEST_F(ImageFilesTest, SaveSizeStretchesToAnyProportions) {
   HBITMAP expected = CreateCompatibleBitmap(live->m_surfaces.composition.dc(), 8, 5);
   HGDIOBJ previous = SelectObject(expectedDc, expected);
   SetStretchBltMode(expectedDc, HALFTONE);
-  StretchBlt(expectedDc, 0, 0, 8, 5, live->m_surfaces.imageSurface.dc(), live->m_view.imageRect.left, live->m_view.imageRect.top,
-             4, 2, SRCCOPY);
+  StretchBlt(expectedDc, 0, 0, 8, 5, live->m_surfaces.imageSurface.dc(), live->m_view.imageRect.left,
+             live->m_view.imageRect.top, 4, 2, SRCCOPY);
   EXPECT_EQ(written->colors, SurfaceColors(expectedDc, 8, 5));
   EXPECT_EQ(written->colors.front(), kRed);
   EXPECT_EQ(written->colors.back(), kBlue);

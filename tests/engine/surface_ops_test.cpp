@@ -168,7 +168,8 @@ TEST_F(SurfaceOpsTest, CompositingPutsStrokesOverTheTargetAndReselectsTheLayer) 
   live->CompositeDrawingLayer(live->m_surfaces.composition.dc());
   EXPECT_EQ(SurfaceColors(live->m_surfaces.composition.dc(), 3, 1), (std::vector<COLORREF>{0, kBlue, 0}));
   // The layer is selected into its DC again: drawing on it still works.
-  EXPECT_EQ(GetCurrentObject(live->m_surfaces.drawingLayer.dc(), OBJ_BITMAP), live->m_surfaces.drawingLayer.bitmap());
+  EXPECT_EQ(GetCurrentObject(live->m_surfaces.drawingLayer.dc(), OBJ_BITMAP),
+            live->m_surfaces.drawingLayer.bitmap());
   live->CompositeDrawingLayer(nullptr);
   EXPECT_EQ(GetPixel(live->m_surfaces.drawingLayer.dc(), 1, 0), kBlue);
 }
@@ -181,7 +182,8 @@ TEST_F(SurfaceOpsTest, RebuildWithoutAnOriginalPaintsTheKeyColour) {
 
 TEST_F(SurfaceOpsTest, RebuildStretchesTheOriginalIntoTheImageRectangleOnly) {
   LiveEditor live(6, 4);
-  live->m_surfaces.original = platform::OwnedBitmap(MakeBitmap(live->m_surfaces.composition.dc(), 2, 1, {kRed, kBlue}));
+  live->m_surfaces.original =
+      platform::OwnedBitmap(MakeBitmap(live->m_surfaces.composition.dc(), 2, 1, {kRed, kBlue}));
   live->m_view.originalWidth = 2;
   live->m_view.originalHeight = 1;
   live->m_view.imageRect = RECT{1, 1, 5, 3};
@@ -227,7 +229,8 @@ TEST_F(SurfaceOpsTest, RecoloringTheBitmapBrushSparesKeyPixels) {
   LiveEditor live(4, 4);
   const COLORREF key = live->m_tools.bitmapBrushKeyColor;
   live->m_tools.toolWidth = 2;
-  live->m_tools.bitmapBrush = platform::OwnedBitmap(MakeBitmap(live->m_surfaces.composition.dc(), 2, 2, {key, kRed, kBlue, key}));
+  live->m_tools.bitmapBrush =
+      platform::OwnedBitmap(MakeBitmap(live->m_surfaces.composition.dc(), 2, 2, {key, kRed, kBlue, key}));
   const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
 
   live->RecolorBitmapBrush(key);

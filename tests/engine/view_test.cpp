@@ -7,8 +7,8 @@ class ViewTest : public HostedTest {
  protected:
   // Gives the editor an original of that size, as a load would, without laying it out.
   static void GiveOriginal(LiveEditor& live, int width, int height, COLORREF color = 0x0000FF) {
-    live->m_surfaces.original = platform::OwnedBitmap(
-        MakeBitmap(live->m_surfaces.composition.dc(), width, height, std::vector<COLORREF>(width * height, color)));
+    live->m_surfaces.original = platform::OwnedBitmap(MakeBitmap(
+        live->m_surfaces.composition.dc(), width, height, std::vector<COLORREF>(width * height, color)));
     live->m_view.originalWidth = width;
     live->m_view.originalHeight = height;
     live->m_view.scalingAllowed = true;
@@ -27,9 +27,9 @@ TEST(DisplayScaleTest, PercentagesAndTheShrinkCorrection) {
     int percent, originalWidth, originalHeight;
     double scale;
   };
-  for (const Case& c : {Case{0, 10, 10, 0.25}, Case{99, 10, 10, 0.9925}, Case{100, 1000, 1000, 1.0},
-                        Case{200, 10, 10, 2.0}, Case{50, 100, 100, 0.625}, Case{50, 200, 300, 0.625 - 0.06},
-                        Case{0, 10000, 10, 0.001}}) {
+  for (const Case& c :
+       {Case{0, 10, 10, 0.25}, Case{99, 10, 10, 0.9925}, Case{100, 1000, 1000, 1.0}, Case{200, 10, 10, 2.0},
+        Case{50, 100, 100, 0.625}, Case{50, 200, 300, 0.625 - 0.06}, Case{0, 10000, 10, 0.001}}) {
     const int reference = c.originalWidth == 10000 ? 10 : 100;
     EXPECT_DOUBLE_EQ(ScaleFromPercentage(c.percent, c.originalWidth, c.originalHeight, reference, reference),
                      c.scale)
