@@ -333,6 +333,11 @@ void RegisterCursorResource(int id, int hotX, int hotY);
 int CursorResourceId(HCURSOR cursor);
 POINT CursorHotSpot(HCURSOR cursor);
 
+// A cursor resource's picture: top-down rows of 0xAARRGGBB (alpha 0 = transparent).
+struct CursorArtwork { int width = 0; int height = 0; POINT hotSpot{0, 0}; std::vector<std::uint32_t> pixels; };
+// False when the resource id has no picture.
+bool GetCursorArtwork(int resourceId, CursorArtwork* artwork);
+
 // One item of a menu as a host shows it.
 struct MenuItem {
   std::string text;

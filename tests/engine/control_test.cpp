@@ -112,7 +112,8 @@ TEST_F(ControlTest, ActivationCreatesAndShowsTheEditorWindowAtTheControlSize) {
   EXPECT_EQ(client.bottom - client.top, 150);
   EXPECT_EQ(editor().m_control, control_.get());
   EXPECT_TRUE(control_->IsUIActive());
-  EXPECT_EQ(GetFocus(), control_->m_hWnd);
+  // The control's focus passes on to the editor, which takes what is typed.
+  EXPECT_EQ(GetFocus(), editor().m_hWnd);
 }
 
 TEST_F(ControlTest, ControlWindowClassIsRegisteredOnce) {
@@ -135,7 +136,7 @@ TEST_F(ControlTest, MouseActivationMakesTheControlUIActive) {
   SendMessageA(control_->m_hWnd, WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(hostWindow_),
                MAKELPARAM(1, WM_LBUTTONDOWN));
   EXPECT_TRUE(control_->IsUIActive());
-  EXPECT_EQ(GetFocus(), control_->m_hWnd);
+  EXPECT_EQ(GetFocus(), editor().m_hWnd);
 }
 
 TEST_F(ControlTest, OnDrawFillsTheBoundsWhite) {
