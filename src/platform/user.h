@@ -308,7 +308,8 @@ HWND CreateHostWindow(int width, int height);
 void MouseInput(HWND host, UINT message, int x, int y);
 // Key down or up with the virtual key; goes through the focus window's pre-translate
 // chain (CWnd::PreTranslateMessage from the focus up to the root) before delivery.
-void KeyInput(HWND host, UINT message, int virtualKey, bool repeat = false);
+// True when a window of the chain took the key, so the host must not act on it.
+bool KeyInput(HWND host, UINT message, int virtualKey, bool repeat = false);
 void CharInput(HWND host, unsigned int codePoint);
 // Sets what GetKeyState reports for a key (down or up).
 void SetKeyDown(int virtualKey, bool down);

@@ -356,9 +356,10 @@ TEST_F(ControlTest, HostNeverSeesTheEditorKeys) {
   KeyTarget target;
   ASSERT_TRUE(target.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{0, 0, 10, 10}, control_.get(), 7));
   target.SetFocus();
-  for (int key : kEditorKeys) platform::KeyInput(hostWindow_, WM_KEYDOWN, key);
-  platform::KeyInput(hostWindow_, WM_KEYDOWN, 'A');
-  platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_RETURN);
+  // KeyInput tells the host which keys it must not act on itself.
+  for (int key : kEditorKeys) EXPECT_TRUE(platform::KeyInput(hostWindow_, WM_KEYDOWN, key)) << key;
+  EXPECT_FALSE(platform::KeyInput(hostWindow_, WM_KEYDOWN, 'A'));
+  EXPECT_FALSE(platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_RETURN));
   EXPECT_EQ(target.keys, (std::vector<UINT>{'A', VK_RETURN}));
   target.DestroyWindow();
 }
