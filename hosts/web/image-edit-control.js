@@ -49,7 +49,7 @@ const BUTTON_MESSAGES = [  // down, up, double click per pointer button (0 left,
 const DOUBLE_CLICK_MS = 500, DOUBLE_CLICK_DISTANCE = 2;
 
 // Error codes of failed fetches, as a failed download leaves them.
-const ERROR_FILE_NOT_FOUND = 2, ERROR_FILE_TOO_LARGE = 223, ERROR_INTERNET_TIMEOUT = 12002,
+const ERROR_FILE_NOT_FOUND = 2, ERROR_NOT_ENOUGH_MEMORY = 8, ERROR_FILE_TOO_LARGE = 223, ERROR_INTERNET_TIMEOUT = 12002,
   ERROR_INTERNET_INTERNAL_ERROR = 12004, ERROR_INTERNET_CANNOT_CONNECT = 12029;
 const FETCH_TIMEOUT_MS = 60_000, MAX_FETCH_BYTES = 64 * 1024 * 1024;
 
@@ -253,17 +253,19 @@ export class ImageEditControl extends HTMLElement {
       control.prepareFailure(source, failure.code ?? ERROR_INTERNET_INTERNAL_ERROR);
       return;
     }
-    const pixels = isBitmapFile(bytes) ? null : await decodePicture(bytes);
     const bytesAt = control.prepareBytes(source, bytes.length);
     if (bytesAt === 0) {
-      control.prepareFailure(source, 8);  // not enough memory
+      control.prepareFailure(source, ERROR_NOT_ENOUGH_MEMORY);
       return;
     }
     this.#engine.HEAPU8.set(bytes, bytesAt);
-    if (pixels) {
-      const pixelsAt = control.preparePixels(source, pixels.width, pixels.height);
-      if (pixelsAt !== 0) this.#engine.HEAPU8.set(pixels.data, pixelsAt);
-    }
+    if (isBitmapFile(bytes)) return;
+    // The browser decodes the bytes as the loader will read them, repaired.
+    const repaired = this.#engine.HEAPU8.slice(bytesAt, bytesAt + control.repairBytes(source));
+    const pixels = await decodePicture(repaired);
+    if (pixels === null) return;
+    const pixelsAt = control.preparePixels(source, pixels.width, pixels.height);
+    if (pixelsAt !== 0) this.#engine.HEAPU8.set(pixels.data, pixelsAt);
   }
 
   // ---- what the engine asks of the page ----

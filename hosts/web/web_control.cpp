@@ -166,6 +166,7 @@ class WebControl {
   std::uintptr_t prepareBytes(const std::string& source, std::size_t count) {
     return reinterpret_cast<std::uintptr_t>(imageio::PreparePictureBytes(source, count));
   }
+  std::size_t repairBytes(const std::string& source) { return imageio::RepairPreparedBytes(source); }
   std::uintptr_t preparePixels(const std::string& source, int width, int height) {
     return reinterpret_cast<std::uintptr_t>(imageio::PreparePicturePixels(source, width, height));
   }
@@ -231,6 +232,7 @@ EMSCRIPTEN_BINDINGS(image_edit_engine) {
       .function("connectSink", &WebControl::connectSink)
       .function("disconnectSink", &WebControl::disconnectSink)
       .function("prepareBytes", &WebControl::prepareBytes)
+      .function("repairBytes", &WebControl::repairBytes)
       .function("preparePixels", &WebControl::preparePixels)
       .function("prepareFailure", &WebControl::prepareFailure)
       .function("forgetPictures", &WebControl::forgetPictures)

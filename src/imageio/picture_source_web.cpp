@@ -1,10 +1,11 @@
 // The loader's platform services in a web page: the bytes and pixels the page prepared
 // (prepared_pictures.h); a path the page did not prepare is read from the in-memory
 // file system, where saved bitmaps go.
+#include <algorithm>
 #include <map>
 #include <new>
-#include <vector>
 
+#include "imageio/jpeg_repair.h"
 #include "imageio/picture_codecs.h"
 #include "imageio/picture_source.h"
 #include "imageio/pixel_limits.h"
@@ -16,10 +17,10 @@ namespace {
 
 struct PreparedPicture {
   DWORD error = 0;  // non-zero: the fetch failed with this code
-  std::vector<std::uint8_t> bytes;
+  PictureBytes bytes;
   int width = 0;  // 0: the browser could not decode the bytes
   int height = 0;
-  std::vector<std::uint8_t> rgba;
+  std::unique_ptr<std::uint8_t[]> rgba;
 };
 
 std::map<std::string, PreparedPicture>& Prepared() {
@@ -32,34 +33,33 @@ const PreparedPicture* Find(const std::string& source) {
   return it == Prepared().end() ? nullptr : &it->second;
 }
 
-// Storage that may be refused: pictures can be large, and a refusal must reach the
-// page as "no memory" rather than end the program.
-std::uint8_t* Resize(std::vector<std::uint8_t>& storage, std::size_t count) {
-  try {
-    storage.resize(count);
-  } catch (const std::bad_alloc&) {
-    storage.clear();
-    return nullptr;
-  }
-  return storage.data();
-}
-
 }  // namespace
 
+// Pictures can be large: storage that cannot be had is refused (null), and the page
+// reports it, rather than ending the program.
 std::uint8_t* PreparePictureBytes(const std::string& source, std::size_t count) {
   PreparedPicture& picture = Prepared()[source] = PreparedPicture{};
-  return Resize(picture.bytes, count);
+  picture.bytes.data.reset(new (std::nothrow) std::uint8_t[count + kSpareBytes]);
+  picture.bytes.count = picture.bytes.data ? count : 0;
+  return picture.bytes.data.get();
+}
+
+std::size_t RepairPreparedBytes(const std::string& source) {
+  PictureBytes& bytes = Prepared()[source].bytes;
+  if (bytes.data) bytes.count = RepairJpegEndMarker(bytes.data.get(), bytes.count);
+  return bytes.count;
 }
 
 std::uint8_t* PreparePicturePixels(const std::string& source, int width, int height) {
   PreparedPicture& picture = Prepared()[source];
   if (!PictureSizeAcceptable(width, height)) return nullptr;
-  std::uint8_t* pixels = Resize(picture.rgba, static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
-  if (pixels != nullptr) {
+  const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+  picture.rgba.reset(new (std::nothrow) std::uint8_t[count]);
+  if (picture.rgba) {
     picture.width = width;
     picture.height = height;
   }
-  return pixels;
+  return picture.rgba.get();
 }
 
 void PreparePictureFailure(const std::string& source, DWORD error) { Prepared()[source] = PreparedPicture{error}; }
@@ -84,13 +84,14 @@ bool ReadPictureFile(const std::string& name, PictureBytes* bytes) {
     SetLastError(picture->error);
     return false;
   }
-  bytes->data.reset(new (std::nothrow) std::uint8_t[picture->bytes.size() + kSpareBytes]);
+  const std::size_t count = picture->bytes.count;
+  bytes->data.reset(new (std::nothrow) std::uint8_t[count + kSpareBytes]);
   if (!bytes->data) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return false;
   }
-  std::copy(picture->bytes.begin(), picture->bytes.end(), bytes->data.get());
-  bytes->count = picture->bytes.size();
+  std::copy_n(picture->bytes.data.get(), count, bytes->data.get());
+  bytes->count = count;
   return true;
 }
 
@@ -103,8 +104,8 @@ HBITMAP DecodePicture(const std::string& name, const std::uint8_t* data, std::si
   std::uint32_t* pixels = nullptr;
   HBITMAP section = NewPictureSection(picture->width, picture->height, &pixels);
   if (section == nullptr) return nullptr;
-  const std::uint8_t* rgba = picture->rgba.data();
-  const std::size_t pixelCount = picture->rgba.size() / 4;
+  const std::uint8_t* rgba = picture->rgba.get();
+  const std::size_t pixelCount = static_cast<std::size_t>(picture->width) * static_cast<std::size_t>(picture->height);
   for (std::size_t i = 0; i < pixelCount; ++i, rgba += 4) pixels[i] = OverWhite(rgba[0], rgba[1], rgba[2], rgba[3]);
   return section;
 }

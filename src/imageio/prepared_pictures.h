@@ -15,6 +15,9 @@ namespace imageio {
 // Storage for the fetched file's `count` bytes, for the page to fill; null when there
 // is no memory for it.
 std::uint8_t* PreparePictureBytes(const std::string& source, std::size_t count);
+// The filled bytes as the loader reads them (JPEG data without an end marker get
+// one), for the page to decode with the browser: their new count.
+std::size_t RepairPreparedBytes(const std::string& source);
 // Storage for what the browser decoded from those bytes: width x height pixels of
 // red, green, blue and alpha (not premultiplied), top-down rows; null when there is no
 // memory for it or the picture is beyond the pixel limit (it is then not decoded).

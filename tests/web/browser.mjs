@@ -15,19 +15,24 @@ const TYPES = {
   '.wasm': 'application/wasm', '.jpg': 'image/jpeg', '.png': 'image/png', '.bmp': 'image/bmp', '.gif': 'image/gif',
 };
 
-// Serves `root` until close(); resolves with its base URL.
-export async function serve(root = WEB_ROOT) {
+// Serves the files of `roots` (the first that has a path wins) until close();
+// resolves with the base URL.
+export async function serve(roots = [WEB_ROOT]) {
   const server = createServer(async (request, response) => {
     const path = normalize(decodeURIComponent(new URL(request.url, 'http://x').pathname));
-    const file = join(root, path.endsWith('/') ? `${path}index.html` : path);
-    try {
-      if (!file.startsWith(root)) throw new Error('outside the root');
-      const body = await readFile(file);
-      response.writeHead(200, { 'content-type': TYPES[extname(file)] ?? 'application/octet-stream' });
-      response.end(body);
-    } catch {
-      response.writeHead(404).end('not found');
+    for (const root of roots) {
+      const file = join(root, path.endsWith('/') ? `${path}index.html` : path);
+      if (!file.startsWith(root)) continue;
+      try {
+        const body = await readFile(file);
+        response.writeHead(200, { 'content-type': TYPES[extname(file)] ?? 'application/octet-stream' });
+        response.end(body);
+        return;
+      } catch {
+        // not in this root
+      }
     }
+    response.writeHead(404).end('not found');
   });
   await new Promise((done) => server.listen(0, '127.0.0.1', done));
   return { url: `http://127.0.0.1:${server.address().port}/`, close: () => new Promise((done) => server.close(done)) };
