@@ -93,7 +93,8 @@ class WebControl {
     platform::SetHost(&host_);
     platform::SetUserDefaultLangID(static_cast<LANGID>(language));
     hostWindow_ = platform::CreateHostWindow(width, height);
-    created_ = hostWindow_ != nullptr && control_.CreateControl(hostWindow_, width, height);
+    // A control that cannot be created stays inert, as before its window exists.
+    if (hostWindow_ != nullptr) control_.CreateControl(hostWindow_, width, height);
     Flush();
   }
 
@@ -103,8 +104,6 @@ class WebControl {
     if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
     platform::SetHost(nullptr);
   }
-
-  bool created() const { return created_; }
 
   // One interface method by name: {value} with its result (undefined for none), or
   // {error} when the name or the arguments do not fit, and nothing was called.
@@ -170,7 +169,9 @@ class WebControl {
   std::uintptr_t preparePixels(const std::string& source, int width, int height) {
     return reinterpret_cast<std::uintptr_t>(imageio::PreparePicturePixels(source, width, height));
   }
-  void prepareFailure(const std::string& source, unsigned error) { imageio::PreparePictureFailure(source, error); }
+  void prepareFailure(const std::string& source, unsigned error) {
+    imageio::PreparePictureFailure(source, error);
+  }
   void forgetPictures() { imageio::ForgetPreparedPictures(); }
   // The answer to the colour dialog that the next call opens: a COLORREF (0x00BBGGRR),
   // or -1 when the person cancelled.
@@ -213,7 +214,6 @@ class WebControl {
   WebHost host_;
   HWND hostWindow_ = nullptr;
   CImageEditCtrl control_;
-  bool created_ = false;
   std::map<DWORD, std::unique_ptr<ScriptSink>> sinks_;
 };
 
@@ -223,7 +223,6 @@ EMSCRIPTEN_BINDINGS(image_edit_engine) {
   using web::WebControl;
   emscripten::class_<WebControl>("WebControl")
       .constructor<int, int, int, emscripten::val>()
-      .function("created", &WebControl::created)
       .function("invoke", &WebControl::invoke)
       .function("pointer", &WebControl::pointer)
       .function("key", &WebControl::key)

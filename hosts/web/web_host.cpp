@@ -40,6 +40,8 @@ bool WebHost::ChooseColor(COLORREF& color) {
   return true;
 }
 
-void WebHost::ShowDialog(int dialogId, const std::string& title) { page_.call<void>("showDialog", dialogId, title); }
+void WebHost::ShowDialog(int dialogId, const std::string& title) {
+  page_.call<void>("showDialog", dialogId, title);
+}
 
 }  // namespace web

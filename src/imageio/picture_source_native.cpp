@@ -7,7 +7,9 @@
 
 namespace imageio {
 
-bool FetchUrl(const std::string& url, std::string* localName) { return DownloadToCacheFile(url, localName) >= 0; }
+bool FetchUrl(const std::string& url, std::string* localName) {
+  return DownloadToCacheFile(url, localName) >= 0;
+}
 
 bool ReadPictureFile(const std::string& name, PictureBytes* bytes) { return ReadLocalFile(name, bytes); }
 

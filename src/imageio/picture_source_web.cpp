@@ -62,7 +62,9 @@ std::uint8_t* PreparePicturePixels(const std::string& source, int width, int hei
   return picture.rgba.get();
 }
 
-void PreparePictureFailure(const std::string& source, DWORD error) { Prepared()[source] = PreparedPicture{error}; }
+void PreparePictureFailure(const std::string& source, DWORD error) {
+  Prepared()[source] = PreparedPicture{error};
+}
 
 void ForgetPreparedPictures() { Prepared().clear(); }
 
@@ -105,8 +107,10 @@ HBITMAP DecodePicture(const std::string& name, const std::uint8_t* data, std::si
   HBITMAP section = NewPictureSection(picture->width, picture->height, &pixels);
   if (section == nullptr) return nullptr;
   const std::uint8_t* rgba = picture->rgba.get();
-  const std::size_t pixelCount = static_cast<std::size_t>(picture->width) * static_cast<std::size_t>(picture->height);
-  for (std::size_t i = 0; i < pixelCount; ++i, rgba += 4) pixels[i] = OverWhite(rgba[0], rgba[1], rgba[2], rgba[3]);
+  const std::size_t pixelCount =
+      static_cast<std::size_t>(picture->width) * static_cast<std::size_t>(picture->height);
+  for (std::size_t i = 0; i < pixelCount; ++i, rgba += 4)
+    pixels[i] = OverWhite(rgba[0], rgba[1], rgba[2], rgba[3]);
   return section;
 }
 

@@ -335,7 +335,12 @@ int CursorResourceId(HCURSOR cursor);
 POINT CursorHotSpot(HCURSOR cursor);
 
 // A cursor resource's picture: top-down rows of 0xAARRGGBB (alpha 0 = transparent).
-struct CursorArtwork { int width = 0; int height = 0; POINT hotSpot{0, 0}; std::vector<std::uint32_t> pixels; };
+struct CursorArtwork {
+  int width = 0;
+  int height = 0;
+  POINT hotSpot{0, 0};
+  std::vector<std::uint32_t> pixels;
+};
 // False when the resource id has no picture.
 bool GetCursorArtwork(int resourceId, CursorArtwork* artwork);
 
