@@ -262,3 +262,20 @@ test('every interface method is a method of the element with the control\'s resu
   });
   await page.close();
 });
+
+test('dialogs are page dialogs, and their calls resolve once the person closes them', async () => {
+  const page = await controlPage(100, 80);
+  const dialog = page.locator('image-edit-control dialog[open]');
+  const about = page.evaluate(() => document.getElementById('editor').AboutBox().then(() => 'closed'));
+  await dialog.waitFor();
+  assert.deepEqual([await dialog.locator('header').textContent(), await dialog.locator('.text').textContent()],
+    ['About Image Edit Control', 'Image Edit Control Version 1.1']);
+  await dialog.getByRole('button', { name: 'OK' }).click();
+  assert.equal(await about, 'closed');
+  const color = page.evaluate(() => document.getElementById('editor').SetColor('dialog'));
+  await dialog.locator('input[type=color]').waitFor();
+  await dialog.getByRole('button', { name: 'Cancel' }).click();
+  assert.equal(await color, '000000');
+  assert.equal(await dialog.count(), 0);
+  await page.close();
+});
