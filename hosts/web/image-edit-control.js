@@ -102,7 +102,7 @@ export class ImageEditControl extends HTMLElement {
   #openDialogs = [];           // page dialogs a call opened, for its Promise to wait on
   #lastPress = null;
   #ticker = 0;
-  #lastColor = { SetColor: '#000000', SetTextBackgroundColor: '#ffffff' };
+  #textBackground = '#ffffff';  // the text background colour dialog starts with the last choice
 
   constructor() {
     super();
@@ -120,7 +120,7 @@ export class ImageEditControl extends HTMLElement {
   }
 
   async #create() {
-    this.#engine = instantiateEngine();
+    this.#engine = instantiateEngine();  // not null any more: the element is being created
     const engine = await this.#engine;
     this.#engine = engine;
     const width = this.#sizeAttribute('width', 640);
@@ -212,9 +212,9 @@ export class ImageEditControl extends HTMLElement {
 
   #colorDialogCall(name, args) {
     return this.#callLater(name, args, async () => {
-      const initial = name === 'SetColor' ? `#${this.#invoke('GetColor', [])}` : this.#lastColor[name];
+      const initial = name === 'SetColor' ? `#${this.#invoke('GetColor', [])}` : this.#textBackground;
       const chosen = await this.#askColor(initial);
-      if (chosen !== null) this.#lastColor[name] = chosen;
+      if (chosen !== null && name === 'SetTextBackgroundColor') this.#textBackground = chosen;
       // The engine takes a COLORREF, 0x00BBGGRR.
       const rgb = chosen === null ? -1 : Number.parseInt(chosen.slice(1), 16);
       this.#control.queueColorAnswer(rgb < 0 ? -1 : ((rgb & 0xFF) << 16) | (rgb & 0xFF00) | (rgb >> 16));
