@@ -246,6 +246,14 @@ int CImageEditCtrl::OnMouseActivate(HWND topParent, UINT hitTest, UINT message) 
   return CWnd::OnMouseActivate(topParent, hitTest, message);
 }
 
+// The editor fills the control, so what a person types belongs to it: the focus the
+// host gives the control passes on to the editor window. The editor keys still meet
+// the control's PreTranslateMessage first, on their way up from the editor.
+void CImageEditCtrl::OnSetFocus(HWND oldFocus) {
+  CWnd::OnSetFocus(oldFocus);
+  if (m_editor.m_windowCreated && IsWindow(m_editor.m_hWnd)) m_editor.SetFocus();
+}
+
 void CImageEditCtrl::OnPaint() {
   PAINTSTRUCT paint{};
   HDC hdc = BeginPaint(m_hWnd, &paint);

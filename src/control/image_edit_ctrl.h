@@ -125,6 +125,7 @@ class CImageEditCtrl : public CWnd {
   BOOL PreTranslateMessage(MSG* msg) override;
   int OnCreate(LPCREATESTRUCTA cs) override;
   int OnMouseActivate(HWND topParent, UINT hitTest, UINT message) override;
+  void OnSetFocus(HWND oldFocus) override;
   void OnPaint() override;
   // Paints the control's own area (white) and has the editor repaint itself.
   void OnDraw(HDC hdc, const RECT& bounds);

@@ -1,8 +1,6 @@
 // The editor's adjustment settings: the ten setters and the adjusted rebuild that
 // re-applies every stored setting to a fresh copy of the original picture.
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <utility>
 
 #include "editor/image_edit_wnd.h"
@@ -11,8 +9,9 @@
 
 namespace {
 
-// 0.0249 as the nearest double above it, so that 40 maps to exactly 1.0.
-const double kGammaStep = std::bit_cast<double>(std::uint64_t{0x3F997F62B6AE7D57});
+// 0.0249 as the nearest double above it (bit pattern 0x3F997F62B6AE7D57), so that 40
+// maps to exactly 1.0.
+constexpr double kGammaStep = 0x1.97F62B6AE7D57p-6;
 
 int ClampSetterArgument(int value) { return std::clamp(value, 0, 200); }
 

@@ -141,6 +141,7 @@ class CImageEditWnd : public CWnd {
   void OnPaint() override;
   void OnHScroll(UINT code, UINT pos, HWND scrollBar) override;
   void OnVScroll(UINT code, UINT pos, HWND scrollBar) override;
+  void OnKeyDown(UINT virtualKey, UINT repeatCount, UINT flags) override;
 
   // The control that owns this editor, for events.
   CImageEditCtrl* m_control = nullptr;

@@ -1,20 +1,12 @@
 #include "imageio/image_loader.h"
 
-#include <sys/stat.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <memory>
-#include <new>
 #include <string>
-#include <vector>
 
 #include "imageio/bitmap_file_reader.h"
 #include "imageio/image_source.h"
 #include "imageio/jpeg_repair.h"
 #include "imageio/messages.h"
-#include "imageio/picture_decoder.h"
-#include "imageio/url_download.h"
+#include "imageio/picture_source.h"
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
 #include "platform/kernel.h"
@@ -23,65 +15,9 @@
 namespace imageio {
 namespace {
 
-// Room after the data for an appended JPEG end marker.
-constexpr std::size_t kSpareBytes = 2;
-
-DWORD LastErrorFromErrno(int error) {
-  switch (error) {
-    case ENOENT:
-      return ERROR_FILE_NOT_FOUND;
-    case ENOTDIR:
-    case ENAMETOOLONG:
-      return ERROR_PATH_NOT_FOUND;
-    case EACCES:
-    case EISDIR:
-      return ERROR_ACCESS_DENIED;
-    case ENOMEM:
-      return ERROR_NOT_ENOUGH_MEMORY;
-    default:
-      return ERROR_READ_FAULT;
-  }
-}
-
-// The file's data with two spare bytes; `count` is what was read.
-struct FileBlock {
-  std::unique_ptr<std::uint8_t[]> data;
-  std::size_t count = 0;
-};
-
-using FileHandle = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
-
-// Opens and reads the whole file; false (with the last error set) when it cannot be
-// opened or its contents do not read.
-bool ReadWholeFile(const std::string& name, FileBlock* block) {
-  FileHandle file(std::fopen(name.c_str(), "rb"), std::fclose);
-  if (!file) {
-    SetLastError(LastErrorFromErrno(errno));
-    return false;
-  }
-  struct stat status {};
-  if (::fstat(::fileno(file.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
-    SetLastError(S_ISDIR(status.st_mode) ? ERROR_ACCESS_DENIED : ERROR_READ_FAULT);
-    return false;
-  }
-  const auto size = static_cast<std::size_t>(status.st_size);
-  block->data.reset(new (std::nothrow) std::uint8_t[size + kSpareBytes]);
-  if (!block->data) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return false;
-  }
-  block->count = std::fread(block->data.get(), 1, size, file.get());
-  if (std::ferror(file.get())) {
-    SetLastError(ERROR_READ_FAULT);
-    return false;
-  }
-  block->count = RepairJpegEndMarker(block->data.get(), block->count);
-  return true;
-}
-
 // Where the bytes come from: the caller's string itself for a path or a file-scheme
-// URL, else a downloaded copy. An empty string is handed to the download, which
-// refuses it. False (last error set) when the download fails.
+// URL, else a fetched copy. An empty string is handed to the fetch, which refuses it.
+// False (last error set) when the fetch fails.
 bool ChooseLocalFile(const std::string& source, std::string* localName) {
   UrlService service{};
   const bool isUrl = ParseUrl(source, &service);
@@ -89,7 +25,7 @@ bool ChooseLocalFile(const std::string& source, std::string* localName) {
     *localName = source;
     if (!localName->empty()) return true;
   }
-  return DownloadToCacheFile(source, localName) >= 0;
+  return FetchUrl(source, localName);
 }
 
 void ReportReadFailure(const std::string& source, const LoadContext& context) {
@@ -119,25 +55,24 @@ HBITMAP DecodeBitmapFile(const std::uint8_t* data, std::size_t count, HWND windo
 
 }  // namespace
 
-HBITMAP DecodeImageData(const std::uint8_t* data, std::size_t count, HWND window) {
-  if (IsBitmapFile(data, count)) return DecodeBitmapFile(data, count, window);
-  return DecodePicture(data, count);
-}
-
 HBITMAP LoadImage(LPCSTR source, const LoadContext& context) {
   const std::string text = source ? source : "";
   std::string localName;
-  FileBlock block;
+  PictureBytes bytes;
   if (!ChooseLocalFile(text, &localName)) {
     ReportReadFailure(text, context);
     return nullptr;
   }
   Sleep(1);
-  if (!ReadWholeFile(localName, &block)) {
+  if (!ReadPictureFile(localName, &bytes)) {
     ReportReadFailure(text, context);
     return nullptr;
   }
-  return DecodeImageData(block.data.get(), block.count, context.window);
+  bytes.count = RepairJpegEndMarker(bytes.data.get(), bytes.count);
+  if (IsBitmapFile(bytes.data.get(), bytes.count)) {
+    return DecodeBitmapFile(bytes.data.get(), bytes.count, context.window);
+  }
+  return DecodePicture(localName, bytes.data.get(), bytes.count);
 }
 
 }  // namespace imageio

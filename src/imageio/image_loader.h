@@ -5,9 +5,6 @@
 // cannot be decoded give null silently.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
 #include "platform/types.h"
 
 namespace imageio {
@@ -20,9 +17,5 @@ struct LoadContext {
 };
 
 HBITMAP LoadImage(LPCSTR source, const LoadContext& context);
-
-// The decode step alone, on data already read and repaired: a bitmap file becomes a
-// bitmap compatible with the window's DC, anything else goes to the picture decoder.
-HBITMAP DecodeImageData(const std::uint8_t* data, std::size_t count, HWND window);
 
 }  // namespace imageio

@@ -17,6 +17,10 @@ namespace platform {
 
 void RegisterCursorResource(int id, int hotX, int hotY) { Resources()[id] = POINT{hotX, hotY}; }
 
+// The cursors' pictures are not drawn yet: every id has none, and hosts fall back to
+// their own arrow.
+bool GetCursorArtwork(int /*resourceId*/, CursorArtwork* /*artwork*/) { return false; }
+
 namespace user {
 
 bool FindCursorResource(int id, POINT* hotSpot) {

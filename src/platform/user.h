@@ -310,7 +310,8 @@ HWND CreateHostWindow(int width, int height);
 void MouseInput(HWND host, UINT message, int x, int y);
 // Key down or up with the virtual key; goes through the focus window's pre-translate
 // chain (CWnd::PreTranslateMessage from the focus up to the root) before delivery.
-void KeyInput(HWND host, UINT message, int virtualKey, bool repeat = false);
+// True when a window of the chain took the key, so the host must not act on it.
+bool KeyInput(HWND host, UINT message, int virtualKey, bool repeat = false);
 void CharInput(HWND host, unsigned int codePoint);
 // Sets what GetKeyState reports for a key (down or up).
 void SetKeyDown(int virtualKey, bool down);
@@ -334,6 +335,16 @@ void RegisterCursorResource(int id, int hotX, int hotY);
 // -1 for no cursor or an unknown handle; and its hot spot.
 int CursorResourceId(HCURSOR cursor);
 POINT CursorHotSpot(HCURSOR cursor);
+
+// A cursor resource's picture: top-down rows of 0xAARRGGBB (alpha 0 = transparent).
+struct CursorArtwork {
+  int width = 0;
+  int height = 0;
+  POINT hotSpot{0, 0};
+  std::vector<std::uint32_t> pixels;
+};
+// False when the resource id has no picture.
+bool GetCursorArtwork(int resourceId, CursorArtwork* artwork);
 
 // One item of a menu as a host shows it.
 struct MenuItem {

@@ -84,13 +84,14 @@ HWND TopLevelBelowHost(HWND hwnd) {
 }
 
 // Queued input passes each window's PreTranslateMessage from the target up to the
-// root; the first that takes it ends its journey.
-void DeliverQueued(MSG msg) {
+// root; the first that takes it ends its journey (true).
+bool DeliverQueued(MSG msg) {
   for (HWND w = msg.hwnd; w != nullptr; w = GetParent(w)) {
     CWnd* object = WindowObject(w);
-    if (object != nullptr && object->PreTranslateMessage(&msg)) return;
+    if (object != nullptr && object->PreTranslateMessage(&msg)) return true;
   }
   SendMessageA(msg.hwnd, msg.message, msg.wParam, msg.lParam);
+  return false;
 }
 
 // Keyboard input goes to the focus window in this host's tree, else to the host's
@@ -213,15 +214,15 @@ void MouseInput(HWND host, UINT message, int x, int y) {
   DeliverQueued(MakeMessage(hit.hwnd, message, MouseKeyFlags(), MAKELPARAM(hit.local.x, hit.local.y)));
 }
 
-void KeyInput(HWND host, UINT message, int virtualKey, bool repeat) {
-  if (!IsWindow(host) || virtualKey < 0 || virtualKey > 255) return;
+bool KeyInput(HWND host, UINT message, int virtualKey, bool repeat) {
+  if (!IsWindow(host) || virtualKey < 0 || virtualKey > 255) return false;
   bool up = message == WM_KEYUP;
   SetKeyDown(virtualKey, !up);
   // lParam: repeat count 1; bit 30 the key's previous state; bit 31 set on release.
   DWORD flags = 1;
   if (repeat || up) flags |= 1u << 30;
   if (up) flags |= 1u << 31;
-  DeliverQueued(
+  return DeliverQueued(
       MakeMessage(KeyTarget(host), message, static_cast<WPARAM>(virtualKey), static_cast<LPARAM>(flags)));
 }
 

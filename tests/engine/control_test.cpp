@@ -106,7 +106,8 @@ TEST_F(ControlTest, ActivationCreatesAndShowsTheEditorWindowAtTheControlSize) {
   EXPECT_EQ(client.bottom - client.top, 150);
   EXPECT_EQ(editor().m_control, control_.get());
   EXPECT_TRUE(control_->IsUIActive());
-  EXPECT_EQ(GetFocus(), control_->m_hWnd);
+  // The control's focus passes on to the editor, which takes what is typed.
+  EXPECT_EQ(GetFocus(), editor().m_hWnd);
 }
 
 TEST_F(ControlTest, MouseActivationMakesTheControlUIActive) {
@@ -118,7 +119,7 @@ TEST_F(ControlTest, MouseActivationMakesTheControlUIActive) {
   SendMessageA(control_->m_hWnd, WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(hostWindow_),
                MAKELPARAM(1, WM_LBUTTONDOWN));
   EXPECT_TRUE(control_->IsUIActive());
-  EXPECT_EQ(GetFocus(), control_->m_hWnd);
+  EXPECT_EQ(GetFocus(), editor().m_hWnd);
 }
 
 // ---- forwarding after activation ----
@@ -277,12 +278,11 @@ TEST_F(ControlTest, HostNeverSeesTheEditorKeys) {
   KeyTarget target;
   ASSERT_TRUE(target.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{0, 0, 10, 10}, control_.get(), 7));
   target.SetFocus();
+  // KeyInput tells the host which keys it must not act on itself.
   for (int key : {VK_TAB, VK_ESCAPE, VK_PRIOR, VK_NEXT, VK_END, VK_HOME, VK_LEFT, VK_UP, VK_RIGHT, VK_DOWN,
-                  VK_DELETE}) {
-    platform::KeyInput(hostWindow_, WM_KEYDOWN, key);
-  }
-  platform::KeyInput(hostWindow_, WM_KEYDOWN, 'A');
-  platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_RETURN);
+                  VK_DELETE}) EXPECT_TRUE(platform::KeyInput(hostWindow_, WM_KEYDOWN, key)) << key;
+  EXPECT_FALSE(platform::KeyInput(hostWindow_, WM_KEYDOWN, 'A'));
+  EXPECT_FALSE(platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_RETURN));
   EXPECT_EQ(target.keys, (std::vector<UINT>{'A', VK_RETURN}));
   target.DestroyWindow();
 }

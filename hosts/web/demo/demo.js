@@ -1,0 +1,118 @@
+// The demo page: a host page of the kind the control was made for. It uses only the
+// element's public interface (its methods, events and `ready`).
+const element = document.getElementById('editor');
+const status = document.getElementById('status');
+const log = document.getElementById('log');
+
+function note(text) {
+  const item = document.createElement('li');
+  item.textContent = `${new Date().toLocaleTimeString()}  ${text}`;
+  log.prepend(item);
+}
+
+const editor = await element.ready;
+status.textContent = 'Ready. Open a picture, or drop one onto the editor.';
+
+async function open(source, label = source) {
+  status.textContent = `Opening ${label}…`;
+  const started = performance.now();
+  await editor.SetImage(source);
+  status.textContent = `Opened ${label} in ${Math.round(performance.now() - started)} ms.`;
+  note(`SetImage("${label}")`);
+}
+
+document.getElementById('open-url').addEventListener('submit', (event) => {
+  event.preventDefault();
+  open(document.getElementById('url').value.trim());
+});
+for (const button of document.querySelectorAll('#samples button')) {
+  button.addEventListener('click', () => {
+    document.getElementById('url').value = button.dataset.src;
+    open(button.dataset.src);
+  });
+}
+// A local file reaches the control as an object URL, which it fetches like any other.
+function openFile(file) {
+  if (file) open(URL.createObjectURL(file), file.name);
+}
+document.getElementById('file').addEventListener('change', (event) => openFile(event.target.files[0]));
+const dropZone = document.getElementById('drop-zone');
+element.addEventListener('dragover', (event) => {
+  event.preventDefault();
+  dropZone.classList.add('dragging');
+});
+element.addEventListener('dragleave', () => dropZone.classList.remove('dragging'));
+element.addEventListener('drop', (event) => {
+  event.preventDefault();
+  dropZone.classList.remove('dragging');
+  openFile(event.dataTransfer.files[0]);
+});
+
+// Each adjustment is applied when the control is let go, so that one drag is one
+// step of the history.
+const gammas = [...document.querySelectorAll('[data-gamma]')];
+for (const input of document.querySelectorAll('#sliders input')) {
+  const output = input.nextElementSibling;
+  input.addEventListener('input', () => { output.value = input.value; });
+  input.addEventListener('change', () => {
+    if (input.dataset.method) {
+      editor[input.dataset.method](input.valueAsNumber);
+      note(`${input.dataset.method}(${input.value})`);
+    } else {
+      const [r, g, b] = gammas.map((gamma) => gamma.valueAsNumber);
+      editor.CorrectGamma(r, g, b);
+      note(`CorrectGamma(${r}, ${g}, ${b})`);
+    }
+  });
+}
+for (const box of document.querySelectorAll('[data-flag]')) {
+  box.addEventListener('change', () => {
+    editor[box.dataset.flag](box.checked ? 1 : 0);
+    note(`${box.dataset.flag}(${box.checked ? 1 : 0})`);
+  });
+}
+for (const input of document.querySelectorAll('.steps input')) {
+  input.addEventListener('change', () => {
+    editor[input.dataset.method](input.valueAsNumber || 0);
+    note(`${input.dataset.method}(${input.valueAsNumber || 0})`);
+  });
+}
+
+document.getElementById('apply-scale').addEventListener('click', () => {
+  const value = document.getElementById('scale').valueAsNumber;
+  const scaled = editor.ScaleImage(value);
+  note(`ScaleImage(${value}) -> ${scaled}`);
+  status.textContent = scaled ? `Scaled to ${value} %.` : 'Scaling works only before the first edit after opening a picture.';
+});
+document.getElementById('apply-width').addEventListener('click', () => {
+  const value = document.getElementById('image-width').valueAsNumber;
+  editor.SetImageWidth(value);
+  note(`SetImageWidth(${value})`);
+});
+
+document.getElementById('undo').addEventListener('click', () => { editor.Undo(); note('Undo()'); });
+document.getElementById('redo').addEventListener('click', () => { editor.Redo(); note('Redo()'); });
+document.getElementById('verbose').addEventListener('change', (event) => {
+  editor.EnableVerbose(event.target.checked ? 1 : 0);
+  note(`EnableVerbose(${event.target.checked ? 1 : 0})`);
+});
+document.getElementById('about').addEventListener('click', () => editor.AboutBox());
+
+// Saving writes into the control's own file system; the `saved` event hands the file
+// over, and the page offers it as a download.
+editor.addEventListener('saved', (event) => {
+  const { fileName, blob } = event.detail;
+  const link = document.createElement('a');
+  link.href = URL.createObjectURL(blob);
+  link.download = fileName.split('/').pop();
+  link.click();
+  setTimeout(() => URL.revokeObjectURL(link.href), 10_000);
+  note(`saved ${fileName} (${blob.size} bytes)`);
+});
+document.getElementById('save').addEventListener('click', () => {
+  editor.SaveEditedBitmap('edited.bmp');
+  note('SaveEditedBitmap("edited.bmp")');
+});
+editor.addEventListener('ColorSelected', (event) => note(`event ColorSelected "${event.detail}"`));
+
+open('samples/landscape.jpg');

@@ -1,0 +1,485 @@
+// <image-edit-control>: the ImageEdit control as a custom element.
+//
+// Importing this module defines the element. Each element runs its own copy of the
+// engine (image-edit-engine.wasm, compiled once per page) with one control of the
+// size its `width` and `height` attributes give (640 x 480 by default), in the
+// language of its `lang` attribute (or the browser's). The page drives it through
+// the control's 56 methods, which are methods of the element with the same names,
+// arguments and results, and hears its events as DOM events and through connected
+// sinks. A person uses it with the mouse and the keyboard.
+//
+// Methods that load pictures or open a dialog return Promises; see README.md.
+import createImageEditEngine from './image-edit-engine.js';
+
+// The interface, in DISPID order (AboutBox last).
+const METHODS = [
+  'SetImage', 'SaveEditedBitmap', 'SetColor', 'GetColor', 'SelectColor', 'FillWithSelectedColor',
+  'SetEraser', 'SetPen', 'SetBrush', 'SetAirBrush', 'SetBitmapBrush', 'SetShape', 'EnterText',
+  'SetTextFont', 'SetTextBackgroundColor', 'SelectRectangle', 'SelectIrregular', 'SetTransparency',
+  'SetTexture', 'Undo', 'Redo', 'Clear', 'ScaleImage', 'SetSaveEditedBitmapSize', 'SetImageWidth',
+  'SetFrame', 'RotateImage', 'CutImage', 'GrayImage', 'BlockImage', 'CheckImage', 'WaterDropImage',
+  'HeartImage', 'MosaicImage', 'InsertBalloonText', 'InsertIcon', 'FlipImage', 'ReverseImage',
+  'SharpenImage', 'SmoothImage', 'EmbossImage', 'BrightenImage', 'ContrastImage', 'HueImage',
+  'SaturateImage', 'CorrectGamma', 'EqualizeHistogram', 'InvertImage', 'BlendImage', 'WhitenImage',
+  'SetNothing', 'SetSelectionBox', 'SaveSelectionBoxBitmap', 'EnableShortcutMenu', 'EnableVerbose',
+  'AboutBox',
+];
+
+// Methods that load pictures, and which of their arguments name one.
+const LOADERS = {
+  SetImage: [0], SetBitmapBrush: [0], SetFrame: [1], InsertBalloonText: [2], InsertIcon: [2], BlendImage: [0],
+};
+// Methods that write a bitmap file.
+const SAVERS = new Set(['SaveEditedBitmap', 'SaveSelectionBoxBitmap']);
+// Results before the control exists, as the control gives them before its window.
+const EMPTY_RESULTS = { SetColor: null, GetColor: null, SetTextFont: null, SetTextBackgroundColor: null, ScaleImage: false };
+
+const isKeyword = (value, keyword) => typeof value === 'string' && value.toUpperCase() === keyword;
+// Which calls open the colour dialog, and with what the dialog starts.
+const COLOR_DIALOGS = {
+  SetColor: (args) => isKeyword(args[0], 'DIALOG'),
+  SetTextBackgroundColor: (args) => args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG'),
+};
+
+const WM_KEYDOWN = 0x0100, WM_KEYUP = 0x0101, WM_MOUSEMOVE = 0x0200;
+const BUTTON_MESSAGES = [  // down, up, double click per pointer button (0 left, 2 right)
+  [0x0201, 0x0202, 0x0203], undefined, [0x0204, 0x0205, 0x0204],
+];
+// A second press this soon and this close to the first is a double click.
+const DOUBLE_CLICK_MS = 500, DOUBLE_CLICK_DISTANCE = 2;
+
+// Error codes of failed fetches, as a failed download leaves them.
+const ERROR_FILE_NOT_FOUND = 2, ERROR_NOT_ENOUGH_MEMORY = 8, ERROR_FILE_TOO_LARGE = 223, ERROR_INTERNET_TIMEOUT = 12002,
+  ERROR_INTERNET_INTERNAL_ERROR = 12004, ERROR_INTERNET_CANNOT_CONNECT = 12029;
+const FETCH_TIMEOUT_MS = 60_000, MAX_FETCH_BYTES = 64 * 1024 * 1024;
+
+const LANGUAGES = { ko: 0x0412, zh: 0x0804 };
+const ENGLISH = 0x0409;
+const ABOUT_TEXT = { 1: 'Image Edit Control Version 1.1' };
+
+let compiledEngine;  // one compilation of the wasm for every element of the page
+function instantiateEngine() {
+  compiledEngine ??= fetch(new URL('./image-edit-engine.wasm', import.meta.url))
+    .then((response) => response.arrayBuffer())
+    .then((bytes) => WebAssembly.compile(bytes));
+  return createImageEditEngine({
+    instantiateWasm(imports, receive) {
+      compiledEngine
+        .then((module) => WebAssembly.instantiate(module, imports).then((instance) => receive(instance, module)));
+      return {};
+    },
+  });
+}
+
+const STYLE = `
+  :host { display: inline-block; position: relative; outline: none; line-height: 0; }
+  :host(:focus-visible) { box-shadow: 0 0 0 2px #4c8dff; }
+  canvas { display: block; image-rendering: pixelated; touch-action: none; }
+  dialog { font: 13px/1.4 system-ui, sans-serif; border: 1px solid #8a8f98; border-radius: 6px; padding: 0;
+           min-width: 280px; box-shadow: 0 10px 30px rgba(0, 0, 0, .25); }
+  dialog::backdrop { background: rgba(0, 0, 0, .15); }
+  dialog header { background: #f1f3f6; padding: 6px 12px; font-weight: 600; border-bottom: 1px solid #dde1e6; }
+  dialog .body { padding: 14px 12px; white-space: pre-wrap; display: flex; gap: 10px; align-items: center; }
+  dialog .stop { color: #fff; background: #d93025; border-radius: 50%; width: 24px; height: 24px; flex: none;
+                 display: grid; place-items: center; font-weight: 700; }
+  dialog footer { padding: 0 12px 12px; display: flex; justify-content: flex-end; gap: 8px; }
+  dialog button { min-width: 72px; padding: 4px 10px; }
+  dialog input[type=color] { width: 64px; height: 32px; }
+`;
+
+const MB_ICONMASK = 0x00F0, MB_ICONHAND = 0x0010;
+
+export class ImageEditControl extends HTMLElement {
+  #engine = null;    // the engine module
+  #control = null;   // its WebControl
+  #canvas;
+  #context;
+  #resolveReady;
+  #cursor = 'default';
+  #busy = 0;
+  #cursorCache = new Map();
+  #queue = Promise.resolve();  // Promise-returning calls run one after another
+  #openDialogs = [];           // page dialogs a call opened, for its Promise to wait on
+  #lastPress = null;
+  #ticker = 0;
+  #textBackground = '#ffffff';  // the text background colour dialog starts with the last choice
+
+  constructor() {
+    super();
+    this.ready = new Promise((resolve) => { this.#resolveReady = resolve; });
+    const root = this.attachShadow({ mode: 'open' });
+    const style = document.createElement('style');
+    style.textContent = STYLE;
+    this.#canvas = document.createElement('canvas');
+    root.append(style, this.#canvas);
+  }
+
+  connectedCallback() {
+    if (!this.hasAttribute('tabindex')) this.tabIndex = 0;
+    if (this.#engine === null) this.#create();
+  }
+
+  async #create() {
+    this.#engine = instantiateEngine();  // not null any more: the element is being created
+    const engine = await this.#engine;
+    this.#engine = engine;
+    const width = this.#sizeAttribute('width', 640);
+    const height = this.#sizeAttribute('height', 480);
+    this.#canvas.width = width;
+    this.#canvas.height = height;
+    this.#canvas.style.width = `${width}px`;
+    this.#canvas.style.height = `${height}px`;
+    this.#context = this.#canvas.getContext('2d');
+    const lang = (this.getAttribute('lang') || navigator.language || '').toLowerCase().slice(0, 2);
+    this.#control = new engine.WebControl(width, height, LANGUAGES[lang] ?? ENGLISH, this.#pageSide());
+    this.#control.connectSink({
+      ColorSelected: (color) => this.dispatchEvent(new CustomEvent('ColorSelected', { detail: color })),
+      ImageScaled: (factor) => this.dispatchEvent(new CustomEvent('ImageScaled', { detail: factor })),
+    });
+    this.#listen();
+    this.#resolveReady(this);
+  }
+
+  #sizeAttribute(name, fallback) {
+    const value = Number.parseInt(this.getAttribute(name), 10);
+    return value > 0 && value <= 16384 ? value : fallback;
+  }
+
+  // ---- events and sinks ----
+
+  // Connects an object whose ColorSelected / ImageScaled methods are called when the
+  // control fires those events; returns the connection's cookie.
+  connectSink(sink) { return this.#control ? this.#control.connectSink(sink) : 0; }
+  disconnectSink(cookie) { return this.#control ? this.#control.disconnectSink(cookie) : false; }
+
+  // ---- calls ----
+
+  // Every interface method is a method of the element.
+  static {
+    for (const name of METHODS) {
+      this.prototype[name] = function (...args) { return this.#dispatch(name, args); };
+    }
+  }
+
+  #dispatch(name, args) {
+    if (name in LOADERS) return this.#loadingCall(name, args);
+    if (name in COLOR_DIALOGS && COLOR_DIALOGS[name](args)) return this.#colorDialogCall(name, args);
+    // The font dialog is not a page element yet: its calls are answered as cancelled.
+    const fontDialog = name === 'SetTextFont' && (args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG'));
+    if (fontDialog || name === 'AboutBox') return this.#callLater(name, args, async () => {});
+    return this.#call(name, args);
+  }
+
+  #invoke(name, args) {
+    const outcome = this.#control.invoke(name, args);
+    this.#keepTime();
+    if ('error' in outcome) throw new TypeError(outcome.error);
+    return outcome.value;
+  }
+
+  #call(name, args) {
+    if (this.#control === null) return EMPTY_RESULTS[name];
+    return SAVERS.has(name) ? this.#save(name, args) : this.#invoke(name, args);
+  }
+
+  // A Promise-returning call: after the calls before it, once the control exists,
+  // with its pictures fetched and its dialog answered; it resolves when the call and
+  // any page dialog it opened have finished.
+  #callLater(name, args, prepare) {
+    const run = async () => {
+      await this.ready;
+      this.#setBusy(+1);
+      try {
+        await prepare();
+        this.#openDialogs = [];
+        const result = this.#invoke(name, args);
+        await Promise.all(this.#openDialogs);
+        return result;
+      } finally {
+        this.#control.forgetPictures();
+        this.#setBusy(-1);
+      }
+    };
+    const result = this.#queue.then(run);
+    this.#queue = result.catch(() => {});
+    return result;
+  }
+
+  #loadingCall(name, args) {
+    const sources = LOADERS[name].map((i) => args[i]).filter((s) => typeof s === 'string');
+    return this.#callLater(name, args, () => Promise.all(sources.map((s) => this.#preparePicture(s))));
+  }
+
+  #colorDialogCall(name, args) {
+    return this.#callLater(name, args, async () => {
+      const initial = name === 'SetColor' ? `#${this.#invoke('GetColor', [])}` : this.#textBackground;
+      const chosen = await this.#askColor(initial);
+      if (chosen !== null && name === 'SetTextBackgroundColor') this.#textBackground = chosen;
+      // The engine takes a COLORREF, 0x00BBGGRR.
+      const rgb = chosen === null ? -1 : Number.parseInt(chosen.slice(1), 16);
+      this.#control.queueColorAnswer(rgb < 0 ? -1 : ((rgb & 0xFF) << 16) | (rgb & 0xFF00) | (rgb >> 16));
+    });
+  }
+
+  // A save also hands the written file to the page: the `saved` event carries its
+  // path in the in-memory file system and a Blob of its bytes.
+  #save(name, args) {
+    const path = typeof args[0] === 'string' && args[0] !== '' ? this.#control.savePath(args[0]) : null;
+    const FS = this.#engine.FS;
+    const written = () => path !== null && FS.analyzePath(path).exists && FS.stat(path).mtime.getTime() !== 0;
+    // A file of that name already there is marked, so that only a new write counts.
+    if (written()) FS.utime(path, 0, 0);
+    const result = this.#invoke(name, args);
+    if (written()) {
+      const blob = new Blob([FS.readFile(path)], { type: 'image/bmp' });
+      this.dispatchEvent(new CustomEvent('saved', { detail: { fileName: path, blob } }));
+    }
+    return result;
+  }
+
+  // ---- pictures ----
+
+  // Fetches and decodes one picture for the engine under the exact string the caller
+  // passed. A path naming a file of the in-memory file system (a saved bitmap) is
+  // left for the engine to read there; every other string is fetched relative to the
+  // page. The empty string is left to the engine, which refuses it.
+  async #preparePicture(source) {
+    if (source === '' || this.#engine.FS.analyzePath(source).exists) return;
+    const control = this.#control;
+    let bytes;
+    try {
+      bytes = await fetchBytes(source);
+    } catch (failure) {
+      control.prepareFailure(source, failure.code ?? ERROR_INTERNET_INTERNAL_ERROR);
+      return;
+    }
+    const bytesAt = control.prepareBytes(source, bytes.length);
+    if (bytesAt === 0) {
+      control.prepareFailure(source, ERROR_NOT_ENOUGH_MEMORY);
+      return;
+    }
+    this.#engine.HEAPU8.set(bytes, bytesAt);
+    if (isBitmapFile(bytes)) return;
+    // The browser decodes the bytes as the loader will read them, repaired.
+    const repaired = this.#engine.HEAPU8.slice(bytesAt, bytesAt + control.repairBytes(source));
+    const pixels = await decodePicture(repaired);
+    if (pixels === null) return;
+    const pixelsAt = control.preparePixels(source, pixels.width, pixels.height);
+    if (pixelsAt !== 0) this.#engine.HEAPU8.set(pixels.data, pixelsAt);
+  }
+
+  // ---- what the engine asks of the page ----
+
+  #pageSide() {
+    return {
+      presentFrame: (address, width, height) => {
+        const rgba = new Uint8ClampedArray(this.#engine.HEAPU8.buffer, address, width * height * 4);
+        this.#context.putImageData(new ImageData(rgba, width, height), 0, 0);
+      },
+      showCursor: (id) => {
+        this.#cursor = this.#cursorCss(id);
+        this.#applyCursor();
+      },
+      // Shown without waiting: the engine has been answered OK already, and the
+      // person closes the box when they have read it.
+      showMessageBox: (text, caption, type) => {
+        const icon = (type & MB_ICONMASK) === MB_ICONHAND ? '<span class="stop" aria-hidden="true">&times;</span>' : '';
+        this.#openDialog(caption, text, icon, [['OK', true]]);
+      },
+      showDialog: (id, title) => {
+        this.#openDialogs.push(this.#openDialog(title, ABOUT_TEXT[id] ?? '', '', [['OK', true]]));
+      },
+    };
+  }
+
+  // A page dialog over the control, modal as the control's own dialogs are; resolves
+  // with the value of the button that closed it (false for Escape).
+  #openDialog(title, text, iconHtml, buttons, extra = null) {
+    const dialog = document.createElement('dialog');
+    dialog.setAttribute('role', 'alertdialog');
+    const header = document.createElement('header');
+    header.textContent = title;
+    const body = document.createElement('div');
+    body.className = 'body';
+    body.innerHTML = iconHtml;
+    const message = document.createElement('span');
+    message.className = 'text';
+    message.textContent = text;
+    body.append(message);
+    if (extra) body.append(extra);
+    const footer = document.createElement('footer');
+    const closed = new Promise((resolve) => {
+      for (const [label, value] of buttons) {
+        const button = document.createElement('button');
+        button.textContent = label;
+        button.addEventListener('click', () => { dialog.close(); resolve(value); });
+        footer.append(button);
+      }
+      dialog.addEventListener('cancel', () => resolve(false));
+      dialog.addEventListener('close', () => { dialog.remove(); resolve(false); });
+    });
+    dialog.append(header, body, footer);
+    this.shadowRoot.append(dialog);
+    dialog.showModal();
+    footer.querySelector('button').focus();
+    return closed;
+  }
+
+  // The colour dialog: resolves with the chosen colour as "#rrggbb", null on Cancel.
+  async #askColor(initial) {
+    const input = document.createElement('input');
+    input.type = 'color';
+    input.value = initial.toLowerCase();
+    const ok = await this.#openDialog('Color', '', '', [['OK', true], ['Cancel', false]], input);
+    return ok ? input.value : null;
+  }
+
+  #cursorCss(id) {
+    if (id === 0) return 'default';
+    if (id === -1) return 'none';
+    if (id === 32514) return 'wait';
+    if (!this.#cursorCache.has(id)) {
+      const art = this.#control.cursorArtwork(id);
+      let css = 'default';
+      if (art) {
+        const canvas = document.createElement('canvas');
+        canvas.width = art.width;
+        canvas.height = art.height;
+        canvas.getContext('2d').putImageData(new ImageData(art.rgba, art.width, art.height), 0, 0);
+        css = `url(${canvas.toDataURL('image/png')}) ${art.hotX} ${art.hotY}, auto`;
+      }
+      this.#cursorCache.set(id, css);
+    }
+    return this.#cursorCache.get(id);
+  }
+
+  #setBusy(step) {
+    this.#busy += step;
+    this.#applyCursor();
+  }
+
+  #applyCursor() { this.#canvas.style.cursor = this.#busy > 0 ? 'wait' : this.#cursor; }
+
+  // The control's clock follows real time while it has timers (a held scroll-bar
+  // arrow repeats, a held airbrush sprays).
+  #keepTime() {
+    if (this.#ticker !== 0 || !this.#control.hasTimers()) return;
+    let last = performance.now();
+    this.#ticker = setInterval(() => {
+      const now = performance.now();
+      const elapsed = Math.floor(now - last);
+      last += elapsed;
+      if (elapsed > 0) this.#control.tick(elapsed);
+      if (!this.#control.hasTimers()) {
+        clearInterval(this.#ticker);
+        this.#ticker = 0;
+      }
+    }, 10);
+  }
+
+  // ---- a person's input ----
+
+  #listen() {
+    const canvas = this.#canvas;
+    const point = (event) => {
+      const box = canvas.getBoundingClientRect();
+      return [Math.floor(event.clientX - box.left), Math.floor(event.clientY - box.top)];
+    };
+    const send = (message, event) => {
+      const [x, y] = point(event);
+      this.#control.pointer(message, x, y, event.ctrlKey || event.metaKey, event.shiftKey);
+      this.#keepTime();
+    };
+    canvas.addEventListener('pointerdown', (event) => {
+      const messages = BUTTON_MESSAGES[event.button];
+      if (!messages) return;
+      event.preventDefault();
+      this.focus({ preventScroll: true });
+      // The control holds the pointer until the release, as mouse capture does.
+      canvas.setPointerCapture(event.pointerId);
+      send(this.#isDoubleClick(event) ? messages[2] : messages[0], event);
+    });
+    canvas.addEventListener('pointermove', (event) => {
+      const moves = event.getCoalescedEvents ? event.getCoalescedEvents() : [];
+      for (const move of moves.length > 0 ? moves : [event]) send(WM_MOUSEMOVE, move);
+    });
+    canvas.addEventListener('pointerup', (event) => {
+      const messages = BUTTON_MESSAGES[event.button];
+      if (messages) send(messages[1], event);
+    });
+    canvas.addEventListener('contextmenu', (event) => event.preventDefault());
+    this.addEventListener('keydown', (event) => this.#key(WM_KEYDOWN, event));
+    this.addEventListener('keyup', (event) => this.#key(WM_KEYUP, event));
+  }
+
+  #isDoubleClick(event) {
+    const last = this.#lastPress;
+    const double = last !== null && last.button === event.button && event.timeStamp - last.time < DOUBLE_CLICK_MS &&
+      Math.abs(event.clientX - last.x) <= DOUBLE_CLICK_DISTANCE && Math.abs(event.clientY - last.y) <= DOUBLE_CLICK_DISTANCE;
+    this.#lastPress = double ? null : { button: event.button, time: event.timeStamp, x: event.clientX, y: event.clientY };
+    return double;
+  }
+
+  // Keys reach the control while it has the focus. The keys its routing takes (Tab,
+  // Escape, Home, End, Page Up and Down, the arrows, Delete) never reach the page.
+  #key(message, event) {
+    if (this.#control === null || event.composedPath()[0] !== this) return;
+    const ctrl = event.ctrlKey || event.metaKey;
+    const character = message === WM_KEYDOWN && !ctrl && [...event.key].length === 1 ? event.key.codePointAt(0) : 0;
+    const taken = this.#control.key(message, event.keyCode, ctrl, event.shiftKey, event.repeat, character);
+    this.#keepTime();
+    if (taken) {
+      event.preventDefault();
+      event.stopPropagation();
+    }
+  }
+}
+
+// ---- fetching and decoding with the browser ----
+
+function fetchFailure(code) { return Object.assign(new Error(`fetch failed (${code})`), { code }); }
+
+async function fetchBytes(source) {
+  const url = new URL(source, document.baseURI);
+  let response;
+  try {
+    response = await fetch(url, { signal: AbortSignal.timeout(FETCH_TIMEOUT_MS) });
+  } catch (error) {
+    throw fetchFailure(error.name === 'TimeoutError' ? ERROR_INTERNET_TIMEOUT : ERROR_INTERNET_CANNOT_CONNECT);
+  }
+  if (!response.ok) {
+    throw fetchFailure(response.status === 404 || response.status === 410 ? ERROR_FILE_NOT_FOUND
+      : ERROR_INTERNET_INTERNAL_ERROR);
+  }
+  if (Number(response.headers.get('content-length')) > MAX_FETCH_BYTES) throw fetchFailure(ERROR_FILE_TOO_LARGE);
+  let body;
+  try {
+    body = new Uint8Array(await response.arrayBuffer());
+  } catch (error) {
+    throw fetchFailure(error.name === 'TimeoutError' ? ERROR_INTERNET_TIMEOUT : ERROR_INTERNET_INTERNAL_ERROR);
+  }
+  if (body.length > MAX_FETCH_BYTES) throw fetchFailure(ERROR_FILE_TOO_LARGE);
+  return body;
+}
+
+const isBitmapFile = (bytes) => bytes.length >= 2 && bytes[0] === 0x42 && bytes[1] === 0x4D;
+
+// The browser's own decoders: the picture's pixels as stored (no colour management,
+// no EXIF rotation, alpha not premultiplied), or null when it cannot be decoded.
+async function decodePicture(bytes) {
+  let bitmap;
+  try {
+    bitmap = await createImageBitmap(new Blob([bytes]), {
+      premultiplyAlpha: 'none', colorSpaceConversion: 'none', imageOrientation: 'none',
+    });
+  } catch {
+    return null;
+  }
+  const canvas = new OffscreenCanvas(bitmap.width, bitmap.height);
+  const context = canvas.getContext('2d');
+  context.drawImage(bitmap, 0, 0);
+  bitmap.close();
+  return context.getImageData(0, 0, canvas.width, canvas.height);
+}
+
+customElements.define('image-edit-control', ImageEditControl);

@@ -1,0 +1,241 @@
+// The engine as the custom element sees it: one control in its own host window,
+// driven through the dispatch table by method name, fed the page's pointer, key and
+// clock input, and handed the pictures the page fetched. Bound to JavaScript with
+// Embind as the class `WebControl`; image-edit-control.js is its only user.
+#include <emscripten/bind.h>
+#include <emscripten/val.h>
+
+#include <cmath>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "control/dispatch_table.h"
+#include "control/image_edit_ctrl.h"
+#include "imageio/bitmap_file_writer.h"
+#include "imageio/prepared_pictures.h"
+#include "web_host.h"
+
+namespace web {
+namespace {
+
+using emscripten::val;
+
+// A connected sink: a JavaScript object whose methods are named after the events.
+class ScriptSink : public IEventSink {
+ public:
+  explicit ScriptSink(val target) : target_(std::move(target)) {}
+  void Invoke(int dispid, const std::vector<Variant>& args) override;
+
+ private:
+  val target_;
+};
+
+val ToScript(const Variant& value) {
+  switch (value.type()) {
+    case Variant::Type::String:
+      return val(value.asString());
+    case Variant::Type::Bool:
+      return val(value.asInt() != 0);
+    case Variant::Type::Int:
+      return val(value.asInt());
+    case Variant::Type::Null:
+      return val::null();
+    case Variant::Type::Empty:
+      break;
+  }
+  return val::undefined();
+}
+
+void ScriptSink::Invoke(int dispid, const std::vector<Variant>& args) {
+  const char* name = dispid == DISPID_COLORSELECTED ? "ColorSelected"
+                     : dispid == DISPID_IMAGESCALED ? "ImageScaled"
+                                                    : nullptr;
+  if (name == nullptr || target_[name].typeOf().as<std::string>() != "function") return;
+  val scriptArgs = val::array();
+  for (const Variant& arg : args) scriptArgs.call<void>("push", ToScript(arg));
+  target_[name].call<void>("apply", target_, scriptArgs);
+}
+
+// A page's argument as an automation host passes it: strings, booleans, and numbers,
+// which reach integer parameters rounded to the nearest integer (halves to even) as
+// a script's numbers are coerced; null stays null. False for a number beyond 32 bits.
+bool FromScript(const val& value, Variant* out) {
+  const std::string type = value.typeOf().as<std::string>();
+  if (type == "string") {
+    *out = Variant::String(value.as<std::string>());
+  } else if (type == "boolean") {
+    *out = Variant::Bool(value.as<bool>());
+  } else if (type == "number") {
+    const double number = std::nearbyint(value.as<double>());
+    if (!(number >= -2147483648.0 && number <= 2147483647.0)) return false;
+    *out = Variant::Int(static_cast<std::int32_t>(number));
+  } else if (value.isNull()) {
+    *out = Variant::Null();
+  } else {
+    *out = Variant();
+  }
+  return true;
+}
+
+val Outcome(const char* key, val value) {
+  val outcome = val::object();
+  outcome.set(key, std::move(value));
+  return outcome;
+}
+
+}  // namespace
+
+class WebControl {
+ public:
+  WebControl(int width, int height, int language, val page) : host_(std::move(page)) {
+    platform::SetHost(&host_);
+    platform::SetUserDefaultLangID(static_cast<LANGID>(language));
+    hostWindow_ = platform::CreateHostWindow(width, height);
+    // A control that cannot be created stays inert, as before its window exists.
+    if (hostWindow_ != nullptr) control_.CreateControl(hostWindow_, width, height);
+    Flush();
+  }
+
+  ~WebControl() {
+    for (const auto& [cookie, sink] : sinks_) control_.Unadvise(cookie);
+    control_.DestroyWindow();
+    if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
+    platform::SetHost(nullptr);
+  }
+
+  // One interface method by name: {value} with its result (undefined for none), or
+  // {error} when the name or the arguments do not fit, and nothing was called.
+  val invoke(const std::string& name, const val& args) {
+    const unsigned count = args["length"].as<unsigned>();
+    std::vector<Variant> values(count);
+    for (unsigned i = 0; i < count; ++i) {
+      if (!FromScript(args[i], &values[i])) {
+        return Outcome("error", val(name + ": argument " + std::to_string(i + 1) + " is beyond 32 bits"));
+      }
+    }
+    const InvokeResult result = Invoke(control_, name, values);
+    host_.ForgetAnswers();
+    Flush();
+    if (FAILED(result.hr)) return Outcome("error", val(result.error));
+    return Outcome("value", ToScript(result.value));
+  }
+
+  // A mouse message at a point of the control, with the modifier keys as they are.
+  void pointer(unsigned message, int x, int y, bool ctrl, bool shift) {
+    platform::SetKeyDown(VK_CONTROL, ctrl);
+    platform::SetKeyDown(VK_SHIFT, shift);
+    platform::MouseInput(hostWindow_, message, x, y);
+    Flush();
+  }
+
+  // A key down or up (with the character it types, 0 for none). True when the
+  // control's key routing took it, so the page must not act on it.
+  bool key(unsigned message, int virtualKey, bool ctrl, bool shift, bool repeat, unsigned character) {
+    platform::SetKeyDown(VK_CONTROL, ctrl);
+    platform::SetKeyDown(VK_SHIFT, shift);
+    const bool taken = platform::KeyInput(hostWindow_, message, virtualKey, repeat);
+    if (message == WM_KEYDOWN && character != 0) platform::CharInput(hostWindow_, character);
+    Flush();
+    return taken;
+  }
+
+  // Real time passing: due timers fire.
+  void tick(unsigned milliseconds) {
+    platform::AdvanceClock(milliseconds);
+    Flush();
+  }
+  bool hasTimers() const { return platform::LiveWindowObjects().timers > 0; }
+
+  // ---- events ----
+  unsigned connectSink(val target) {
+    auto sink = std::make_unique<ScriptSink>(std::move(target));
+    const DWORD cookie = control_.Advise(sink.get());
+    if (cookie != 0) sinks_[cookie] = std::move(sink);
+    return cookie;
+  }
+  bool disconnectSink(unsigned cookie) {
+    const bool connected = control_.Unadvise(cookie) == TRUE;
+    sinks_.erase(cookie);
+    return connected;
+  }
+
+  // ---- what the page prepares and reads ----
+  std::uintptr_t prepareBytes(const std::string& source, std::size_t count) {
+    return reinterpret_cast<std::uintptr_t>(imageio::PreparePictureBytes(source, count));
+  }
+  std::size_t repairBytes(const std::string& source) { return imageio::RepairPreparedBytes(source); }
+  std::uintptr_t preparePixels(const std::string& source, int width, int height) {
+    return reinterpret_cast<std::uintptr_t>(imageio::PreparePicturePixels(source, width, height));
+  }
+  void prepareFailure(const std::string& source, unsigned error) {
+    imageio::PreparePictureFailure(source, error);
+  }
+  void forgetPictures() { imageio::ForgetPreparedPictures(); }
+  // The answer to the colour dialog that the next call opens: a COLORREF (0x00BBGGRR),
+  // or -1 when the person cancelled.
+  void queueColorAnswer(int color) {
+    host_.QueueColorAnswer(color < 0 ? std::nullopt : std::optional<COLORREF>(static_cast<COLORREF>(color)));
+  }
+  // Where a save of this name goes (a bare name goes into the temp folder).
+  std::string savePath(const std::string& name) const { return imageio::ResolveSavePath(name); }
+
+  // A cursor's picture as {width, height, hotX, hotY, rgba}, or null when it has none.
+  val cursorArtwork(int resourceId) const {
+    platform::CursorArtwork artwork;
+    if (!platform::GetCursorArtwork(resourceId, &artwork)) return val::null();
+    std::vector<std::uint8_t> rgba;
+    rgba.reserve(artwork.pixels.size() * 4);
+    for (std::uint32_t p : artwork.pixels) {
+      rgba.insert(rgba.end(), {static_cast<std::uint8_t>(p >> 16), static_cast<std::uint8_t>(p >> 8),
+                               static_cast<std::uint8_t>(p), static_cast<std::uint8_t>(p >> 24)});
+    }
+    val picture = val::object();
+    picture.set("width", artwork.width);
+    picture.set("height", artwork.height);
+    picture.set("hotX", artwork.hotSpot.x);
+    picture.set("hotY", artwork.hotSpot.y);
+    // A copy: the view onto this function's vector would not outlive it.
+    const val view(emscripten::typed_memory_view(rgba.size(), rgba.data()));
+    picture.set("rgba", val::global("Uint8ClampedArray").new_(view));
+    return picture;
+  }
+
+ private:
+  // Paints what is pending and hands a changed frame to the page, as a message loop
+  // paints between two inputs.
+  void Flush() {
+    if (hostWindow_ == nullptr) return;
+    platform::FlushPaint(hostWindow_);
+    host_.PresentPendingFrame();
+  }
+
+  WebHost host_;
+  HWND hostWindow_ = nullptr;
+  CImageEditCtrl control_;
+  std::map<DWORD, std::unique_ptr<ScriptSink>> sinks_;
+};
+
+}  // namespace web
+
+EMSCRIPTEN_BINDINGS(image_edit_engine) {
+  using web::WebControl;
+  emscripten::class_<WebControl>("WebControl")
+      .constructor<int, int, int, emscripten::val>()
+      .function("invoke", &WebControl::invoke)
+      .function("pointer", &WebControl::pointer)
+      .function("key", &WebControl::key)
+      .function("tick", &WebControl::tick)
+      .function("hasTimers", &WebControl::hasTimers)
+      .function("connectSink", &WebControl::connectSink)
+      .function("disconnectSink", &WebControl::disconnectSink)
+      .function("prepareBytes", &WebControl::prepareBytes)
+      .function("repairBytes", &WebControl::repairBytes)
+      .function("preparePixels", &WebControl::preparePixels)
+      .function("prepareFailure", &WebControl::prepareFailure)
+      .function("forgetPictures", &WebControl::forgetPictures)
+      .function("queueColorAnswer", &WebControl::queueColorAnswer)
+      .function("savePath", &WebControl::savePath)
+      .function("cursorArtwork", &WebControl::cursorArtwork);
+}

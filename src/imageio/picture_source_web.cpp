@@ -1,0 +1,117 @@
+// The loader's platform services in a web page: the bytes and pixels the page prepared
+// (prepared_pictures.h); a path the page did not prepare is read from the in-memory
+// file system, where saved bitmaps go.
+#include <algorithm>
+#include <map>
+#include <new>
+
+#include "imageio/jpeg_repair.h"
+#include "imageio/picture_codecs.h"
+#include "imageio/picture_source.h"
+#include "imageio/pixel_limits.h"
+#include "imageio/prepared_pictures.h"
+#include "platform/kernel.h"
+
+namespace imageio {
+namespace {
+
+struct PreparedPicture {
+  DWORD error = 0;  // non-zero: the fetch failed with this code
+  PictureBytes bytes;
+  int width = 0;  // 0: the browser could not decode the bytes
+  int height = 0;
+  std::unique_ptr<std::uint8_t[]> rgba;
+};
+
+std::map<std::string, PreparedPicture>& Prepared() {
+  static std::map<std::string, PreparedPicture> pictures;
+  return pictures;
+}
+
+const PreparedPicture* Find(const std::string& source) {
+  const auto it = Prepared().find(source);
+  return it == Prepared().end() ? nullptr : &it->second;
+}
+
+}  // namespace
+
+// Pictures can be large: storage that cannot be had is refused (null), and the page
+// reports it, rather than ending the program.
+std::uint8_t* PreparePictureBytes(const std::string& source, std::size_t count) {
+  PreparedPicture& picture = Prepared()[source] = PreparedPicture{};
+  picture.bytes.data.reset(new (std::nothrow) std::uint8_t[count + kSpareBytes]);
+  picture.bytes.count = picture.bytes.data ? count : 0;
+  return picture.bytes.data.get();
+}
+
+std::size_t RepairPreparedBytes(const std::string& source) {
+  PictureBytes& bytes = Prepared()[source].bytes;
+  if (bytes.data) bytes.count = RepairJpegEndMarker(bytes.data.get(), bytes.count);
+  return bytes.count;
+}
+
+std::uint8_t* PreparePicturePixels(const std::string& source, int width, int height) {
+  PreparedPicture& picture = Prepared()[source];
+  if (!PictureSizeAcceptable(width, height)) return nullptr;
+  const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+  picture.rgba.reset(new (std::nothrow) std::uint8_t[count]);
+  if (picture.rgba) {
+    picture.width = width;
+    picture.height = height;
+  }
+  return picture.rgba.get();
+}
+
+void PreparePictureFailure(const std::string& source, DWORD error) {
+  Prepared()[source] = PreparedPicture{error};
+}
+
+void ForgetPreparedPictures() { Prepared().clear(); }
+
+bool FetchUrl(const std::string& url, std::string* localName) {
+  const PreparedPicture* picture = Find(url);
+  if (picture == nullptr || picture->error != 0) {
+    // Only a string the page could not even try to fetch (the empty one) is missing.
+    SetLastError(picture == nullptr ? ERROR_INTERNET_INVALID_URL : picture->error);
+    return false;
+  }
+  *localName = url;
+  return true;
+}
+
+bool ReadPictureFile(const std::string& name, PictureBytes* bytes) {
+  const PreparedPicture* picture = Find(name);
+  if (picture == nullptr) return ReadLocalFile(name, bytes);
+  if (picture->error != 0) {
+    SetLastError(picture->error);
+    return false;
+  }
+  const std::size_t count = picture->bytes.count;
+  bytes->data.reset(new (std::nothrow) std::uint8_t[count + kSpareBytes]);
+  if (!bytes->data) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return false;
+  }
+  std::copy_n(picture->bytes.data.get(), count, bytes->data.get());
+  bytes->count = count;
+  return true;
+}
+
+HBITMAP DecodePicture(const std::string& name, const std::uint8_t* data, std::size_t count) {
+  // The browser decodes icons too; the platform picture loader gives them no bitmap.
+  const PictureFormat format = DetectPictureFormat(data, count);
+  if (format == PictureFormat::Icon || format == PictureFormat::Metafile) return nullptr;
+  const PreparedPicture* picture = Find(name);
+  if (picture == nullptr || picture->width == 0) return nullptr;
+  std::uint32_t* pixels = nullptr;
+  HBITMAP section = NewPictureSection(picture->width, picture->height, &pixels);
+  if (section == nullptr) return nullptr;
+  const std::uint8_t* rgba = picture->rgba.get();
+  const std::size_t pixelCount =
+      static_cast<std::size_t>(picture->width) * static_cast<std::size_t>(picture->height);
+  for (std::size_t i = 0; i < pixelCount; ++i, rgba += 4)
+    pixels[i] = OverWhite(rgba[0], rgba[1], rgba[2], rgba[3]);
+  return section;
+}
+
+}  // namespace imageio

@@ -1,0 +1,48 @@
+// What the browser tests and the web benchmark share: a small static file server for
+// build/web/ on 127.0.0.1 (a free port), and Debian's Chromium driven by
+// playwright-core with a fresh profile.
+import { createServer } from 'node:http';
+import { readFile } from 'node:fs/promises';
+import { extname, join, normalize, resolve } from 'node:path';
+import { fileURLToPath } from 'node:url';
+import { chromium } from 'playwright-core';
+
+export const ROOT = resolve(fileURLToPath(import.meta.url), '../../..');
+export const WEB_ROOT = join(ROOT, 'build/web');
+
+const TYPES = {
+  '.html': 'text/html; charset=utf-8', '.js': 'text/javascript', '.mjs': 'text/javascript', '.css': 'text/css',
+  '.wasm': 'application/wasm', '.jpg': 'image/jpeg', '.png': 'image/png', '.bmp': 'image/bmp', '.gif': 'image/gif',
+};
+
+// Serves the files of `roots` (the first that has a path wins) until close();
+// resolves with the base URL.
+export async function serve(roots = [WEB_ROOT]) {
+  const server = createServer(async (request, response) => {
+    const path = normalize(decodeURIComponent(new URL(request.url, 'http://x').pathname));
+    for (const root of roots) {
+      const file = join(root, path.endsWith('/') ? `${path}index.html` : path);
+      if (!file.startsWith(root)) continue;
+      try {
+        const body = await readFile(file);
+        response.writeHead(200, { 'content-type': TYPES[extname(file)] ?? 'application/octet-stream' });
+        response.end(body);
+        return;
+      } catch {
+        // not in this root
+      }
+    }
+    response.writeHead(404).end('not found');
+  });
+  await new Promise((done) => server.listen(0, '127.0.0.1', done));
+  return { url: `http://127.0.0.1:${server.address().port}/`, close: () => new Promise((done) => server.close(done)) };
+}
+
+export function launchChromium() {
+  return chromium.launch({
+    executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
+    headless: true,
+    args: ['--headless', '--no-sandbox', '--disable-gpu', '--no-first-run', '--disable-background-networking',
+      '--disable-component-update', '--disable-sync', '--force-color-profile=srgb'],
+  });
+}

@@ -1,0 +1,281 @@
+// Browser tests of <image-edit-control>: the element in Debian's Chromium, compared
+// pixel for pixel with what the native script host shows for the same calls.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
+import { after, before, test } from 'node:test';
+
+import { launchChromium, ROOT, serve, WEB_ROOT } from './browser.mjs';
+
+const IMAGEEDIT = process.env.IMAGEEDIT ?? join(ROOT, 'build/release/hosts/cli/imageedit');
+const TEST_DATA = join(ROOT, 'tests/data');
+const ARTIFACTS = join(ROOT, 'build/web-test-artifacts');
+
+let server;
+let browser;
+
+before(async () => {
+  // The element and samples, this folder's test page, and the test pictures as data/.
+  server = await serve([WEB_ROOT, join(ROOT, 'tests/web'), join(ROOT, 'tests')]);
+  browser = await launchChromium();
+});
+
+after(async () => {
+  await browser?.close();
+  await server?.close();
+});
+
+// A fresh page with one control of the given size; `page.control` evaluates in it.
+async function controlPage(width, height) {
+  const page = await browser.newPage({ viewport: { width: 800, height: 600 } });
+  const errors = [];
+  page.on('pageerror', (error) => errors.push(error.message));
+  await page.goto(`${server.url}fixture.html`);
+  await page.evaluate(async ([w, h]) => {
+    const element = document.createElement('image-edit-control');
+    element.id = 'editor';
+    element.setAttribute('width', w);
+    element.setAttribute('height', h);
+    element.setAttribute('lang', 'en');
+    document.body.append(element);
+    await element.ready;
+  }, [width, height]);
+  page.errors = errors;
+  return page;
+}
+
+// What the control shows: RGB triples, top-down rows.
+function canvasPixels(page) {
+  return page.evaluate(() => {
+    const canvas = document.getElementById('editor').shadowRoot.querySelector('canvas');
+    const { data, width, height } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
+    const rgb = [];
+    for (let i = 0; i < data.length; i += 4) rgb.push(data[i], data[i + 1], data[i + 2]);
+    return { width, height, rgb };
+  });
+}
+
+// A 24-bit bottom-up bitmap file as RGB triples, top-down rows.
+function readBmp(bytes) {
+  assert.equal(bytes.toString('latin1', 0, 2), 'BM');
+  const offset = bytes.readUInt32LE(10);
+  const width = bytes.readInt32LE(18);
+  const height = bytes.readInt32LE(22);
+  assert.equal(bytes.readUInt16LE(28), 24);
+  const stride = Math.ceil((width * 3) / 4) * 4;
+  const rgb = [];
+  for (let y = height - 1; y >= 0; y--) {
+    for (let x = 0; x < width; x++) {
+      const at = offset + y * stride + x * 3;
+      rgb.push(bytes[at + 2], bytes[at + 1], bytes[at]);
+    }
+  }
+  return { width, height, rgb, fileSize: bytes.readUInt32LE(2), length: bytes.length };
+}
+
+// The native script host's `shot` after the script's statements (run with the
+// repository's root as the working folder).
+function nativeShot(width, height, statements) {
+  const dir = mkdtempSync(join(tmpdir(), 'imageedit-web-'));
+  try {
+    const shot = join(dir, 'shot.bmp');
+    const script = [`create ${width} ${height}`, ...statements, `shot "${shot}"`].join('\n');
+    writeFileSync(join(dir, 'script.ies'), `${script}\n`);
+    execFileSync(IMAGEEDIT, ['run', join(dir, 'script.ies')], { cwd: ROOT, stdio: ['ignore', 'pipe', 'pipe'] });
+    return readBmp(readFileSync(shot));
+  } finally {
+    rmSync(dir, { recursive: true, force: true });
+  }
+}
+
+function assertSamePixels(actual, expected, what) {
+  assert.equal(actual.width, expected.width, `${what}: width`);
+  assert.equal(actual.height, expected.height, `${what}: height`);
+  const at = actual.rgb.findIndex((value, i) => value !== expected.rgb[i]);
+  if (at >= 0) {
+    const pixel = Math.floor(at / 3);
+    const x = pixel % actual.width;
+    const y = Math.floor(pixel / actual.width);
+    assert.fail(`${what}: pixel ${x},${y} is ${actual.rgb.slice(pixel * 3, pixel * 3 + 3)}, ` +
+      `the script host shows ${expected.rgb.slice(pixel * 3, pixel * 3 + 3)}`);
+  }
+}
+
+test('pictures load by URL and show exactly what the script host shows', async () => {
+  const page = await controlPage(64, 48);
+  // A bitmap file (our own reader), and PNG and JPEG through the browser's decoders,
+  // one of them a JPEG cut off before its end marker.
+  for (const [url, file] of [
+    ['samples/tiles.bmp', 'build/web/samples/tiles.bmp'],
+    ['data/imageio/rgba_2x2.png', 'tests/data/imageio/rgba_2x2.png'],
+    ['data/imageio/solid_16x8.jpg', 'tests/data/imageio/solid_16x8.jpg'],
+    ['data/imageio/solid_16x8_cut.jpg', 'tests/data/imageio/solid_16x8_cut.jpg'],
+  ]) {
+    await page.evaluate(async (source) => {
+      const editor = document.getElementById('editor');
+      await editor.SetImage('samples/balloons.png');  // something else first: the load must replace it
+      await editor.SetImage(source);
+    }, url);
+    assertSamePixels(await canvasPixels(page), nativeShot(64, 48, [`SetImage "${file}"`]), url);
+  }
+  assert.deepEqual(page.errors, []);
+  await page.close();
+});
+
+test('the demo page: a brightness slider gives the pixels the script host shows', async () => {
+  const page = await browser.newPage({ viewport: { width: 1280, height: 1000 } });
+  await page.goto(server.url);
+  await page.waitForFunction(() => document.getElementById('status').textContent.startsWith('Opened'));
+  await page.fill('#url', 'samples/tiles.bmp');
+  await page.click('#open-url button');
+  await page.waitForFunction(() => document.getElementById('status').textContent.startsWith('Opened samples/tiles'));
+  // A person drags the slider and lets go: the control is called on release.
+  const slider = page.locator('input[data-method=BrightenImage]');
+  await slider.focus();
+  for (let i = 0; i < 5; i++) await page.keyboard.press('ArrowRight');
+  assert.equal(await slider.inputValue(), '105');
+  await page.fill('input[data-method=SharpenImage]', '1');
+  await page.press('input[data-method=SharpenImage]', 'Enter');
+  const shown = await canvasPixels(page);
+  assertSamePixels(shown, nativeShot(640, 480, [
+    'SetImage "build/web/samples/landscape.jpg"', 'SetImage "build/web/samples/tiles.bmp"',
+    ...[101, 102, 103, 104, 105].map((v) => `BrightenImage ${v}`), 'SharpenImage 1',
+  ]), 'after the slider');
+  mkdirSync(ARTIFACTS, { recursive: true });
+  await page.screenshot({ path: join(ARTIFACTS, 'demo.png'), fullPage: true });
+  await page.close();
+});
+
+test('scroll bars scroll with real clicks on the arrow and the track', async () => {
+  const page = await controlPage(200, 150);
+  await page.evaluate(() => document.getElementById('editor').SetImage('samples/city.jpg'));
+  const before = await canvasPixels(page);
+  // The horizontal bar lies along the bottom, 17 pixels thick, beside the vertical one.
+  const rightArrow = [200 - 17 - 8, 150 - 8];
+  const track = [120, 150 - 8];
+  const steps = [`SetImage "build/web/samples/city.jpg"`];
+  for (const [x, y] of [rightArrow, rightArrow, track]) {
+    await page.mouse.click(x, y);
+    steps.push(`down ${x} ${y}`, `up ${x} ${y}`);
+  }
+  const after = await canvasPixels(page);
+  assert.notDeepEqual(after.rgb, before.rgb, 'the picture moved');
+  assertSamePixels(after, nativeShot(200, 150, steps), 'after scrolling');
+  await page.close();
+});
+
+test('keys: Ctrl+Z undoes, Ctrl+Y redoes, and the editor keys never reach the page', async () => {
+  const page = await controlPage(120, 90);
+  await page.evaluate(() => document.getElementById('editor').SetImage('samples/tiles.bmp'));
+  const original = await canvasPixels(page);
+  await page.evaluate(() => document.getElementById('editor').BrightenImage(160));
+  const brightened = await canvasPixels(page);
+  assert.notDeepEqual(brightened.rgb, original.rgb);
+  await page.evaluate(() => {
+    window.pageKeys = [];
+    document.addEventListener('keydown', (event) => window.pageKeys.push(event.key));
+  });
+  await page.mouse.click(60, 45);  // a press gives the control the focus
+  await page.keyboard.press('Control+z');
+  assert.deepEqual((await canvasPixels(page)).rgb, original.rgb, 'Ctrl+Z undoes');
+  await page.keyboard.press('Control+y');
+  assert.deepEqual((await canvasPixels(page)).rgb, brightened.rgb, 'Ctrl+Y redoes');
+  for (const key of ['Tab', 'ArrowDown', 'PageDown', 'Delete', 'a', 'Enter']) await page.keyboard.press(key);
+  assert.deepEqual(await page.evaluate(() => window.pageKeys), ['Control', 'z', 'Control', 'y', 'a', 'Enter']);
+  assert.equal(await page.evaluate(() => document.activeElement.id), 'editor', 'Tab did not move the focus');
+  await page.close();
+});
+
+test('saving hands the page a bitmap file of the saved size', async () => {
+  const page = await controlPage(300, 200);
+  const saved = await page.evaluate(async () => {
+    const editor = document.getElementById('editor');
+    await editor.SetImage('samples/tiles.bmp');
+    const files = [];
+    editor.addEventListener('saved', (event) => files.push(event.detail));
+    editor.SaveEditedBitmap('out.bmp');
+    editor.SetSaveEditedBitmapSize(100, 50);
+    editor.SaveEditedBitmap('out.bmp');  // the same name again is a new file
+    editor.SaveEditedBitmap('');         // writes nothing
+    return Promise.all(files.map(async ({ fileName, blob }) => ({
+      fileName, bytes: [...new Uint8Array(await blob.arrayBuffer())],
+    })));
+  });
+  assert.deepEqual(saved.map((file) => file.fileName), ['/tmp/out.bmp', '/tmp/out.bmp']);
+  for (const [file, [width, height]] of saved.map((file, i) => [file, [[256, 192], [100, 50]][i]])) {
+    const bmp = readBmp(Buffer.from(file.bytes));
+    assert.deepEqual([bmp.width, bmp.height], [width, height]);
+    assert.equal(bmp.fileSize, bmp.length);
+    assert.equal(bmp.length, 54 + Math.ceil((width * 3) / 4) * 4 * height);
+  }
+  await page.close();
+});
+
+test('a failed load shows the read message only while verbose', async () => {
+  const page = await controlPage(100, 80);
+  const messages = await page.evaluate(async () => {
+    const editor = document.getElementById('editor');
+    const shown = () => [...editor.shadowRoot.querySelectorAll('dialog[open] .text')].map((text) => text.textContent);
+    await editor.SetImage('missing.jpg');
+    const quiet = shown();
+    editor.EnableVerbose(true);
+    await editor.SetImage('missing.jpg');
+    return { quiet, verbose: shown() };
+  });
+  assert.deepEqual(messages, { quiet: [], verbose: ['I failed to read missing.jpg. An error code is 2.'] });
+  await page.close();
+});
+
+test('every interface method is a method of the element with the control\'s results', async () => {
+  const page = await controlPage(100, 80);
+  const results = await page.evaluate(async () => {
+    const editor = document.getElementById('editor');
+    const missing = ['SetImage', 'GetColor', 'ScaleImage', 'CorrectGamma', 'InsertBalloonText', 'AboutBox']
+      .filter((name) => typeof editor[name] !== 'function');
+    const sink = { colors: [], ColorSelected(color) { this.colors.push(color); } };
+    const cookie = editor.connectSink(sink);
+    let mismatch = '';
+    try {
+      editor.BrightenImage('150');
+    } catch (error) {
+      mismatch = `${error.name}: ${error.message}`;
+    }
+    return {
+      missing,
+      count: Object.getOwnPropertyNames(Object.getPrototypeOf(editor)).filter((n) => /^[A-Z]/.test(n)).length,
+      color: editor.GetColor(),
+      scaled: editor.ScaleImage(50),
+      background: await editor.SetTextBackgroundColor('TRANSPARENT'),
+      nothing: editor.SetNothing(),
+      mismatch,
+      cookie: cookie > 0,
+      disconnected: editor.disconnectSink(cookie),
+      again: editor.disconnectSink(cookie),
+    };
+  });
+  assert.deepEqual(results, {
+    missing: [], count: 56, color: '000000', scaled: false, background: '', nothing: undefined,
+    mismatch: 'TypeError: BrightenImage: argument 1 (nBrightness) must be an integer, not a string',
+    cookie: true, disconnected: true, again: false,
+  });
+  await page.close();
+});
+
+test('dialogs are page dialogs, and their calls resolve once the person closes them', async () => {
+  const page = await controlPage(100, 80);
+  const dialog = page.locator('image-edit-control dialog[open]');
+  const about = page.evaluate(() => document.getElementById('editor').AboutBox().then(() => 'closed'));
+  await dialog.waitFor();
+  assert.deepEqual([await dialog.locator('header').textContent(), await dialog.locator('.text').textContent()],
+    ['About Image Edit Control', 'Image Edit Control Version 1.1']);
+  await dialog.getByRole('button', { name: 'OK' }).click();
+  assert.equal(await about, 'closed');
+  const color = page.evaluate(() => document.getElementById('editor').SetColor('dialog'));
+  await dialog.locator('input[type=color]').waitFor();
+  await dialog.getByRole('button', { name: 'Cancel' }).click();
+  assert.equal(await color, '000000');
+  assert.equal(await dialog.count(), 0);
+  await page.close();
+});
