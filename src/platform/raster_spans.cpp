@@ -19,8 +19,23 @@ void Coverage::AddBox(std::int64_t left, std::int64_t top, std::int64_t right, s
 
 const std::vector<Span>& Coverage::Merged() {
   if (merged_) return spans_;
-  std::sort(spans_.begin(), spans_.end(),
-            [](const Span& a, const Span& b) { return a.y != b.y ? a.y < b.y : a.x0 < b.x0; });
+  // Figures add many short spans row after row (a wide outline adds its pen nib at every
+  // pixel), so the rows are bucketed first and only each row's few spans sorted.
+  const auto [low, high] = std::minmax_element(spans_.begin(), spans_.end(),
+                                               [](const Span& a, const Span& b) { return a.y < b.y; });
+  const int firstRow = low->y;
+  std::vector<std::size_t> starts(static_cast<std::size_t>(high->y - firstRow) + 2, 0);
+  for (const Span& span : spans_) ++starts[static_cast<std::size_t>(span.y - firstRow) + 1];
+  for (std::size_t i = 1; i < starts.size(); ++i) starts[i] += starts[i - 1];
+  std::vector<Span> byRow(spans_.size());
+  std::vector<std::size_t> next(starts.begin(), starts.end() - 1);
+  for (const Span& span : spans_) byRow[next[static_cast<std::size_t>(span.y - firstRow)]++] = span;
+  for (std::size_t row = 0; row + 1 < starts.size(); ++row) {
+    std::sort(byRow.begin() + static_cast<std::ptrdiff_t>(starts[row]),
+              byRow.begin() + static_cast<std::ptrdiff_t>(starts[row + 1]),
+              [](const Span& a, const Span& b) { return a.x0 < b.x0; });
+  }
+  spans_.swap(byRow);
   std::size_t kept = 0;
   for (const Span& span : spans_) {
     if (kept > 0 && spans_[kept - 1].y == span.y && span.x0 <= spans_[kept - 1].x1) {
