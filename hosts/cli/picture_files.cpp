@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <fstream>
+#include <string_view>
 
 namespace script {
 namespace {
@@ -118,6 +119,12 @@ bool WritePngFile(const DibPicture& picture, const std::string& path) {
   AppendPngChunk(bytes, "IDAT", compressed);
   AppendPngChunk(bytes, "IEND", {});
   return WriteFile(bytes, path);
+}
+
+bool WritePictureFile(const DibPicture& picture, const std::string& path) {
+  const std::string_view png = ".png";
+  const bool isPng = path.size() >= png.size() && path.compare(path.size() - png.size(), png.size(), png) == 0;
+  return isPng ? WritePngFile(picture, path) : WriteBmpFile(picture, path);
 }
 
 }  // namespace script

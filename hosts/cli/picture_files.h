@@ -20,8 +20,10 @@ struct DibPicture {
 // a bitmap or GetDIBits fails.
 DibPicture ReadDibPicture(HBITMAP bitmap);
 
-// Both return false when the file cannot be written.
+// All return false when the file cannot be written.
 bool WriteBmpFile(const DibPicture& picture, const std::string& path);
 bool WritePngFile(const DibPicture& picture, const std::string& path);
+// A PNG when the path ends in ".png", a BMP otherwise.
+bool WritePictureFile(const DibPicture& picture, const std::string& path);
 
 }  // namespace script

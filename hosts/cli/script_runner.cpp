@@ -50,11 +50,6 @@ const std::string& PathArg(const Token& token) { return token.text; }
 
 bool IsCancel(const Token& token) { return token.isWord() && token.text == "cancel"; }
 
-bool EndsWith(const std::string& text, std::string_view suffix) {
-  return text.size() >= suffix.size() &&
-         text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
 }  // namespace
 
 ScriptRunner::ScriptRunner(std::ostream& out, RunOptions options)
@@ -299,8 +294,7 @@ void ScriptRunner::VScroll(Args args) { Scroll(WM_VSCROLL, args); }
 void ScriptRunner::WritePicture(HBITMAP bitmap, const std::string& path, const std::string& what) {
   const DibPicture picture = ReadDibPicture(bitmap);
   if (picture.width == 0) throw RunFailure(what + ": there is no picture to write");
-  const bool written = EndsWith(path, ".png") ? WritePngFile(picture, path) : WriteBmpFile(picture, path);
-  if (!written) throw RunFailure(what + ": cannot write '" + path + "'");
+  if (!WritePictureFile(picture, path)) throw RunFailure(what + ": cannot write '" + path + "'");
 }
 
 void ScriptRunner::Shot(Args args) {

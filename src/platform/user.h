@@ -5,6 +5,7 @@
 // through the host interface (platform/host.h).
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -325,9 +326,15 @@ unsigned long long ClockNow();
 // The host window's composed frame.
 HBITMAP HostFrame(HWND host);
 
+// A cursor resource's picture: top-down rows of 0xAARRGGBB (alpha 0 = transparent).
+struct CursorArtwork { int width = 0; int height = 0; POINT hotSpot{0, 0}; std::vector<std::uint32_t> pixels; };
+// False when the resource id has no picture.
+bool GetCursorArtwork(int resourceId, CursorArtwork* artwork);
+
 // The module's cursor resources: LoadCursorA(instance, MAKEINTRESOURCEA(id)) finds
-// only registered ids (the resources register theirs at start-up).
-void RegisterCursorResource(int id, int hotX, int hotY);
+// only registered ids (the resources register theirs at start-up), with the picture's
+// hot spot.
+void RegisterCursorResource(int id, CursorArtwork artwork);
 // What a cursor shows: its resource id, 0 for the arrow, 32514 for the wait cursor,
 // -1 for no cursor or an unknown handle; and its hot spot.
 int CursorResourceId(HCURSOR cursor);
