@@ -61,7 +61,8 @@ class Sheet {
   }
 
   // The picture at `scale` on a checkerboard of `light` and `dark`, with its ticks.
-  void Tile(int x, int y, int scale, const platform::CursorArtwork& artwork, COLORREF light, COLORREF dark) const {
+  void Tile(int x, int y, int scale, const platform::CursorArtwork& artwork, COLORREF light,
+            COLORREF dark) const {
     const int size = kTile * scale;
     for (int j = 0; j < size; j += 4 * scale) {
       for (int i = 0; i < size; i += 4 * scale) {
@@ -72,7 +73,8 @@ class Sheet {
       for (int i = 0; i < artwork.width; ++i) {
         const std::uint32_t pixel = artwork.pixels[static_cast<std::size_t>(j * artwork.width + i)];
         if ((pixel >> 24) == 0) continue;
-        Box(x + i * scale, y + j * scale, scale, scale, RGB((pixel >> 16) & 0xFF, (pixel >> 8) & 0xFF, pixel & 0xFF));
+        Box(x + i * scale, y + j * scale, scale, scale,
+            RGB((pixel >> 16) & 0xFF, (pixel >> 8) & 0xFF, pixel & 0xFF));
       }
     }
     Box(x - kTick, y + artwork.hotSpot.y * scale, kTick - 1, scale, kTickColor);

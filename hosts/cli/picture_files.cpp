@@ -123,7 +123,8 @@ bool WritePngFile(const DibPicture& picture, const std::string& path) {
 
 bool WritePictureFile(const DibPicture& picture, const std::string& path) {
   const std::string_view png = ".png";
-  const bool isPng = path.size() >= png.size() && path.compare(path.size() - png.size(), png.size(), png) == 0;
+  const bool isPng =
+      path.size() >= png.size() && path.compare(path.size() - png.size(), png.size(), png) == 0;
   return isPng ? WritePngFile(picture, path) : WriteBmpFile(picture, path);
 }
 

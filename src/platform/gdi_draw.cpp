@@ -146,7 +146,8 @@ HPEN ExtCreatePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD styleCo
 }
 
 HPEN CreatePen(int style, int width, COLORREF color) {
-  if (style != static_cast<int>(PS_SOLID) && style != static_cast<int>(PS_DOT) && style != static_cast<int>(PS_NULL))
+  if (style != static_cast<int>(PS_SOLID) && style != static_cast<int>(PS_DOT) &&
+      style != static_cast<int>(PS_NULL))
     return nullptr;
   const LOGBRUSH brush{BS_SOLID, color, 0};
   const std::int64_t absolute = width < 0 ? -static_cast<std::int64_t>(width) : width;
@@ -228,7 +229,8 @@ BOOL ExtFloodFill(HDC hdc, int x, int y, COLORREF color, UINT type) {
   Point64 start;
   if (!canvas || type != FLOODFILLSURFACE || !canvas->ToDevice(x, y, &start)) return FALSE;
   const RECT& clip = canvas->surface.clip;
-  if (start.x < clip.left || start.x >= clip.right || start.y < clip.top || start.y >= clip.bottom) return FALSE;
+  if (start.x < clip.left || start.x >= clip.right || start.y < clip.top || start.y >= clip.bottom)
+    return FALSE;
   raster::Raster& pixels = *canvas->surface.raster;
   const std::uint32_t target = raster::PixelFor(color & raster::kColorMask, canvas->surface.mono());
   if (pixels.Row(static_cast<int>(start.y))[start.x] != target) return FALSE;

@@ -231,8 +231,8 @@ void RefreshDrawState(DcObject& dc) {
     // A geometric pen one pixel wide or less draws one-pixel lines too; only a slanted
     // line's last pixel tells it from a cosmetic pen.
     draw.pen = (pen->style & PS_STYLE_MASK) == PS_NULL ? PenKind::Null
-               : geometric && pen->width > 1          ? PenKind::Wide
-                                                      : PenKind::Thin;
+               : geometric && pen->width > 1           ? PenKind::Wide
+                                                       : PenKind::Thin;
     draw.penDotted = (pen->style & PS_STYLE_MASK) == PS_DOT;
     draw.penEndsSlantedLines = geometric && draw.pen == PenKind::Thin;
     draw.penWidth = draw.pen == PenKind::Wide ? pen->width : 1;

@@ -70,7 +70,7 @@ struct DcObject {
   int mapMode = MM_TEXT;
   POINT position{0, 0};  // the current position of MoveToEx and LineTo (logical)
   POINT origin{0, 0};    // window DCs: where logical (0, 0) lies in the frame
-  RECT clip{};         // window DCs: the part of the frame it may touch
+  RECT clip{};           // window DCs: the part of the frame it may touch
   DrawState draw;
 };
 

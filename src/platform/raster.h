@@ -80,7 +80,8 @@ constexpr std::uint8_t Rop2Index(int mode) {
   }
   return index;
 }
-static_assert(Rop2Index(13) == 0xF0 && Rop2Index(10) == 0xA5 && Rop2Index(6) == 0x55 && Rop2Index(11) == 0xAA);
+static_assert(Rop2Index(13) == 0xF0 && Rop2Index(10) == 0xA5 && Rop2Index(6) == 0x55 &&
+              Rop2Index(11) == 0xAA);
 
 // dst[i] = rop(pattern, src[i], dst[i]) for `count` pixels; `src` may be null when the
 // operation does not read it. Results are masked to 24 bits.

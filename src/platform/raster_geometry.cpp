@@ -127,30 +127,33 @@ void AddPolygon(Coverage& coverage, const Point64* points, int count) {
 }
 
 std::vector<std::pair<std::int64_t, std::int64_t>> EllipseRows(std::int64_t width, std::int64_t height) {
-  std::vector<std::pair<std::int64_t, std::int64_t>> rows(static_cast<std::size_t>(std::max<std::int64_t>(height, 0)));
+  std::vector<std::pair<std::int64_t, std::int64_t>> rows(
+      static_cast<std::size_t>(std::max<std::int64_t>(height, 0)));
   if (width <= 2 || height <= 2) {
     for (auto& row : rows) row = {0, width};
     return rows;
   }
   for (auto& row : rows) row = {width, 0};
-  WalkEllipse(width, height, [&](std::int64_t right, std::int64_t lower, std::int64_t left, std::int64_t upper) {
-    for (std::int64_t y : {lower, upper}) {
-      auto& row = rows[static_cast<std::size_t>(y)];
-      row = {std::min(row.first, left), std::max(row.second, right + 1)};
-    }
-  });
+  WalkEllipse(width, height,
+              [&](std::int64_t right, std::int64_t lower, std::int64_t left, std::int64_t upper) {
+                for (std::int64_t y : {lower, upper}) {
+                  auto& row = rows[static_cast<std::size_t>(y)];
+                  row = {std::min(row.first, left), std::max(row.second, right + 1)};
+                }
+              });
   for (auto& row : rows) row.second = std::max(row.first, row.second);
   return rows;
 }
 
 std::vector<Point64> EllipseOutline(std::int64_t width, std::int64_t height) {
   std::vector<Point64> upperRight, upperLeft, lowerLeft, lowerRight;
-  WalkEllipse(width, height, [&](std::int64_t right, std::int64_t lower, std::int64_t left, std::int64_t upper) {
-    upperRight.push_back({right, upper});
-    upperLeft.push_back({left, upper});
-    lowerLeft.push_back({left, lower});
-    lowerRight.push_back({right, lower});
-  });
+  WalkEllipse(width, height,
+              [&](std::int64_t right, std::int64_t lower, std::int64_t left, std::int64_t upper) {
+                upperRight.push_back({right, upper});
+                upperLeft.push_back({left, upper});
+                lowerLeft.push_back({left, lower});
+                lowerRight.push_back({right, lower});
+              });
   std::vector<Point64> path;
   auto append = [&path](Point64 p) {
     if (path.empty() || !(path.back() == p)) path.push_back(p);
@@ -173,7 +176,7 @@ std::vector<Point64> FlattenBezier(const Point64 p[4]) {
     Point64 c[4];
     int depth;
   };
-  auto isFlat = [](const Point64 (&c)[4]) {
+  auto isFlat = [](const Point64(&c)[4]) {
     const std::int64_t dx = c[3].x - c[0].x;
     const std::int64_t dy = c[3].y - c[0].y;
     const bool xMajor = Abs(dy) <= Abs(dx);
@@ -186,7 +189,8 @@ std::vector<Point64> FlattenBezier(const Point64 p[4]) {
       const std::int64_t major = xMajor ? dx : dy;
       if (major == 0) continue;
       // Distance from the chord measured along the minor axis, in 1/16 pixel.
-      const double expected = static_cast<double>(xMajor ? dy : dx) * static_cast<double>(along - from) / major;
+      const double expected =
+          static_cast<double>(xMajor ? dy : dx) * static_cast<double>(along - from) / major;
       const double actual = static_cast<double>(xMajor ? c[i].y - c[0].y : c[i].x - c[0].x);
       if (std::abs(actual - expected) > kOne) return false;
     }

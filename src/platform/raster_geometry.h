@@ -22,7 +22,9 @@ struct Point64 {
 };
 
 // Rounds n / d (d > 0) up.
-constexpr std::int64_t CeilDiv(std::int64_t n, std::int64_t d) { return n >= 0 ? (n + d - 1) / d : -((-n) / d); }
+constexpr std::int64_t CeilDiv(std::int64_t n, std::int64_t d) {
+  return n >= 0 ? (n + d - 1) / d : -((-n) / d);
+}
 
 // The pixels of a one-pixel line from `from` to `to`, `to` itself left out as GDI does.
 // Along the longer axis every step is one pixel; the other coordinate is the exact one

@@ -18,7 +18,7 @@ void Coverage::AddBox(std::int64_t left, std::int64_t top, std::int64_t right, s
 }
 
 const std::vector<Span>& Coverage::Merged() {
-  if (merged_) return spans_;
+  if (merged_ || spans_.empty()) return spans_;
   // Figures add many short spans row after row (a wide outline adds its pen nib at every
   // pixel), so the rows are bucketed first and only each row's few spans sorted.
   const auto [low, high] = std::minmax_element(spans_.begin(), spans_.end(),
@@ -66,7 +66,8 @@ void Coverage::Subtract(Coverage& other) {
 }
 
 void PaintSpans(Raster& raster, const std::vector<Span>& spans, std::uint32_t pixel, std::uint8_t rop) {
-  for (const Span& span : spans) ApplyRop(rop, nullptr, pixel, raster.Row(span.y) + span.x0, span.x1 - span.x0);
+  for (const Span& span : spans)
+    ApplyRop(rop, nullptr, pixel, raster.Row(span.y) + span.x0, span.x1 - span.x0);
 }
 
 void PaintPixel(Raster& raster, int x, int y, std::uint32_t pixel, std::uint8_t rop) {

@@ -11,28 +11,36 @@ namespace resources {
 
 inline constexpr int kCursorSize = 32;
 
-// The classic 16 colours plus transparency, as 0xAARRGGBB; 0 for a character that is
-// not in the palette (and for '.', transparent).
+// The classic 16 colours, as 0xAARRGGBB; '.' is transparent.
+struct PaletteEntry {
+  char character;
+  std::uint32_t color;
+};
+inline constexpr PaletteEntry kCursorPalette[] = {
+    {'#', 0xFF000000},  // black
+    {'r', 0xFF800000},  // dark red
+    {'g', 0xFF008000},  // dark green
+    {'y', 0xFF808000},  // olive
+    {'b', 0xFF000080},  // navy
+    {'m', 0xFF800080},  // purple
+    {'c', 0xFF008080},  // teal
+    {'s', 0xFFC0C0C0},  // silver
+    {'d', 0xFF808080},  // grey
+    {'R', 0xFFFF0000},  // red
+    {'G', 0xFF00FF00},  // green
+    {'Y', 0xFFFFFF00},  // yellow
+    {'B', 0xFF0000FF},  // blue
+    {'M', 0xFFFF00FF},  // magenta
+    {'C', 0xFF00FFFF},  // cyan
+    {'o', 0xFFFFFFFF},  // white
+};
+
+// A palette character's colour; 0 (transparent) for '.' and for any other character.
 constexpr std::uint32_t PaletteColor(char c) {
-  switch (c) {
-    case '#': return 0xFF000000;  // black
-    case 'r': return 0xFF800000;  // dark red
-    case 'g': return 0xFF008000;  // dark green
-    case 'y': return 0xFF808000;  // olive
-    case 'b': return 0xFF000080;  // navy
-    case 'm': return 0xFF800080;  // purple
-    case 'c': return 0xFF008080;  // teal
-    case 's': return 0xFFC0C0C0;  // silver
-    case 'd': return 0xFF808080;  // grey
-    case 'R': return 0xFFFF0000;  // red
-    case 'G': return 0xFF00FF00;  // green
-    case 'Y': return 0xFFFFFF00;  // yellow
-    case 'B': return 0xFF0000FF;  // blue
-    case 'M': return 0xFFFF00FF;  // magenta
-    case 'C': return 0xFF00FFFF;  // cyan
-    case 'o': return 0xFFFFFFFF;  // white
-    default: return 0;            // '.' transparent, or not a palette character
+  for (const PaletteEntry& entry : kCursorPalette) {
+    if (entry.character == c) return entry.color;
   }
+  return 0;
 }
 constexpr bool IsPaletteCharacter(char c) { return c == '.' || PaletteColor(c) != 0; }
 
@@ -46,7 +54,6 @@ struct CursorFile {
   CursorHeader header;
   char cells[kCursorSize][kCursorSize] = {};  // palette characters, top row first
   const char* error = nullptr;                // why the text is no cursor file; null when it is
-  int errorLine = 0;                          // 1-based line of the error
 };
 
 namespace cursor_file_detail {
@@ -90,11 +97,9 @@ constexpr bool ParseCursorHeader(std::string_view text, CursorHeader* header) {
 
 // Lines end with "\n" (a "\r" before it is allowed); the last newline is optional.
 constexpr CursorFile ParseCursorFile(std::string_view text) {
-  using namespace cursor_file_detail;
   CursorFile file;
-  auto fail = [&file](const char* why, int line) {
+  auto fail = [&file](const char* why) {
     file.error = why;
-    file.errorLine = line;
     return file;
   };
   int line = 0;
@@ -106,18 +111,19 @@ constexpr CursorFile ParseCursorFile(std::string_view text) {
     if (!row.empty() && row.back() == '\r') row.remove_suffix(1);
     if (line == 1) {
       if (!ParseCursorHeader(row, &file.header)) {
-        return fail("the first line is not \"cursor ID hotspot X Y\" with X and Y in 0..31", line);
+        return fail("the first line is not \"cursor ID hotspot X Y\" with X and Y in 0..31");
       }
       continue;
     }
-    if (line - 2 >= kCursorSize) return fail("more than 32 rows", line);
-    if (row.size() != static_cast<std::size_t>(kCursorSize)) return fail("a row is not 32 characters long", line);
+    if (line - 2 >= kCursorSize) return fail("more than 32 rows");
+    if (row.size() != static_cast<std::size_t>(kCursorSize)) return fail("a row is not 32 characters long");
     for (int x = 0; x < kCursorSize; ++x) {
-      if (!IsPaletteCharacter(row[static_cast<std::size_t>(x)])) return fail("a character is not in the palette", line);
+      if (!IsPaletteCharacter(row[static_cast<std::size_t>(x)]))
+        return fail("a character is not in the palette");
       file.cells[line - 2][x] = row[static_cast<std::size_t>(x)];
     }
   }
-  if (line - 1 < kCursorSize) return fail("fewer than 32 rows", line);
+  if (line - 1 < kCursorSize) return fail("fewer than 32 rows");
   return file;
 }
 

@@ -14,8 +14,9 @@ struct EmbeddedCursor {
 };
 
 // Every picture file must parse; the build stops naming the file that does not.
-#define IE_CURSOR_FILE(name, text) \
-  static_assert(resources::ParseCursorFile(text).error == nullptr, "src/resources/cursors/" name " is malformed");
+#define IE_CURSOR_FILE(name, text)                                 \
+  static_assert(resources::ParseCursorFile(text).error == nullptr, \
+                "src/resources/cursors/" name " is malformed");
 #include "cursor_files.inc"
 #undef IE_CURSOR_FILE
 
@@ -50,8 +51,8 @@ void RegisterModuleResources() {
   static const bool registered = [] {
     for (const EmbeddedCursor& embedded : kCursorFiles) {
       const resources::CursorFile file = resources::ParseCursorFile(embedded.text);
-      platform::CursorArtwork artwork{resources::kCursorSize, resources::kCursorSize,
-                                      POINT{file.header.hotX, file.header.hotY}, {}};
+      platform::CursorArtwork artwork{
+          resources::kCursorSize, resources::kCursorSize, POINT{file.header.hotX, file.header.hotY}, {}};
       for (const auto& row : file.cells) {
         for (char cell : row) artwork.pixels.push_back(resources::PaletteColor(cell));
       }

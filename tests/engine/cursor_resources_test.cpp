@@ -47,16 +47,16 @@ TEST(CursorResources, TheParserRefusesMalformedFiles) {
 
   const std::string bad[] = {
       "",
-      rows,                                       // no header
-      "cursor 7 hotspot 32 0\n" + rows,           // hot spot outside the picture
+      rows,                              // no header
+      "cursor 7 hotspot 32 0\n" + rows,  // hot spot outside the picture
       "cursor 7 hotspot -1 0\n" + rows,
-      "cursor 0 hotspot 1 1\n" + rows,            // no id
+      "cursor 0 hotspot 1 1\n" + rows,  // no id
       "cursor 7 hotspot 1\n" + rows,
       "cursor  7 hotspot 1 1\n" + rows,
       "cursor 7 hotspot 1 1 \n" + rows,
       "cursor 7 hotspot 1 1\n" + rows.substr(33),  // 31 rows
-      good + row + "\n",                          // 33 rows
-      good + "\n",                                // a blank line after the picture
+      good + row + "\n",                           // 33 rows
+      good + "\n",                                 // a blank line after the picture
       "cursor 7 hotspot 1 1\n" + row.substr(1) + "\n" + rows.substr(33),
       "cursor 7 hotspot 1 1\n" + row + ".\n" + rows.substr(33),
       "cursor 7 hotspot 1 1\n" + row.substr(1) + "Z\n" + rows.substr(33),  // not in the palette

@@ -188,7 +188,8 @@ std::vector<Case> LoadCases() {
       commands.push_back(line);
       if (line.rfind("save ", 0) == 0 && i + 1 < lines.size() && lines[i + 1].rfind("# expect ", 0) == 0) {
         ++i;
-        cases.push_back({line.substr(5), path.filename().string(), commands, ParseExpected(lines, &i), allowed});
+        cases.push_back(
+            {line.substr(5), path.filename().string(), commands, ParseExpected(lines, &i), allowed});
         allowed = 0;
       }
     }

@@ -1,11 +1,12 @@
 // Drawing primitives beyond the oracle pictures: pen creation rules, clipping against a
 // window DC's origin and clip, not-xor reversibility, flood fill limits and calls far
 // outside any surface.
+#include "platform/gdi_draw.h"
+
 #include <climits>
 #include <random>
 #include <vector>
 
-#include "platform/gdi_draw.h"
 #include "platform/gdi_test_support.h"
 
 using gdi_test::kBlack;
@@ -38,7 +39,7 @@ TEST(GdiDraw, PensAreMadeOnlyForWhatTheRasterDraws) {
   EXPECT_EQ(ExtCreatePen(PS_COSMETIC | PS_SOLID, 2, &solid, 0, nullptr), nullptr);  // cosmetic is 1 wide
   EXPECT_EQ(ExtCreatePen(PS_GEOMETRIC | PS_DOT, 3, &solid, 0, nullptr), nullptr);
   EXPECT_EQ(ExtCreatePen(PS_GEOMETRIC | 0x1000, 3, &solid, 0, nullptr), nullptr);  // bevel joins
-  EXPECT_EQ(ExtCreatePen(PS_GEOMETRIC | 7, 3, &solid, 2, dashes), nullptr);         // user styles
+  EXPECT_EQ(ExtCreatePen(PS_GEOMETRIC | 7, 3, &solid, 2, dashes), nullptr);        // user styles
   EXPECT_EQ(ExtCreatePen(PS_GEOMETRIC, 3, &hatched, 0, nullptr), nullptr);
   EXPECT_EQ(ExtCreatePen(PS_GEOMETRIC, 3, nullptr, 0, nullptr), nullptr);
   EXPECT_EQ(CreatePen(PS_DASH, 1, kRed), nullptr);
