@@ -117,8 +117,9 @@ bool DeviceBox(const Canvas& canvas, int left, int top, int right, int bottom, P
   return true;
 }
 
-// The outline runs along the box's last column and row: counter-clockwise from the
-// top-right pixel.
+// A box with exclusive right and bottom edges: the pen traces its outermost pixels
+// counter-clockwise from the top-right one; the brush fills the box less its last column
+// and row and less what the pen covers.
 void DrawBox(const Canvas& canvas, Point64 topLeft, Point64 bottomRight) {
   const std::int64_t l = topLeft.x, t = topLeft.y, r = bottomRight.x - 1, b = bottomRight.y - 1;
   raster::Coverage inside = canvas.NewCoverage();
