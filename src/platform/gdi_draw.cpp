@@ -58,14 +58,17 @@ class ThinStroke {
 
   void Line(Point64 from, Point64 to) {
     const auto visit = [this](int x, int y, std::int64_t step) { Visit(x, y, done_ + step); };
-    const std::int64_t length = raster::TraceLine(from, to, canvas_.surface.clip, visit);
-    if (canvas_.draw().penEndsSlantedLines && from.x != to.x && from.y != to.y) {
-      const RECT& clip = canvas_.surface.clip;
-      if (to.x >= clip.left && to.x < clip.right && to.y >= clip.top && to.y < clip.bottom) {
-        Visit(static_cast<int>(to.x), static_cast<int>(to.y), done_ + length);
-      }
+    done_ += raster::TraceLine(from, to, canvas_.surface.clip, visit);
+  }
+
+  // A thin geometric pen also draws the last point of an open path whose last line
+  // (from `from` to `to`) is slanted.
+  void EndOpenPath(Point64 from, Point64 to) {
+    const RECT& clip = canvas_.surface.clip;
+    if (canvas_.draw().penEndsSlantedLines && from.x != to.x && from.y != to.y && to.x >= clip.left &&
+        to.x < clip.right && to.y >= clip.top && to.y < clip.bottom) {
+      Visit(static_cast<int>(to.x), static_cast<int>(to.y), done_);
     }
-    done_ += length;
   }
 
  private:
@@ -91,6 +94,7 @@ raster::Coverage Stroke(const Canvas& canvas, const std::vector<Point64>& path, 
     ThinStroke stroke(canvas, covered);
     for (std::size_t i = 0; i + 1 < path.size(); ++i) stroke.Line(path[i], path[i + 1]);
     if (closed && path.size() > 1) stroke.Line(path.back(), path.front());
+    if (!closed && path.size() > 1) stroke.EndOpenPath(path[path.size() - 2], path.back());
   } else if (draw.pen == PenKind::Wide) {
     raster::AddWidePolyline(covered, path, static_cast<int>(draw.penWidth), draw.penCap, closed);
     canvas.Paint(covered, draw.penPixel);

@@ -228,8 +228,8 @@ void RefreshDrawState(DcObject& dc) {
   DrawState& draw = dc.draw;
   if (const auto* pen = Lookup<PenObject>(dc.pen)) {
     const bool geometric = (pen->style & PS_TYPE_MASK) == PS_GEOMETRIC;
-    // A geometric pen one pixel wide or less draws one-pixel lines too; only a slanted
-    // line's last pixel tells it from a cosmetic pen.
+    // A geometric pen one pixel wide or less draws one-pixel lines too; only the last
+    // pixel of an open path ending in a slanted line tells it from a cosmetic pen.
     draw.pen = (pen->style & PS_STYLE_MASK) == PS_NULL ? PenKind::Null
                : geometric && pen->width > 1           ? PenKind::Wide
                                                        : PenKind::Thin;

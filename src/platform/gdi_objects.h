@@ -45,7 +45,7 @@ enum class PenKind { Null, Thin, Wide };
 struct DrawState {
   PenKind pen = PenKind::Thin;
   bool penDotted = false;
-  bool penEndsSlantedLines = false;  // a thin geometric pen also draws a slanted line's last pixel
+  bool penEndsSlantedLines = false;  // a thin geometric pen: an open path's slanted end is drawn
   std::int64_t penWidth = 1;
   raster::LineCap penCap = raster::LineCap::Round;
   std::uint32_t penPixel = raster::kBlack;
