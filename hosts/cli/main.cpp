@@ -5,12 +5,14 @@
 #include <string>
 #include <string_view>
 
+#include "cursor_sheet.h"
 #include "script_runner.h"
 
 namespace {
 
 constexpr const char* kUsage =
     "usage: imageedit [--trace] run FILE|-\n"
+    "       imageedit cursors FILE\n"
     "       imageedit --help\n";
 
 constexpr const char* kHelp =
@@ -33,6 +35,8 @@ constexpr const char* kHelp =
     "  state                      the editor's state as one line of JSON\n"
     "\n"
     "Options: --trace prints `cursor N` whenever the cursor changes.\n"
+    "`imageedit cursors FILE` draws every cursor into one picture (PNG for .png, else\n"
+    "BMP): ids, 100 % and 200 % on light and dark, magenta ticks at the hot spot.\n"
     "Exit status: 0 the script ran to its end; 1 it could not finish (unreadable\n"
     "script, unwritable file, missing surface); 2 a statement is malformed or names\n"
     "nothing, or the command line is wrong.\n";
@@ -40,6 +44,14 @@ constexpr const char* kHelp =
 int Usage() {
   std::cerr << kUsage;
   return script::kExitScriptError;
+}
+
+int WriteCursorSheet(const std::string& path) {
+  if (script::WriteCursorSheet(path) != script::PictureResult::Written) {
+    std::cerr << "imageedit: cannot write '" << path << "'\n";
+    return script::kExitFailure;
+  }
+  return script::kExitOk;
 }
 
 }  // namespace
@@ -54,6 +66,7 @@ int main(int argc, char** argv) {
       std::cout << kUsage << '\n' << kHelp;
       return script::kExitOk;
     }
+    if (arg == "cursors" && argc == 3 && i == 1) return WriteCursorSheet(argv[2]);
     if (arg == "--trace") {
       options.trace = true;
     } else if (arg == "run" && !run && i + 1 < argc) {

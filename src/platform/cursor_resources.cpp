@@ -1,13 +1,14 @@
-// The module's cursor resources: the ids the program ships and their hot spots.
+// The module's cursor resources: the ids the program ships, their pictures and hot spots.
 #include <map>
+#include <utility>
 
 #include "platform/user.h"
 #include "platform/user_internal.h"
 
 namespace {
 
-std::map<int, POINT>& Resources() {
-  static std::map<int, POINT> resources;
+std::map<int, platform::CursorArtwork>& Resources() {
+  static std::map<int, platform::CursorArtwork> resources;
   return resources;
 }
 
@@ -15,18 +16,21 @@ std::map<int, POINT>& Resources() {
 
 namespace platform {
 
-void RegisterCursorResource(int id, int hotX, int hotY) { Resources()[id] = POINT{hotX, hotY}; }
+void RegisterCursorResource(int id, CursorArtwork artwork) { Resources()[id] = std::move(artwork); }
 
-// The cursors' pictures are not drawn yet: every id has none, and hosts fall back to
-// their own arrow.
-bool GetCursorArtwork(int /*resourceId*/, CursorArtwork* /*artwork*/) { return false; }
+bool GetCursorArtwork(int resourceId, CursorArtwork* artwork) {
+  auto it = Resources().find(resourceId);
+  if (it == Resources().end() || it->second.pixels.empty()) return false;
+  if (artwork) *artwork = it->second;
+  return true;
+}
 
 namespace user {
 
 bool FindCursorResource(int id, POINT* hotSpot) {
   auto it = Resources().find(id);
   if (it == Resources().end()) return false;
-  *hotSpot = it->second;
+  *hotSpot = it->second.hotSpot;
   return true;
 }
 

@@ -46,12 +46,23 @@ inline constexpr int MM_TEXT = 1;
 inline constexpr int TRANSPARENT = 1;
 inline constexpr int OPAQUE = 2;
 
-inline constexpr int R2_BLACK = 1;
-inline constexpr int R2_NOT = 6;
-inline constexpr int R2_XORPEN = 7;
-inline constexpr int R2_NOTXORPEN = 10;
-inline constexpr int R2_COPYPEN = 13;
-inline constexpr int R2_WHITE = 16;
+// Binary raster operations of SetROP2: how a pen or brush pixel P meets the pixel D.
+inline constexpr int R2_BLACK = 1;         // 0
+inline constexpr int R2_NOTMERGEPEN = 2;   // ~(P | D)
+inline constexpr int R2_MASKNOTPEN = 3;    // ~P & D
+inline constexpr int R2_NOTCOPYPEN = 4;    // ~P
+inline constexpr int R2_MASKPENNOT = 5;    // P & ~D
+inline constexpr int R2_NOT = 6;           // ~D
+inline constexpr int R2_XORPEN = 7;        // P ^ D
+inline constexpr int R2_NOTMASKPEN = 8;    // ~(P & D)
+inline constexpr int R2_MASKPEN = 9;       // P & D
+inline constexpr int R2_NOTXORPEN = 10;    // ~(P ^ D)
+inline constexpr int R2_NOP = 11;          // D
+inline constexpr int R2_MERGENOTPEN = 12;  // ~P | D
+inline constexpr int R2_COPYPEN = 13;      // P
+inline constexpr int R2_MERGEPENNOT = 14;  // P | ~D
+inline constexpr int R2_MERGEPEN = 15;     // P | D
+inline constexpr int R2_WHITE = 16;        // 1
 
 inline constexpr int LOGPIXELSX = 88;
 inline constexpr int LOGPIXELSY = 90;
@@ -132,13 +143,14 @@ int GetBkMode(HDC hdc);
 int SetROP2(HDC hdc, int mode);
 int GetROP2(HDC hdc);
 COLORREF GetPixel(HDC hdc, int x, int y);
+// Combines the colour with the pixel by the DC's ROP2, as a one-pixel pen would; answers
+// the colour as the raster holds it (the nearest of black and white on a monochrome one).
 COLORREF SetPixel(HDC hdc, int x, int y, COLORREF color);
 int GetMapMode(HDC hdc);
 int SetMapMode(HDC hdc, int mode);
 int GetDeviceCaps(HDC hdc, int index);
 
-// Drawing primitives (pens, lines, shapes, flood fill, text) are declared in
-// platform/gdi_draw.h when they arrive.
+// Drawing primitives (pens, lines, shapes, flood fill) are declared in platform/gdi_draw.h.
 
 namespace platform {
 

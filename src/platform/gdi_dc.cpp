@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "platform/gdi_objects.h"
+#include "platform/raster_spans.h"
 
 using namespace platform::gdi;
 namespace raster = platform::raster;
@@ -145,6 +146,6 @@ COLORREF SetPixel(HDC hdc, int x, int y, COLORREF color) {
   int dx, dy;
   if (!surface || !DevicePoint(*surface, x, y, &dx, &dy)) return CLR_INVALID;
   const std::uint32_t pixel = raster::PixelFor(color & raster::kColorMask, surface->mono());
-  surface->raster->Row(dy)[dx] = pixel;
+  raster::PaintPixel(*surface->raster, dx, dy, pixel, dc->draw.rop);
   return raster::ColorOf(pixel);
 }

@@ -88,9 +88,9 @@ class HandleTable {
     AddStockBrush(DKGRAY_BRUSH, BS_SOLID, RGB(64, 64, 64));
     AddStockBrush(BLACK_BRUSH, BS_SOLID, RGB(0, 0, 0));
     AddStockBrush(NULL_BRUSH, BS_NULL, 0);
-    stock_[WHITE_PEN] = Add(PenObject{0, 1, RGB(255, 255, 255), true}, true);
-    stock_[BLACK_PEN] = Add(PenObject{0, 1, RGB(0, 0, 0), true}, true);
-    stock_[NULL_PEN] = Add(PenObject{0, 1, 0, false}, true);
+    stock_[WHITE_PEN] = Add(PenObject{PS_SOLID, 1, RGB(255, 255, 255)}, true);
+    stock_[BLACK_PEN] = Add(PenObject{PS_SOLID, 1, RGB(0, 0, 0)}, true);
+    stock_[NULL_PEN] = Add(PenObject{PS_NULL, 1, 0}, true);
     stock_[SYSTEM_FONT] = Add(StockFont("System", 16, 700), true);
     stock_[DEFAULT_GUI_FONT] = Add(StockFont("MS Shell Dlg", -11, 400), true);
     BitmapObject bitmap;
@@ -221,16 +221,26 @@ void RefreshDrawState(DcObject& dc) {
   const bool mono = HoldsMonoBitmap(dc);
   DrawState& draw = dc.draw;
   if (const auto* pen = Lookup<PenObject>(dc.pen)) {
-    draw.penVisible = pen->visible;
-    draw.penStyle = pen->style;
-    draw.penWidth = pen->width;
+    const bool geometric = (pen->style & PS_TYPE_MASK) == PS_GEOMETRIC;
+    // A geometric pen one pixel wide or less draws one-pixel lines too; only the last
+    // pixel of an open path ending in a slanted line tells it from a cosmetic pen.
+    draw.pen = (pen->style & PS_STYLE_MASK) == PS_NULL ? PenKind::Null
+               : geometric && pen->width > 1           ? PenKind::Wide
+                                                       : PenKind::Thin;
+    draw.penDotted = (pen->style & PS_STYLE_MASK) == PS_DOT;
+    draw.penEndsSlantedLines = geometric && draw.pen == PenKind::Thin;
+    draw.penWidth = draw.pen == PenKind::Wide ? pen->width : 1;
+    const DWORD cap = pen->style & PS_ENDCAP_MASK;
+    draw.penCap = cap == PS_ENDCAP_SQUARE ? raster::LineCap::Square
+                  : cap == PS_ENDCAP_FLAT ? raster::LineCap::Flat
+                                          : raster::LineCap::Round;
     draw.penPixel = raster::PixelFor(pen->color, mono);
   }
   if (const auto* brush = Lookup<BrushObject>(dc.brush)) {
     draw.brushVisible = brush->style != BS_NULL;
     draw.brushPixel = raster::PixelFor(brush->color, mono);
   }
-  draw.rop2 = dc.rop2;
+  draw.rop = raster::Rop2Index(dc.rop2);
 }
 
 }  // namespace platform::gdi

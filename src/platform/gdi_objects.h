@@ -8,15 +8,17 @@
 #include <variant>
 
 #include "platform/gdi.h"
+#include "platform/gdi_draw.h"
 #include "platform/raster.h"
+#include "platform/raster_geometry.h"
 
 namespace platform::gdi {
 
+// As ExtCreatePen accepted it: the PS_* style bits, the width made absolute.
 struct PenObject {
-  int style = 0;
-  int width = 1;
+  DWORD style = 0;
+  std::int64_t width = 1;
   COLORREF color = 0;
-  bool visible = true;
 };
 
 struct BrushObject {
@@ -35,16 +37,21 @@ struct BitmapObject {
   int windowDcs = 0;   // window DCs drawing into it; it cannot be deleted meanwhile
 };
 
-// The selected pen, brush and line mode resolved for the DC's current raster, so that
+// How the selected pen draws: not at all, one-pixel lines, or filled wide outlines.
+enum class PenKind { Null, Thin, Wide };
+
+// The selected pen, brush and ROP2 resolved for the DC's current raster, so that
 // drawing kernels read ready pixel values instead of re-interpreting objects.
 struct DrawState {
-  bool penVisible = true;
-  int penStyle = 0;
-  int penWidth = 1;
+  PenKind pen = PenKind::Thin;
+  bool penDotted = false;
+  bool penEndsSlantedLines = false;  // a thin geometric pen: an open path's slanted end is drawn
+  std::int64_t penWidth = 1;
+  raster::LineCap penCap = raster::LineCap::Round;
   std::uint32_t penPixel = raster::kBlack;
   bool brushVisible = true;
   std::uint32_t brushPixel = raster::kWhite;
-  int rop2 = R2_COPYPEN;
+  std::uint8_t rop = raster::Rop2Index(R2_COPYPEN);  // the ROP2 as a ternary index
 };
 
 enum class DcType { Memory, Window, Screen };
@@ -61,8 +68,9 @@ struct DcObject {
   int rop2 = R2_COPYPEN;
   int stretchMode = BLACKONWHITE;
   int mapMode = MM_TEXT;
-  POINT origin{0, 0};  // window DCs: where logical (0, 0) lies in the frame
-  RECT clip{};         // window DCs: the part of the frame it may touch
+  POINT position{0, 0};  // the current position of MoveToEx and LineTo (logical)
+  POINT origin{0, 0};    // window DCs: where logical (0, 0) lies in the frame
+  RECT clip{};           // window DCs: the part of the frame it may touch
   DrawState draw;
 };
 

@@ -83,6 +83,9 @@ void ApplyRop(std::uint8_t index, const std::uint32_t* src, std::uint32_t patter
     case 0x5A:
       ForEach(dst, count, [&](int i) { return pattern ^ dst[i]; });
       break;
+    case 0xA5:
+      ForEach(dst, count, [&](int i) { return ~(pattern ^ dst[i]); });
+      break;
     case 0xAA:
       break;
     default:

@@ -68,6 +68,21 @@ constexpr std::uint8_t RopIndex(DWORD rop) { return static_cast<std::uint8_t>((r
 constexpr bool RopUsesSource(std::uint8_t index) { return ((index >> 2) ^ index) & 0x33; }
 constexpr bool RopUsesPattern(std::uint8_t index) { return ((index >> 4) ^ index) & 0x0F; }
 
+// The ternary index of a binary raster operation (SetROP2's R2_BLACK 1 .. R2_WHITE 16)
+// with the pen as the pattern: bit (P*2 + D) of mode - 1 is the result for pen bit P and
+// destination bit D, whatever the source bit.
+constexpr std::uint8_t Rop2Index(int mode) {
+  std::uint8_t index = 0;
+  for (int term = 0; term < 8; ++term) {
+    const int pen = term >> 2;
+    const int dest = term & 1;
+    if (((mode - 1) >> (pen * 2 + dest)) & 1) index = static_cast<std::uint8_t>(index | (1 << term));
+  }
+  return index;
+}
+static_assert(Rop2Index(13) == 0xF0 && Rop2Index(10) == 0xA5 && Rop2Index(6) == 0x55 &&
+              Rop2Index(11) == 0xAA);
+
 // dst[i] = rop(pattern, src[i], dst[i]) for `count` pixels; `src` may be null when the
 // operation does not read it. Results are masked to 24 bits.
 void ApplyRop(std::uint8_t index, const std::uint32_t* src, std::uint32_t pattern, std::uint32_t* dst,

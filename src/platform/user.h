@@ -5,6 +5,7 @@
 // through the host interface (platform/host.h).
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -328,14 +329,6 @@ unsigned long long ClockNow();
 // The host window's composed frame.
 HBITMAP HostFrame(HWND host);
 
-// The module's cursor resources: LoadCursorA(instance, MAKEINTRESOURCEA(id)) finds
-// only registered ids (the resources register theirs at start-up).
-void RegisterCursorResource(int id, int hotX, int hotY);
-// What a cursor shows: its resource id, 0 for the arrow, 32514 for the wait cursor,
-// -1 for no cursor or an unknown handle; and its hot spot.
-int CursorResourceId(HCURSOR cursor);
-POINT CursorHotSpot(HCURSOR cursor);
-
 // A cursor resource's picture: top-down rows of 0xAARRGGBB (alpha 0 = transparent).
 struct CursorArtwork {
   int width = 0;
@@ -345,6 +338,15 @@ struct CursorArtwork {
 };
 // False when the resource id has no picture.
 bool GetCursorArtwork(int resourceId, CursorArtwork* artwork);
+
+// The module's cursor resources: LoadCursorA(instance, MAKEINTRESOURCEA(id)) finds
+// only registered ids (the resources register theirs at start-up), with the picture's
+// hot spot.
+void RegisterCursorResource(int id, CursorArtwork artwork);
+// What a cursor shows: its resource id, 0 for the arrow, 32514 for the wait cursor,
+// -1 for no cursor or an unknown handle; and its hot spot.
+int CursorResourceId(HCURSOR cursor);
+POINT CursorHotSpot(HCURSOR cursor);
 
 // One item of a menu as a host shows it.
 struct MenuItem {

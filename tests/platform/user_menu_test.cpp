@@ -92,7 +92,7 @@ TEST_F(Menus, TrackPopupMenuAsksTheHostAndSendsOrReturnsTheCommand) {
 }
 
 TEST_F(Menus, CursorsLoadFromRegisteredResourcesAndTheWaitCursorNests) {
-  platform::RegisterCursorResource(215, 15, 8);
+  platform::RegisterCursorResource(215, platform::CursorArtwork{1, 1, POINT{15, 8}, {0xFF000000u}});
   int before = platform::LiveWindowObjects().cursors;
   HCURSOR pan = LoadCursorA(AfxGetInstanceHandle(), MAKEINTRESOURCEA(215));
   ASSERT_NE(pan, nullptr);
