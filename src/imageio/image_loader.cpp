@@ -1,19 +1,21 @@
 #include "imageio/image_loader.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <memory>
 #include <new>
 #include <string>
 #include <vector>
 
 #include "imageio/bitmap_file_reader.h"
+#include "imageio/file_descriptor.h"
 #include "imageio/image_source.h"
 #include "imageio/jpeg_repair.h"
 #include "imageio/messages.h"
 #include "imageio/picture_decoder.h"
+#include "imageio/pixel_limits.h"
 #include "imageio/url_download.h"
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
@@ -43,53 +45,75 @@ DWORD LastErrorFromErrno(int error) {
   }
 }
 
-// The file's data with two spare bytes; `count` is what was read.
+// The picture's bytes, with room after them for an appended JPEG end marker;
+// `count` is how many of them are the picture's.
 struct FileBlock {
-  std::unique_ptr<std::uint8_t[]> data;
+  std::vector<std::uint8_t> data;
   std::size_t count = 0;
 };
 
-using FileHandle = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
+// Makes room for `count` bytes and the spare ones; false (last error set) when the
+// memory cannot be had.
+bool MakeRoom(FileBlock* block, std::size_t count) {
+  try {
+    block->data.resize(count + kSpareBytes);
+  } catch (const std::bad_alloc&) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return false;
+  }
+  return true;
+}
 
 // Opens and reads the whole file; false (with the last error set) when it cannot be
-// opened or its contents do not read.
+// opened or its contents do not read. Only a regular file of at most the largest
+// picture file's size is read: the open does not wait (a named pipe without a
+// writer would block it for ever) and cannot make a terminal ours, and anything
+// else (a pipe, a device, a directory) is refused before a byte is read.
 bool ReadWholeFile(const std::string& name, FileBlock* block) {
-  FileHandle file(std::fopen(name.c_str(), "rb"), std::fclose);
-  if (!file) {
+  const FileDescriptor file(::open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  if (!file.valid()) {
     SetLastError(LastErrorFromErrno(errno));
     return false;
   }
   struct stat status {};
-  if (::fstat(::fileno(file.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
+  if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     SetLastError(S_ISDIR(status.st_mode) ? ERROR_ACCESS_DENIED : ERROR_READ_FAULT);
     return false;
   }
+  if (status.st_size > kMaxPictureFileBytes) {
+    SetLastError(ERROR_FILE_TOO_LARGE);
+    return false;
+  }
   const auto size = static_cast<std::size_t>(status.st_size);
-  block->data.reset(new (std::nothrow) std::uint8_t[size + kSpareBytes]);
-  if (!block->data) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return false;
+  if (!MakeRoom(block, size)) return false;
+  // A file that shrinks while it is read gives what it still holds.
+  block->count = 0;
+  while (block->count < size) {
+    const ssize_t got = ::read(file.get(), block->data.data() + block->count, size - block->count);
+    if (got == 0) break;
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) {
+      SetLastError(ERROR_READ_FAULT);
+      return false;
+    }
+    block->count += static_cast<std::size_t>(got);
   }
-  block->count = std::fread(block->data.get(), 1, size, file.get());
-  if (std::ferror(file.get())) {
-    SetLastError(ERROR_READ_FAULT);
-    return false;
-  }
-  block->count = RepairJpegEndMarker(block->data.get(), block->count);
   return true;
 }
 
-// Where the bytes come from: the caller's string itself for a path or a file-scheme
-// URL, else a downloaded copy. An empty string is handed to the download, which
-// refuses it. False (last error set) when the download fails.
-bool ChooseLocalFile(const std::string& source, std::string* localName) {
+// Where the bytes come from: the caller's string names a local file for a path or a
+// file-scheme URL; anything else (an empty string too, which the download refuses)
+// is downloaded into memory. False (last error set) when they cannot be had.
+bool ReadSource(const std::string& source, FileBlock* block) {
   UrlService service{};
   const bool isUrl = ParseUrl(source, &service);
-  if (!isUrl || service == UrlService::File) {
-    *localName = source;
-    if (!localName->empty()) return true;
+  if ((!isUrl || service == UrlService::File) && !source.empty()) {
+    Sleep(1);
+    return ReadWholeFile(source, block);
   }
-  return DownloadToCacheFile(source, localName) >= 0;
+  if (DownloadToMemory(source, &block->data) < 0) return false;
+  block->count = block->data.size();
+  return MakeRoom(block, block->count);
 }
 
 void ReportReadFailure(const std::string& source, const LoadContext& context) {
@@ -132,18 +156,13 @@ HBITMAP DecodeImageData(const std::uint8_t* data, std::size_t count, HWND window
 
 HBITMAP LoadImage(LPCSTR source, const LoadContext& context) {
   const std::string text = source ? source : "";
-  std::string localName;
   FileBlock block;
-  if (!ChooseLocalFile(text, &localName)) {
+  if (!ReadSource(text, &block)) {
     ReportReadFailure(text, context);
     return nullptr;
   }
-  Sleep(1);
-  if (!ReadWholeFile(localName, &block)) {
-    ReportReadFailure(text, context);
-    return nullptr;
-  }
-  return DecodeImageData(block.data.get(), block.count, context.window);
+  block.count = RepairJpegEndMarker(block.data.data(), block.count);
+  return DecodeImageData(block.data.data(), block.count, context.window);
 }
 
 }  // namespace imageio
