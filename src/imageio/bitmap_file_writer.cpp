@@ -1,11 +1,12 @@
 #include "imageio/bitmap_file_writer.h"
 
-#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
+#include <span>
 
+#include "imageio/atomic_file.h"
 #include "imageio/messages.h"
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
@@ -50,19 +51,6 @@ BITMAPFILEHEADER FileHeader(const BitmapFileLayout& layout) {
   header.bfSize = static_cast<DWORD>(layout.fileSize);
   header.bfOffBits = layout.pixelOffset;
   return header;
-}
-
-// Writes the three parts in order; false at the first part that does not write
-// completely or when the file does not close.
-bool WriteParts(const std::string& path, const BITMAPFILEHEADER& fileHeader, const void* info,
-                std::size_t infoSize, const void* rows, std::size_t rowsSize) {
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (!file) return false;
-  const bool written = std::fwrite(&fileHeader, 1, sizeof fileHeader, file) == sizeof fileHeader &&
-                       std::fwrite(info, 1, infoSize, file) == infoSize &&
-                       std::fwrite(rows, 1, rowsSize, file) == rowsSize;
-  const bool closed = std::fclose(file) == 0;
-  return written && closed;
 }
 
 }  // namespace
@@ -123,7 +111,10 @@ void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
   ClearRowPadding(rows.get(), description.bmWidth, description.bmHeight, layout);
 
   const std::string target = ResolveSavePath(path);
-  if (!WriteParts(target, FileHeader(layout), info.get(), infoSize, rows.get(), layout.imageSize)) {
+  const BITMAPFILEHEADER fileHeader = FileHeader(layout);
+  if (!WriteFileAtomically(target, {std::as_bytes(std::span(&fileHeader, 1)),
+                                    std::as_bytes(std::span(info.get(), infoSize)),
+                                    std::as_bytes(std::span(rows.get(), layout.imageSize))})) {
     ShowSaveFailure(target, context);
   }
   ReleaseDC(context.window, dc);
