@@ -43,12 +43,16 @@ bool WriteAll(int fd, std::span<const std::byte> bytes) {
   return true;
 }
 
-// The new file takes the permissions of the regular file it replaces; a new name
-// keeps what the create gave it (0666 less the umask).
-bool TakePermissionsOf(const std::string& path, int fd) {
+// A regular file at `path` is replaced only when we may write it, as it would have
+// been overwritten: a file made read-only stays. Its permissions pass to the new
+// file where the file system keeps them; a new name keeps what the create gave it
+// (0666 less the umask).
+bool AdoptTarget(const std::string& path, int fd) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return true;
-  return ::fchmod(fd, status.st_mode & 0777) == 0;
+  if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return false;
+  ::fchmod(fd, status.st_mode & 0777);
+  return true;
 }
 
 // Makes the rename itself last: the folder's entry is flushed too. A failure here
@@ -65,7 +69,7 @@ bool WriteFileAtomically(const std::string& path, std::initializer_list<std::spa
   std::string partial;
   FileDescriptor file(CreateUniqueFile(folder, &partial));
   if (!file.valid()) return false;
-  bool written = TakePermissionsOf(path, file.get());
+  bool written = AdoptTarget(path, file.get());
   for (std::span<const std::byte> part : parts) written = written && WriteAll(file.get(), part);
   written = written && ::fsync(file.get()) == 0;
   written = file.Close() && written;

@@ -15,10 +15,11 @@ namespace imageio {
 // written and flushed to the disk. On any failure the new file is removed, `path`
 // is left as it was and the result is false.
 //
-// The new file gets the permissions of the regular file it replaces, else those of
-// a plainly created file (0666 less the umask). A link at `path` is replaced, not
-// written through, so that a link planted under a predictable name in a shared
-// folder cannot redirect the bytes into another file.
+// A regular file at `path` is replaced only when it could have been written (a
+// read-only file stays), and the new file gets its permissions; a new name gets
+// those of a plainly created file (0666 less the umask). A link at `path` is
+// replaced, not written through, so that a link planted under a predictable name
+// in a shared folder cannot redirect the bytes into another file.
 bool WriteFileAtomically(const std::string& path, std::initializer_list<std::span<const std::byte>> parts);
 
 }  // namespace imageio

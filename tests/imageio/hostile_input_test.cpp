@@ -204,11 +204,23 @@ TEST_F(HostileInputTest, ASaveReplacesTheFileNamedWithTheRightPermissions) {
     EXPECT_EQ(status.st_mode & 07777, c.mode) << c.name;
     EXPECT_EQ(status.st_size, 54 + 12 * 2) << c.name;
   }
-  DeleteObject(bitmap);
   ::umask(previousMask);
   EXPECT_EQ(ReadFileBytes(victim), (std::vector<std::uint8_t>{'m', 'i', 'n', 'e'}));
   EXPECT_EQ(FolderContents(folder_), (std::set<std::string>{"victim.txt", "new.bmp", "existing.bmp", "link.bmp"}));
   EXPECT_TRUE(host_.messages.empty());
+
+  // A file made read-only is not replaced, as it would not have been overwritten
+  // (root may write any file, so only an unprivileged run sees the refusal).
+  if (::geteuid() != 0) {
+    const std::string locked = folder_ + "locked.bmp";
+    WriteFile(locked, SmallBitmapFile(1, 1));
+    ::chmod(locked.c_str(), 0444);
+    imageio::WriteBitmapFile(locked.c_str(), bitmap, kVerboseSave);
+    EXPECT_EQ(ReadFileBytes(locked), SmallBitmapFile(1, 1));
+    ASSERT_EQ(host_.messages.size(), 1u);
+    EXPECT_EQ(host_.messages[0].text, "I failed to save " + locked + ".");
+  }
+  DeleteObject(bitmap);
 }
 
 // A path too long for the 1024-byte message buffer is cut at a character boundary
