@@ -112,9 +112,9 @@ void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
 
   const std::string target = ResolveSavePath(path);
   const BITMAPFILEHEADER fileHeader = FileHeader(layout);
-  if (!WriteFileAtomically(target, {std::as_bytes(std::span(&fileHeader, 1)),
-                                    std::as_bytes(std::span(info.get(), infoSize)),
-                                    std::as_bytes(std::span(rows.get(), layout.imageSize))})) {
+  if (!WriteFileAtomically(
+          target, {std::as_bytes(std::span(&fileHeader, 1)), std::as_bytes(std::span(info.get(), infoSize)),
+                   std::as_bytes(std::span(rows.get(), layout.imageSize))})) {
     ShowSaveFailure(target, context);
   }
   ReleaseDC(context.window, dc);

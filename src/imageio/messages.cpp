@@ -20,7 +20,10 @@ constexpr LocalizedText kSaveOutOfMemory{"메모리가 부족합니다.", "内�
 // fewer than the lead byte announces.
 std::size_t CompleteUtf8Length(std::string_view text) {
   std::size_t lead = text.size();
-  while (lead > 0 && text.size() - lead < 4 && (static_cast<unsigned char>(text[lead - 1]) & 0xC0) == 0x80) --lead;
+  const auto continuation = [&text](std::size_t at) {
+    return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
+  };
+  while (lead > 0 && text.size() - lead < 4 && continuation(lead - 1)) --lead;
   if (lead == 0) return text.size();
   const auto byte = static_cast<unsigned char>(text[--lead]);
   const std::size_t announced = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;

@@ -2,13 +2,12 @@
 // not picture files, names that another local user could have prepared, a disk that
 // fills during a save, texts longer than the message buffer. Each test runs in a
 // private temp folder, so that it can tell exactly what reached the disk.
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -161,7 +160,8 @@ TEST_F(HostileInputTest, ASaveThatFailsPartWayLeavesThePreviousFileUntouched) {
     ::setrlimit(RLIMIT_FSIZE, &limit);
     ::signal(SIGXFSZ, SIG_IGN);
     imageio::WriteBitmapFile(path.c_str(), bitmap, kVerboseSave);
-    const bool reported = host_.messages.size() == 1 && host_.messages[0].text == "I failed to save " + path + ".";
+    const bool reported =
+        host_.messages.size() == 1 && host_.messages[0].text == "I failed to save " + path + ".";
     ::_exit(reported ? 0 : 1);
   }
   int status = 0;
@@ -190,7 +190,8 @@ TEST_F(HostileInputTest, ASaveReplacesTheFileNamedWithTheRightPermissions) {
        },
        0604},
       // A link under the name is replaced, never written through.
-      {"link.bmp", [](const std::string& path, const std::string& target) { ::symlink(target.c_str(), path.c_str()); },
+      {"link.bmp",
+       [](const std::string& path, const std::string& target) { ::symlink(target.c_str(), path.c_str()); },
        0640},
   };
   HBITMAP bitmap = MakeBitmap(3, 2);
@@ -206,7 +207,8 @@ TEST_F(HostileInputTest, ASaveReplacesTheFileNamedWithTheRightPermissions) {
   }
   ::umask(previousMask);
   EXPECT_EQ(ReadFileBytes(victim), (std::vector<std::uint8_t>{'m', 'i', 'n', 'e'}));
-  EXPECT_EQ(FolderContents(folder_), (std::set<std::string>{"victim.txt", "new.bmp", "existing.bmp", "link.bmp"}));
+  EXPECT_EQ(FolderContents(folder_),
+            (std::set<std::string>{"victim.txt", "new.bmp", "existing.bmp", "link.bmp"}));
   EXPECT_TRUE(host_.messages.empty());
 
   // A file made read-only is not replaced, as it would not have been overwritten
