@@ -57,6 +57,11 @@ std::string ReadString(std::string_view line, std::size_t& pos) {
 }  // namespace
 
 std::vector<Token> TokenizeLine(std::string_view line) {
+  // Strings reach the control zero-terminated: a NUL byte would silently cut one (and
+  // any message quoting it), so a line holding one is refused, as \x00 is.
+  if (const std::size_t nul = line.find('\0'); nul != std::string_view::npos) {
+    throw ParseError("a NUL byte (\\x00) at column " + std::to_string(nul + 1) + "; scripts are text");
+  }
   std::vector<Token> tokens;
   std::size_t pos = 0;
   while (pos < line.size()) {

@@ -35,7 +35,7 @@ struct Token {
 // carriage return) separate tokens; '#' outside a string ends the line. Strings take
 // the escapes \\, \", \n and \xHH (two hex digits, not \x00, since the text is handed
 // on as a zero-terminated string). A quote must stand at the start of a token and the
-// closing quote at its end.
+// closing quote at its end. A raw NUL byte anywhere in the line is refused too.
 std::vector<Token> TokenizeLine(std::string_view line);
 
 // True when the word is meant as a number: it starts with a digit or with '-'.

@@ -1,11 +1,12 @@
 #include "imageio/bitmap_file_writer.h"
 
-#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
+#include <span>
 
+#include "imageio/atomic_file.h"
 #include "imageio/messages.h"
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
@@ -61,19 +62,6 @@ BITMAPFILEHEADER FileHeader(const BitmapFileLayout& layout) {
   return header;
 }
 
-// Writes the three parts in order; false at the first part that does not write
-// completely or when the file does not close.
-bool WriteParts(const std::string& path, const BITMAPFILEHEADER& fileHeader, const void* info,
-                std::size_t infoSize, const void* rows, std::size_t rowsSize) {
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (!file) return false;
-  const bool written = std::fwrite(&fileHeader, 1, sizeof fileHeader, file) == sizeof fileHeader &&
-                       std::fwrite(info, 1, infoSize, file) == infoSize &&
-                       std::fwrite(rows, 1, rowsSize, file) == rowsSize;
-  const bool closed = std::fclose(file) == 0;
-  return written && closed;
-}
-
 }  // namespace
 
 BitmapFileLayout ComputeBitmapFileLayout(int width, int height, int planes, int bitsPerPixel) {
@@ -96,7 +84,9 @@ std::string ResolveSavePath(const std::string& path) {
 bool WriteDib24File(const std::string& path, int width, int height, const std::uint8_t* rows) {
   const BitmapFileLayout layout = ComputeBitmapFileLayout(width, height, 1, 24);
   const BITMAPINFOHEADER header = InfoHeader(width, height, layout);
-  return WriteParts(path, FileHeader(layout), &header, sizeof header, rows, layout.imageSize);
+  const BITMAPFILEHEADER fileHeader = FileHeader(layout);
+  return WriteFileAtomically(path, {std::as_bytes(std::span(&fileHeader, 1)), std::as_bytes(std::span(&header, 1)),
+                                    std::as_bytes(std::span(rows, layout.imageSize))});
 }
 
 void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
@@ -131,7 +121,10 @@ void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
   ClearRowPadding(rows.get(), description.bmWidth, description.bmHeight, layout);
 
   const std::string target = ResolveSavePath(path);
-  if (!WriteParts(target, FileHeader(layout), info.get(), infoSize, rows.get(), layout.imageSize)) {
+  const BITMAPFILEHEADER fileHeader = FileHeader(layout);
+  if (!WriteFileAtomically(
+          target, {std::as_bytes(std::span(&fileHeader, 1)), std::as_bytes(std::span(info.get(), infoSize)),
+                   std::as_bytes(std::span(rows.get(), layout.imageSize))})) {
     ShowSaveFailure(target, context);
   }
   ReleaseDC(context.window, dc);

@@ -40,8 +40,10 @@ struct WriteContext {
 bool WriteDib24File(const std::string& path, int width, int height, const std::uint8_t* rows);
 
 // Writes the bitmap (which stays the caller's) to the path. Nothing is written for
-// an empty path, a null or unreadable bitmap or a missing DC; a file that fails part
-// way stays as far as it was written.
+// an empty path, a null or unreadable bitmap or a missing DC. The file is replaced
+// all at once: a write that fails part way (a full disk, say) leaves the file that
+// was there untouched and no partial file behind, so a user never loses the
+// picture they had; the failure is reported as the save message.
 void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context);
 
 }  // namespace imageio

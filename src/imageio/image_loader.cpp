@@ -15,17 +15,18 @@
 namespace imageio {
 namespace {
 
-// Where the bytes come from: the caller's string itself for a path or a file-scheme
-// URL, else a fetched copy. An empty string is handed to the fetch, which refuses it.
-// False (last error set) when the fetch fails.
-bool ChooseLocalFile(const std::string& source, std::string* localName) {
+// Where the bytes come from: the file the caller's string names, for a path or a
+// file-scheme URL (used unchanged, so the latter fails to open); a download into
+// memory for anything else, the empty string too, which the download refuses. False
+// (last error set) when they cannot be had.
+bool ReadSource(const std::string& source, PictureBytes* bytes) {
   UrlService service{};
   const bool isUrl = ParseUrl(source, &service);
-  if (!isUrl || service == UrlService::File) {
-    *localName = source;
-    if (!localName->empty()) return true;
+  if ((!isUrl || service == UrlService::File) && !source.empty()) {
+    Sleep(1);
+    return ReadPictureFile(source, bytes);
   }
-  return FetchUrl(source, localName);
+  return FetchUrl(source, bytes);
 }
 
 void ReportReadFailure(const std::string& source, const LoadContext& context) {
@@ -57,22 +58,16 @@ HBITMAP DecodeBitmapFile(const std::uint8_t* data, std::size_t count, HWND windo
 
 HBITMAP LoadImage(LPCSTR source, const LoadContext& context) {
   const std::string text = source ? source : "";
-  std::string localName;
   PictureBytes bytes;
-  if (!ChooseLocalFile(text, &localName)) {
+  if (!ReadSource(text, &bytes)) {
     ReportReadFailure(text, context);
     return nullptr;
   }
-  Sleep(1);
-  if (!ReadPictureFile(localName, &bytes)) {
-    ReportReadFailure(text, context);
-    return nullptr;
+  bytes.count = RepairJpegEndMarker(bytes.data.data(), bytes.count);
+  if (IsBitmapFile(bytes.data.data(), bytes.count)) {
+    return DecodeBitmapFile(bytes.data.data(), bytes.count, context.window);
   }
-  bytes.count = RepairJpegEndMarker(bytes.data.get(), bytes.count);
-  if (IsBitmapFile(bytes.data.get(), bytes.count)) {
-    return DecodeBitmapFile(bytes.data.get(), bytes.count, context.window);
-  }
-  return DecodePicture(localName, bytes.data.get(), bytes.count);
+  return DecodePicture(text, bytes.data.data(), bytes.count);
 }
 
 }  // namespace imageio

@@ -1,11 +1,14 @@
 #include "imageio/picture_source.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <new>
 
+#include "imageio/file_descriptor.h"
+#include "imageio/pixel_limits.h"
 #include "platform/gdi.h"
 #include "platform/kernel.h"
 
@@ -29,31 +32,47 @@ DWORD LastErrorFromErrno(int error) {
   }
 }
 
-using FileHandle = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
-
 }  // namespace
 
+bool PictureBytes::Allocate(std::size_t bytes) {
+  try {
+    data.resize(bytes + kSpareBytes);
+  } catch (const std::bad_alloc&) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return false;
+  }
+  return true;
+}
+
 bool ReadLocalFile(const std::string& name, PictureBytes* bytes) {
-  FileHandle file(std::fopen(name.c_str(), "rb"), std::fclose);
-  if (!file) {
+  // O_NOCTTY: opening a terminal must not make it the program's.
+  const FileDescriptor file(::open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  if (!file.valid()) {
     SetLastError(LastErrorFromErrno(errno));
     return false;
   }
   struct stat status {};
-  if (::fstat(::fileno(file.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
+  if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     SetLastError(S_ISDIR(status.st_mode) ? ERROR_ACCESS_DENIED : ERROR_READ_FAULT);
     return false;
   }
-  const auto size = static_cast<std::size_t>(status.st_size);
-  bytes->data.reset(new (std::nothrow) std::uint8_t[size + kSpareBytes]);
-  if (!bytes->data) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  if (status.st_size > kMaxPictureFileBytes) {
+    SetLastError(ERROR_FILE_TOO_LARGE);
     return false;
   }
-  bytes->count = std::fread(bytes->data.get(), 1, size, file.get());
-  if (std::ferror(file.get())) {
-    SetLastError(ERROR_READ_FAULT);
-    return false;
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (!bytes->Allocate(size)) return false;
+  // A file that shrinks while it is read gives what it still holds.
+  bytes->count = 0;
+  while (bytes->count < size) {
+    const ssize_t got = ::read(file.get(), bytes->data.data() + bytes->count, size - bytes->count);
+    if (got == 0) break;
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) {
+      SetLastError(ERROR_READ_FAULT);
+      return false;
+    }
+    bytes->count += static_cast<std::size_t>(got);
   }
   return true;
 }

@@ -1,5 +1,5 @@
-// The loader's platform services on a desktop: files, downloads into the cache folder
-// through libcurl, and the codecs.
+// The loader's platform services on a desktop: files, downloads into memory through
+// libcurl, and the codecs.
 #include "imageio/picture_codecs.h"
 #include "imageio/picture_source.h"
 #include "imageio/url_download.h"
@@ -7,8 +7,10 @@
 
 namespace imageio {
 
-bool FetchUrl(const std::string& url, std::string* localName) {
-  return DownloadToCacheFile(url, localName) >= 0;
+bool FetchUrl(const std::string& url, PictureBytes* bytes) {
+  if (DownloadToMemory(url, &bytes->data) < 0) return false;
+  bytes->count = bytes->data.size();
+  return bytes->Allocate(bytes->count);
 }
 
 bool ReadPictureFile(const std::string& name, PictureBytes* bytes) { return ReadLocalFile(name, bytes); }

@@ -3,6 +3,7 @@
 // file system, where saved bitmaps go.
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <new>
 
 #include "imageio/jpeg_repair.h"
@@ -33,20 +34,34 @@ const PreparedPicture* Find(const std::string& source) {
   return it == Prepared().end() ? nullptr : &it->second;
 }
 
+// Both a URL and a path the page prepared come from the table; a path it did not
+// prepare is read from the in-memory file system. Only a string the page could not
+// even try to fetch (the empty one) is missing as a URL.
+bool CopyPrepared(const PreparedPicture& picture, PictureBytes* bytes) {
+  if (picture.error != 0) {
+    SetLastError(picture.error);
+    return false;
+  }
+  if (!bytes->Allocate(picture.bytes.count)) return false;
+  std::copy_n(picture.bytes.data.data(), picture.bytes.count, bytes->data.data());
+  bytes->count = picture.bytes.count;
+  return true;
+}
+
 }  // namespace
 
 // Pictures can be large: storage that cannot be had is refused (null), and the page
 // reports it, rather than ending the program.
 std::uint8_t* PreparePictureBytes(const std::string& source, std::size_t count) {
   PreparedPicture& picture = Prepared()[source] = PreparedPicture{};
-  picture.bytes.data.reset(new (std::nothrow) std::uint8_t[count + kSpareBytes]);
-  picture.bytes.count = picture.bytes.data ? count : 0;
-  return picture.bytes.data.get();
+  if (!picture.bytes.Allocate(count)) return nullptr;
+  picture.bytes.count = count;
+  return picture.bytes.data.data();
 }
 
 std::size_t RepairPreparedBytes(const std::string& source) {
   PictureBytes& bytes = Prepared()[source].bytes;
-  if (bytes.data) bytes.count = RepairJpegEndMarker(bytes.data.get(), bytes.count);
+  if (!bytes.data.empty()) bytes.count = RepairJpegEndMarker(bytes.data.data(), bytes.count);
   return bytes.count;
 }
 
@@ -68,33 +83,18 @@ void PreparePictureFailure(const std::string& source, DWORD error) {
 
 void ForgetPreparedPictures() { Prepared().clear(); }
 
-bool FetchUrl(const std::string& url, std::string* localName) {
+bool FetchUrl(const std::string& url, PictureBytes* bytes) {
   const PreparedPicture* picture = Find(url);
-  if (picture == nullptr || picture->error != 0) {
-    // Only a string the page could not even try to fetch (the empty one) is missing.
-    SetLastError(picture == nullptr ? ERROR_INTERNET_INVALID_URL : picture->error);
+  if (picture == nullptr) {
+    SetLastError(ERROR_INTERNET_INVALID_URL);
     return false;
   }
-  *localName = url;
-  return true;
+  return CopyPrepared(*picture, bytes);
 }
 
 bool ReadPictureFile(const std::string& name, PictureBytes* bytes) {
   const PreparedPicture* picture = Find(name);
-  if (picture == nullptr) return ReadLocalFile(name, bytes);
-  if (picture->error != 0) {
-    SetLastError(picture->error);
-    return false;
-  }
-  const std::size_t count = picture->bytes.count;
-  bytes->data.reset(new (std::nothrow) std::uint8_t[count + kSpareBytes]);
-  if (!bytes->data) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return false;
-  }
-  std::copy_n(picture->bytes.data.get(), count, bytes->data.get());
-  bytes->count = count;
-  return true;
+  return picture ? CopyPrepared(*picture, bytes) : ReadLocalFile(name, bytes);
 }
 
 HBITMAP DecodePicture(const std::string& name, const std::uint8_t* data, std::size_t count) {

@@ -1,10 +1,9 @@
 #include "imageio/url_download.h"
 
 #include <curl/curl.h>
-#include <sys/stat.h>
 
-#include <cstdio>
 #include <memory>
+#include <new>
 
 #include "platform/kernel.h"
 
@@ -23,27 +22,34 @@ void InitCurlOnce() {
   (void)initialised;
 }
 
-// The body goes to the cache file; more than the size limit ends the transfer.
+// The body collects in memory; more than the size limit, or no memory for it, ends
+// the transfer.
 struct Sink {
-  std::FILE* file = nullptr;
-  std::int64_t written = 0;
+  std::vector<std::uint8_t>* body = nullptr;
   std::int64_t maxBytes = 0;
   bool tooLarge = false;
+  bool outOfMemory = false;
 };
 
 std::size_t WriteBody(char* data, std::size_t size, std::size_t count, void* user) {
   auto* sink = static_cast<Sink*>(user);
   const std::size_t bytes = size * count;
-  if (sink->written + static_cast<std::int64_t>(bytes) > sink->maxBytes) {
+  if (static_cast<std::int64_t>(sink->body->size() + bytes) > sink->maxBytes) {
     sink->tooLarge = true;
     return 0;
   }
-  sink->written += static_cast<std::int64_t>(bytes);
-  return std::fwrite(data, 1, bytes, sink->file);
+  try {
+    sink->body->insert(sink->body->end(), data, data + bytes);
+  } catch (const std::bad_alloc&) {
+    sink->outOfMemory = true;
+    return 0;
+  }
+  return bytes;
 }
 
-DWORD LastErrorFor(CURLcode code, long httpStatus, bool tooLarge) {
-  if (tooLarge || code == CURLE_FILESIZE_EXCEEDED) return ERROR_FILE_TOO_LARGE;
+DWORD LastErrorFor(CURLcode code, long httpStatus, const Sink& sink) {
+  if (sink.tooLarge || code == CURLE_FILESIZE_EXCEEDED) return ERROR_FILE_TOO_LARGE;
+  if (sink.outOfMemory) return ERROR_NOT_ENOUGH_MEMORY;
   switch (code) {
     case CURLE_HTTP_RETURNED_ERROR:
       return httpStatus == 404 || httpStatus == 410 ? ERROR_FILE_NOT_FOUND : ERROR_INTERNET_INTERNAL_ERROR;
@@ -59,15 +65,6 @@ DWORD LastErrorFor(CURLcode code, long httpStatus, bool tooLarge) {
     default:
       return ERROR_INTERNET_INTERNAL_ERROR;
   }
-}
-
-// The cache file's name: a hash of the URL, so that the same URL reuses its file.
-std::string CacheFileName(const std::string& url) {
-  std::uint64_t hash = 0xcbf29ce484222325ull;  // FNV-1a
-  for (unsigned char c : url) hash = (hash ^ c) * 0x100000001b3ull;
-  char name[32];
-  std::snprintf(name, sizeof name, "%016llx.cache", static_cast<unsigned long long>(hash));
-  return DownloadCacheFolder() + name;
 }
 
 HRESULT Failure(DWORD lastError) {
@@ -100,30 +97,22 @@ void ApplyOptions(CURL* curl, const std::string& url, Sink* sink, const Download
 void SetDownloadLimits(const DownloadLimits& limits) { Limits() = limits; }
 DownloadLimits GetDownloadLimits() { return Limits(); }
 
-std::string DownloadCacheFolder() { return platform::TempFolder() + "imageedit-cache/"; }
-
-HRESULT DownloadToCacheFile(const std::string& url, std::string* localName) {
+HRESULT DownloadToMemory(const std::string& url, std::vector<std::uint8_t>* body) {
   InitCurlOnce();
   CurlHandle curl(curl_easy_init(), curl_easy_cleanup);
   if (!curl) return Failure(ERROR_INTERNET_INTERNAL_ERROR);
-  ::mkdir(DownloadCacheFolder().c_str(), 0700);
-  const std::string target = CacheFileName(url);
-  const std::string partial = target + ".part";
+  body->clear();
   Sink sink;
+  sink.body = body;
   sink.maxBytes = Limits().maxBytes;
-  sink.file = std::fopen(partial.c_str(), "wb");
-  if (!sink.file) return Failure(ERROR_INTERNET_INTERNAL_ERROR);
   ApplyOptions(curl.get(), url, &sink, Limits());
   const CURLcode code = curl_easy_perform(curl.get());
-  const bool closed = std::fclose(sink.file) == 0;
-  long status = 0;
-  curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &status);
-  if (code != CURLE_OK || !closed || std::rename(partial.c_str(), target.c_str()) != 0) {
-    std::remove(partial.c_str());
-    return Failure(code == CURLE_OK ? ERROR_INTERNET_INTERNAL_ERROR
-                                    : LastErrorFor(code, status, sink.tooLarge));
+  if (code != CURLE_OK) {
+    long status = 0;
+    curl_easy_getinfo(curl.get(), CURLINFO_RESPONSE_CODE, &status);
+    body->clear();
+    return Failure(LastErrorFor(code, status, sink));
   }
-  *localName = target;
   return S_OK;
 }
 

@@ -1,6 +1,8 @@
-// URL download into a local cache file, the way a browser's cache would hand a
-// picture to the loader. http and https only, redirects followed (at most 10, to
-// http and https only).
+// URL download into memory: the body is handed to the loader as a file's contents
+// would be. Nothing touches the disk, so no file in a shared folder, whose name
+// another local user could have prepared (a link to one of our files, say), is ever
+// written through. http and https only, redirects followed (at most 10, to http and
+// https only).
 //
 // A server cannot hang or exhaust the control: every download is bounded by the
 // limits below (defaults: connecting 10 s, the whole transfer 60 s, a transfer
@@ -10,6 +12,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/types.h"
 
@@ -26,13 +29,10 @@ struct DownloadLimits {
 void SetDownloadLimits(const DownloadLimits& limits);
 DownloadLimits GetDownloadLimits();
 
-// The folder that holds downloaded copies: "imageedit-cache/" in the temp folder.
-std::string DownloadCacheFolder();
-
-// Fetches the URL into a file of the cache folder. S_OK with the file's name, or a
-// negative result with the last-error code set to what went wrong (2 not found,
-// 12002 timeout, 12005 invalid URL, 12007 name not resolved, 12029 cannot connect,
-// 223 larger than the size limit, 12004 anything else).
-HRESULT DownloadToCacheFile(const std::string& url, std::string* localName);
+// Fetches the URL's body. S_OK with the body, or a negative result with the
+// last-error code set to what went wrong (2 not found, 12002 timeout, 12005 invalid
+// URL, 12007 name not resolved, 12029 cannot connect, 223 larger than the size
+// limit, 8 no memory for the body, 12004 anything else).
+HRESULT DownloadToMemory(const std::string& url, std::vector<std::uint8_t>* body);
 
 }  // namespace imageio

@@ -58,10 +58,4 @@ TEST(Messages, EachLanguageHasItsText) {
   EXPECT_EQ(imageio::SaveOutOfMemoryMessage(0x04), "内存不足.");
 }
 
-TEST(Messages, ALongPathIsCutToTheMessageBuffer) {
-  const std::string text = imageio::ReadFailureMessage(0x09, std::string(5000, 'x'), 2);
-  EXPECT_EQ(text.size(), imageio::kMessageBufferSize - 1);
-  EXPECT_EQ(text.substr(0, 18), "I failed to read x");
-}
-
 }  // namespace
