@@ -109,8 +109,16 @@ class CImageEditWnd : public CWnd {
   void CreateImageSurface(int width, int height);
   void ResizeDrawingLayer(int width, int height, const RECT& dest, const RECT& src);
   void RebuildImageSurface();
-  void CompositeDrawingLayer(HDC target);
-  void TransparentBlit(HDC target, HBITMAP source, int x, int y, int width, int height, COLORREF key);
+  // RebuildImageSurface followed by ReadSurfacePixels of the image surface. When the
+  // original fills the surface at 1:1 the buffer is read from the original itself
+  // (the same pixels) and the surface is left to the write-back; without a buffer the
+  // surface is rebuilt all the same.
+  PixelBuffer ReadRebuiltImagePixels();
+  // `area` (surface coordinates; null for all of it) limits the drawing to that part.
+  void CompositeDrawingLayer(HDC target, const RECT* area = nullptr);
+  // The source's part from (srcX, srcY) of that size is drawn.
+  void TransparentBlit(HDC target, HBITMAP source, int x, int y, int width, int height, COLORREF key,
+                       int srcX = 0, int srcY = 0);
   void RecolorBitmapBrush(COLORREF color);
   // The adjusted rebuild: the image rectangle refilled from the original and both
   // pixel passes run with every stored setting.
@@ -127,8 +135,10 @@ class CImageEditWnd : public CWnd {
 
   // ---- view ----
   // Composes the picture as shown (image surface, then strokes) into the
-  // composition buffer at surface coordinates; repaints and saves start from it.
-  void ComposeView();
+  // composition buffer at surface coordinates, over at least `area` (surface
+  // coordinates; null for the whole buffer). Whatever reads the composition buffer
+  // composes the part it reads first: repaints the visible part, saves the saved part.
+  void ComposeView(const RECT* area = nullptr);
   // Shows or hides the scroll bars for content of that size, resets the scroll
   // positions and measures the view.
   void UpdateScrollBars(int contentWidth, int contentHeight);
