@@ -23,10 +23,23 @@ OutOfMemoryHandler ReportOutOfMemory(const CImageEditWnd& editor) {
   };
 }
 
+// Rows of the buffer read, passed and written back together while they are in the
+// cache, when every pass works pixel by pixel.
+constexpr int kBlockRows = 64;
+
+PixelRect RowsOf(const PixelRect& rect, int first, int end) {
+  PixelRect part = rect;
+  part.y0 = std::max(rect.y0, first);
+  part.y1 = std::min(rect.y1, end);
+  return part;
+}
+
 // Refills the image rectangle from the original, hands its pixels to `passes` and
 // writes them back; false when the pixels could not be read. When the passes will run
 // with neutral settings only the refill is needed: reading and writing back would
-// give the same pixels.
+// give the same pixels. When no neighbourhood filter runs, every output pixel depends
+// on that pixel alone, so the buffer goes through the passes a block of rows at a
+// time, with the same result.
 template <typename Passes>
 bool RebuildImagePixels(CImageEditWnd& editor, const AdjustmentSettings& applied, Passes&& passes) {
   const Surface& surface = editor.m_surfaces.imageSurface;
@@ -34,10 +47,26 @@ bool RebuildImagePixels(CImageEditWnd& editor, const AdjustmentSettings& applied
     editor.RebuildImageSurface();
     return true;
   }
-  PixelBuffer buffer = editor.ReadRebuiltImagePixels();
-  if (!buffer) return false;
-  passes(buffer.Area(editor.m_view.imageRect));
-  editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
+  HBITMAP source = editor.RebuiltImageSource();
+  const bool pixelwise = applied.whitenSteps <= 0 && applied.sharpenSteps <= 0 && applied.smoothSteps <= 0;
+  PixelBuffer buffer = pixelwise ? editor.AllocateSurfacePixels(surface.dc(), source)
+                                 : editor.ReadSurfacePixels(surface.dc(), source);
+  if (!buffer) {
+    if (source != surface.bitmap()) editor.RebuildImageSurface();
+    return false;
+  }
+  const PixelRect image = buffer.Area(editor.m_view.imageRect);
+  if (!pixelwise) {
+    passes(image);
+    editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
+    return true;
+  }
+  for (int first = 0; first < buffer.height(); first += kBlockRows) {
+    const int count = std::min(kBlockRows, buffer.height() - first);
+    ReadBitmapRows(surface.dc(), source, buffer, first, count);
+    passes(RowsOf(image, first, first + count));
+    WriteBitmapRows(surface.dc(), surface.bitmap(), buffer, first, count);
+  }
   return true;
 }
 

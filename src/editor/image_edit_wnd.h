@@ -102,6 +102,8 @@ class CImageEditWnd : public CWnd {
   // The bitmap's pixels as a new 24-bit bottom-up buffer; empty (nothing allocated)
   // when the DC or the bitmap is missing or the memory cannot be had.
   PixelBuffer ReadSurfacePixels(HDC dc, HBITMAP bitmap);
+  // The same buffer, allocated but not read yet, for passes that read it in parts.
+  PixelBuffer AllocateSurfacePixels(HDC dc, HBITMAP bitmap);
   // Replaces the bitmap's rows from the buffer, which is released in every case.
   void WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffer);
   void CreateCompositionBuffer(int width, int height);
@@ -109,11 +111,11 @@ class CImageEditWnd : public CWnd {
   void CreateImageSurface(int width, int height);
   void ResizeDrawingLayer(int width, int height, const RECT& dest, const RECT& src);
   void RebuildImageSurface();
-  // RebuildImageSurface followed by ReadSurfacePixels of the image surface. When the
-  // original fills the surface at 1:1 the buffer is read from the original itself
-  // (the same pixels) and the surface is left to the write-back; without a buffer the
-  // surface is rebuilt all the same.
-  PixelBuffer ReadRebuiltImagePixels();
+  // The bitmap to read the rebuilt image surface's pixels from. When the original
+  // fills the surface at 1:1 that is the original itself (the same pixels), and the
+  // surface is left to the write-back that follows (or to RebuildImageSurface when
+  // no buffer can be had); otherwise the image surface, rebuilt here.
+  HBITMAP RebuiltImageSource();
   // `area` (surface coordinates; null for all of it) limits the drawing to that part.
   void CompositeDrawingLayer(HDC target, const RECT* area = nullptr);
   // The source's part from (srcX, srcY) of that size is drawn.

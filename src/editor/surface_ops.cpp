@@ -20,7 +20,14 @@ void FillWhite(const Surface& surface) {
 }  // namespace
 
 PixelBuffer CImageEditWnd::ReadSurfacePixels(HDC dc, HBITMAP bitmap) {
-  PixelBuffer buffer = ReadBitmapPixels(dc, bitmap);
+  PixelBuffer buffer = AllocateSurfacePixels(dc, bitmap);
+  ReadBitmapRows(dc, bitmap, buffer, 0, buffer.height());
+  return buffer;
+}
+
+PixelBuffer CImageEditWnd::AllocateSurfacePixels(HDC dc, HBITMAP bitmap) {
+  if (!dc) return PixelBuffer();
+  PixelBuffer buffer = BufferForBitmap(bitmap);
   if (!buffer && buffer.width() > 0 && m_verbose) ShowOutOfMemoryMessage();
   return buffer;
 }
@@ -77,7 +84,7 @@ void CImageEditWnd::RebuildImageSurface() {
              SRCCOPY);
 }
 
-PixelBuffer CImageEditWnd::ReadRebuiltImagePixels() {
+HBITMAP CImageEditWnd::RebuiltImageSource() {
   const Surface& surface = m_surfaces.imageSurface;
   const ViewPlacement& view = m_view;
   BITMAP original{};
@@ -87,13 +94,9 @@ PixelBuffer CImageEditWnd::ReadRebuiltImagePixels() {
       view.displayedHeight == view.originalHeight && original.bmWidth == view.originalWidth &&
       original.bmHeight == view.originalHeight && view.imageRect.left == 0 && view.imageRect.top == 0 &&
       view.imageRect.right == surface.width() && view.imageRect.bottom == surface.height();
-  if (fillsAtOneToOne) {
-    PixelBuffer buffer = ReadSurfacePixels(surface.dc(), m_surfaces.original.get());
-    if (!buffer) RebuildImageSurface();
-    return buffer;
-  }
+  if (fillsAtOneToOne) return m_surfaces.original.get();
   RebuildImageSurface();
-  return ReadSurfacePixels(surface.dc(), surface.bitmap());
+  return surface.bitmap();
 }
 
 void CImageEditWnd::CompositeDrawingLayer(HDC target, const RECT* area) {
