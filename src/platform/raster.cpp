@@ -152,12 +152,12 @@ std::uint32_t* Raster::Pin() {
 }
 
 std::size_t Raster::StoredBytes() const {
+  std::vector<const Block*> counted;
   std::size_t total = 0;
-  const Block* previous = nullptr;
   for (std::size_t b = 0; b < bands_.size(); ++b) {
     const Block* block = bands_[b].block.get();
-    if (block == previous) continue;  // one colour shared along the raster: counted once
-    previous = block;
+    if (std::find(counted.begin(), counted.end(), block) != counted.end()) continue;
+    counted.push_back(block);
     total += (bands_[b].step == 0 ? 1 : static_cast<std::size_t>(BandHeight(static_cast<int>(b)))) *
              static_cast<std::size_t>(width) * sizeof(std::uint32_t);
   }
