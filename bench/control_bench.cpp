@@ -37,7 +37,7 @@
 #endif
 
 // After the platform headers: jpeglib defines TRUE and FALSE as macros.
-#include <jpeglib.h>
+#include "jpeg_file.h"
 
 namespace {
 
@@ -79,30 +79,10 @@ void WriteJpeg(const std::vector<std::uint8_t>& bgr, const std::string& path) {
     rgb[i + 1] = bgr[i + 1];
     rgb[i + 2] = bgr[i];
   }
-  jpeg_compress_struct info;
-  jpeg_error_mgr errors;
-  info.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&info);
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (!file) {
+  if (!WriteJpegFile(rgb.data(), kWidth, kHeight, 90, path)) {
     std::perror(path.c_str());
     std::exit(1);
   }
-  jpeg_stdio_dest(&info, file);
-  info.image_width = kWidth;
-  info.image_height = kHeight;
-  info.input_components = 3;
-  info.in_color_space = JCS_RGB;
-  jpeg_set_defaults(&info);
-  jpeg_set_quality(&info, 90, TRUE);
-  jpeg_start_compress(&info, TRUE);
-  while (info.next_scanline < info.image_height) {
-    JSAMPROW row = rgb.data() + static_cast<std::size_t>(info.next_scanline) * kWidth * 3;
-    jpeg_write_scanlines(&info, &row, 1);
-  }
-  jpeg_finish_compress(&info);
-  jpeg_destroy_compress(&info);
-  std::fclose(file);
 }
 
 void Put32(std::uint8_t* p, std::uint32_t v) {
