@@ -15,7 +15,7 @@
 #include "platform/platform.h"
 
 // After the platform headers: jpeglib defines TRUE and FALSE as macros.
-#include <jpeglib.h>
+#include "jpeg_file.h"
 #include <png.h>
 
 namespace {
@@ -40,30 +40,6 @@ std::vector<std::uint8_t> MakePicture() {
     }
   }
   return rgb;
-}
-
-void WriteJpeg(const std::vector<std::uint8_t>& rgb, const std::string& path) {
-  jpeg_compress_struct info;
-  jpeg_error_mgr errors;
-  info.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&info);
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  jpeg_stdio_dest(&info, file);
-  info.image_width = kWidth;
-  info.image_height = kHeight;
-  info.input_components = 3;
-  info.in_color_space = JCS_RGB;
-  jpeg_set_defaults(&info);
-  jpeg_set_quality(&info, 90, TRUE);
-  jpeg_start_compress(&info, TRUE);
-  while (info.next_scanline < info.image_height) {
-    JSAMPROW row =
-        const_cast<std::uint8_t*>(rgb.data()) + static_cast<std::size_t>(info.next_scanline) * kWidth * 3;
-    jpeg_write_scanlines(&info, &row, 1);
-  }
-  jpeg_finish_compress(&info);
-  jpeg_destroy_compress(&info);
-  std::fclose(file);
 }
 
 void WritePng(const std::vector<std::uint8_t>& rgb, const std::string& path) {
@@ -203,7 +179,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   const std::vector<std::uint8_t> picture = MakePicture();
-  WriteJpeg(picture, BenchFile("photo.jpg"));
+  WriteJpegFile(picture.data(), kWidth, kHeight, 90, BenchFile("photo.jpg"));
   WritePng(picture, BenchFile("photo.png"));
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);

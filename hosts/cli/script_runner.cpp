@@ -321,6 +321,8 @@ void ScriptRunner::Dump(Args args) {
     throw ParseError("dump: unknown surface '" + surface +
                      "' (image, drawing, composition, snapshot, original)");
   }
+  // A repaint composes only what the window shows; the dump is of the whole buffer.
+  if (named->second == SurfaceName::Composition) control_->m_editor.ComposeView();
   HBITMAP bitmap = control_->m_editor.SurfaceBitmap(named->second);
   WritePicture(bitmap, PathArg(args[1]), "dump " + surface);
 }

@@ -23,16 +23,50 @@ OutOfMemoryHandler ReportOutOfMemory(const CImageEditWnd& editor) {
   };
 }
 
+// Rows of the buffer read, passed and written back together while they are in the
+// cache, when every pass works pixel by pixel.
+constexpr int kBlockRows = 64;
+
+PixelRect RowsOf(const PixelRect& rect, int first, int end) {
+  PixelRect part = rect;
+  part.y0 = std::max(rect.y0, first);
+  part.y1 = std::min(rect.y1, end);
+  return part;
+}
+
 // Refills the image rectangle from the original, hands its pixels to `passes` and
-// writes them back; false when the pixels could not be read.
+// writes them back; false when the pixels could not be read. When the passes will run
+// with neutral settings only the refill is needed: reading and writing back would
+// give the same pixels. When no neighbourhood filter runs, every output pixel depends
+// on that pixel alone, so the buffer goes through the passes a block of rows at a
+// time, with the same result.
 template <typename Passes>
-bool RebuildImagePixels(CImageEditWnd& editor, Passes&& passes) {
+bool RebuildImagePixels(CImageEditWnd& editor, const AdjustmentSettings& applied, Passes&& passes) {
   const Surface& surface = editor.m_surfaces.imageSurface;
-  editor.RebuildImageSurface();
-  PixelBuffer buffer = editor.ReadSurfacePixels(surface.dc(), surface.bitmap());
-  if (!buffer) return false;
-  passes(buffer.Area(editor.m_view.imageRect));
-  editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
+  if (applied.IsNeutral()) {
+    editor.RebuildImageSurface();
+    return true;
+  }
+  HBITMAP source = editor.RebuiltImageSource();
+  const bool pixelwise = applied.whitenSteps <= 0 && applied.sharpenSteps <= 0 && applied.smoothSteps <= 0;
+  PixelBuffer buffer = pixelwise ? editor.AllocateSurfacePixels(surface.dc(), source)
+                                 : editor.ReadSurfacePixels(surface.dc(), source);
+  if (!buffer) {
+    if (source != surface.bitmap()) editor.RebuildImageSurface();
+    return false;
+  }
+  const PixelRect image = buffer.Area(editor.m_view.imageRect);
+  if (!pixelwise) {
+    passes(image);
+    editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
+    return true;
+  }
+  for (int first = 0; first < buffer.height(); first += kBlockRows) {
+    const int count = std::min(kBlockRows, buffer.height() - first);
+    ReadBitmapRows(surface.dc(), source, buffer, first, count);
+    passes(RowsOf(image, first, first + count));
+    WriteBitmapRows(surface.dc(), surface.bitmap(), buffer, first, count);
+  }
   return true;
 }
 
@@ -40,11 +74,13 @@ bool RebuildImagePixels(CImageEditWnd& editor, Passes&& passes) {
 // unchanged, otherwise a rebuild whose passes store the new value, a repaint and a
 // history level, all under the wait cursor.
 template <typename Passes>
-void RunSetter(CImageEditWnd& editor, bool unchanged, Passes&& passes) {
+void RunSetter(CImageEditWnd& editor, bool unchanged, const AdjustmentSettings& applied, Passes&& passes) {
   // Text being entered is committed here once the text tool exists.
   if (!editor.m_surfaces.imageSurface.dc() || unchanged) return;
   editor.BeginWaitCursor();
-  if (RebuildImagePixels(editor, passes)) {
+  if (RebuildImagePixels(editor, applied, passes)) {
+    // The passes store the new value as they go; a neutral rebuild runs none of them.
+    editor.m_settings = applied;
     editor.RedrawWindow();
     editor.CommitHistoryLevel(nullptr, 0, 0);
   }
@@ -52,10 +88,17 @@ void RunSetter(CImageEditWnd& editor, bool unchanged, Passes&& passes) {
 }
 
 // A colour setting is stored first and then applied with all the others.
+// The settings as they stand once `setting` has the new value: what the passes apply.
+template <typename Value>
+AdjustmentSettings With(AdjustmentSettings settings, Value AdjustmentSettings::*setting, Value value) {
+  settings.*setting = value;
+  return settings;
+}
+
 template <typename Value>
 void SetColorSetting(CImageEditWnd& editor, Value AdjustmentSettings::*setting, Value value) {
   AdjustmentSettings& settings = editor.m_settings;
-  RunSetter(editor, settings.*setting == value, [&](const PixelRect& rect) {
+  RunSetter(editor, settings.*setting == value, With(settings, setting, value), [&](const PixelRect& rect) {
     settings.*setting = value;
     AdjustColors(rect, settings);
     ApplyFilters(rect, settings, ReportOutOfMemory(editor));
@@ -69,7 +112,7 @@ template <typename Value, typename Filter>
 void SetFilterSetting(CImageEditWnd& editor, Value AdjustmentSettings::*setting, Value value,
                       Filter&& runAlone) {
   AdjustmentSettings& settings = editor.m_settings;
-  RunSetter(editor, settings.*setting == value, [&](const PixelRect& rect) {
+  RunSetter(editor, settings.*setting == value, With(settings, setting, value), [&](const PixelRect& rect) {
     AdjustmentSettings withoutIt = settings;
     withoutIt.*setting = Value{};
     AdjustColors(rect, settings);
@@ -82,7 +125,7 @@ void SetFilterSetting(CImageEditWnd& editor, Value AdjustmentSettings::*setting,
 }  // namespace
 
 void CImageEditWnd::RunAdjustedRebuild() {
-  RebuildImagePixels(*this, [this](const PixelRect& rect) {
+  RebuildImagePixels(*this, m_settings, [this](const PixelRect& rect) {
     AdjustColors(rect, m_settings);
     ApplyFilters(rect, m_settings, ReportOutOfMemory(*this));
   });
@@ -110,7 +153,11 @@ void CImageEditWnd::CorrectGamma(int nRedGamma, int nGreenGamma, int nBlueGamma)
   const double blue = GammaOf(nBlueGamma);
   AdjustmentSettings& s = m_settings;
   const bool unchanged = s.redGamma == red && s.greenGamma == green && s.blueGamma == blue;
-  RunSetter(*this, unchanged, [&](const PixelRect& rect) {
+  AdjustmentSettings applied = s;
+  applied.redGamma = red;
+  applied.greenGamma = green;
+  applied.blueGamma = blue;
+  RunSetter(*this, unchanged, applied, [&](const PixelRect& rect) {
     s.redGamma = red;
     s.greenGamma = green;
     s.blueGamma = blue;

@@ -102,6 +102,8 @@ class CImageEditWnd : public CWnd {
   // The bitmap's pixels as a new 24-bit bottom-up buffer; empty (nothing allocated)
   // when the DC or the bitmap is missing or the memory cannot be had.
   PixelBuffer ReadSurfacePixels(HDC dc, HBITMAP bitmap);
+  // The same buffer, allocated but not read yet, for passes that read it in parts.
+  PixelBuffer AllocateSurfacePixels(HDC dc, HBITMAP bitmap);
   // Replaces the bitmap's rows from the buffer, which is released in every case.
   void WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffer);
   void CreateCompositionBuffer(int width, int height);
@@ -109,8 +111,16 @@ class CImageEditWnd : public CWnd {
   void CreateImageSurface(int width, int height);
   void ResizeDrawingLayer(int width, int height, const RECT& dest, const RECT& src);
   void RebuildImageSurface();
-  void CompositeDrawingLayer(HDC target);
-  void TransparentBlit(HDC target, HBITMAP source, int x, int y, int width, int height, COLORREF key);
+  // The bitmap to read the rebuilt image surface's pixels from. When the original
+  // fills the surface at 1:1 that is the original itself (the same pixels), and the
+  // surface is left to the write-back that follows (or to RebuildImageSurface when
+  // no buffer can be had); otherwise the image surface, rebuilt here.
+  HBITMAP RebuiltImageSource();
+  // `area` (surface coordinates; null for all of it) limits the drawing to that part.
+  void CompositeDrawingLayer(HDC target, const RECT* area = nullptr);
+  // The source's part from (srcX, srcY) of that size is drawn.
+  void TransparentBlit(HDC target, HBITMAP source, int x, int y, int width, int height, COLORREF key,
+                       int srcX = 0, int srcY = 0);
   void RecolorBitmapBrush(COLORREF color);
   // The adjusted rebuild: the image rectangle refilled from the original and both
   // pixel passes run with every stored setting.
@@ -127,8 +137,10 @@ class CImageEditWnd : public CWnd {
 
   // ---- view ----
   // Composes the picture as shown (image surface, then strokes) into the
-  // composition buffer at surface coordinates; repaints and saves start from it.
-  void ComposeView();
+  // composition buffer at surface coordinates, over at least `area` (surface
+  // coordinates; null for the whole buffer). Whatever reads the composition buffer
+  // composes the part it reads first: repaints the visible part, saves the saved part.
+  void ComposeView(const RECT* area = nullptr);
   // Shows or hides the scroll bars for content of that size, resets the scroll
   // positions and measures the view.
   void UpdateScrollBars(int contentWidth, int contentHeight);

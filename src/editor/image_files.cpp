@@ -70,8 +70,9 @@ void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
   HDC composition = m_surfaces.composition.dc();
   if (!composition) return;
   // Text entry is closed here (before composing) once it exists in the editor.
-  ComposeView();
   const RECT source = SavedImageArea(*this);  // left, top, width, height
+  const RECT saved{source.left, source.top, source.left + source.right, source.top + source.bottom};
+  ComposeView(&saved);
   const int width = m_saveWidth > 0 ? m_saveWidth : source.right;
   const int height = m_saveHeight > 0 ? m_saveHeight : source.bottom;
   const ScratchBitmap output(composition, width, height);
@@ -88,10 +89,10 @@ void CImageEditWnd::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
   if (!composition || !m_selectionBox.IsShown()) return;
   const ScratchBitmap output(composition, m_selectionBox.width, m_selectionBox.height);
   if (!output.ok()) return;
-  ComposeView();
   // The box keeps window coordinates; the picture under it on screen lies at the
   // box's position plus the scroll position in the composition buffer.
   const RECT under = m_selectionBox.OnSurface(m_view.hScrollPos, m_view.vScrollPos);
+  ComposeView(&under);
   BitBlt(output.dc.get(), 0, 0, m_selectionBox.width, m_selectionBox.height, composition, under.left,
          under.top, SRCCOPY);
   imageio::WriteBitmapFile(lpcFilePath, output.bitmap.get(), WriteContextOf(*this));

@@ -20,7 +20,14 @@ void FillWhite(const Surface& surface) {
 }  // namespace
 
 PixelBuffer CImageEditWnd::ReadSurfacePixels(HDC dc, HBITMAP bitmap) {
-  PixelBuffer buffer = ReadBitmapPixels(dc, bitmap);
+  PixelBuffer buffer = AllocateSurfacePixels(dc, bitmap);
+  ReadBitmapRows(dc, bitmap, buffer, 0, buffer.height());
+  return buffer;
+}
+
+PixelBuffer CImageEditWnd::AllocateSurfacePixels(HDC dc, HBITMAP bitmap) {
+  if (!dc) return PixelBuffer();
+  PixelBuffer buffer = BufferForBitmap(bitmap);
   if (!buffer && buffer.width() > 0 && m_verbose) ShowOutOfMemoryMessage();
   return buffer;
 }
@@ -77,22 +84,40 @@ void CImageEditWnd::RebuildImageSurface() {
              SRCCOPY);
 }
 
-void CImageEditWnd::CompositeDrawingLayer(HDC target) {
+HBITMAP CImageEditWnd::RebuiltImageSource() {
+  const Surface& surface = m_surfaces.imageSurface;
+  const ViewPlacement& view = m_view;
+  BITMAP original{};
+  const bool fillsAtOneToOne =
+      m_surfaces.original && GetObjectA(m_surfaces.original.get(), sizeof original, &original) &&
+      original.bmBitsPixel == 32 && view.displayedWidth == view.originalWidth &&
+      view.displayedHeight == view.originalHeight && original.bmWidth == view.originalWidth &&
+      original.bmHeight == view.originalHeight && view.imageRect.left == 0 && view.imageRect.top == 0 &&
+      view.imageRect.right == surface.width() && view.imageRect.bottom == surface.height();
+  if (fillsAtOneToOne) return m_surfaces.original.get();
+  RebuildImageSurface();
+  return surface.bitmap();
+}
+
+void CImageEditWnd::CompositeDrawingLayer(HDC target, const RECT* area) {
   Surface& layer = m_surfaces.drawingLayer;
   if (!target || !layer.dc()) return;
+  RECT part = layer.rect;
+  if (area && !IntersectRect(&part, &layer.rect, area)) return;
   layer.Lend([&](HBITMAP bitmap) {
-    TransparentBlit(target, bitmap, 0, 0, layer.width(), layer.height(), kDrawingLayerKeyColor);
+    TransparentBlit(target, bitmap, part.left, part.top, part.right - part.left, part.bottom - part.top,
+                    kDrawingLayerKeyColor, part.left, part.top);
   });
 }
 
 void CImageEditWnd::TransparentBlit(HDC target, HBITMAP source, int x, int y, int width, int height,
-                                    COLORREF key) {
+                                    COLORREF key, int srcX, int srcY) {
   const platform::MemoryDC sourceDC(target);
   if (!sourceDC) return;
 
   if (m_transparentBlt) {
     const platform::SelectionGuard selected(sourceDC.get(), source);
-    m_transparentBlt(target, x, y, width, height, sourceDC.get(), 0, 0, width, height, key);
+    m_transparentBlt(target, x, y, width, height, sourceDC.get(), srcX, srcY, width, height, key);
     return;
   }
 
@@ -110,13 +135,13 @@ void CImageEditWnd::TransparentBlit(HDC target, HBITMAP source, int x, int y, in
   SetMapMode(sourceDC.get(), GetMapMode(target));
 
   const COLORREF background = SetBkColor(sourceDC.get(), key);
-  BitBlt(maskDC.get(), 0, 0, width, height, sourceDC.get(), 0, 0, SRCCOPY);
+  BitBlt(maskDC.get(), 0, 0, width, height, sourceDC.get(), srcX, srcY, SRCCOPY);
   SetBkColor(sourceDC.get(), background);
 
   BitBlt(target, x, y, width, height, maskDC.get(), 0, 0, SRCAND);
   BitBlt(maskDC.get(), 0, 0, width, height, maskDC.get(), 0, 0, NOTSRCCOPY);
-  BitBlt(sourceDC.get(), 0, 0, width, height, maskDC.get(), 0, 0, SRCAND);
-  BitBlt(target, x, y, width, height, sourceDC.get(), 0, 0, SRCPAINT);
+  BitBlt(sourceDC.get(), srcX, srcY, width, height, maskDC.get(), 0, 0, SRCAND);
+  BitBlt(target, x, y, width, height, sourceDC.get(), srcX, srcY, SRCPAINT);
 }
 
 void CImageEditWnd::RecolorBitmapBrush(COLORREF color) {

@@ -16,4 +16,12 @@ struct AdjustmentSettings {
   bool invert = false;
   double blend = 0.0;
   int whitenSteps = 0;
+
+  // Whether both passes leave every pixel as it is (each of their steps is skipped),
+  // so that a rebuild with these settings need not read the pixels at all.
+  bool IsNeutral() const {
+    return brightness == 0 && contrast == 0 && redGamma == 1.0 && greenGamma == 1.0 && blueGamma == 1.0 &&
+           hue == 0.0 && saturation == 1.0 && whitenSteps <= 0 && sharpenSteps <= 0 && smoothSteps <= 0 &&
+           !invert && !gray;
+  }
 };

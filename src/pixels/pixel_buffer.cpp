@@ -7,6 +7,20 @@ namespace {
 
 std::size_t g_limit = kDefaultPixelBufferLimit;
 
+// The memory of the last buffer released, for the next one of about its size.
+struct SpareBlock {
+  std::unique_ptr<BYTE[]> bytes;
+  std::size_t size = 0;
+} g_spare;
+
+std::unique_ptr<BYTE[]> TakeSpareOr(std::size_t bytes) {
+  if (g_spare.bytes && g_spare.size >= bytes && g_spare.size - bytes <= g_spare.size / 4) {
+    g_spare.size = 0;
+    return std::move(g_spare.bytes);
+  }
+  return AllocatePixels(bytes);
+}
+
 bool BitmapSize(HBITMAP bitmap, int* width, int* height) {
   DIBSECTION section{};
   if (!bitmap || GetObjectA(bitmap, sizeof section, &section) == 0) return false;
@@ -26,7 +40,26 @@ void SetPixelBufferLimit(std::size_t bytes) { g_limit = bytes; }
 
 PixelBuffer::PixelBuffer(int width, int height)
     : width_(width), height_(height), stride_(static_cast<int>(platform::DibRowStride(width, 24))) {
-  bytes_ = AllocatePixels(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height));
+  const std::size_t size = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height);
+  // The limit holds for recycled memory too.
+  if (size <= g_limit) bytes_ = TakeSpareOr(size);
+}
+
+PixelBuffer::~PixelBuffer() {
+  if (!bytes_) return;
+  g_spare.bytes = std::move(bytes_);
+  g_spare.size = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height_);
+}
+
+PixelBuffer& PixelBuffer::operator=(PixelBuffer&& other) noexcept {
+  if (this != &other) {
+    PixelBuffer released(std::move(*this));
+    bytes_ = std::move(other.bytes_);
+    width_ = other.width_;
+    height_ = other.height_;
+    stride_ = other.stride_;
+  }
+  return *this;
 }
 
 PixelRect PixelBuffer::Area(const RECT& rect) const {
@@ -37,15 +70,28 @@ PixelRect PixelBuffer::Area(const RECT& rect) const {
   return PixelRect{data(), left, height_ - bottom, right, height_ - top, stride_};
 }
 
-PixelBuffer ReadBitmapPixels(HDC dc, HBITMAP bitmap) {
+PixelBuffer BufferForBitmap(HBITMAP bitmap) {
   int width = 0;
   int height = 0;
-  if (!dc || !BitmapSize(bitmap, &width, &height)) return PixelBuffer();
-  PixelBuffer buffer(width, height);
-  if (!buffer) return buffer;
-  BITMAPINFO info = platform::Dib24Info(width, height);
-  GetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
+  if (!BitmapSize(bitmap, &width, &height)) return PixelBuffer();
+  return PixelBuffer(width, height);
+}
+
+PixelBuffer ReadBitmapPixels(HDC dc, HBITMAP bitmap) {
+  if (!dc) return PixelBuffer();
+  PixelBuffer buffer = BufferForBitmap(bitmap);
+  ReadBitmapRows(dc, bitmap, buffer, 0, buffer.height());
   return buffer;
+}
+
+void ReadBitmapRows(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer, int first, int count) {
+  int width = 0;
+  int height = 0;
+  if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
+  if (width != buffer.width() || height != buffer.height()) return;
+  BITMAPINFO info = platform::Dib24Info(width, height);
+  GetDIBits(dc, bitmap, static_cast<UINT>(first), static_cast<UINT>(count),
+            buffer.data() + static_cast<std::size_t>(first) * buffer.stride(), &info, DIB_RGB_COLORS);
 }
 
 void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer) {
@@ -54,4 +100,14 @@ void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer) {
   if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
   const BITMAPINFO info = platform::Dib24Info(width, height);
   SetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
+}
+
+void WriteBitmapRows(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer, int first, int count) {
+  int width = 0;
+  int height = 0;
+  if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
+  if (width != buffer.width() || height != buffer.height()) return;
+  const BITMAPINFO info = platform::Dib24Info(width, height);
+  SetDIBits(dc, bitmap, static_cast<UINT>(first), static_cast<UINT>(count),
+            buffer.data() + static_cast<std::size_t>(first) * buffer.stride(), &info, DIB_RGB_COLORS);
 }

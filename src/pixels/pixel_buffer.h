@@ -26,11 +26,17 @@ void SetPixelBufferLimit(std::size_t bytes);
 inline constexpr std::size_t kDefaultPixelBufferLimit = std::size_t{1} << 30;
 
 // The pixels of a whole bitmap of width x height, owned. The size is known even when
-// the memory could not be had; the buffer is then empty (no bytes).
+// the memory could not be had; the buffer is then empty (no bytes). A released
+// buffer's memory is kept for the next buffer of about its size: a picture's passes
+// run again and again at one size, and fresh pages would have to be faulted in each
+// time.
 class PixelBuffer {
  public:
   PixelBuffer() = default;
   PixelBuffer(int width, int height);
+  ~PixelBuffer();
+  PixelBuffer(PixelBuffer&&) noexcept = default;
+  PixelBuffer& operator=(PixelBuffer&& other) noexcept;
 
   explicit operator bool() const { return bytes_ != nullptr; }
   BYTE* data() const { return bytes_.get(); }
@@ -54,6 +60,13 @@ class PixelBuffer {
 // bitmap is missing or the bitmap's header cannot be read (size 0 then), or when the
 // memory cannot be had (size known then).
 PixelBuffer ReadBitmapPixels(HDC dc, HBITMAP bitmap);
+// A buffer of the bitmap's size, not yet read (empty as above).
+PixelBuffer BufferForBitmap(HBITMAP bitmap);
+// Buffer rows [first, first + count) (row 0 the bottom row) read from the bitmap, and
+// written to it; nothing without a DC, a readable bitmap of the buffer's size or
+// pixels.
+void ReadBitmapRows(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer, int first, int count);
+void WriteBitmapRows(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer, int first, int count);
 // Replaces the bitmap's rows from a buffer of the bitmap's current size; nothing
 // without a DC, a readable bitmap or pixels.
 void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer);

@@ -228,7 +228,9 @@ HDC CreateWindowDC(HBITMAP frame, int originX, int originY, const RECT& clip);
 HDC CreateScreenDC();
 
 // Direct read access to a colour bitmap's pixels (0x00RRGGBB each, top-down rows of
-// `width` pixels) for hosts that present frames; null for anything else.
+// `width` pixels) for hosts that present frames; null for anything else. The bitmap
+// keeps its rows in that one block from then on (it no longer shares them), so the
+// pointer stays valid until the bitmap is deleted.
 const std::uint32_t* BitmapPixels(HBITMAP bitmap, int* width, int* height);
 
 }  // namespace platform

@@ -151,13 +151,20 @@ BOOL BitBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX, in
     rows = ClipRun(rows, target.clip.top, target.clip.bottom, rows.src, rows.src + h);
   }
   if (cols.count == 0 || rows.count == 0) return TRUE;
+  if (index == 0xCC && conversion.kind == raster::Conversion::Kind::None && source != target.raster) {
+    target.raster->CopyRows(*source, static_cast<int>(cols.src), static_cast<int>(rows.src),
+                            static_cast<int>(cols.dest), static_cast<int>(rows.dest),
+                            static_cast<int>(cols.count), static_cast<int>(rows.count));
+    return TRUE;
+  }
   RowCombiner combiner(conversion, index, ends->destDc->draw.brushPixel);
   // Within one raster, walk rows away from the overlap so no source row is overwritten
   // before it is read.
   const bool upward = source == target.raster && rows.src < rows.dest;
   for (std::int64_t k = 0; k < rows.count; ++k) {
     const std::int64_t r = upward ? rows.count - 1 - k : k;
-    std::uint32_t* destRow = target.raster->Row(static_cast<int>(rows.dest + r)) + cols.dest;
+    // The destination row first: making it writable may move a band the source shares.
+    std::uint32_t* destRow = target.raster->MutableRow(static_cast<int>(rows.dest + r)) + cols.dest;
     const std::uint32_t* srcRow = source ? source->Row(static_cast<int>(rows.src + r)) + cols.src : nullptr;
     combiner.Combine(destRow, srcRow, static_cast<int>(cols.count));
   }
@@ -188,11 +195,47 @@ BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX
   raster::Raster* out = target.raster;
   return Resample(filter, plan.xs, plan.ys, *from.raster,
                   [&](int dx, int dy, const std::uint32_t* values, int count) {
-                    combiner.Combine(out->Row(dy) + dx, values, count);
+                    combiner.Combine(out->MutableRow(dy) + dx, values, count);
                   })
              ? TRUE
              : FALSE;
 }
+
+namespace {
+
+// The 1:1 transparent copy, span by span: rows of the source's key colour are passed
+// over without touching the destination, and a destination row is made writable only
+// once a pixel of the source row is to be drawn.
+void TransparentCopy(const BlitEnds& ends, Run cols, Run rows, std::uint32_t key,
+                     const raster::Conversion& conversion) {
+  raster::Raster& out = *ends.dest.raster;
+  const raster::Raster& in = *ends.src.raster;
+  std::vector<std::uint32_t> converted;
+  const int count = static_cast<int>(cols.count);
+  for (std::int64_t k = 0; k < rows.count; ++k) {
+    const int srcY = static_cast<int>(rows.src + k);
+    const int destY = static_cast<int>(rows.dest + k);
+    std::uint32_t uniform = 0;
+    if (in.RowIsUniform(srcY, &uniform) && uniform == key) continue;
+    const std::uint32_t* values = in.Row(srcY) + cols.src;
+    int first = 0;
+    while (first < count && values[first] == key) ++first;
+    if (first == count) continue;
+    std::uint32_t* row = out.MutableRow(destY) + cols.dest;
+    values = in.Row(srcY) + cols.src;
+    const std::uint32_t* drawn = values;
+    if (conversion.kind != raster::Conversion::Kind::None) {
+      converted.resize(static_cast<std::size_t>(count));
+      raster::ConvertRow(conversion, values, converted.data(), count);
+      drawn = converted.data();
+    }
+    for (int i = first; i < count; ++i) {
+      if (values[i] != key) row[i] = drawn[i];
+    }
+  }
+}
+
+}  // namespace
 
 // Unequal sizes are stretched by nearest pixel first; the key is compared with the
 // stretched source pixels. Negative extents fail.
@@ -202,18 +245,26 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
   if (!ends || width <= 0 || height <= 0 || srcWidth <= 0 || srcHeight <= 0) return FALSE;
   const Surface& target = ends->dest;
   const Surface& from = ends->src;
+  const std::uint32_t key = raster::PixelOf(transparent & raster::kColorMask);
+  const raster::Conversion conversion = ConversionFor(target, *ends->destDc, from, *ends->srcDc);
+  if (width == srcWidth && height == srcHeight) {
+    const Run cols = ClipRun({target.originX + x, from.originX + srcX, width}, target.clip.left,
+                             target.clip.right, from.clip.left, from.clip.right);
+    const Run rows = ClipRun({target.originY + y, from.originY + srcY, height}, target.clip.top,
+                             target.clip.bottom, from.clip.top, from.clip.bottom);
+    if (cols.count > 0 && rows.count > 0) TransparentCopy(*ends, cols, rows, key, conversion);
+    return TRUE;
+  }
   const StretchPlan plan =
       PlanStretch(StretchFilter::Nearest, target, {target.originX + x, width}, {target.originY + y, height},
                   from, {from.originX + srcX, srcWidth}, {from.originY + srcY, srcHeight});
-  const std::uint32_t key = raster::PixelOf(transparent & raster::kColorMask);
-  const raster::Conversion conversion = ConversionFor(target, *ends->destDc, from, *ends->srcDc);
   std::vector<std::uint32_t> converted;
   raster::Raster* out = target.raster;
   Resample(StretchFilter::Nearest, plan.xs, plan.ys, *from.raster,
            [&](int dx, int dy, const std::uint32_t* values, int count) {
              converted.resize(static_cast<std::size_t>(count));
              raster::ConvertRow(conversion, values, converted.data(), count);
-             std::uint32_t* row = out->Row(dy) + dx;
+             std::uint32_t* row = out->MutableRow(dy) + dx;
              for (int i = 0; i < count; ++i) {
                if (values[i] != key) row[i] = converted[i];
              }
@@ -234,14 +285,14 @@ HANDLE CopyImage(HANDLE image, UINT type, int cx, int cy, UINT flags) {
   if (!copy) return nullptr;
   raster::Raster& to = Lookup<BitmapObject>(copy)->raster;
   if (width == from.width && height == from.height) {
-    to.pixels = from.pixels;
+    to.ShareFrom(from);
     return copy;
   }
   const AxisTaps xs = PlanAxis(StretchFilter::Nearest, {0, width}, {0, from.width}, 0, width, 0, from.width);
   const AxisTaps ys =
       PlanAxis(StretchFilter::Nearest, {0, height}, {0, from.height}, 0, height, 0, from.height);
   Resample(StretchFilter::Nearest, xs, ys, from, [&](int dx, int dy, const std::uint32_t* values, int count) {
-    std::memcpy(to.Row(dy) + dx, values, static_cast<std::size_t>(count) * sizeof(std::uint32_t));
+    std::memcpy(to.MutableRow(dy) + dx, values, static_cast<std::size_t>(count) * sizeof(std::uint32_t));
   });
   return copy;
 }

@@ -125,10 +125,8 @@ int FillRect(HDC hdc, const RECT* rect, HBRUSH brush) {
   const std::int64_t top = std::max<std::int64_t>(surface->clip.top, surface->originY + rect->top);
   const std::int64_t bottom = std::min<std::int64_t>(surface->clip.bottom, surface->originY + rect->bottom);
   const std::uint32_t pixel = raster::PixelFor(fill->color, surface->mono());
-  for (std::int64_t y = top; y < bottom; ++y) {
-    std::uint32_t* row = surface->raster->Row(static_cast<int>(y));
-    std::fill(row + left, row + std::max(left, right), pixel);
-  }
+  surface->raster->Fill(static_cast<int>(left), static_cast<int>(top), static_cast<int>(right),
+                        static_cast<int>(bottom), pixel);
   return 1;
 }
 

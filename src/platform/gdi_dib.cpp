@@ -84,7 +84,7 @@ class RowDecoder {
         for (int x = 0; x < count; ++x) out[x] = Masked(static_cast<DWORD>(in[2 * x] | (in[2 * x + 1] << 8)));
         break;
       case 24:
-        for (int x = 0; x < count; ++x) out[x] = in[3 * x] | (in[3 * x + 1] << 8) | (in[3 * x + 2] << 16);
+        raster::UnpackRow24(in, out, count);
         break;
       default:
         for (int x = 0; x < count; ++x) {
@@ -162,11 +162,7 @@ int GetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, void* bits, BITMA
         std::memcpy(line + 4 * x, &p, 4);
       }
     } else {
-      for (int x = 0; x < columns; ++x) {
-        line[3 * x] = static_cast<BYTE>(pixels[x]);
-        line[3 * x + 1] = static_cast<BYTE>(pixels[x] >> 8);
-        line[3 * x + 2] = static_cast<BYTE>(pixels[x] >> 16);
-      }
+      raster::PackRow24(pixels, line, columns);
     }
     ++copied;
   }
@@ -192,7 +188,7 @@ int SetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, const void* bits,
   for (std::int64_t k = 0; k < span.count; ++k) {
     const std::int64_t row = span.BitmapRow(span.first + k);
     if (row < 0 || row >= to.height) continue;
-    std::uint32_t* pixels = to.Row(static_cast<int>(row));
+    std::uint32_t* pixels = to.MutableRow(static_cast<int>(row));
     decoder->Decode(in + stride * static_cast<std::size_t>(k), pixels, columns);
     if (to.mono) {
       for (int x = 0; x < columns; ++x) pixels[x] = raster::NearestMono(pixels[x]);
@@ -213,7 +209,7 @@ HBITMAP CreateDIBSection(HDC hdc, const BITMAPINFO* info, UINT usage, void** bit
   const int height = h.biHeight < 0 ? -h.biHeight : h.biHeight;
   HBITMAP handle = NewBitmap(h.biWidth, height, false, true, h.biHeight);
   if (handle && bits && h.biBitCount == 32 && h.biHeight < 0 && h.biCompression == BI_RGB) {
-    *bits = Lookup<BitmapObject>(handle)->raster.pixels.data();
+    *bits = Lookup<BitmapObject>(handle)->raster.Pin();
   }
   return handle;
 }

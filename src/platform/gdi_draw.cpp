@@ -253,8 +253,8 @@ BOOL ExtFloodFill(HDC hdc, int x, int y, COLORREF color, UINT type) {
   while (!seeds.empty()) {
     const Seed seed = seeds.back();
     seeds.pop_back();
-    std::uint32_t* row = pixels.Row(seed.y);
-    if (row[seed.x] != target) continue;
+    if (pixels.Row(seed.y)[seed.x] != target) continue;
+    std::uint32_t* row = pixels.MutableRow(seed.y);
     int left = seed.x;
     int right = seed.x + 1;
     while (left > clip.left && row[left - 1] == target) --left;

@@ -94,7 +94,7 @@ class HandleTable {
     stock_[SYSTEM_FONT] = Add(StockFont("System", 16, 700), true);
     stock_[DEFAULT_GUI_FONT] = Add(StockFont("MS Shell Dlg", -11, 400), true);
     BitmapObject bitmap;
-    raster::Allocate(bitmap.raster, 1, 1, true);
+    bitmap.raster.Allocate(1, 1, true);
     stockBitmap_ = Add(std::move(bitmap), true);
   }
 
@@ -191,7 +191,7 @@ HBITMAP NewBitmap(int width, int height, bool mono, bool dibSection, LONG dibHei
     return nullptr;
   if (!AllowCreation(GdiKind::Bitmap)) return nullptr;
   BitmapObject bitmap;
-  if (!raster::Allocate(bitmap.raster, width, height, mono)) return nullptr;
+  if (!bitmap.raster.Allocate(width, height, mono)) return nullptr;
   bitmap.dibSection = dibSection;
   bitmap.dibHeight = dibSection ? dibHeight : height;
   return static_cast<HBITMAP>(Register(std::move(bitmap)));
@@ -282,14 +282,17 @@ HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bitsPerPixel, cons
   auto& raster = Lookup<BitmapObject>(handle)->raster;
   const auto* bytes = static_cast<const BYTE*>(bits);
   if (!mono) {
-    std::memcpy(raster.pixels.data(), bytes, raster.pixels.size() * 4);
-    for (auto& pixel : raster.pixels) pixel &= platform::raster::kColorMask;
+    for (int y = 0; y < height; ++y) {
+      std::uint32_t* out = raster.MutableRow(y);
+      std::memcpy(out, bytes + static_cast<std::size_t>(y) * width * 4, static_cast<std::size_t>(width) * 4);
+      for (int x = 0; x < width; ++x) out[x] &= platform::raster::kColorMask;
+    }
     return handle;
   }
   const std::size_t stride = static_cast<std::size_t>((width + 15) / 16) * 2;
   for (int y = 0; y < height; ++y) {
     const BYTE* row = bytes + stride * static_cast<std::size_t>(y);
-    std::uint32_t* out = raster.Row(y);
+    std::uint32_t* out = raster.MutableRow(y);
     for (int x = 0; x < width; ++x) {
       out[x] = (row[x >> 3] >> (7 - (x & 7))) & 1 ? platform::raster::kWhite : platform::raster::kBlack;
     }
@@ -456,11 +459,11 @@ HDC CreateWindowDC(HBITMAP frame, int originX, int originY, const RECT& clip) {
 HDC CreateScreenDC() { return NewDc(DcType::Screen, nullptr); }
 
 const std::uint32_t* BitmapPixels(HBITMAP bitmap, int* width, int* height) {
-  const auto* object = Lookup<BitmapObject>(bitmap);
+  auto* object = Lookup<BitmapObject>(bitmap);
   if (!object || object->raster.mono) return nullptr;
   if (width) *width = object->raster.width;
   if (height) *height = object->raster.height;
-  return object->raster.pixels.data();
+  return object->raster.Pin();
 }
 
 }  // namespace platform

@@ -1,21 +1,210 @@
 #include "platform/raster.h"
 
+#include <algorithm>
+#include <cstring>
 #include <new>
 
 namespace platform::raster {
 
-bool Allocate(Raster& raster, int width, int height, bool mono) {
-  if (width <= 0 || height <= 0 || static_cast<std::int64_t>(width) * height > kMaxPixels) return false;
+// A band's storage: rows of its own, or (pinned rasters) a slice of the raster's one
+// block, or a single row of one colour.
+struct Raster::Block {
+  std::shared_ptr<std::uint32_t[]> memory;
+  std::uint32_t* rows = nullptr;
+};
+
+namespace {
+
+std::shared_ptr<std::uint32_t[]> NewRows(std::size_t pixels) {
+  // Not value-initialised: every caller writes all of it at once.
+  return std::shared_ptr<std::uint32_t[]>(new std::uint32_t[pixels]);
+}
+
+}  // namespace
+
+Raster::Band Raster::UniformBand(const std::shared_ptr<Block>& block) {
+  return Band{block, block->rows, 0};
+}
+
+std::shared_ptr<Raster::Block> Raster::UniformBlock(std::uint32_t pixel) const {
+  auto block = std::make_shared<Block>();
+  block->memory = NewRows(static_cast<std::size_t>(width));
+  block->rows = block->memory.get();
+  std::fill(block->rows, block->rows + width, pixel);
+  return block;
+}
+
+bool Raster::Allocate(int newWidth, int newHeight, bool newMono) {
+  if (newWidth <= 0 || newHeight <= 0 || static_cast<std::int64_t>(newWidth) * newHeight > kMaxPixels)
+    return false;
   try {
-    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    raster.pixels.swap(pixels);
+    Raster fresh;
+    fresh.width = newWidth;
+    fresh.height = newHeight;
+    fresh.mono = newMono;
+    const std::shared_ptr<Block> black = fresh.UniformBlock(kBlack);
+    fresh.bands_.assign(static_cast<std::size_t>((newHeight + kBandRows - 1) >> kBandShift), UniformBand(black));
+    *this = std::move(fresh);
   } catch (const std::bad_alloc&) {
     return false;
   }
-  raster.width = width;
-  raster.height = height;
-  raster.mono = mono;
   return true;
+}
+
+void Raster::Materialise(int band) {
+  Band& target = bands_[static_cast<std::size_t>(band)];
+  const int rows = BandHeight(band);
+  auto block = std::make_shared<Block>();
+  block->memory = NewRows(static_cast<std::size_t>(rows) * static_cast<std::size_t>(width));
+  block->rows = block->memory.get();
+  for (int r = 0; r < rows; ++r) {
+    std::memcpy(block->rows + static_cast<std::size_t>(r) * width, target.rows + r * target.step,
+                static_cast<std::size_t>(width) * sizeof(std::uint32_t));
+  }
+  target = Band{std::move(block), nullptr, static_cast<std::size_t>(width)};
+  target.rows = target.block->rows;
+}
+
+void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
+  if (x0 >= x1 || y0 >= y1) return;
+  const bool wholeRows = x0 == 0 && x1 == width && !pinned();
+  std::shared_ptr<Block> uniform;
+  int y = y0;
+  while (y < y1) {
+    const int band = y >> kBandShift;
+    const int bandTop = band << kBandShift;
+    const int bandEnd = bandTop + BandHeight(band);
+    std::uint32_t current = 0;
+    if (wholeRows && y == bandTop && y1 >= bandEnd) {
+      if (!RowIsUniform(y, &current) || current != pixel) {
+        if (!uniform) uniform = UniformBlock(pixel);
+        bands_[static_cast<std::size_t>(band)] = UniformBand(uniform);
+      }
+      y = bandEnd;
+      continue;
+    }
+    const int end = bandEnd < y1 ? bandEnd : y1;
+    if (!(RowIsUniform(y, &current) && current == pixel)) {
+      for (; y < end; ++y) {
+        std::uint32_t* row = MutableRow(y);
+        std::fill(row + x0, row + x1, pixel);
+      }
+    }
+    y = end;
+  }
+}
+
+void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int destY, int columns, int count) {
+  if (columns <= 0 || count <= 0) return;
+  const bool shareable = srcX == 0 && destX == 0 && columns == width && width == src.width &&
+                         !pinned() && !src.pinned() && ((srcY - destY) & (kBandRows - 1)) == 0;
+  const std::size_t bytes = static_cast<std::size_t>(columns) * sizeof(std::uint32_t);
+  int k = 0;
+  while (k < count) {
+    const int y = destY + k;
+    const int band = y >> kBandShift;
+    const int bandTop = band << kBandShift;
+    const int bandRows = BandHeight(band);
+    Band& target = bands_[static_cast<std::size_t>(band)];
+    const Band& from = src.bands_[static_cast<std::size_t>((srcY + k) >> kBandShift)];
+    if (shareable && y == bandTop && count - k >= bandRows && src.BandHeight((srcY + k) >> kBandShift) == bandRows) {
+      if (target.block != from.block) target = from;
+      k += bandRows;
+      continue;
+    }
+    const int end = std::min(count, bandTop + bandRows - destY);
+    for (; k < end; ++k) {
+      const std::uint32_t* in = src.Row(srcY + k) + srcX;
+      if (in == Row(destY + k) + destX) continue;  // the same stored row already
+      std::uint32_t* out = MutableRow(destY + k) + destX;
+      // MutableRow may have replaced a band `in` pointed into; read it again.
+      std::memmove(out, src.Row(srcY + k) + srcX, bytes);
+    }
+  }
+}
+
+void Raster::ShareFrom(const Raster& src) {
+  width = src.width;
+  height = src.height;
+  mono = src.mono;
+  pinned_ = nullptr;
+  if (!src.pinned()) {
+    bands_ = src.bands_;
+    return;
+  }
+  bands_.assign(src.bands_.size(), UniformBand(UniformBlock(kBlack)));
+  CopyRows(src, 0, 0, 0, 0, width, height);
+}
+
+std::uint32_t* Raster::Pin() {
+  if (pinned_) return pinned_;
+  const std::size_t rowPixels = static_cast<std::size_t>(width);
+  std::shared_ptr<std::uint32_t[]> memory = NewRows(rowPixels * static_cast<std::size_t>(height));
+  for (int y = 0; y < height; ++y) std::memcpy(memory.get() + rowPixels * y, Row(y), rowPixels * sizeof(std::uint32_t));
+  for (std::size_t b = 0; b < bands_.size(); ++b) {
+    auto block = std::make_shared<Block>();
+    block->memory = memory;
+    block->rows = memory.get() + rowPixels * (b << kBandShift);
+    bands_[b] = Band{block, block->rows, rowPixels};
+  }
+  pinned_ = memory.get();
+  return pinned_;
+}
+
+std::size_t Raster::StoredBytes() const {
+  std::vector<const Block*> counted;
+  std::size_t total = 0;
+  for (std::size_t b = 0; b < bands_.size(); ++b) {
+    const Block* block = bands_[b].block.get();
+    if (std::find(counted.begin(), counted.end(), block) != counted.end()) continue;
+    counted.push_back(block);
+    total += (bands_[b].step == 0 ? 1 : static_cast<std::size_t>(BandHeight(static_cast<int>(b)))) *
+             static_cast<std::size_t>(width) * sizeof(std::uint32_t);
+  }
+  return total;
+}
+
+namespace {
+
+std::uint32_t LoadWord(const std::uint8_t* p) {
+  std::uint32_t v;
+  std::memcpy(&v, p, 4);
+  return v;
+}
+void StoreWord(std::uint8_t* p, std::uint32_t v) { std::memcpy(p, &v, 4); }
+
+}  // namespace
+
+// Little-endian word layout: four pixels B G R x make three words of packed bytes.
+void PackRow24(const std::uint32_t* in, std::uint8_t* out, int count) {
+  int x = 0;
+  for (; x + 4 <= count; x += 4, in += 4, out += 12) {
+    const std::uint32_t p0 = in[0] & kColorMask, p1 = in[1] & kColorMask;
+    const std::uint32_t p2 = in[2] & kColorMask, p3 = in[3] & kColorMask;
+    StoreWord(out, p0 | (p1 << 24));
+    StoreWord(out + 4, (p1 >> 8) | (p2 << 16));
+    StoreWord(out + 8, (p2 >> 16) | (p3 << 8));
+  }
+  for (; x < count; ++x, ++in, out += 3) {
+    out[0] = static_cast<std::uint8_t>(*in);
+    out[1] = static_cast<std::uint8_t>(*in >> 8);
+    out[2] = static_cast<std::uint8_t>(*in >> 16);
+  }
+}
+
+void UnpackRow24(const std::uint8_t* in, std::uint32_t* out, int count) {
+  int x = 0;
+  for (; x + 4 <= count; x += 4, in += 12, out += 4) {
+    const std::uint32_t w0 = LoadWord(in), w1 = LoadWord(in + 4), w2 = LoadWord(in + 8);
+    out[0] = w0 & kColorMask;
+    out[1] = ((w0 >> 24) | (w1 << 8)) & kColorMask;
+    out[2] = ((w1 >> 16) | (w2 << 16)) & kColorMask;
+    out[3] = w2 >> 8;
+  }
+  for (; x < count; ++x, in += 3, ++out) {
+    *out = static_cast<std::uint32_t>(in[0]) | (static_cast<std::uint32_t>(in[1]) << 8) |
+           (static_cast<std::uint32_t>(in[2]) << 16);
+  }
 }
 
 void ConvertRow(const Conversion& conversion, const std::uint32_t* in, std::uint32_t* out, int count) {

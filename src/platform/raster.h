@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "platform/types.h"
@@ -20,19 +21,91 @@ inline constexpr std::int64_t kMaxPixels = std::int64_t{1} << 28;
 // Pixels are 0x00RRGGBB (bytes blue, green, red, 0 in memory: the 32-bit DIB layout),
 // rows top-down. A monochrome raster holds only kBlack (bit 0) and kWhite (bit 1), so
 // the bitwise raster operations work on both kinds without special cases.
-struct Raster {
+//
+// Storage is copy-on-write in bands of kBandRows rows. A band is either one colour
+// (kept as a single row that every row of the band reads) or rows of its own; bands
+// are shared by reference between rasters, so a whole copy between rasters of the same
+// width shares them instead of copying, and a writer materialises only the bands it
+// touches. A new bitmap, a filled one and a copy of an unchanged one thus cost almost
+// nothing, and a history snapshot of an untouched drawing layer shares everything.
+// Every reader goes through Row() and every writer through MutableRow(), which is the
+// only way to get a writable pointer: never write through a pointer from Row().
+//
+// A pinned raster keeps all its rows in one contiguous block that it never shares, so
+// a pointer to its pixels (a DIB section's bits) stays valid and sees every change.
+inline constexpr int kBandShift = 4;
+inline constexpr int kBandRows = 1 << kBandShift;
+
+class Raster {
+ public:
+  Raster() = default;
+  Raster(Raster&&) noexcept = default;
+  Raster& operator=(Raster&&) noexcept = default;
+  // Copies share bands; use ShareFrom, which also respects pinning.
+  Raster(const Raster&) = delete;
+  Raster& operator=(const Raster&) = delete;
+
   int width = 0;
   int height = 0;
   bool mono = false;
-  std::vector<std::uint32_t> pixels;
 
-  std::uint32_t* Row(int y) { return pixels.data() + static_cast<std::size_t>(y) * width; }
-  const std::uint32_t* Row(int y) const { return pixels.data() + static_cast<std::size_t>(y) * width; }
+  // Row y for reading; valid until this raster next changes.
+  const std::uint32_t* Row(int y) const {
+    const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
+    return band.rows + static_cast<std::size_t>(y & (kBandRows - 1)) * band.step;
+  }
+  // Row y for writing: its band becomes this raster's own first (copied or expanded
+  // from its single colour). Ask for the written rows before reading rows of the same
+  // raster that may share their band.
+  std::uint32_t* MutableRow(int y) {
+    Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
+    if (band.step == 0 || band.block.use_count() != 1) Materialise(y >> kBandShift);
+    return band.rows + static_cast<std::size_t>(y & (kBandRows - 1)) * band.step;
+  }
+  // The colour of every pixel of row y when its band is stored as one colour.
+  bool RowIsUniform(int y, std::uint32_t* pixel) const {
+    const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
+    if (band.step != 0) return false;
+    *pixel = band.rows[0];
+    return true;
+  }
+
+  // Gives a black width x height raster; false (raster untouched) when the size is
+  // not positive or beyond kMaxPixels.
+  bool Allocate(int newWidth, int newHeight, bool newMono);
+  // Columns [x0, x1) of rows [y0, y1) become `pixel`; bands covered whole become one
+  // colour.
+  void Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel);
+  // Rows [srcY, srcY + count) of `src`, columns [srcX, srcX + columns), are copied to
+  // rows from destY, columns from destX. Whole bands of equal-width rasters at the
+  // same band offset are shared rather than copied. `src` is another raster.
+  void CopyRows(const Raster& src, int srcX, int srcY, int destX, int destY, int columns, int count);
+  // This raster becomes a copy of `src` (same size and kind), sharing its bands.
+  void ShareFrom(const Raster& src);
+  // Makes the rows one contiguous block that stays this raster's own; returns it.
+  std::uint32_t* Pin();
+  bool pinned() const { return pinned_ != nullptr; }
+  // Bytes of pixel rows this raster keeps alive (shared bands counted in full).
+  std::size_t StoredBytes() const;
+
+ private:
+  struct Block;
+  struct Band {
+    std::shared_ptr<Block> block;
+    std::uint32_t* rows = nullptr;
+    std::size_t step = 0;  // width for rows of its own, 0 for one colour
+  };
+  int BandHeight(int band) const {
+    const int first = band << kBandShift;
+    return height - first < kBandRows ? height - first : kBandRows;
+  }
+  static Band UniformBand(const std::shared_ptr<Block>& block);
+  std::shared_ptr<Block> UniformBlock(std::uint32_t pixel) const;
+  void Materialise(int band);
+
+  std::vector<Band> bands_;
+  std::uint32_t* pinned_ = nullptr;
 };
-
-// Gives `raster` a black width x height pixel block; false (raster untouched) when the
-// size is not positive, beyond kMaxPixels, or memory is short.
-bool Allocate(Raster& raster, int width, int height, bool mono);
 
 constexpr std::uint32_t PixelOf(COLORREF color) {
   return ((color & 0xFF) << 16) | (color & 0xFF00) | ((color >> 16) & 0xFF);
@@ -61,6 +134,11 @@ struct Conversion {
   std::uint32_t key = kWhite;
 };
 void ConvertRow(const Conversion& conversion, const std::uint32_t* in, std::uint32_t* out, int count);
+
+// 32-bit pixels to packed 24-bit blue, green, red bytes and back (the top byte is
+// dropped, and read back as 0). Both work four pixels at a time on whole words.
+void PackRow24(const std::uint32_t* in, std::uint8_t* out, int count);
+void UnpackRow24(const std::uint8_t* in, std::uint32_t* out, int count);
 
 // Ternary raster operations, by the operation index (bits 16..23 of the ROP code): bit
 // (P*4 + S*2 + D) of the index is the result for pattern bit P, source bit S, dest bit D.

@@ -67,11 +67,11 @@ void Coverage::Subtract(Coverage& other) {
 
 void PaintSpans(Raster& raster, const std::vector<Span>& spans, std::uint32_t pixel, std::uint8_t rop) {
   for (const Span& span : spans)
-    ApplyRop(rop, nullptr, pixel, raster.Row(span.y) + span.x0, span.x1 - span.x0);
+    ApplyRop(rop, nullptr, pixel, raster.MutableRow(span.y) + span.x0, span.x1 - span.x0);
 }
 
 void PaintPixel(Raster& raster, int x, int y, std::uint32_t pixel, std::uint8_t rop) {
-  ApplyRop(rop, nullptr, pixel, raster.Row(y) + x, 1);
+  ApplyRop(rop, nullptr, pixel, raster.MutableRow(y) + x, 1);
 }
 
 }  // namespace platform::raster

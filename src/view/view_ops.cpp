@@ -48,22 +48,30 @@ void CImageEditWnd::OnPaint() {
     return;
   }
 
-  ComposeView();
+  // Only the part of the buffer the window shows is composed: a repaint costs in
+  // proportion to the window, not to the picture.
+  const RECT& update = paint.rcPaint;
+  const RECT visible{update.left + m_view.hScrollPos, update.top + m_view.vScrollPos,
+                     update.right + m_view.hScrollPos, update.bottom + m_view.vScrollPos};
+  ComposeView(&visible);
   // The selection box is drawn on the window here once it exists.
   BitBlt(windowDC, 0, 0, composition.width() - m_view.hScrollPos, composition.height() - m_view.vScrollPos,
          composition.dc(), m_view.hScrollPos, m_view.vScrollPos, SRCCOPY);
   EndPaint(m_hWnd, &paint);
 }
 
-void CImageEditWnd::ComposeView() {
+void CImageEditWnd::ComposeView(const RECT* area) {
   const Surface& composition = m_surfaces.composition;
   const Surface& image = m_surfaces.imageSurface;
   if (!composition.dc()) return;
+  RECT part = composition.rect;
+  if (area && !IntersectRect(&part, &composition.rect, area)) return;
   if (image.dc() && image.bitmap()) {
-    BitBlt(composition.dc(), 0, 0, composition.width(), composition.height(), image.dc(), 0, 0, SRCCOPY);
+    BitBlt(composition.dc(), part.left, part.top, part.right - part.left, part.bottom - part.top, image.dc(),
+           part.left, part.top, SRCCOPY);
   }
   if (m_surfaces.drawingLayer.dc() && m_surfaces.drawingLayer.bitmap())
-    CompositeDrawingLayer(composition.dc());
+    CompositeDrawingLayer(composition.dc(), &part);
   // Inserted objects and the frame join the composition here once they exist.
 }
 

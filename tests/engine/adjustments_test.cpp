@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "control/image_edit_ctrl.h"
 #include "imageio/bmp_builder.h"
 #include "pixels/pixel_buffer.h"
+#include "pixels/reference_passes.h"
 #include "support/temp_files.h"
 #include "test_support.h"
 
@@ -253,3 +255,46 @@ TEST_F(AdjustmentsTest, AWorkingCopyOutOfMemorySkipsItsFilterButKeepsTheSetting)
 }
 
 }  // namespace
+
+// Pixel-wise passes run a block of rows at a time, and at 1:1 read straight from the
+// original; neither may change a byte. A random picture taller than a block, filling
+// its surface (first) or centred in a larger one (second), against the plain passes.
+TEST_F(AdjustmentsTest, BlockwiseRebuildGivesThePlainPassesBytes) {
+  for (const bool fills : {true, false}) {
+    SCOPED_TRACE(fills ? "filling the surface" : "centred in it");
+    std::mt19937 random(17);
+    const int width = fills ? 71 : 33;
+    const int height = fills ? 150 : 131;
+    std::vector<Bytes> pixels(static_cast<std::size_t>(width * height));
+    for (Bytes& b : pixels) b = {static_cast<BYTE>(random()), static_cast<BYTE>(random()), static_cast<BYTE>(random())};
+    control_ = std::make_unique<CImageEditCtrl>();
+    if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
+    Load(width, height, pixels, fills ? 40 : 90, fills ? 30 : 200);
+    for (const Call& call : {Call{"BrightenImage", {130}}, Call{"CorrectGamma", {60, 30, 45}}, Call{"HueImage", {40}},
+                             Call{"SaturateImage", {150}}})
+      Run(call);
+    Run({"InvertImage", {1}});
+
+    // The plain passes on the picture as loaded: colour pass, then the inversion.
+    PixelBuffer expected(width, height);
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) {
+        BYTE* p = expected.data() + static_cast<std::size_t>(height - 1 - y) * expected.stride() + x * 3;
+        const Bytes& b = pixels[static_cast<std::size_t>(y * width + x)];
+        p[0] = b[0], p[1] = b[1], p[2] = b[2];
+      }
+    }
+    reference::AdjustColors(expected.Whole(), editor().m_settings);
+    ForEachPixel(expected.Whole(), [](BYTE* p, int, int) {
+      for (int k = 0; k < 3; ++k) p[k] = static_cast<BYTE>(255 - p[k]);
+    });
+    std::vector<Bytes> expectedPixels;
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) {
+        const BYTE* p = expected.data() + static_cast<std::size_t>(height - 1 - y) * expected.stride() + x * 3;
+        expectedPixels.push_back({p[0], p[1], p[2]});
+      }
+    }
+    ASSERT_EQ(Picture(), Colors(expectedPixels));
+  }
+}

@@ -238,3 +238,38 @@ TEST(GdiWindowDc, DrawsAtItsOriginAndOnlyInsideItsClip) {
 }
 
 }  // namespace
+
+// The 1:1 span kernel against the rule pixel by pixel, on random pictures with the
+// key colour in runs and whole rows, for rectangles inside, across and outside both
+// bitmaps (odd sizes, one pixel).
+TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
+  std::mt19937 random(13);
+  const COLORREF key = RGB(0x13, 0x43, 0x0B);
+  const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  for (int round = 0; round < 60; ++round) {
+    const int sw = 1 + pick(37), sh = 1 + pick(40), dw = 1 + pick(37), dh = 1 + pick(40);
+    MemSurface src(sw, sh), dst(dw, dh);
+    std::vector<std::vector<COLORREF>> source(static_cast<std::size_t>(sh)), target(static_cast<std::size_t>(dh));
+    for (int y = 0; y < sh; ++y) {
+      const bool keyRow = pick(3) == 0;
+      for (int x = 0; x < sw; ++x)
+        source[y].push_back(keyRow || pick(2) ? key : static_cast<COLORREF>(random() & 0xFFFFFF));
+      src.SetRow(y, source[y]);
+    }
+    for (int y = 0; y < dh; ++y) {
+      for (int x = 0; x < dw; ++x) target[y].push_back(static_cast<COLORREF>(random() & 0xFFFFFF));
+      dst.SetRow(y, target[y]);
+    }
+    const int w = 1 + pick(40), h = 1 + pick(40);
+    const int x = pick(dw + 10) - 5, y = pick(dh + 10) - 5, sx = pick(sw + 10) - 5, sy = pick(sh + 10) - 5;
+    ASSERT_TRUE(TransparentBlt(dst.dc(), x, y, w, h, src.dc(), sx, sy, w, h, key));
+    for (int j = 0; j < h; ++j) {
+      for (int i = 0; i < w; ++i) {
+        const bool inside = x + i >= 0 && x + i < dw && y + j >= 0 && y + j < dh && sx + i >= 0 && sx + i < sw &&
+                            sy + j >= 0 && sy + j < sh;
+        if (inside && source[sy + j][sx + i] != key) target[y + j][x + i] = source[sy + j][sx + i];
+      }
+    }
+    for (int row = 0; row < dh; ++row) ASSERT_EQ(dst.Row(row, dw), target[row]) << "round " << round;
+  }
+}

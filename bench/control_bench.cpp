@@ -1,0 +1,360 @@
+// The control as a host drives it, timed against the closest work OpenCV does on the
+// same picture in the same run. A 1024 x 768 control in a host window is called
+// through the dispatch interface by name, and every call is followed by the paint a
+// message loop would run, as in the script host. The picture is a generated,
+// photo-like 4000 x 3000 one (smooth gradients, texture and noise), saved as a JPEG of
+// quality 90 and as a 24-bit bitmap file into the temp folder.
+//
+// For each operation the bench prints our median, the OpenCV median, their ratio and
+// our median as a multiple of a memcpy of the picture's 24-bit pixels. Peak memory
+// (VmHWM) of each memory scenario is measured in a fresh child process.
+//
+//   control_bench [RUNS]             the table (RUNS timed runs each, default 7)
+//   control_bench --memory SCENARIO  internal: one memory scenario in this process
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "control/dispatch_table.h"
+#include "control/image_edit_ctrl.h"
+#include "platform/platform.h"
+
+#ifdef IE_HAVE_OPENCV
+#include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+#endif
+
+// After the platform headers: jpeglib defines TRUE and FALSE as macros.
+#include "jpeg_file.h"
+
+namespace {
+
+constexpr int kWidth = 4000;
+constexpr int kHeight = 3000;
+constexpr int kControlWidth = 1024;
+constexpr int kControlHeight = 768;
+
+using Clock = std::chrono::steady_clock;
+
+std::string BenchFile(const char* name) { return platform::TempFolder() + "imageedit_control_bench_" + name; }
+
+// Blue, green, red rows, top-down, packed. Deterministic: the same bytes every run.
+std::vector<std::uint8_t> MakePhoto() {
+  std::vector<std::uint8_t> bgr(static_cast<std::size_t>(kWidth) * kHeight * 3);
+  std::uint32_t state = 1;
+  for (int y = 0; y < kHeight; ++y) {
+    const double fy = static_cast<double>(y) / kHeight;
+    for (int x = 0; x < kWidth; ++x) {
+      const double fx = static_cast<double>(x) / kWidth;
+      state = state * 214013u + 2531011u;
+      const double noise = static_cast<double>((state >> 16) & 31) - 15.5;
+      const double texture = 18.0 * std::sin(x * 0.21 + 3.0 * std::sin(y * 0.05)) * std::cos(y * 0.17);
+      const double sky = 60.0 + 150.0 * fy + 30.0 * std::sin(fx * 6.0 + fy * 2.0);
+      const double hills = 90.0 + 80.0 * std::sin(fx * 9.0) * std::cos(fy * 5.0);
+      const double sun = 200.0 * std::exp(-((fx - 0.7) * (fx - 0.7) + (fy - 0.3) * (fy - 0.3)) * 18.0);
+      const double channel[3] = {sky + texture * 0.5 + noise, hills + texture + noise, sun + 40.0 * fx + noise};
+      std::uint8_t* p = bgr.data() + (static_cast<std::size_t>(y) * kWidth + x) * 3;
+      for (int c = 0; c < 3; ++c) p[c] = static_cast<std::uint8_t>(std::clamp(channel[c], 0.0, 255.0));
+    }
+  }
+  return bgr;
+}
+
+void WriteJpeg(const std::vector<std::uint8_t>& bgr, const std::string& path) {
+  std::vector<std::uint8_t> rgb(bgr.size());
+  for (std::size_t i = 0; i < bgr.size(); i += 3) {
+    rgb[i] = bgr[i + 2];
+    rgb[i + 1] = bgr[i + 1];
+    rgb[i + 2] = bgr[i];
+  }
+  if (!WriteJpegFile(rgb.data(), kWidth, kHeight, 90, path)) {
+    std::perror(path.c_str());
+    std::exit(1);
+  }
+}
+
+void Put32(std::uint8_t* p, std::uint32_t v) {
+  for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(v >> (8 * i));
+}
+
+void WriteBitmap(const std::vector<std::uint8_t>& bgr, const std::string& path) {
+  const std::size_t stride = (static_cast<std::size_t>(kWidth) * 3 + 3) & ~std::size_t{3};
+  std::uint8_t header[54] = {'B', 'M'};
+  Put32(header + 2, static_cast<std::uint32_t>(54 + stride * kHeight));
+  Put32(header + 10, 54);
+  Put32(header + 14, 40);
+  Put32(header + 18, kWidth);
+  Put32(header + 22, kHeight);
+  header[26] = 1;
+  header[28] = 24;
+  Put32(header + 34, static_cast<std::uint32_t>(stride * kHeight));
+  std::ofstream out(path, std::ios::binary);
+  out.write(reinterpret_cast<const char*>(header), sizeof header);
+  std::vector<char> row(stride, 0);
+  for (int y = kHeight - 1; y >= 0; --y) {
+    std::memcpy(row.data(), bgr.data() + static_cast<std::size_t>(y) * kWidth * 3, static_cast<std::size_t>(kWidth) * 3);
+    out.write(row.data(), static_cast<std::streamsize>(stride));
+  }
+}
+
+// One control in a host window, called by name as a scripting host calls it.
+class HostedControl {
+ public:
+  HostedControl() {
+    window_ = platform::CreateHostWindow(kControlWidth, kControlHeight);
+    control_ = std::make_unique<CImageEditCtrl>();
+    if (!window_ || !control_->CreateControl(window_, kControlWidth, kControlHeight)) {
+      std::fprintf(stderr, "control_bench: cannot create the control\n");
+      std::exit(1);
+    }
+  }
+  ~HostedControl() {
+    control_->DestroyWindow();
+    control_.reset();
+    DestroyWindow(window_);
+  }
+
+  void Call(const char* method, std::vector<Variant> args) {
+    const InvokeResult result = Invoke(*control_, method, args);
+    if (FAILED(result.hr)) {
+      std::fprintf(stderr, "control_bench: %s: %s\n", method, result.error.c_str());
+      std::exit(1);
+    }
+    platform::FlushPaint(window_);
+  }
+  void Call(const char* method, int value) { Call(method, {Variant::Int(value)}); }
+  void Call(const char* method, const std::string& text) { Call(method, {Variant::String(text)}); }
+  void Scroll(UINT code) {
+    SendMessageA(control_->m_editor.m_hWnd, WM_VSCROLL, code, 0);
+    platform::FlushPaint(window_);
+  }
+
+ private:
+  HWND window_ = nullptr;
+  std::unique_ptr<CImageEditCtrl> control_;
+};
+
+double Milliseconds(Clock::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  const std::size_t n = values.size();
+  return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
+}
+
+// The median of `runs` timings of `timed`, each after an untimed `prepare`.
+double MedianOf(int runs, const std::function<void()>& prepare, const std::function<void()>& timed) {
+  std::vector<double> times;
+  for (int i = 0; i < runs; ++i) {
+    if (prepare) prepare();
+    const auto start = Clock::now();
+    timed();
+    times.push_back(Milliseconds(Clock::now() - start));
+  }
+  return Median(times);
+}
+
+struct Row {
+  std::string operation;
+  double ours;
+  std::optional<double> peer;
+  std::string peerName;
+};
+
+void PrintTable(const std::vector<Row>& rows, double memcpyMs) {
+  std::printf("\n%-34s %10s %10s %7s %9s  %s\n", "operation", "ours ms", "peer ms", "ratio", "x memcpy",
+              "peer");
+  for (const Row& row : rows) {
+    std::printf("%-34s %10.1f ", row.operation.c_str(), row.ours);
+    if (row.peer) {
+      std::printf("%10.1f %7.2f ", *row.peer, row.ours / *row.peer);
+    } else {
+      std::printf("%10s %7s ", "-", "-");
+    }
+    std::printf("%9.1f  %s\n", row.ours / memcpyMs, row.peerName.c_str());
+  }
+  std::printf("(memcpy of the 24-bit picture, %.0f MB: %.2f ms)\n", kWidth * 3.0 * kHeight / 1e6, memcpyMs);
+}
+
+double PeakMegabytes() {
+  std::ifstream status("/proc/self/status");
+  std::string line;
+  while (std::getline(status, line)) {
+    if (line.rfind("VmHWM:", 0) == 0) return std::stod(line.substr(6)) / 1024.0;
+  }
+  return -1;
+}
+
+// One memory scenario in this process; prints its peak.
+int RunMemoryScenario(const std::string& scenario) {
+  const std::string jpeg = BenchFile("photo.jpg");
+  HostedControl control;
+  if (scenario == "one-picture") {
+    control.Call("SetImage", jpeg);
+  } else if (scenario == "history") {
+    // Twelve loads: ten levels of history, each with a snapshot of a drawing layer
+    // that holds nothing.
+    for (int i = 0; i < 12; ++i) control.Call("SetImage", jpeg);
+  } else if (scenario == "adjusted-history") {
+    control.Call("SetImage", jpeg);
+    for (int i = 0; i < 10; ++i) control.Call("BrightenImage", 110 + i);
+    control.Call("Undo", std::vector<Variant>{});
+  } else {
+    return 2;
+  }
+  std::printf("%.1f\n", PeakMegabytes());
+  return 0;
+}
+
+std::optional<double> ChildPeak(const char* self, const char* scenario) {
+  int pipes[2];
+  if (pipe(pipes) != 0) return std::nullopt;
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(pipes[1], 1);
+    close(pipes[0]);
+    execl(self, self, "--memory", scenario, static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  close(pipes[1]);
+  char text[64] = {};
+  const ssize_t n = read(pipes[0], text, sizeof text - 1);
+  close(pipes[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  if (n <= 0 || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
+  return std::atof(text);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc == 3 && std::string(argv[1]) == "--memory") return RunMemoryScenario(argv[2]);
+  const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 7;
+
+  const std::vector<std::uint8_t> photo = MakePhoto();
+  const std::string jpeg = BenchFile("photo.jpg");
+  const std::string bmp = BenchFile("photo.bmp");
+  const std::string saved = BenchFile("saved.bmp");
+  WriteJpeg(photo, jpeg);
+  WriteBitmap(photo, bmp);
+
+  std::vector<std::uint8_t> copy(photo.size());
+  const double memcpyMs = MedianOf(runs * 3, nullptr, [&] { std::memcpy(copy.data(), photo.data(), photo.size()); });
+
+  std::vector<Row> rows;
+  HostedControl control;
+  const auto ours = [&](const std::function<void()>& prepare, const std::function<void()>& timed) {
+    return MedianOf(runs, prepare, timed);
+  };
+
+  rows.push_back({"SetImage (JPEG)", ours(nullptr, [&] { control.Call("SetImage", jpeg); }), {}, "cv::imread JPEG"});
+  rows.push_back({"SetImage (24-bit bitmap file)", ours(nullptr, [&] { control.Call("SetImage", bmp); }), {},
+                  "cv::imread BMP"});
+
+  // Each setter is timed from the neutral setting to another value, so that it runs
+  // its own pass alone.
+  const auto setter = [&](const char* name, int neutral, int value) {
+    const double median = ours([&] { control.Call(name, neutral); }, [&] { control.Call(name, value); });
+    control.Call(name, neutral);
+    return median;
+  };
+  rows.push_back({"BrightenImage(150)", setter("BrightenImage", 100, 150), {}, "cv::LUT"});
+  rows.push_back({"ContrastImage(150)", setter("ContrastImage", 100, 150), {}, "cv::LUT"});
+  rows.push_back({"CorrectGamma(60, 50, 30)",
+                  ours([&] { control.Call("CorrectGamma", {Variant::Int(40), Variant::Int(40), Variant::Int(40)}); },
+                       [&] { control.Call("CorrectGamma", {Variant::Int(60), Variant::Int(50), Variant::Int(30)}); }),
+                  {},
+                  "cv::LUT"});
+  control.Call("CorrectGamma", {Variant::Int(40), Variant::Int(40), Variant::Int(40)});
+  rows.push_back({"WhitenImage(1)", setter("WhitenImage", 0, 1), {}, "cv::LUT"});
+  rows.push_back({"SharpenImage(1)", setter("SharpenImage", 0, 1), {}, "cv::filter2D 3x3"});
+  rows.push_back({"SmoothImage(1)", setter("SmoothImage", 0, 1), {}, "cv::filter2D 3x3"});
+  rows.push_back({"HueImage(50)", setter("HueImage", 0, 50), {}, "cv::transform (double)"});
+  rows.push_back({"SaturateImage(150)", setter("SaturateImage", 100, 150), {}, "cv::transform (double)"});
+
+  // Undo and redo between two brightness levels: each restore runs a full pass.
+  control.Call("BrightenImage", 120);
+  control.Call("BrightenImage", 150);
+  std::vector<double> undo, redo;
+  for (int i = 0; i < runs; ++i) {
+    auto start = Clock::now();
+    control.Call("Undo", std::vector<Variant>{});
+    undo.push_back(Milliseconds(Clock::now() - start));
+    start = Clock::now();
+    control.Call("Redo", std::vector<Variant>{});
+    redo.push_back(Milliseconds(Clock::now() - start));
+  }
+  rows.push_back({"Undo (of a brightness level)", Median(undo), {}, "cv::LUT"});
+  rows.push_back({"Redo (of a brightness level)", Median(redo), {}, "cv::LUT"});
+
+  control.Call("BrightenImage", 100);
+  rows.push_back({"SaveEditedBitmap", ours(nullptr, [&] { control.Call("SaveEditedBitmap", saved); }), {},
+                  "cv::imwrite BMP"});
+  // What flushing the saved file to the disk costs on top (an atomic save syncs it).
+  rows.push_back({"  fsync of the saved file", ours([&] { control.Call("SaveEditedBitmap", saved); },
+                                                    [&] {
+                                                      std::FILE* f = std::fopen(saved.c_str(), "rb+");
+                                                      if (f) {
+                                                        fsync(fileno(f));
+                                                        std::fclose(f);
+                                                      }
+                                                    }),
+                  {},
+                  ""});
+  rows.push_back({"repaint (scroll by one line)", ours(nullptr, [&] { control.Scroll(SB_LINEDOWN); }), {}, ""});
+
+#ifdef IE_HAVE_OPENCV
+  cv::setNumThreads(1);
+  const cv::Mat image(kHeight, kWidth, CV_8UC3, const_cast<std::uint8_t*>(photo.data()));
+  cv::Mat out;
+  cv::Mat table(1, 256, CV_8U);
+  for (int i = 0; i < 256; ++i) table.at<std::uint8_t>(i) = static_cast<std::uint8_t>(std::min(255, i + 127));
+  const cv::Mat box = cv::Mat::ones(3, 3, CV_32F) / 9.0f;
+  const cv::Mat matrix = (cv::Mat_<double>(3, 4) << 0.8, 0.1, 0.1, 2, 0.1, 0.8, 0.1, 2, 0.1, 0.1, 0.8, 2);
+  const auto peer = [&](const std::function<void()>& work) { return MedianOf(runs, nullptr, work); };
+  const double read = peer([&] { out = cv::imread(jpeg); });
+  const double readBmp = peer([&] { out = cv::imread(bmp); });
+  const double lut = peer([&] { cv::LUT(image, table, out); });
+  const double filter = peer([&] { cv::filter2D(image, out, -1, box); });
+  const double transform = peer([&] { cv::transform(image, out, matrix); });
+  const double write = peer([&] { cv::imwrite(BenchFile("opencv.bmp"), image); });
+  for (Row& row : rows) {
+    if (row.peerName == "cv::imread JPEG") row.peer = read;
+    if (row.peerName == "cv::imread BMP") row.peer = readBmp;
+    if (row.peerName == "cv::LUT") row.peer = lut;
+    if (row.peerName == "cv::filter2D 3x3") row.peer = filter;
+    if (row.peerName == "cv::transform (double)") row.peer = transform;
+    if (row.peerName == "cv::imwrite BMP") row.peer = write;
+  }
+#else
+  for (Row& row : rows) row.peerName.clear();
+  std::printf("(built without OpenCV: no peer columns)\n");
+#endif
+  PrintTable(rows, memcpyMs);
+
+  std::printf("\npeak memory (VmHWM of a fresh process)\n");
+  for (const char* scenario : {"one-picture", "history", "adjusted-history"}) {
+    const std::optional<double> peak = ChildPeak("/proc/self/exe", scenario);
+    if (peak) {
+      std::printf("  %-18s %7.1f MB\n", scenario, *peak);
+    } else {
+      std::printf("  %-18s failed\n", scenario);
+    }
+  }
+  std::remove(saved.c_str());
+  std::remove(BenchFile("opencv.bmp").c_str());
+  return 0;
+}

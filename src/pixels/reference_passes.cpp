@@ -1,0 +1,84 @@
+#include "pixels/reference_passes.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+#include "pixels/adjust_colors.h"
+#include "pixels/working_copy.h"
+
+namespace reference {
+namespace {
+
+BYTE ClampByte(int value) { return static_cast<BYTE>(std::clamp(value, 0, 255)); }
+
+template <typename NewByte>
+void RunNeighbourhoodFilter(const PixelRect& rect, int steps, NewByte&& newByte,
+                            void (*beforeRefill)(const PixelRect&) = nullptr) {
+  if (rect.empty()) return;
+  WorkingCopy copy(rect);
+  if (!copy.valid()) return;
+  for (int step = 0; step < steps; ++step) {
+    if (beforeRefill) beforeRefill(rect);
+    copy.Refill();
+    ForEachPixel(rect, [&](BYTE* pixel, int x, int y) {
+      const BYTE* source = copy.Around(x, y);
+      for (int i = 0; i < 3; ++i) pixel[i] = newByte(source + i, copy.rowBytes());
+    });
+  }
+}
+
+void LiftTowardsWhite(const PixelRect& rect) {
+  ForEachPixel(rect, [](BYTE* pixel, int, int) {
+    for (int i = 0; i < 3; ++i) pixel[i] = static_cast<BYTE>(255 - ((255 - pixel[i]) * (255 - pixel[i])) / 255);
+  });
+}
+
+}  // namespace
+
+void AdjustColors(const PixelRect& rect, const AdjustmentSettings& settings) {
+  for (const ByteTables& step : ColorTableSteps(settings)) {
+    ForEachPixel(rect, [&](BYTE* pixel, int, int) {
+      for (int k = 0; k < 3; ++k) pixel[k] = step.byte[k][pixel[k]];
+    });
+  }
+  const std::optional<ColorMatrix> m = ColorMatrixStep(settings);
+  if (!m) return;
+  ForEachPixel(rect, [&](BYTE* pixel, int, int) {
+    const double c0 = pixel[0];
+    const double c1 = pixel[1];
+    const double c2 = pixel[2];
+    for (int j = 0; j < 3; ++j) {
+      const double v = ((c2 * (*m)[2][j] + c1 * (*m)[1][j]) + c0 * (*m)[0][j]) + (*m)[3][j];
+      pixel[j] = v < 0 ? 0 : v > 255 ? 255 : static_cast<BYTE>(v);
+    }
+  });
+}
+
+void WhitenPixels(const PixelRect& rect, int steps) {
+  RunNeighbourhoodFilter(
+      rect, steps,
+      [](const BYTE* c, std::ptrdiff_t row) {
+        const int blurred = (c[-row - 3] + 2 * c[-row] + c[-row + 3] + 2 * c[-3] + 4 * c[0] + 2 * c[3] +
+                             c[row - 3] + 2 * c[row] + c[row + 3]) >>
+                            4;
+        return ClampByte(static_cast<int>(blurred * 0.9 + 25.5));
+      },
+      LiftTowardsWhite);
+}
+
+void SharpenPixels(const PixelRect& rect, int steps) {
+  RunNeighbourhoodFilter(rect, steps, [](const BYTE* c, std::ptrdiff_t row) {
+    return ClampByte((36 * c[0] - c[-row] - c[row] - c[-3] - c[3]) / 32);
+  });
+}
+
+void SmoothPixels(const PixelRect& rect, int steps) {
+  RunNeighbourhoodFilter(rect, steps, [](const BYTE* c, std::ptrdiff_t row) {
+    int sum = 0;
+    for (std::ptrdiff_t dy : {-row, std::ptrdiff_t{0}, row}) sum += c[dy - 3] + c[dy] + c[dy + 3];
+    return static_cast<BYTE>(sum / 9);
+  });
+}
+
+}  // namespace reference

@@ -1,0 +1,132 @@
+// The optimised passes against their plain references (pixels/reference_passes.h) on
+// seeded random pictures: odd widths, a single pixel, rectangles inside a larger
+// buffer, every setting family. Bytes must agree exactly, inside and outside the
+// rectangle. Step counts in the billions end quickly and land where the plain filter
+// would after that many steps.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <functional>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "pixels/adjust_colors.h"
+#include "pixels/filters.h"
+#include "pixels/reference_passes.h"
+#include "platform/platform.h"
+
+namespace {
+
+struct Picture {
+  int width, height, stride;
+  std::vector<BYTE> bytes;
+  Picture(int w, int h, std::mt19937& random) : width(w), height(h), stride((w * 3 + 3) & ~3) {
+    bytes.resize(static_cast<std::size_t>(stride) * h);
+    for (BYTE& b : bytes) b = static_cast<BYTE>(random());
+  }
+  PixelRect Rect(int x0, int y0, int x1, int y1) { return PixelRect{bytes.data(), x0, y0, x1, y1, stride}; }
+};
+
+struct Shape {
+  int width, height;
+  int x0, y0, x1, y1;  // the rectangle the passes work on
+};
+
+// Whole pictures of awkward sizes, and rectangles well inside larger ones.
+const Shape kShapes[] = {{1, 1, 0, 0, 1, 1},     {7, 5, 0, 0, 7, 5},   {13, 9, 2, 3, 11, 8},
+                         {33, 70, 1, 0, 32, 70}, {5, 1, 0, 0, 5, 1},   {1, 6, 0, 0, 1, 6},
+                         {600, 520, 3, 5, 597, 519}};
+
+AdjustmentSettings RandomColorSettings(std::mt19937& random) {
+  AdjustmentSettings s;
+  std::uniform_int_distribution<int> arg(0, 200);
+  if (random() % 2) s.brightness = arg(random) - 100;
+  if (random() % 2) s.contrast = arg(random) - 100;
+  if (random() % 2) {
+    s.redGamma = arg(random) * 0x1.97F62B6AE7D57p-6 + 0.004;
+    s.blueGamma = arg(random) * 0x1.97F62B6AE7D57p-6 + 0.004;
+  }
+  if (random() % 2) s.hue = arg(random) * 1.8;
+  if (random() % 2) s.saturation = arg(random) * 0.01;
+  return s;
+}
+
+TEST(PassDifferential, ColourPassMatchesTheReference) {
+  std::mt19937 random(7);
+  for (const Shape& shape : kShapes) {
+    for (int round = 0; round < 12; ++round) {
+      const AdjustmentSettings settings = RandomColorSettings(random);
+      Picture fast(shape.width, shape.height, random);
+      Picture plain = fast;
+      AdjustColors(fast.Rect(shape.x0, shape.y0, shape.x1, shape.y1), settings);
+      reference::AdjustColors(plain.Rect(shape.x0, shape.y0, shape.x1, shape.y1), settings);
+      ASSERT_EQ(fast.bytes, plain.bytes) << shape.width << "x" << shape.height << " round " << round;
+    }
+  }
+}
+
+using Filter = void (*)(const PixelRect&, int, const OutOfMemoryHandler&);
+using PlainFilter = void (*)(const PixelRect&, int);
+struct FilterPair {
+  const char* name;
+  Filter fast;
+  PlainFilter plain;
+};
+const FilterPair kFilters[] = {{"whiten", WhitenPixels, reference::WhitenPixels},
+                               {"sharpen", SharpenPixels, reference::SharpenPixels},
+                               {"smooth", SmoothPixels, reference::SmoothPixels}};
+
+TEST(PassDifferential, NeighbourhoodFiltersMatchTheReference) {
+  std::mt19937 random(11);
+  for (const FilterPair& filter : kFilters) {
+    for (const Shape& shape : kShapes) {
+      for (int steps : {-2, 0, 1, 2, 5}) {
+        if (shape.width * shape.height > 10000 && steps > 2) continue;
+        Picture fast(shape.width, shape.height, random);
+        Picture plain = fast;
+        filter.fast(fast.Rect(shape.x0, shape.y0, shape.x1, shape.y1), steps, {});
+        filter.plain(plain.Rect(shape.x0, shape.y0, shape.x1, shape.y1), steps);
+        ASSERT_EQ(fast.bytes, plain.bytes) << filter.name << " " << shape.width << "x" << shape.height << " steps "
+                                           << steps;
+      }
+    }
+  }
+}
+
+// The plain filter run step by step until its pixels repeat: the state after
+// `steps` steps, worked out from where the cycle starts and how long it is.
+std::vector<BYTE> PlainAfter(const FilterPair& filter, Picture picture, const Shape& shape, long long steps) {
+  std::map<std::string, long long> seen;
+  std::vector<std::vector<BYTE>> states;
+  for (long long done = 0;; ++done) {
+    if (done == steps) return picture.bytes;
+    const auto [found, fresh] = seen.emplace(std::string(picture.bytes.begin(), picture.bytes.end()), done);
+    if (!fresh) {
+      const long long start = found->second;
+      const long long cycle = done - start;
+      return states[static_cast<std::size_t>(start + (steps - start) % cycle)];
+    }
+    states.push_back(picture.bytes);
+    filter.plain(picture.Rect(shape.x0, shape.y0, shape.x1, shape.y1), 1);
+  }
+}
+
+TEST(PassDifferential, HugeStepCountsSkipWholeCyclesAndEndWhereThePlainFilterWould) {
+  std::mt19937 random(3);
+  const Shape shapes[] = {{16, 8, 0, 0, 16, 8}, {5, 4, 1, 1, 4, 3}, {1, 1, 0, 0, 1, 1}};
+  for (const FilterPair& filter : kFilters) {
+    for (const Shape& shape : shapes) {
+      for (long long steps : {3LL, 40LL, 1001LL, static_cast<long long>(INT_MAX)}) {
+        Picture fast(shape.width, shape.height, random);
+        const std::vector<BYTE> expected = PlainAfter(filter, fast, shape, steps);
+        filter.fast(fast.Rect(shape.x0, shape.y0, shape.x1, shape.y1), static_cast<int>(steps), {});
+        ASSERT_EQ(fast.bytes, expected) << filter.name << " " << shape.width << "x" << shape.height << " steps "
+                                        << steps;
+      }
+    }
+  }
+}
+
+}  // namespace

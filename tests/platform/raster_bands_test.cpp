@@ -1,0 +1,125 @@
+// The banded, copy-on-write raster against a plain array of rows: seeded random
+// fills, row copies (aligned, so that bands are shared, and not), writes through
+// MutableRow, whole copies and pinning, on awkward sizes; every row must read the
+// same. Also the 24-bit row packing against a byte-by-byte loop.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+#include "platform/raster.h"
+
+namespace {
+
+using platform::raster::Raster;
+
+struct Plain {
+  int width, height;
+  std::vector<std::uint32_t> pixels;
+  std::uint32_t* Row(int y) { return pixels.data() + static_cast<std::size_t>(y) * width; }
+};
+
+void ExpectSame(const Raster& raster, Plain& plain, const char* what, int round) {
+  for (int y = 0; y < plain.height; ++y) {
+    const std::vector<std::uint32_t> row(raster.Row(y), raster.Row(y) + plain.width);
+    const std::vector<std::uint32_t> expected(plain.Row(y), plain.Row(y) + plain.width);
+    ASSERT_EQ(row, expected) << what << " round " << round << " row " << y;
+  }
+}
+
+TEST(RasterBands, RandomOperationsReadLikePlainRows) {
+  std::mt19937 random(5);
+  const int sizes[][2] = {{1, 1}, {7, 33}, {64, 16}, {13, 47}, {40, 100}};
+  for (const auto& size : sizes) {
+    const int w = size[0], h = size[1];
+    Raster rasters[2];
+    Plain plains[2] = {{w, h, {}}, {w, h, {}}};
+    for (int i = 0; i < 2; ++i) {
+      ASSERT_TRUE(rasters[i].Allocate(w, h, false));
+      plains[i].pixels.assign(static_cast<std::size_t>(w) * h, 0);
+    }
+    const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    for (int round = 0; round < 300; ++round) {
+      const int a = pick(2), b = 1 - a;
+      Raster& r = rasters[a];
+      Plain& p = plains[a];
+      const std::uint32_t colour = pick(3) == 0 ? 0x123456 : random() & 0xFFFFFF;
+      switch (pick(5)) {
+        case 0: {  // a fill, often of whole rows
+          const bool whole = pick(2) == 0;
+          const int x0 = whole ? 0 : pick(w), x1 = whole ? w : x0 + pick(w - x0 + 1);
+          const int y0 = pick(h), y1 = y0 + pick(h - y0 + 1);
+          r.Fill(x0, y0, x1, y1, colour);
+          for (int y = y0; y < y1; ++y) std::fill(p.Row(y) + x0, p.Row(y) + x1, colour);
+          break;
+        }
+        case 1: {  // a copy from the other raster, band-aligned half of the time
+          const int count = 1 + pick(h);
+          const int srcY = pick(h - count + 1);
+          const int destY = pick(2) == 0 ? srcY : pick(h - count + 1);
+          const bool whole = pick(2) == 0;
+          const int columns = whole ? w : 1 + pick(w);
+          const int srcX = whole ? 0 : pick(w - columns + 1), destX = whole ? 0 : pick(w - columns + 1);
+          r.CopyRows(rasters[b], srcX, srcY, destX, destY, columns, count);
+          for (int k = 0; k < count; ++k)
+            std::copy(plains[b].Row(srcY + k) + srcX, plains[b].Row(srcY + k) + srcX + columns,
+                      p.Row(destY + k) + destX);
+          break;
+        }
+        case 2: {  // single pixels written
+          for (int n = 0; n < 5; ++n) {
+            const int x = pick(w), y = pick(h);
+            r.MutableRow(y)[x] = colour;
+            p.Row(y)[x] = colour;
+          }
+          break;
+        }
+        case 3:  // a whole copy
+          r.ShareFrom(rasters[b]);
+          p.pixels = plains[b].pixels;
+          break;
+        default:  // pinned: the block seen through the pointer is the raster's rows
+          if (pick(8) == 0) {
+            const std::uint32_t* block = r.Pin();
+            ASSERT_EQ(std::vector<std::uint32_t>(block, block + p.pixels.size()), p.pixels);
+          }
+      }
+      ExpectSame(rasters[0], plains[0], "raster 0", round);
+      ExpectSame(rasters[1], plains[1], "raster 1", round);
+    }
+  }
+}
+
+TEST(RasterBands, UntouchedBandsCostOneRowAndWritesMaterialiseOnlyTheirBand) {
+  Raster raster;
+  ASSERT_TRUE(raster.Allocate(4000, 3000, false));
+  EXPECT_EQ(raster.StoredBytes(), 4000u * 4);
+  raster.MutableRow(100)[7] = 1;
+  EXPECT_EQ(raster.StoredBytes(), 4000u * 4 * (1 + platform::raster::kBandRows));
+  Raster copy;
+  copy.ShareFrom(raster);
+  copy.Fill(0, 0, 4000, 3000, 0x0B4313);
+  EXPECT_EQ(copy.StoredBytes(), 4000u * 4);
+  EXPECT_EQ(raster.Row(100)[7], 1u);
+}
+
+TEST(RasterBands, PackingMatchesByteByByteConversion) {
+  std::mt19937 random(9);
+  for (int count = 0; count < 40; ++count) {
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(count));
+    for (auto& p : pixels) p = random();
+    std::vector<std::uint8_t> packed(static_cast<std::size_t>(count) * 3 + 1, 0xEE);
+    platform::raster::PackRow24(pixels.data(), packed.data(), count);
+    std::vector<std::uint32_t> unpacked(static_cast<std::size_t>(count) + 1, 0xDEADBEEF);
+    platform::raster::UnpackRow24(packed.data(), unpacked.data(), count);
+    for (int x = 0; x < count; ++x) {
+      const std::uint32_t p = pixels[static_cast<std::size_t>(x)];
+      for (int k = 0; k < 3; ++k) ASSERT_EQ(packed[static_cast<std::size_t>(3 * x + k)], (p >> (8 * k)) & 0xFF);
+      ASSERT_EQ(unpacked[static_cast<std::size_t>(x)], p & 0xFFFFFF);
+    }
+    EXPECT_EQ(packed.back(), 0xEE) << "wrote past the row";
+    EXPECT_EQ(unpacked.back(), 0xDEADBEEFu) << "wrote past the row";
+  }
+}
+
+}  // namespace
