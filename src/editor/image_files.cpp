@@ -6,10 +6,6 @@
 
 namespace {
 
-imageio::LoadContext LoadContextOf(const CImageEditWnd& editor) {
-  return {editor.m_hWnd, editor.m_verbose, editor.m_userLanguage};
-}
-
 imageio::WriteContext WriteContextOf(const CImageEditWnd& editor) {
   return {editor.m_hWnd, editor.m_verbose, editor.m_userLanguage};
 }
@@ -47,11 +43,13 @@ struct ScratchBitmap {
 
 }  // namespace
 
+imageio::LoadContext CImageEditWnd::LoaderContext() const { return {m_hWnd, m_verbose, m_userLanguage}; }
+
 void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
   if (!m_surfaces.imageSurface.dc()) return;
   m_surfaces.original.reset();
   // A failed load leaves the view as it was: the surfaces are not touched.
-  m_surfaces.original = platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, LoadContextOf(*this)));
+  m_surfaces.original = platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, LoaderContext()));
   if (!m_surfaces.original) return;
   BITMAP description{};
   if (!GetObjectA(m_surfaces.original.get(), sizeof description, &description)) return;
@@ -69,8 +67,8 @@ void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
 void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
   HDC composition = m_surfaces.composition.dc();
   if (!composition) return;
-  // Text entry is closed here (before composing) once it exists in the editor.
-  ComposeView();
+  CloseTextEntry();
+  ComposeView(nullptr);
   const RECT source = SavedImageArea(*this);  // left, top, width, height
   const int width = m_saveWidth > 0 ? m_saveWidth : source.right;
   const int height = m_saveHeight > 0 ? m_saveHeight : source.bottom;
@@ -83,12 +81,12 @@ void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
 }
 
 void CImageEditWnd::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
-  // Text entry is closed here (before anything else) once it exists in the editor.
+  CloseTextEntry();
   HDC composition = m_surfaces.composition.dc();
   if (!composition || !m_selectionBox.IsShown()) return;
   const ScratchBitmap output(composition, m_selectionBox.width, m_selectionBox.height);
   if (!output.ok()) return;
-  ComposeView();
+  ComposeView(nullptr);
   // The box keeps window coordinates; the picture under it on screen lies at the
   // box's position plus the scroll position in the composition buffer.
   const RECT under = m_selectionBox.OnSurface(m_view.hScrollPos, m_view.vScrollPos);

@@ -48,14 +48,19 @@ void CImageEditWnd::OnPaint() {
     return;
   }
 
-  ComposeView();
-  // The selection box is drawn on the window here once it exists.
+  ComposeView(nullptr);
   BitBlt(windowDC, 0, 0, composition.width() - m_view.hScrollPos, composition.height() - m_view.vScrollPos,
          composition.dc(), m_view.hScrollPos, m_view.vScrollPos, SRCCOPY);
+  if (m_selectionBox.IsShown()) {
+    const SelectionBox& box = m_selectionBox;
+    DrawRubberBand(windowDC, box.x, box.y, box.x + box.width, box.y + box.height, 0, 0, true, false);
+  }
   EndPaint(m_hWnd, &paint);
 }
 
-void CImageEditWnd::ComposeView() {
+// The whole view is composed whatever the area; the area names what the caller
+// reads, so that composing can be narrowed to it.
+void CImageEditWnd::ComposeView(const RECT* /*area*/) {
   const Surface& composition = m_surfaces.composition;
   const Surface& image = m_surfaces.imageSurface;
   if (!composition.dc()) return;
@@ -168,6 +173,7 @@ void CImageEditWnd::DrawScaledOriginal(const Surface& surface) {
 }
 
 void CImageEditWnd::SetImageWidth(int nImageWidth) {
+  CloseTextEntry();
   if (nImageWidth == 0) {
     m_view.requestedImageWidth = 0;
     ShowScrollBar(m_hWnd, SB_BOTH, FALSE);
