@@ -3,6 +3,7 @@
 // of the same name here.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "editor/editor_events.h"
@@ -257,9 +258,16 @@ class CImageEditWnd : public CWnd {
   // position and stay inside the image.
   POINT DragPoint(POINT window) const;
   void PressTool(POINT down);
-  void DragTool(POINT point);
+  // One step of a drag; returns the part of the surfaces it changed when the tool
+  // knows it, so that only that part is repainted, else nothing (all may have).
+  std::optional<RECT> DragTool(POINT point);
+  // Repaints the window where it shows that part of the surfaces.
+  void RepaintSurfaceArea(const RECT& area);
   void ReleaseTool(POINT point, bool textWasShown);
   void ScrollAtEdge(POINT window);
+  // The airbrush and the bitmap brush where the pointer is.
+  void SprayAt(POINT pointer, int density);
+  void StampAt(POINT pointer);
   // Copies that part of the snapshot DC (the drawing layer as the current history
   // level has it) back into the drawing layer.
   void RestoreFromSnapshot(const RECT& area);

@@ -58,6 +58,7 @@ HPEN ExtCreatePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD styleCo
 HPEN CreatePen(int style, int width, COLORREF color);
 
 BOOL MoveToEx(HDC hdc, int x, int y, POINT* previous);
+BOOL GetCurrentPositionEx(HDC hdc, POINT* position);
 BOOL LineTo(HDC hdc, int x, int y);
 BOOL Rectangle(HDC hdc, int left, int top, int right, int bottom);
 BOOL Ellipse(HDC hdc, int left, int top, int right, int bottom);

@@ -121,10 +121,10 @@ void CImageEditWnd::PressTool(POINT down) {
       LineTo(layer, down.x + 1, down.y);
       break;
     case ToolMode::Airbrush:
-      SprayAirBrush(layer, down.x - w / 2, down.y - w / 2, w / 2, m_tools.airbrushDensity);
+      SprayAt(down, m_tools.airbrushDensity);
       break;
     case ToolMode::BitmapBrush:
-      StampBitmapBrush(layer, down.x - w / 2, down.y - w / 2, w, w);
+      StampAt(down);
       break;
     case ToolMode::Shape:
       if (m_tools.shapeStyle == ShapeStyle::Line) {
@@ -164,8 +164,11 @@ void CImageEditWnd::OnMouseMove(UINT flags, POINT point) {
     // drags arrive with the objects. A tool draws only over the image.
     const RECT visible = VisibleImageRect();
     if (m_tools.mode != ToolMode::None && PtInRect(&visible, point)) {
-      DragTool(DragPoint(point));
-      RedrawWindow();
+      if (const std::optional<RECT> changed = DragTool(DragPoint(point))) {
+        RepaintSurfaceArea(*changed);
+      } else {
+        RedrawWindow();
+      }
     }
   }
   CWnd::OnMouseMove(flags, point);
@@ -191,28 +194,35 @@ void CImageEditWnd::ScrollAtEdge(POINT window) {
   }
 }
 
-void CImageEditWnd::DragTool(POINT point) {
+// Freehand tools repaint only around what they painted: while a stroke follows the
+// pointer, that is all that changes on screen.
+std::optional<RECT> CImageEditWnd::DragTool(POINT point) {
   HDC layer = m_surfaces.drawingLayer.dc();
   StrokeState& stroke = m_tools.stroke;
   const int w = m_tools.toolWidth;
   switch (m_tools.mode) {
     case ToolMode::Eraser:
     case ToolMode::Pen:
-    case ToolMode::Brush:
+    case ToolMode::Brush: {
+      // A pen's end reaches at most its width past the segment's end points.
+      POINT from{0, 0};
+      GetCurrentPositionEx(layer, &from);
       LineTo(layer, point.x, point.y);
-      break;
+      return PaintedArea(from, point, std::abs(static_cast<long long>(w)) + 1);
+    }
     case ToolMode::Airbrush:
       stroke.lastPoint = point;
       m_tools.airbrushDensity = kFullAirbrushDensity;
-      SprayAirBrush(layer, point.x - w / 2, point.y - w / 2, w / 2, kFullAirbrushDensity);
-      break;
+      SprayAt(point, kFullAirbrushDensity);
+      return m_tools.SprayArea(point);
     case ToolMode::BitmapBrush:
       // A new stamp only once the pointer has left the last one.
-      if (std::abs(stroke.lastPoint.x - point.x) > w || std::abs(stroke.lastPoint.y - point.y) > w) {
-        stroke.lastPoint = point;
-        StampBitmapBrush(layer, point.x - w / 2, point.y - w / 2, w, w);
+      if (std::abs(stroke.lastPoint.x - point.x) <= w && std::abs(stroke.lastPoint.y - point.y) <= w) {
+        return RECT{0, 0, 0, 0};
       }
-      break;
+      stroke.lastPoint = point;
+      StampAt(point);
+      return m_tools.StampArea(point);
     case ToolMode::Shape:
       DrawShapePreview(point);
       break;
@@ -230,6 +240,13 @@ void CImageEditWnd::DragTool(POINT point) {
     default:
       break;
   }
+  return std::nullopt;
+}
+
+void CImageEditWnd::RepaintSurfaceArea(const RECT& area) {
+  const RECT shown{area.left - m_view.hScrollPos, area.top - m_view.vScrollPos,
+                   area.right - m_view.hScrollPos, area.bottom - m_view.vScrollPos};
+  RedrawWindow(&shown);
 }
 
 // The previous preview is wiped by restoring what the drawing layer had before the
@@ -403,12 +420,10 @@ void CImageEditWnd::OnTimer(UINT_PTR id) {
     KillTimer(id);
     stroke.sprayTimerId = 0;
     // Held still, the airbrush sprays again, twice as dense each time.
-    if (HDC layer = m_surfaces.drawingLayer.dc()) {
+    if (m_surfaces.drawingLayer.dc()) {
       m_tools.airbrushDensity >>= 1;
-      const int w = m_tools.toolWidth;
-      SprayAirBrush(layer, stroke.lastPoint.x - w / 2, stroke.lastPoint.y - w / 2, w / 2,
-                    m_tools.airbrushDensity);
-      RedrawWindow();
+      SprayAt(stroke.lastPoint, m_tools.airbrushDensity);
+      RepaintSurfaceArea(m_tools.SprayArea(stroke.lastPoint));
     }
   } else if (id == kAutoScrollTimerId) {
     KillTimer(id);
@@ -450,6 +465,16 @@ void CImageEditWnd::SprayAirBrush(HDC dc, int cx, int cy, int radius, int densit
     }
   }
   if (density > 1) m_tools.stroke.sprayTimerId = SetTimer(kSprayTimerId, kSprayIntervalMs, nullptr);
+}
+
+void CImageEditWnd::SprayAt(POINT pointer, int density) {
+  const POINT centre = m_tools.ToolCorner(pointer);
+  SprayAirBrush(m_surfaces.drawingLayer.dc(), centre.x, centre.y, m_tools.toolWidth / 2, density);
+}
+
+void CImageEditWnd::StampAt(POINT pointer) {
+  const POINT corner = m_tools.ToolCorner(pointer);
+  StampBitmapBrush(m_surfaces.drawingLayer.dc(), corner.x, corner.y, m_tools.toolWidth, m_tools.toolWidth);
 }
 
 void CImageEditWnd::StampBitmapBrush(HDC dc, int left, int top, int width, int height) {

@@ -44,6 +44,11 @@ RECT ClampedRect(long long left, long long top, long long right, long long botto
 
 }  // namespace
 
+RECT PaintedArea(POINT a, POINT b, long long margin) {
+  return ClampedRect(std::min(a.x, b.x) - margin, std::min(a.y, b.y) - margin,
+                     std::max(a.x, b.x) + margin + 1, std::max(a.y, b.y) + margin + 1);
+}
+
 RECT StrokeState::ShapePreviewArea(int width) const {
   const long long left = std::min(downPoint.x, lastPoint.x) - static_cast<long long>(width);
   const long long top = std::min(downPoint.y, lastPoint.y) - static_cast<long long>(width);
@@ -124,6 +129,17 @@ int ToolState::CursorId() const {
       break;
   }
   return kSystemArrowCursor;
+}
+
+RECT ToolState::SprayArea(POINT pointer) const {
+  const POINT centre = ToolCorner(pointer);
+  return PaintedArea(centre, centre, std::abs(static_cast<long long>(toolWidth / 2)));
+}
+
+RECT ToolState::StampArea(POINT pointer) const {
+  const POINT corner = ToolCorner(pointer);
+  return ClampedRect(corner.x, corner.y, static_cast<long long>(corner.x) + toolWidth,
+                     static_cast<long long>(corner.y) + toolWidth);
 }
 
 void ToolState::SelectPen(HDC layer, platform::OwnedPen pen) {

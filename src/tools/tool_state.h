@@ -60,6 +60,9 @@ long long SprayTries(int radius, int density);
 inline constexpr long long kMaxSprayTries = 1 << 18;
 // The rectangle a drag from `a` to `b` spans, whichever way it went.
 RECT SpannedRect(POINT a, POINT b);
+// The pixels from `a` to `b` (both included) and `margin` around them: what a stroke
+// or spray may have painted there.
+RECT PaintedArea(POINT a, POINT b, long long margin);
 
 // A stroke under way: the button, the timers it runs and the points it went through.
 struct StrokeState {
@@ -92,6 +95,13 @@ struct ToolState {
   bool DrawingCurve() const { return mode == ToolMode::Shape && shapeStyle == ShapeStyle::Curve; }
   // The cursor of the current tool; tool mode 0 chooses by what is under the pointer.
   int CursorId() const;
+  // The airbrush sprays a disc as wide as the tool, centred half its width up and to
+  // the left of the pointer; the bitmap brush stamps a square of that side there.
+  POINT ToolCorner(POINT pointer) const {
+    return POINT{pointer.x - toolWidth / 2, pointer.y - toolWidth / 2};
+  }
+  RECT SprayArea(POINT pointer) const;
+  RECT StampArea(POINT pointer) const;
 
   // The drawing layer's pen and brush: selecting one first puts back the one before;
   // the tools' own is selected into `layer` (a stock brush is selected without being
