@@ -348,7 +348,7 @@ test('the colour dialog keeps its custom colours for the next SetColor("DIALOG")
   await dialog.getByRole('button', { name: 'OK' }).click();
   assert.equal(await chosen, '00FF00');
   const again = page.evaluate(() => document.getElementById('editor').SetColor('dialog'));
-  const box = dialog.getByRole('button', { name: 'Custom color 1' });
+  const box = dialog.getByRole('button', { name: 'Custom color 1', exact: true });
   assert.equal(await box.evaluate((button) => button.style.background), 'rgb(0, 255, 0)');
   await dialog.locator('input[type=color]').fill('#123456');
   await box.click();  // picks the custom colour back
