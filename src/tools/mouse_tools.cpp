@@ -175,7 +175,9 @@ void CImageEditWnd::OnMouseMove(UINT flags, POINT point) {
 }
 
 // Near an edge with a scroll bar the picture scrolls by one pixel, and keeps
-// scrolling every 50 ms while the pointer stays there.
+// scrolling every 50 ms while the pointer stays there. The timer is armed whenever
+// the pointer is near such an edge, also when the picture is already scrolled to its
+// end there: being near the edge is what counts, not whether the picture moved.
 void CImageEditWnd::ScrollAtEdge(POINT window) {
   RECT client{0, 0, 0, 0};
   GetClientRect(&client);

@@ -2,7 +2,6 @@
 // person sees it (the composition buffer): the rectangle selection captures it, the
 // cut enlarges it over the whole image, the mosaic pixelates it. A rectangle that
 // spans no pixels, or memory that cannot be had, leaves the picture as it is.
-#include <algorithm>
 #include <utility>
 
 #include "editor/image_edit_wnd.h"

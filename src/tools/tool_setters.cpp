@@ -1,9 +1,6 @@
 // Choosing the tool: the tool-mode setters, the current colour, the pens and brushes
 // they select into the drawing layer, the selection box's size, closing text entry,
 // and the cursor that shows the tool.
-#include <strings.h>
-
-#include <cstdlib>
 #include <span>
 
 #include "editor/image_edit_wnd.h"
@@ -34,7 +31,7 @@ std::string CImageEditWnd::GetColor() { return ColorString(m_tools.color); }
 
 std::string CImageEditWnd::SetColor(LPCSTR lpszColor) {
   COLORREF color = 0;
-  if (lpszColor != nullptr && strcasecmp(lpszColor, "DIALOG") == 0) {
+  if (lpszColor != nullptr && lstrcmpiA(lpszColor, "DIALOG") == 0) {
     CHOOSECOLORA dialog{};
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = m_hWnd;

@@ -1,6 +1,7 @@
 // The tools through the editor: the pens and brushes the setters leave selected in
 // the drawing layer, the cursor of every tool, the mouse frame of a tool action
 // (capture, the cursor kept over the image) and the text box of the text tool.
+#include <algorithm>
 #include <functional>
 #include <string>
 
@@ -51,7 +52,8 @@ TEST_F(ToolsTest, PenSettersSelectThePenTheSizeCallsFor) {
   constexpr DWORD kSquare = PS_GEOMETRIC | PS_ENDCAP_SQUARE;
   constexpr DWORD kRound = PS_GEOMETRIC | PS_ENDCAP_ROUND | PS_JOIN_ROUND;
   const Case cases[] = {
-      {"SetPen(1)", [](CImageEditWnd& e) { e.SetPen(1); }, ToolMode::Pen, PS_COSMETIC | PS_SOLID, 1, kColor, 1},
+      {"SetPen(1)", [](CImageEditWnd& e) { e.SetPen(1); }, ToolMode::Pen, PS_COSMETIC | PS_SOLID, 1, kColor,
+       1},
       {"SetPen(0)", [](CImageEditWnd& e) { e.SetPen(0); }, ToolMode::Pen, kSquare, 0, kColor, 0},
       {"SetPen(-3)", [](CImageEditWnd& e) { e.SetPen(-3); }, ToolMode::Pen, kSquare, 3, kColor, -3},
       {"SetPen(2)", [](CImageEditWnd& e) { e.SetPen(2); }, ToolMode::Pen, kRound, 2, kColor, 2},
@@ -109,6 +111,22 @@ TEST_F(ToolsTest, SetShapeKeepsStylesOneToSixAndFillsOnlyTheFilledShapes) {
   EXPECT_EQ(SelectedPen().elpColor, 0xFF0000u);
   EXPECT_EQ(SelectedPen().elpWidth, 2u);
   EXPECT_EQ(live_->m_tools.mode, ToolMode::Shape);
+}
+
+// A spray tries r * r * 3.14 (truncated) over the density times, four dots a try; a
+// radius of 0 sprays nothing, a negative one as its magnitude, and a huge one is
+// capped so that a press cannot stall the editor.
+TEST(AirbrushTest, TriesOfOneSpray) {
+  struct Case {
+    int radius, density;
+    long long tries;
+  };
+  for (const Case& c :
+       {Case{10, 64, 4}, Case{10, 32, 9}, Case{10, 1, 314}, Case{-10, 1, 314}, Case{0, 1, 0}, Case{1, 1, 3},
+        Case{1, 4, 0}, Case{300, 1, 282600}, Case{1 << 30, 64, kMaxSprayTries}}) {
+    EXPECT_EQ(SprayTries(c.radius, c.density), std::min(c.tries, kMaxSprayTries))
+        << c.radius << "/" << c.density;
+  }
 }
 
 // The cursor follows the tool; with no tool it shows what a drag would do there.
