@@ -93,8 +93,9 @@ class CImageEditWnd : public CWnd {
   void SetNothing();
 
   // ---- tools ----
-  // Stamps the typed text into the drawing layer (with the drawing layer there), then
-  // hides and empties the text-entry window; nothing when the window is hidden.
+  // When the text-entry window is shown and the drawing layer exists: stamps the
+  // typed text into the drawing layer (that step arrives with text entry), then hides
+  // and empties the window.
   void CloseTextEntry();
   // The dotted grey rectangle drawn with not-xor, so drawing it twice leaves no trace:
   // erases the band (left, top, oldRight, oldBottom), then draws (left, top, right,

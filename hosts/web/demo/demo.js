@@ -48,8 +48,9 @@ element.addEventListener('drop', (event) => {
   openFile(event.dataTransfer.files[0]);
 });
 
-// Drawing: each tool button chooses a tool with the size and colour shown; a new size
-// re-chooses the tool. A picked colour becomes the colour to draw with.
+// Drawing: each tool button chooses a tool with the size and colour shown (the eraser
+// twice and the airbrush five times as wide as a pen, so that one size suits them
+// all); a new size re-chooses the tool. A picked colour becomes the colour to draw with.
 const sizeInput = document.getElementById('tool-size');
 const colorInput = document.getElementById('tool-color');
 const size = () => Math.max(1, sizeInput.valueAsNumber || 1);
