@@ -1,8 +1,9 @@
 // The mosaic on a hand-made buffer: cell sizes at the edges, cells anchored at the
 // top of the picture, truncated means.
+#include "pixels/mosaic.h"
+
 #include <gtest/gtest.h>
 
-#include "pixels/mosaic.h"
 #include "pixels/pixel_buffer.h"
 
 namespace {
