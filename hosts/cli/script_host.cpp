@@ -74,15 +74,24 @@ int ScriptHost::ShowMessageBox(const std::string& text, const std::string& /*cap
   return IDOK;
 }
 
-bool ScriptHost::ChooseColor(COLORREF& color) {
+bool ScriptHost::ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) {
   out_ << "color dialog shown\n";
+  // The custom-colour boxes a person sees filled (black ones look empty).
+  for (std::size_t box = 0; box < customColors.size(); ++box) {
+    if (customColors[box] != 0) out_ << "  custom " << box << ' ' << FormatRgbHex(customColors[box]) << '\n';
+  }
   const auto answer = TakeAnswer(colorAnswers_);
   if (!answer || !*answer) {
     out_ << (answer ? "color dialog cancelled\n" : "color dialog cancelled (no answer queued)\n");
     return false;
   }
-  color = **answer;
-  out_ << "color dialog chose " << FormatRgbHex(color) << '\n';
+  color = (*answer)->color;
+  out_ << "color dialog chose " << FormatRgbHex(color);
+  if (const std::optional<int> box = (*answer)->customBox) {
+    customColors[static_cast<std::size_t>(*box)] = color;
+    out_ << " (custom " << *box << ')';
+  }
+  out_ << '\n';
   return true;
 }
 

@@ -7,6 +7,7 @@
 #include <deque>
 #include <optional>
 #include <ostream>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -22,17 +23,26 @@ class ScriptHost : public platform::Host {
 
   // Each answer is used by the next menu or dialog of its kind; nullopt cancels it.
   void QueueMenuAnswer(std::optional<UINT> commandId) { menuAnswers_.push_back(commandId); }
-  void QueueColorAnswer(std::optional<COLORREF> color) { colorAnswers_.push_back(color); }
+  // A chosen colour may also be put into one of the dialog's custom-colour boxes
+  // (0 to 15), as a person does with "Add to Custom Colors".
+  void QueueColorAnswer(std::optional<COLORREF> color, std::optional<int> customBox = std::nullopt) {
+    colorAnswers_.push_back(color ? std::optional<ColorAnswer>(ColorAnswer{*color, customBox})
+                                  : std::nullopt);
+  }
   void QueueFontAnswer(std::optional<FontChoice> font) { fontAnswers_.push_back(font); }
 
   void ShowCursor(int resourceId) override;
   UINT ShowPopupMenu(HMENU menu, int x, int y) override;
   int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override;
-  bool ChooseColor(COLORREF& color) override;
+  bool ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) override;
   bool ChooseFont(LOGFONTA& font, COLORREF& color) override;
   void ShowDialog(int dialogId, const std::string& title) override;
 
  private:
+  struct ColorAnswer {
+    COLORREF color;
+    std::optional<int> customBox;
+  };
   template <typename T>
   static std::optional<std::optional<T>> TakeAnswer(std::deque<std::optional<T>>& answers);
 
@@ -40,7 +50,7 @@ class ScriptHost : public platform::Host {
   bool trace_;
   std::optional<int> shownCursor_;
   std::deque<std::optional<UINT>> menuAnswers_;
-  std::deque<std::optional<COLORREF>> colorAnswers_;
+  std::deque<std::optional<ColorAnswer>> colorAnswers_;
   std::deque<std::optional<FontChoice>> fontAnswers_;
 };
 

@@ -251,17 +251,24 @@ void ScriptRunner::Wait(Args args) {
 }
 
 void ScriptRunner::Answer(Args args) {
-  ExpectCount(args, 2, 2, "answer menu ID|cancel, answer color RRGGBB|cancel, answer font \"FONT\"|cancel");
+  const std::string usage =
+      "usage: answer menu ID|cancel, answer color RRGGBB [custom N]|cancel, answer font \"FONT\"|cancel";
+  if (args.size() < 2) throw ParseError(usage);
   const std::string& kind = WordArg(args[0], "answer: kind");
   const Token& value = args[1];
+  // Only a chosen colour takes more: the custom-colour box it is also put into.
+  const bool customBox = kind == "color" && !IsCancel(value) && args.size() == 4 &&
+                         WordArg(args[2], "answer color: option") == "custom";
+  if (args.size() != (customBox ? 4u : 2u)) throw ParseError(usage);
   if (kind == "menu") {
     host_.QueueMenuAnswer(IsCancel(value)
                               ? std::nullopt
                               : std::optional<UINT>(IntArgInRange(value, "answer menu: ID", 1, 0xFFFF)));
   } else if (kind == "color") {
-    host_.QueueColorAnswer(IsCancel(value)
-                               ? std::nullopt
-                               : std::optional<COLORREF>(ParseRgbHex(WordArg(value, "answer color"))));
+    host_.QueueColorAnswer(
+        IsCancel(value) ? std::nullopt : std::optional<COLORREF>(ParseRgbHex(WordArg(value, "answer color"))),
+        customBox ? std::optional<int>(IntArgInRange(args[3], "answer color: custom box", 0, 15))
+                  : std::nullopt);
   } else if (kind == "font") {
     host_.QueueFontAnswer(IsCancel(value)
                               ? std::nullopt

@@ -40,6 +40,7 @@ const std::vector<Member>& Members() {
       {"toolWidth", [](JsonWriter& j, const EditorState& s) { j.Value(s.toolWidth); }},
       {"shapeStyle", [](JsonWriter& j, const EditorState& s) { j.Value(s.shapeStyle); }},
       {"curveStage", [](JsonWriter& j, const EditorState& s) { j.Value(s.curveStage); }},
+      {"airbrushDensity", [](JsonWriter& j, const EditorState& s) { j.Value(s.airbrushDensity); }},
       {"scale", [](JsonWriter& j, const EditorState& s) { j.Value(s.scale); }},
       {"imageRect",
        [](JsonWriter& j, const EditorState& s) {

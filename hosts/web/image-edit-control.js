@@ -85,6 +85,10 @@ const STYLE = `
   dialog footer { padding: 0 12px 12px; display: flex; justify-content: flex-end; gap: 8px; }
   dialog button { min-width: 72px; padding: 4px 10px; }
   dialog input[type=color] { width: 64px; height: 32px; }
+  dialog .chooser { display: grid; gap: 8px; justify-items: start; }
+  dialog .custom-colors { display: grid; grid-template-columns: repeat(8, 18px); gap: 4px; }
+  dialog .custom-colors button { min-width: 0; width: 18px; height: 18px; padding: 0; border: 1px solid #8a8f98; }
+  dialog .custom-colors button.selected { outline: 2px solid #4c8dff; outline-offset: 1px; }
 `;
 
 const MB_ICONMASK = 0x00F0, MB_ICONHAND = 0x0010;
@@ -103,6 +107,8 @@ export class ImageEditControl extends HTMLElement {
   #lastPress = null;
   #ticker = 0;
   #textBackground = '#ffffff';  // the text background colour dialog starts with the last choice
+  // Each colour dialog's sixteen custom colours, as the person left them ("#rrggbb").
+  #customColors = { SetColor: Array(16).fill('#000000'), SetTextBackgroundColor: Array(16).fill('#000000') };
 
   constructor() {
     super();
@@ -213,11 +219,9 @@ export class ImageEditControl extends HTMLElement {
   #colorDialogCall(name, args) {
     return this.#callLater(name, args, async () => {
       const initial = name === 'SetColor' ? `#${this.#invoke('GetColor', [])}` : this.#textBackground;
-      const chosen = await this.#askColor(initial);
+      const chosen = await this.#askColor(initial, this.#customColors[name]);
       if (chosen !== null && name === 'SetTextBackgroundColor') this.#textBackground = chosen;
-      // The engine takes a COLORREF, 0x00BBGGRR.
-      const rgb = chosen === null ? -1 : Number.parseInt(chosen.slice(1), 16);
-      this.#control.queueColorAnswer(rgb < 0 ? -1 : ((rgb & 0xFF) << 16) | (rgb & 0xFF00) | (rgb >> 16));
+      this.#control.queueColorAnswer(chosen === null ? -1 : colorref(chosen), this.#customColors[name].map(colorref));
     });
   }
 
@@ -326,11 +330,45 @@ export class ImageEditControl extends HTMLElement {
   }
 
   // The colour dialog: resolves with the chosen colour as "#rrggbb", null on Cancel.
-  async #askColor(initial) {
+  // Its sixteen custom colours (`custom`, changed in place) are boxes to pick from;
+  // "Add to Custom Colors" puts the colour being chosen into the selected box and
+  // selects the next, and what is added stays added, even on Cancel.
+  async #askColor(initial, custom) {
+    const chooser = document.createElement('div');
+    chooser.className = 'chooser';
     const input = document.createElement('input');
     input.type = 'color';
     input.value = initial.toLowerCase();
-    const ok = await this.#openDialog('Color', '', '', [['OK', true], ['Cancel', false]], input);
+    const boxes = document.createElement('div');
+    boxes.className = 'custom-colors';
+    let selected = 0;
+    const swatches = custom.map((color, i) => {
+      const swatch = document.createElement('button');
+      swatch.type = 'button';
+      swatch.title = `Custom color ${i + 1}`;
+      swatch.style.background = color;
+      swatch.addEventListener('click', () => {
+        select(i);
+        input.value = custom[i];
+      });
+      return swatch;
+    });
+    const select = (i) => {
+      selected = i;
+      swatches.forEach((swatch, j) => swatch.classList.toggle('selected', j === i));
+    };
+    select(0);
+    const add = document.createElement('button');
+    add.type = 'button';
+    add.textContent = 'Add to Custom Colors';
+    add.addEventListener('click', () => {
+      custom[selected] = input.value;
+      swatches[selected].style.background = input.value;
+      select((selected + 1) % swatches.length);
+    });
+    boxes.append(...swatches);
+    chooser.append(input, boxes, add);
+    const ok = await this.#openDialog('Color', '', '', [['OK', true], ['Cancel', false]], chooser);
     return ok ? input.value : null;
   }
 
@@ -460,6 +498,12 @@ async function fetchBytes(source) {
   }
   if (body.length > MAX_FETCH_BYTES) throw fetchFailure(ERROR_FILE_TOO_LARGE);
   return body;
+}
+
+// "#rrggbb" as the engine takes a colour: a COLORREF, 0x00BBGGRR.
+function colorref(color) {
+  const rgb = Number.parseInt(color.slice(1), 16);
+  return ((rgb & 0xFF) << 16) | (rgb & 0xFF00) | (rgb >> 16);
 }
 
 const isBitmapFile = (bytes) => bytes.length >= 2 && bytes[0] === 0x42 && bytes[1] === 0x4D;

@@ -5,6 +5,7 @@
 #include <emscripten/bind.h>
 #include <emscripten/val.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -174,9 +175,14 @@ class WebControl {
   }
   void forgetPictures() { imageio::ForgetPreparedPictures(); }
   // The answer to the colour dialog that the next call opens: a COLORREF (0x00BBGGRR),
-  // or -1 when the person cancelled.
-  void queueColorAnswer(int color) {
-    host_.QueueColorAnswer(color < 0 ? std::nullopt : std::optional<COLORREF>(static_cast<COLORREF>(color)));
+  // or -1 when the person cancelled, and the dialog's sixteen custom colours
+  // (COLORREFs) as the person left them.
+  void queueColorAnswer(int color, const val& customColors) {
+    WebHost::ColorAnswer answer;
+    if (color >= 0) answer.color = static_cast<COLORREF>(color);
+    const unsigned count = std::min(customColors["length"].as<unsigned>(), 16u);
+    for (unsigned i = 0; i < count; ++i) answer.customColors[i] = customColors[i].as<COLORREF>();
+    host_.QueueColorAnswer(answer);
   }
   // Where a save of this name goes (a bare name goes into the temp folder).
   std::string savePath(const std::string& name) const { return imageio::ResolveSavePath(name); }

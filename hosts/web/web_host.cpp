@@ -2,6 +2,8 @@
 
 #include <emscripten/val.h>
 
+#include <algorithm>
+
 namespace web {
 
 using emscripten::val;
@@ -31,12 +33,14 @@ int WebHost::ShowMessageBox(const std::string& text, const std::string& caption,
   return IDOK;
 }
 
-bool WebHost::ChooseColor(COLORREF& color) {
+bool WebHost::ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) {
   if (colorAnswers_.empty()) return false;
-  const std::optional<COLORREF> answer = colorAnswers_.front();
+  const ColorAnswer answer = colorAnswers_.front();
   colorAnswers_.pop_front();
-  if (!answer) return false;
-  color = *answer;
+  // Custom colours a person added stay added, even when the dialog is cancelled.
+  std::copy(answer.customColors.begin(), answer.customColors.end(), customColors.begin());
+  if (!answer.color) return false;
+  color = *answer.color;
   return true;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "control/variant.h"
+#include "editor/editor_events.h"
 #include "editor/image_edit_wnd.h"
 #include "platform/platform.h"
 
@@ -38,7 +39,7 @@ class IEventSink {
   virtual void Invoke(int dispid, const std::vector<Variant>& args) = 0;
 };
 
-class CImageEditCtrl : public CWnd {
+class CImageEditCtrl : public CWnd, public EditorEvents {
  public:
   CImageEditCtrl();
   ~CImageEditCtrl() override;
@@ -113,7 +114,7 @@ class CImageEditCtrl : public CWnd {
   BOOL Unadvise(DWORD cookie);
   // Calls every connected sink, in the order they connected, with ColorSelected and
   // the colour string. A sink may disconnect itself or others while it is called.
-  void FireColorSelected(const std::string& color);
+  void FireColorSelected(const std::string& color) override;
 
   // ---- safety ----
   HRESULT QueryInterface(InterfaceId iid);

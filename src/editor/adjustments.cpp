@@ -75,7 +75,7 @@ bool RebuildImagePixels(CImageEditWnd& editor, const AdjustmentSettings& applied
 // history level, all under the wait cursor.
 template <typename Passes>
 void RunSetter(CImageEditWnd& editor, bool unchanged, const AdjustmentSettings& applied, Passes&& passes) {
-  // Text being entered is committed here once the text tool exists.
+  editor.CloseTextEntry();
   if (!editor.m_surfaces.imageSurface.dc() || unchanged) return;
   editor.BeginWaitCursor();
   if (RebuildImagePixels(editor, applied, passes)) {

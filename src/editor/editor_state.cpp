@@ -9,6 +9,7 @@ EditorState CImageEditWnd::State() const {
   state.toolWidth = m_tools.toolWidth;
   state.shapeStyle = static_cast<int>(m_tools.shapeStyle);
   state.curveStage = m_tools.stroke.curveStage;
+  state.airbrushDensity = m_tools.airbrushDensity;
   state.scale = m_view.scale;
   state.imageRect = m_view.imageRect;
   state.displayed = SIZE{m_view.displayedWidth, m_view.displayedHeight};

@@ -15,6 +15,7 @@ struct EditorState {
   int toolWidth = 0;
   int shapeStyle = 0;
   int curveStage = 0;
+  int airbrushDensity = 64;
   double scale = 1.0;
   RECT imageRect{0, 0, 0, 0};
   SIZE displayed{0, 0};

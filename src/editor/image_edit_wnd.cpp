@@ -124,8 +124,6 @@ void CImageEditWnd::EnableShortcutMenu(long bShortcutMenu) { m_shortcutMenuEnabl
 
 void CImageEditWnd::EnableVerbose(long bVerbose) { m_verbose = (bVerbose == 1); }
 
-void CImageEditWnd::SetNothing() { m_tools.mode = ToolMode::None; }
-
 void CImageEditWnd::ShowOutOfMemoryMessage() const {
   AfxMessageBox(kOutOfMemoryText.For(m_userLanguage), MB_ICONHAND | MB_OK, 0);
 }

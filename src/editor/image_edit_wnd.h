@@ -3,14 +3,17 @@
 // of the same name here.
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "editor/editor_events.h"
 #include "editor/editor_state.h"
 #include "editor/history.h"
 #include "editor/inserted_objects.h"
 #include "editor/selection_box.h"
 #include "editor/surfaces.h"
 #include "editor/view_placement.h"
+#include "imageio/image_loader.h"
 #include "pixels/adjustment_settings.h"
 #include "pixels/frame_piece.h"
 #include "pixels/pixel_buffer.h"
@@ -19,8 +22,6 @@
 #include "resources/cursor_table.h"
 #include "tools/text_edit_wnd.h"
 #include "tools/tool_state.h"
-
-class CImageEditCtrl;
 
 // The class-specific low style bits the editor window and its text-entry child are
 // created with. Neither window class gives them a meaning; they are kept so that both
@@ -91,6 +92,22 @@ class CImageEditWnd : public CWnd {
   // Only the tool mode changes: pending text stays in its box and nothing is redrawn.
   void SetNothing();
 
+  // ---- tools ----
+  // When the text-entry window is shown and the drawing layer exists: stamps the
+  // typed text into the drawing layer (that step arrives with text entry), then hides
+  // and empties the window.
+  void CloseTextEntry();
+  // The dotted grey rectangle drawn with not-xor, so drawing it twice leaves no trace:
+  // erases the band (left, top, oldRight, oldBottom), then draws (left, top, right,
+  // bottom).
+  void DrawRubberBand(HDC dc, int left, int top, int right, int bottom, int oldRight, int oldBottom,
+                      bool draw, bool erase);
+  // One airbrush spray of single pixels in the current colour around (cx, cy); while
+  // the density is above 1 the spray timer is armed to spray again, denser.
+  void SprayAirBrush(HDC dc, int cx, int cy, int radius, int density);
+  // The bitmap brush stamped with its key colour left out; nothing without a brush.
+  void StampBitmapBrush(HDC dc, int left, int top, int width, int height);
+
   // ---- what hosts read ----
   // Everything a host reports about the editor, as one value.
   EditorState State() const;
@@ -135,6 +152,9 @@ class CImageEditWnd : public CWnd {
   // while verbose, except where they say otherwise).
   void ShowOutOfMemoryMessage() const;
 
+  // What the image loader needs to know about the editor that calls it.
+  imageio::LoadContext LoaderContext() const;
+
   // ---- view ----
   // Composes the picture as shown (image surface, then strokes) into the
   // composition buffer at surface coordinates, over at least `area` (surface
@@ -154,9 +174,14 @@ class CImageEditWnd : public CWnd {
   void OnHScroll(UINT code, UINT pos, HWND scrollBar) override;
   void OnVScroll(UINT code, UINT pos, HWND scrollBar) override;
   void OnKeyDown(UINT virtualKey, UINT repeatCount, UINT flags) override;
+  void OnLButtonDown(UINT flags, POINT point) override;
+  void OnMouseMove(UINT flags, POINT point) override;
+  void OnLButtonUp(UINT flags, POINT point) override;
+  void OnTimer(UINT_PTR id) override;
+  BOOL OnSetCursor(HWND hwnd, UINT hitTest, UINT message) override;
 
   // The control that owns this editor, for events.
-  CImageEditCtrl* m_control = nullptr;
+  EditorEvents* m_control = nullptr;
   // Set by the control right after it has created the editor window.
   bool m_windowCreated = false;
 
@@ -189,7 +214,6 @@ class CImageEditWnd : public CWnd {
   int m_selectionY = 0;
   int m_selectionWidth = 0;
   int m_selectionHeight = 0;
-  COLORREF m_pickedColor = 0;
   WORD m_userLanguage = 0;
   LOGFONTA m_textFontDescription{};
   platform::OwnedFont m_textFont;
@@ -224,4 +248,46 @@ class CImageEditWnd : public CWnd {
   void DrawScaledOriginal(const Surface& surface);
   // One scroll message on one axis; both axes share the arithmetic.
   void Scroll(int bar, UINT code, int position);
+
+  // ---- tool setters ----
+  // Makes the drawing pen: the layer's previous pen goes back first, and only a pen
+  // that could be made changes the tool. False when it could not.
+  bool MakeDrawingPen(DWORD style, int size, COLORREF color);
+  // A new current colour reaches the pen, brush or stamp of the active tool.
+  void ApplyColorToTool();
+  // The cursor with that resource id as loaded, the system arrow for
+  // kSystemArrowCursor, null when it is not there.
+  HCURSOR CursorFor(int resourceId) const;
+  // What the pointer is over, for the cursor of tool mode 0.
+  void UpdateHover(POINT point);
+
+  // ---- mouse tools ----
+  // The image rectangle as the window shows it: shifted by the scroll position and
+  // cut to the client area, in window coordinates.
+  RECT VisibleImageRect() const;
+  // A window point of a drag as a surface point: scrolled axes take the scroll
+  // position and stay inside the image.
+  POINT DragPoint(POINT window) const;
+  void PressTool(POINT down);
+  // One step of a drag; returns the part of the surfaces it changed when the tool
+  // knows it, so that only that part is repainted, else nothing (all may have).
+  std::optional<RECT> DragTool(POINT point);
+  // Repaints the window where it shows that part of the surfaces.
+  void RepaintSurfaceArea(const RECT& area);
+  void ReleaseTool(POINT point, bool textWasShown);
+  void ScrollAtEdge(POINT window);
+  // The airbrush and the bitmap brush where the pointer is.
+  void SprayAt(POINT pointer, int density);
+  void StampAt(POINT pointer);
+  // Copies that part of the snapshot DC (the drawing layer as the current history
+  // level has it) back into the drawing layer.
+  void RestoreFromSnapshot(const RECT& area);
+  void CopyLayerToSnapshot();
+  void DrawShapePreview(POINT point);
+  void MoveSelection(POINT point);
+  void OpenTextBox(POINT down, POINT up);
+  // The release of the selection, cut and mosaic tools: what the drag covered.
+  void CaptureSelection(POINT up);
+  void CutToWholeImage(POINT up);
+  void Pixelate(POINT up);
 };

@@ -6,10 +6,6 @@
 
 namespace {
 
-imageio::LoadContext LoadContextOf(const CImageEditWnd& editor) {
-  return {editor.m_hWnd, editor.m_verbose, editor.m_userLanguage};
-}
-
 imageio::WriteContext WriteContextOf(const CImageEditWnd& editor) {
   return {editor.m_hWnd, editor.m_verbose, editor.m_userLanguage};
 }
@@ -47,11 +43,13 @@ struct ScratchBitmap {
 
 }  // namespace
 
+imageio::LoadContext CImageEditWnd::LoaderContext() const { return {m_hWnd, m_verbose, m_userLanguage}; }
+
 void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
   if (!m_surfaces.imageSurface.dc()) return;
   m_surfaces.original.reset();
   // A failed load leaves the view as it was: the surfaces are not touched.
-  m_surfaces.original = platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, LoadContextOf(*this)));
+  m_surfaces.original = platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, LoaderContext()));
   if (!m_surfaces.original) return;
   BITMAP description{};
   if (!GetObjectA(m_surfaces.original.get(), sizeof description, &description)) return;
@@ -69,7 +67,7 @@ void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
 void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
   HDC composition = m_surfaces.composition.dc();
   if (!composition) return;
-  // Text entry is closed here (before composing) once it exists in the editor.
+  CloseTextEntry();
   const RECT source = SavedImageArea(*this);  // left, top, width, height
   const RECT saved{source.left, source.top, source.left + source.right, source.top + source.bottom};
   ComposeView(&saved);
@@ -84,7 +82,7 @@ void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
 }
 
 void CImageEditWnd::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
-  // Text entry is closed here (before anything else) once it exists in the editor.
+  CloseTextEntry();
   HDC composition = m_surfaces.composition.dc();
   if (!composition || !m_selectionBox.IsShown()) return;
   const ScratchBitmap output(composition, m_selectionBox.width, m_selectionBox.height);

@@ -19,15 +19,6 @@ void CopyFrame(const FramePiece (&from)[kFramePieceCount], FramePiece (&to)[kFra
   for (int i = 0; i < kFramePieceCount; ++i) to[i] = CopyFramePiece(from[i]);
 }
 
-// Text being typed is thrown away, not put on the picture.
-void DiscardTextEntry(CTextEditWnd& entry) {
-  if (!entry.m_hWnd || !entry.IsWindowVisible()) return;
-  entry.ShowWindow(SW_HIDE);
-  entry.SendMessage(EM_SETSEL, 0, -1);
-  entry.SendMessage(EM_SCROLLCARET);
-  entry.SendMessage(WM_CLEAR);
-}
-
 }  // namespace
 
 void CImageEditWnd::RecordLevel(HistoryLevel& level) const {
@@ -98,7 +89,8 @@ void CImageEditWnd::CommitHistoryLevel(HDC source, int width, int height) {
 void CImageEditWnd::Undo() {
   if (!m_surfaces.composition.dc()) return;
   m_tools.AbandonUnfinished();
-  DiscardTextEntry(m_textEdit);
+  // Text being typed is thrown away, not put on the picture.
+  if (m_textEdit.IsShown()) m_textEdit.HideAndClear();
   if (!m_surfaces.snapshotDC || !m_history.CanUndo()) return;
   RestoreLevel(m_history.StepBack());
 }

@@ -169,6 +169,13 @@ BOOL MoveToEx(HDC hdc, int x, int y, POINT* previous) {
   return TRUE;
 }
 
+BOOL GetCurrentPositionEx(HDC hdc, POINT* position) {
+  const auto* dc = Lookup<DcObject>(hdc);
+  if (!dc || !position) return FALSE;
+  *position = dc->position;
+  return TRUE;
+}
+
 BOOL LineTo(HDC hdc, int x, int y) {
   const auto canvas = CanvasOf(hdc);
   Point64 from, to;

@@ -15,6 +15,8 @@
 //   proportion to the pixels it can touch inside the DC's clip.
 #pragma once
 
+#include <cstdint>
+
 #include "platform/gdi.h"
 
 inline constexpr DWORD PS_SOLID = 0;
@@ -35,6 +37,18 @@ inline constexpr DWORD PS_TYPE_MASK = 0x000F0000;
 inline constexpr UINT FLOODFILLBORDER = 0;
 inline constexpr UINT FLOODFILLSURFACE = 1;
 
+// What GetObjectA reports for a pen made by ExtCreatePen: its style bits, its width
+// made absolute and its brush.
+struct EXTLOGPEN {
+  DWORD elpPenStyle;
+  DWORD elpWidth;
+  UINT elpBrushStyle;
+  COLORREF elpColor;
+  std::uintptr_t elpHatch;
+  DWORD elpNumEntries;
+  DWORD elpStyleEntry[1];
+};
+
 // Solid, dotted (cosmetic only) and null pens with a solid LOGBRUSH; round joins only.
 // A cosmetic pen must be 1 wide; a geometric width is taken as its absolute value. Other
 // styles, joins and brushes, and user styles, give null.
@@ -44,6 +58,7 @@ HPEN ExtCreatePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD styleCo
 HPEN CreatePen(int style, int width, COLORREF color);
 
 BOOL MoveToEx(HDC hdc, int x, int y, POINT* previous);
+BOOL GetCurrentPositionEx(HDC hdc, POINT* position);
 BOOL LineTo(HDC hdc, int x, int y);
 BOOL Rectangle(HDC hdc, int left, int top, int right, int bottom);
 BOOL Ellipse(HDC hdc, int left, int top, int right, int bottom);

@@ -405,6 +405,13 @@ int GetObjectA(HANDLE object, int size, void* out) {
     return CopyOut(LOGBRUSH{brush->style, brush->color, 0}, size, out);
   }
   if (const auto* font = std::get_if<FontObject>(target)) return CopyOut(font->font, size, out);
+  if (const auto* pen = std::get_if<PenObject>(target)) {
+    const bool hollow = (pen->style & PS_STYLE_MASK) == PS_NULL;
+    return CopyOut(
+        EXTLOGPEN{
+            pen->style, static_cast<DWORD>(pen->width), hollow ? BS_NULL : BS_SOLID, pen->color, 0, 0, {0}},
+        size, out);
+  }
   return 0;
 }
 

@@ -2,6 +2,7 @@
 // tests) implements it; every call has a harmless default so a test host is tiny.
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "platform/types.h"
@@ -26,8 +27,10 @@ class Host {
   virtual int ShowMessageBox(const std::string& /*text*/, const std::string& /*caption*/, UINT /*type*/) {
     return 1;
   }
-  // The colour dialog: true with the chosen colour, false when cancelled.
-  virtual bool ChooseColor(COLORREF& /*color*/) { return false; }
+  // The colour dialog, starting at `color` and showing the caller's sixteen custom
+  // colours, which the person may change (those changes stay, chosen or cancelled):
+  // true with the chosen colour, false when cancelled.
+  virtual bool ChooseColor(COLORREF& /*color*/, std::span<COLORREF, 16> /*customColors*/) { return false; }
   // The font dialog: true with the chosen font and colour, false when cancelled.
   virtual bool ChooseFont(LOGFONTA& /*font*/, COLORREF& /*color*/) { return false; }
   // A modal dialog from the module's resources (the About box is dialog 1).

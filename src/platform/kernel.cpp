@@ -76,6 +76,14 @@ LANGID GetUserDefaultLangID() { return Kernel().language; }
 HKL GetKeyboardLayout(DWORD /*threadId*/) { return Kernel().keyboardLayout; }
 UINT GetACP() { return CP_UTF8; }
 
+int lstrcmpiA(LPCSTR a, LPCSTR b) {
+  const auto folded = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
+  for (;; ++a, ++b) {
+    const int difference = folded(*a) - folded(*b);
+    if (difference != 0 || *a == '\0') return difference;
+  }
+}
+
 DWORD GetLastError() { return Kernel().lastError; }
 void SetLastError(DWORD code) { Kernel().lastError = code; }
 

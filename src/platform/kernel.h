@@ -51,6 +51,10 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLeng
 int WideCharToMultiByte(UINT codePage, DWORD flags, const WCHAR* src, int srcLength, char* dest, int destSize,
                         const char* defaultChar, BOOL* usedDefault);
 
+// Compares two strings regardless of the case of ASCII letters: below, at or above 0
+// as `a` sorts before, with or after `b`.
+int lstrcmpiA(LPCSTR a, LPCSTR b);
+
 DWORD GetLastError();
 void SetLastError(DWORD code);
 void Sleep(DWORD milliseconds);

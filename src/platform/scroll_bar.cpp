@@ -58,10 +58,6 @@ int ThumbLength(int track, const window::ScrollBarState& state) {
   return std::max(static_cast<int>(Scale(track, PageOf(state), RangeOf(state))), kMinimumThumb);
 }
 
-bool Contains(const RECT& r, POINT p) {
-  return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom;
-}
-
 void Fill(HDC dc, const RECT& r, COLORREF color) {
   if (window::IsEmpty(r)) return;
   HBRUSH brush = CreateSolidBrush(color);
@@ -136,9 +132,9 @@ Parts Layout(const RECT& bar, bool vertical, const window::ScrollBarState& state
 }
 
 Part PartAt(const Parts& parts, bool vertical, POINT point) {
-  if (Contains(parts.backArrow, point)) return Part::BackArrow;
-  if (Contains(parts.forwardArrow, point)) return Part::ForwardArrow;
-  if (!Contains(parts.track, point) || window::IsEmpty(parts.thumb)) return Part::None;
+  if (PtInRect(&parts.backArrow, point)) return Part::BackArrow;
+  if (PtInRect(&parts.forwardArrow, point)) return Part::ForwardArrow;
+  if (!PtInRect(&parts.track, point) || window::IsEmpty(parts.thumb)) return Part::None;
   int along = vertical ? point.y : point.x;
   if (along < Start(parts.thumb, vertical)) return Part::TrackBack;
   if (along >= Start(parts.thumb, vertical) + Length(parts.thumb, vertical)) return Part::TrackForward;

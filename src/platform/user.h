@@ -1,8 +1,8 @@
 // USER over the software raster: a window tree with client rectangles, message
 // delivery to CWnd-derived objects, painting into the host's frame, timers on a
 // host-driven clock, mouse capture, cursor clipping, key state, cursors, popup menus,
-// scroll-bar geometry and message boxes. Anything that needs a person is answered
-// through the host interface (platform/host.h).
+// scroll-bar geometry, message boxes and the colour dialog. Anything that needs a
+// person is answered through the host interface (platform/host.h).
 #pragma once
 
 #include <cstdint>
@@ -43,6 +43,7 @@ inline constexpr UINT WM_USER = 0x0400;
 inline constexpr UINT EM_SETSEL = 0x00B1;
 inline constexpr UINT EM_SCROLLCARET = 0x00B7;
 inline constexpr UINT WM_CLEAR = 0x0303;
+inline constexpr UINT WM_SETFONT = 0x0030;
 
 // mouse-message key flags
 inline constexpr UINT MK_LBUTTON = 0x0001;
@@ -238,6 +239,8 @@ BOOL DestroyWindow(HWND hwnd);
 HWND GetParent(HWND hwnd);
 CWnd* WindowObject(HWND hwnd);
 BOOL GetClientRect(HWND hwnd, RECT* rect);
+// Whether the point lies in the rectangle: left and top edges in, right and bottom out.
+BOOL PtInRect(const RECT* rect, POINT point);
 // The overlap of two rectangles; an empty overlap gives (0, 0, 0, 0) and FALSE.
 BOOL IntersectRect(RECT* dst, const RECT* a, const RECT* b);
 BOOL GetWindowRect(HWND hwnd, RECT* rect);  // in the root window's coordinates
@@ -295,6 +298,24 @@ BOOL TrackPopupMenu(HMENU menu, UINT flags, int x, int y, int reserved, HWND own
 
 // ---- message boxes ----
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
+
+// ---- the colour dialog ----
+inline constexpr DWORD CC_RGBINIT = 0x0001;
+inline constexpr DWORD CC_ANYCOLOR = 0x0100;
+struct CHOOSECOLORA {
+  DWORD lStructSize;
+  HWND hwndOwner;
+  HWND hInstance;
+  COLORREF rgbResult;
+  COLORREF* lpCustColors;  // 16 entries, read and written by the dialog
+  DWORD Flags;
+  LPARAM lCustData;
+  void* lpfnHook;
+  LPCSTR lpTemplateName;
+};
+// Shown by the host. Starts at rgbResult with CC_RGBINIT (else black); TRUE with the
+// chosen colour in rgbResult, FALSE when cancelled or without a custom-colour table.
+BOOL ChooseColorA(CHOOSECOLORA* choose);
 
 // The module's instance handle, for class registration and resources.
 HINSTANCE AfxGetInstanceHandle();

@@ -27,10 +27,6 @@ InputState& Input() {
   return state;
 }
 
-bool Contains(const RECT& r, POINT p) {
-  return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom;
-}
-
 bool IsButtonDown(UINT message) {
   return message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK || message == WM_RBUTTONDOWN;
 }
@@ -64,10 +60,10 @@ struct Hit {
 Hit HitTest(HWND hwnd, POINT point) {
   Window* window = Find(hwnd);
   RECT client = platform::window::ClientRect(*window);
-  if (Contains(client, point)) {
+  if (PtInRect(&client, point)) {
     for (auto it = window->children.rbegin(); it != window->children.rend(); ++it) {
       Window* child = Find(*it);
-      if (child != nullptr && (child->style & WS_VISIBLE) && Contains(child->rect, point)) {
+      if (child != nullptr && (child->style & WS_VISIBLE) && PtInRect(&child->rect, point)) {
         return HitTest(*it, POINT{point.x - child->rect.left, point.y - child->rect.top});
       }
     }

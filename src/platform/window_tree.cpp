@@ -128,6 +128,13 @@ RECT Offset(const RECT& r, int dx, int dy) {
 
 }  // namespace platform::window
 
+BOOL PtInRect(const RECT* rect, POINT point) {
+  return rect != nullptr && point.x >= rect->left && point.x < rect->right && point.y >= rect->top &&
+                 point.y < rect->bottom
+             ? TRUE
+             : FALSE;
+}
+
 BOOL IntersectRect(RECT* dst, const RECT* a, const RECT* b) {
   const RECT r{std::max(a->left, b->left), std::max(a->top, b->top), std::min(a->right, b->right),
                std::min(a->bottom, b->bottom)};

@@ -6,4 +6,16 @@
 class CTextEditWnd : public CWnd {
  public:
   BOOL PreCreateWindow(CREATESTRUCTA& cs) override;
+
+  bool IsShown() const { return m_hWnd != nullptr && IsWindowVisible(); }
+  // Opens the box at `rect` (editor window coordinates) for typing in `font`, with
+  // the keyboard focus.
+  void Open(const RECT& rect, HFONT font);
+  // Hides the box and empties it.
+  void HideAndClear();
+
+ private:
+  // The window that takes the typed text. The inner edit control arrives with text
+  // entry; until then the box itself stands in for it.
+  HWND EditWindow() const { return m_hWnd; }
 };

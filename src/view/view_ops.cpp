@@ -54,9 +54,12 @@ void CImageEditWnd::OnPaint() {
   const RECT visible{update.left + m_view.hScrollPos, update.top + m_view.vScrollPos,
                      update.right + m_view.hScrollPos, update.bottom + m_view.vScrollPos};
   ComposeView(&visible);
-  // The selection box is drawn on the window here once it exists.
   BitBlt(windowDC, 0, 0, composition.width() - m_view.hScrollPos, composition.height() - m_view.vScrollPos,
          composition.dc(), m_view.hScrollPos, m_view.vScrollPos, SRCCOPY);
+  if (m_selectionBox.IsShown()) {
+    const SelectionBox& box = m_selectionBox;
+    DrawRubberBand(windowDC, box.x, box.y, box.x + box.width, box.y + box.height, 0, 0, true, false);
+  }
   EndPaint(m_hWnd, &paint);
 }
 
@@ -176,6 +179,7 @@ void CImageEditWnd::DrawScaledOriginal(const Surface& surface) {
 }
 
 void CImageEditWnd::SetImageWidth(int nImageWidth) {
+  CloseTextEntry();
   if (nImageWidth == 0) {
     m_view.requestedImageWidth = 0;
     ShowScrollBar(m_hWnd, SB_BOTH, FALSE);

@@ -45,17 +45,19 @@ TEST_F(CliHostTest, MenuRefusesAnswersThatAreNotEnabledItems) {
   EXPECT_NE(out_.str().find("menu cancelled (999 is not an enabled item)\n"), std::string::npos);
 }
 
-TEST_F(CliHostTest, ColourDialogTakesItsAnswerOrKeepsTheColour) {
-  host_.QueueColorAnswer(RGB(0x12, 0x34, 0x56));
+TEST_F(CliHostTest, ColourDialogTakesItsAnswerOrKeepsTheColourAndShowsTheCustomColours) {
+  COLORREF custom[16] = {};
+  host_.QueueColorAnswer(RGB(0x12, 0x34, 0x56), 3);
   COLORREF color = 0xABCDEF;
-  EXPECT_TRUE(host_.ChooseColor(color));
+  EXPECT_TRUE(host_.ChooseColor(color, custom));
   EXPECT_EQ(color, RGB(0x12, 0x34, 0x56));
+  EXPECT_EQ(custom[3], RGB(0x12, 0x34, 0x56));
   color = 0xABCDEF;
-  EXPECT_FALSE(host_.ChooseColor(color));
+  EXPECT_FALSE(host_.ChooseColor(color, custom));
   EXPECT_EQ(color, 0xABCDEFu);
   EXPECT_EQ(out_.str(),
-            "color dialog shown\ncolor dialog chose 123456\n"
-            "color dialog shown\ncolor dialog cancelled (no answer queued)\n");
+            "color dialog shown\ncolor dialog chose 123456 (custom 3)\n"
+            "color dialog shown\n  custom 3 123456\ncolor dialog cancelled (no answer queued)\n");
 }
 
 TEST_F(CliHostTest, FontDialogChangesOnlyWhatItsUserPicks) {

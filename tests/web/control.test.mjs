@@ -279,3 +279,80 @@ test('dialogs are page dialogs, and their calls resolve once the person closes t
   assert.equal(await dialog.count(), 0);
   await page.close();
 });
+
+test('a stroke drawn with real mouse moves gives the pixels the script host draws', async () => {
+  const page = await controlPage(120, 90);
+  await page.evaluate(async () => {
+    const editor = document.getElementById('editor');
+    await editor.SetImage('data/tools/scene_80x60.bmp');
+    editor.SetColor('C03020');
+    editor.SetPen(3);
+  });
+  // A wavy stroke, one mouse move per point, as a hand draws it.
+  const points = [];
+  for (let i = 0; i <= 40; i++) points.push([24 + i * 2, 40 + Math.round(10 * Math.sin(i / 4))]);
+  const [first, ...rest] = points;
+  await page.mouse.move(...first);
+  await page.mouse.down();
+  for (const point of rest) await page.mouse.move(...point);
+  await page.mouse.up();
+  const last = points[points.length - 1];
+  assertSamePixels(await canvasPixels(page), nativeShot(120, 90, [
+    'SetImage "tests/data/tools/scene_80x60.bmp"', 'SetColor "C03020"', 'SetPen 3',
+    `hover ${first.join(' ')}`, `down ${first.join(' ')}`, ...rest.map((p) => `move ${p.join(' ')}`),
+    `up ${last.join(' ')}`,
+  ]), 'after the stroke');
+  assert.deepEqual(page.errors, []);
+  await page.close();
+});
+
+test('a colour pick fires ColorSelected with the colour string and returns to the tool', async () => {
+  const page = await controlPage(80, 60);
+  await page.evaluate(async () => {
+    const editor = document.getElementById('editor');
+    await editor.SetImage('data/tools/scene_80x60.bmp');
+    window.picked = [];
+    editor.addEventListener('ColorSelected', (event) => window.picked.push(event.detail));
+    editor.SetBrush(4);
+    editor.SelectColor();
+  });
+  await page.mouse.click(55, 15);  // the green square
+  await page.mouse.click(5, 5);    // the brush again: a dot, no event
+  assert.deepEqual(await page.evaluate(() => window.picked), ['00FF00']);
+  await page.close();
+});
+
+test('each tool shows its cursor, hot spot included', async () => {
+  const page = await controlPage(80, 60);
+  const cursorAfter = async (call) => {
+    await page.evaluate(call);
+    await page.mouse.move(40, 30);
+    await page.mouse.move(41, 30);
+    return page.evaluate(() => document.getElementById('editor').shadowRoot.querySelector('canvas').style.cursor);
+  };
+  await page.evaluate(() => document.getElementById('editor').SetImage('data/tools/scene_80x60.bmp'));
+  const hotSpot = (css) => css.match(/^url\("?data:image\/png;base64,[^)]+\) (\d+) (\d+), auto$/)?.slice(1);
+  assert.deepEqual(hotSpot(await cursorAfter(() => document.getElementById('editor').SetPen(2))), ['11', '22']);
+  assert.deepEqual(hotSpot(await cursorAfter(() => document.getElementById('editor').SelectColor())), ['9', '21']);
+  assert.deepEqual(hotSpot(await cursorAfter(() => document.getElementById('editor').CutImage())), ['0', '0']);
+  assert.equal(await cursorAfter(() => document.getElementById('editor').SetNothing()), 'default');
+  await page.close();
+});
+
+test('the colour dialog keeps its custom colours for the next SetColor("DIALOG")', async () => {
+  const page = await controlPage(80, 60);
+  const dialog = page.locator('image-edit-control dialog[open]');
+  const chosen = page.evaluate(() => document.getElementById('editor').SetColor('DIALOG'));
+  await dialog.locator('input[type=color]').fill('#00ff00');
+  await dialog.getByRole('button', { name: 'Add to Custom Colors' }).click();
+  await dialog.getByRole('button', { name: 'OK' }).click();
+  assert.equal(await chosen, '00FF00');
+  const again = page.evaluate(() => document.getElementById('editor').SetColor('dialog'));
+  const box = dialog.getByRole('button', { name: 'Custom color 1', exact: true });
+  assert.equal(await box.evaluate((button) => button.style.background), 'rgb(0, 255, 0)');
+  await dialog.locator('input[type=color]').fill('#123456');
+  await box.click();  // picks the custom colour back
+  await dialog.getByRole('button', { name: 'OK' }).click();
+  assert.equal(await again, '00FF00');
+  await page.close();
+});

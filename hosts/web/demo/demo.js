@@ -48,6 +48,55 @@ element.addEventListener('drop', (event) => {
   openFile(event.dataTransfer.files[0]);
 });
 
+// Drawing: each tool button chooses a tool with the size and colour shown (the eraser
+// twice and the airbrush five times as wide as a pen, so that one size suits them
+// all); a new size re-chooses the tool. A picked colour becomes the colour to draw with.
+const sizeInput = document.getElementById('tool-size');
+const colorInput = document.getElementById('tool-color');
+const size = () => Math.max(1, sizeInput.valueAsNumber || 1);
+const TOOLS = {
+  pen: () => editor.SetPen(size()),
+  brush: () => editor.SetBrush(size()),
+  eraser: () => editor.SetEraser(size() * 2),
+  airbrush: () => editor.SetAirBrush(size() * 5),
+  stamp: () => editor.SetBitmapBrush('samples/brush.bmp'),
+  shape: (button) => {
+    editor.SetPen(size());
+    editor.SetShape(Number(button.dataset.style));
+  },
+  fill: () => editor.FillWithSelectedColor(),
+  pick: () => editor.SelectColor(),
+  select: () => editor.SelectRectangle(),
+  cut: () => editor.CutImage(),
+  mosaic: () => editor.MosaicImage(),
+  none: () => editor.SetNothing(),
+};
+const toolButtons = [...document.querySelectorAll('#tools button')];
+let activeTool = null;
+async function chooseTool(button) {
+  activeTool = button;
+  for (const other of toolButtons) other.setAttribute('aria-pressed', String(other === button));
+  await TOOLS[button.dataset.tool](button);
+  note(`${button.textContent} (size ${size()})`);
+}
+for (const button of toolButtons) button.addEventListener('click', () => chooseTool(button));
+sizeInput.addEventListener('change', () => { if (activeTool) chooseTool(activeTool); });
+const showColor = (rrggbb) => { colorInput.value = `#${rrggbb.toLowerCase()}`; };
+colorInput.addEventListener('change', () => {
+  showColor(editor.SetColor(colorInput.value.slice(1)));
+  note(`SetColor("${colorInput.value.slice(1).toUpperCase()}")`);
+});
+document.getElementById('color-dialog').addEventListener('click', async () => {
+  showColor(await editor.SetColor('DIALOG'));
+  note('SetColor("DIALOG")');
+});
+editor.addEventListener('ColorSelected', (event) => showColor(editor.SetColor(event.detail)));
+document.getElementById('apply-box').addEventListener('click', () => {
+  const [width, height] = ['box-width', 'box-height'].map((id) => document.getElementById(id).valueAsNumber || 0);
+  editor.SetSelectionBox(width, height);
+  note(`SetSelectionBox(${width}, ${height})`);
+});
+
 // Each adjustment is applied when the control is let go, so that one drag is one
 // step of the history.
 const gammas = [...document.querySelectorAll('[data-gamma]')];

@@ -5,6 +5,7 @@ ridges and grain; fixed seeds, so every run draws the same pictures).
     make_samples.py DIR            the small samples the repository ships
     make_samples.py DIR --large    also landscape-12mp.jpg (4000 x 3000), made at build time
 """
+import math
 import random
 import sys
 from pathlib import Path
@@ -129,6 +130,20 @@ def tiles(size):
     return picture
 
 
+def brush(size):
+    """A bitmap brush: a five-pointed star on the drawing layer's key colour
+    (0x13, 0x43, 0x0B), the colour a stamp leaves out; the star takes the pen's colour."""
+    w, h = size
+    picture = Image.new("RGB", size, (0x13, 0x43, 0x0B))
+    points = []
+    for i in range(10):
+        r = (w / 2 - 1) if i % 2 == 0 else w / 5
+        a = -math.pi / 2 + i * math.pi / 5
+        points.append((w / 2 - 0.5 + r * math.cos(a), h / 2 + r * math.sin(a)))
+    ImageDraw.Draw(picture).polygon(points, fill=(0, 0, 0))
+    return picture
+
+
 def main():
     out = Path(sys.argv[1])
     out.mkdir(parents=True, exist_ok=True)
@@ -139,6 +154,7 @@ def main():
     city((2000, 1200)).save(out / "city.jpg", quality=82)
     balloons((560, 420)).save(out / "balloons.png", optimize=True)
     tiles((256, 192)).save(out / "tiles.bmp")
+    brush((24, 24)).save(out / "brush.bmp")
 
 
 if __name__ == "__main__":
