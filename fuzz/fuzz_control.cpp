@@ -25,6 +25,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -276,8 +277,9 @@ class Session : public platform::Host {
     if (items.empty() || data_.ConsumeIntegralInRange(0, 3) == 0) return 0;
     return items[data_.ConsumeIntegralInRange<std::size_t>(0, items.size() - 1)].id;
   }
-  bool ChooseColor(COLORREF& color) override {
+  bool ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) override {
     color = data_.ConsumeIntegral<std::uint32_t>() & 0xFFFFFF;
+    if (data_.ConsumeBool()) customColors[data_.ConsumeIntegralInRange(0, 15)] = color;
     return data_.ConsumeBool();
   }
   bool ChooseFont(LOGFONTA& font, COLORREF& color) override {
