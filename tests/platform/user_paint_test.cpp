@@ -62,14 +62,13 @@ TEST_F(Painting, FlushComposesHostParentAndChildWithChildOnTop) {
   EXPECT_EQ(FramePixel(0, 0), 0u);  // nothing is painted before a flush
   platform::FlushPaint(hostWindow_);
   EXPECT_EQ(host_.presented, 1);
-  EXPECT_EQ(FramePixel(0, 0), kWhite);
-  EXPECT_EQ(FramePixel(9, 9), kWhite);
-  EXPECT_EQ(FramePixel(10, 10), kRed);
-  EXPECT_EQ(FramePixel(59, 49), kRed);
-  EXPECT_EQ(FramePixel(60, 50), kWhite);
-  EXPECT_EQ(FramePixel(15, 15), kBlue);
-  EXPECT_EQ(FramePixel(24, 24), kBlue);
-  EXPECT_EQ(FramePixel(25, 25), kRed);
+  ExpectFramePixels({{9, 9, kWhite},
+                     {10, 10, kRed},
+                     {59, 49, kRed},
+                     {60, 50, kWhite},  //
+                     {15, 15, kBlue},
+                     {24, 24, kBlue},
+                     {25, 25, kRed}});
   // With nothing pending a flush paints and presents nothing.
   platform::FlushPaint(hostWindow_);
   EXPECT_EQ(host_.presented, 1);
@@ -95,11 +94,7 @@ TEST_F(Painting, PaintStaysInsideTheChildAndItsParent) {
   overhang.color = RGB(0, 255, 0);
   ASSERT_TRUE(overhang.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{40, 30, 70, 60}, &parent_, 3));
   platform::FlushPaint(hostWindow_);
-  EXPECT_EQ(FramePixel(50, 40), kGreen);
-  EXPECT_EQ(FramePixel(59, 49), kGreen);
-  EXPECT_EQ(FramePixel(60, 45), kWhite);
-  EXPECT_EQ(FramePixel(55, 50), kWhite);
-  EXPECT_EQ(FramePixel(49, 40), kRed);
+  ExpectFramePixels({{50, 40, kGreen}, {59, 49, kGreen}, {60, 45, kWhite}, {55, 50, kWhite}, {49, 40, kRed}});
 }
 
 TEST_F(Painting, HidingAChildRepaintsTheParentBeneath) {
@@ -119,16 +114,12 @@ TEST_F(Painting, DefaultPaintErasesWithTheClassBrushAndWindowDcsLeakNothing) {
   ASSERT_TRUE(plain.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{70, 60, 80, 70}, hostWindow_, 4));
   platform::GdiCounts before = platform::LiveGdiObjects();
   platform::FlushPaint(hostWindow_);
-  EXPECT_EQ(FramePixel(75, 65), 0u);  // black class background
-  EXPECT_EQ(FramePixel(69, 65), kWhite);
-
   HDC dc = GetDC(plain.m_hWnd);
   ASSERT_NE(dc, nullptr);
   SetPixel(dc, 1, 2, RGB(0, 255, 0));
   SetPixel(dc, 20, 2, RGB(0, 255, 0));  // outside the client area: clipped
   EXPECT_EQ(ReleaseDC(plain.m_hWnd, dc), 1);
-  EXPECT_EQ(FramePixel(71, 62), kGreen);
-  EXPECT_EQ(FramePixel(90, 62), kWhite);
+  ExpectFramePixels({{75, 65, 0}, {69, 65, kWhite}, {71, 62, kGreen}, {90, 62, kWhite}});
   EXPECT_EQ(platform::LiveGdiObjects().total(), before.total());
 }
 

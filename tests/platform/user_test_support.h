@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,8 @@
 #include "support/recording_host.h"
 
 namespace user_test {
+
+using Log = std::vector<std::string>;
 
 // Makes `cs` create a window of the class `name`, registering the class on first use.
 inline void UseWindowClass(CREATESTRUCTA& cs, const char* name, HCURSOR cursor, HBRUSH background) {
@@ -26,10 +30,21 @@ inline void UseWindowClass(CREATESTRUCTA& cs, const char* name, HCURSOR cursor, 
   cs.lpszClass = name;
 }
 
+inline std::string Text(const RECT& r) {
+  return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
+         std::to_string(r.bottom);
+}
+
+inline RECT ClientRectOf(HWND window) {
+  RECT client{};
+  EXPECT_TRUE(GetClientRect(window, &client));
+  return client;
+}
+
 // Records each message it receives as "name" or "name:args".
 class LoggingWnd : public CWnd {
  public:
-  explicit LoggingWnd(std::string name, std::vector<std::string>* log) : name_(std::move(name)), log_(log) {}
+  explicit LoggingWnd(std::string name, Log* log) : name_(std::move(name)), log_(log) {}
   ~LoggingWnd() override {
     if (m_hWnd != nullptr) DestroyWindow();
   }
@@ -51,7 +66,7 @@ class LoggingWnd : public CWnd {
 
  private:
   std::string name_;
-  std::vector<std::string>* log_;
+  Log* log_;
 };
 
 class HostFixture : public ::testing::Test {
@@ -78,6 +93,12 @@ class HostFixture : public ::testing::Test {
     EXPECT_NE(pixels, nullptr);
     if (pixels == nullptr || x < 0 || y < 0 || x >= width || y >= height) return 0xDEADBEEF;
     return pixels[y * width + x];
+  }
+  // Each of `points` {x, y, colour} must show its colour in the host frame.
+  void ExpectFramePixels(std::initializer_list<std::array<std::uint32_t, 3>> points) {
+    for (const auto& [x, y, color] : points) {
+      EXPECT_EQ(FramePixel(static_cast<int>(x), static_cast<int>(y)), color) << "at " << x << "," << y;
+    }
   }
 
   InstalledRecordingHost host_;
