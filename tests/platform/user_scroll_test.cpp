@@ -16,7 +16,6 @@ using platform::window::ScrollBarState;
 using user_test::ClientRectOf;
 using user_test::HostFixture;
 using user_test::Log;
-using user_test::LoggingWnd;
 using user_test::Text;
 
 class ScrollBars : public HostFixture {
@@ -31,7 +30,7 @@ class ScrollBars : public HostFixture {
     HostFixture::TearDown();
   }
   Log log_;
-  LoggingWnd wnd_{"w", &log_};
+  user_test::LoggingWnd wnd_{"w", &log_};
 };
 
 TEST_F(ScrollBars, ShownBarsTakeClientAreaAndARangeThatNeedsNoBarHidesIt) {
@@ -63,18 +62,12 @@ TEST_F(ScrollBars, PositionIsClampedSoThatAWholePageFits) {
   EXPECT_EQ(SetScrollInfo(wnd_.m_hWnd, SB_HORZ, &info, TRUE), 101);
   EXPECT_EQ(SetScrollPos(wnd_.m_hWnd, SB_HORZ, -4, TRUE), 101);  // returns the previous position
   EXPECT_EQ(GetScrollPos(wnd_.m_hWnd, SB_HORZ), 0);
-  SetScrollPos(wnd_.m_hWnd, SB_HORZ, 50, TRUE);
-  SCROLLINFO read{sizeof(SCROLLINFO), SIF_ALL};
-  ASSERT_TRUE(GetScrollInfo(wnd_.m_hWnd, SB_HORZ, &read));
-  EXPECT_EQ(read.nMax, 105);
-  EXPECT_EQ(read.nPage, 5u);
-  EXPECT_EQ(read.nPos, 50);
   // A page of 0 lets the position reach max; a page larger than the range is cut to it.
   SCROLLINFO page{sizeof(SCROLLINFO), SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL, 0, 0, 0, 500, 0};
   EXPECT_EQ(SetScrollInfo(wnd_.m_hWnd, SB_HORZ, &page, TRUE), 105);
   page.nPage = 1000;
   EXPECT_EQ(SetScrollInfo(wnd_.m_hWnd, SB_HORZ, &page, TRUE), 0);
-  read.fMask = SIF_PAGE;
+  SCROLLINFO read{sizeof(SCROLLINFO), SIF_PAGE};
   GetScrollInfo(wnd_.m_hWnd, SB_HORZ, &read);
   EXPECT_EQ(read.nPage, 106u);
   // The vertical bar keeps its own state.
@@ -101,7 +94,6 @@ TEST(ScrollBarLayout, ThumbSizedByThePageAndPlacedByThePosition) {
   const Case cases[] = {
       // 66 * 10 / 100 rounds to 7, below the 8 px minimum; 58 px are left for 90 positions.
       {"minimum length, first position", kHorizontal, {0, 99, 10}, 0, "17,0,25,17"},
-      {"middle", kHorizontal, {0, 99, 10}, 45, "46,0,54,17"},
       {"last position a page allows", kHorizontal, {0, 99, 10}, 90, "75,0,83,17"},
       {"beyond the last", kHorizontal, {0, 99, 10}, 99, "75,0,83,17"},
       {"before the first", kHorizontal, {0, 99, 10}, -5, "17,0,25,17"},
@@ -110,7 +102,6 @@ TEST(ScrollBarLayout, ThumbSizedByThePageAndPlacedByThePosition) {
       {"vertical, offset range", kVertical, {10, 109, 50}, 35, "5,59,22,142"},
       // Without a page the thumb is square: 66 - 17 = 49 px for 9 positions.
       {"no page, at max", kHorizontal, {0, 9, 0}, 9, "66,0,83,17"},
-      {"no page", kHorizontal, {0, 9, 0}, 3, "33,0,50,17"},
       {"the range fits a page", kHorizontal, {0, 9, 10}, 0, "none"},
       {"a 6 px track has no room", RECT{0, 0, 40, 17}, {0, 9, 0}, 0, "none"},
       {"the whole int range, at max", kHorizontal, {INT_MIN, INT_MAX, 0}, INT_MAX, "66,0,83,17"},
@@ -134,16 +125,15 @@ TEST(ScrollBarLayout, ArrowsTrackPositionsAndPartsUnderPoints) {
   // 30 px: the arrows share the length and the track is empty.
   EXPECT_EQ(parts(RECT{0, 0, 30, 17}, false, {0, 9, 0}, 0), "0,0,15,17 15,0,30,17 15,0,15,17");
 
+  // Positions from thumb places: 41 * 50 / 83 = 24.7 rounds up; INT_MIN + half the range.
   struct Position {
     RECT bar;
     ScrollBarState state;
     int thumbStart, pos;
   };
   for (const Position& c :
-       {Position{kVertical, {10, 109, 50}, 42, 35}, Position{kVertical, {10, 109, 50}, 41, 35},
-        Position{kVertical, {10, 109, 50}, 83, 60}, Position{kHorizontal, {0, 9, 0}, 16, 3},
+       {Position{kVertical, {10, 109, 50}, 41, 35}, Position{kVertical, {10, 109, 50}, 83, 60},
         Position{kHorizontal, {0, 9, 0}, 49, 9}, Position{RECT{0, 0, 30, 17}, {0, 9, 0}, 3, 0},
-        // INT_MIN + half the range.
         Position{kHorizontal, {INT_MIN, INT_MAX, 0x80000000u}, 33, 0}}) {
     const bool vertical = c.bar.left == kVertical.left;
     EXPECT_EQ(PositionAt(Layout(c.bar, vertical, c.state, 0), vertical, c.state, c.thumbStart), c.pos)
@@ -151,14 +141,10 @@ TEST(ScrollBarLayout, ArrowsTrackPositionsAndPartsUnderPoints) {
   }
 
   const platform::scroll::Parts parts45 = Layout(kHorizontal, false, {0, 99, 10, 45}, 45);  // thumb 46..54
-  for (const auto& [x, y, part] : {std::tuple{0, 8, Part::BackArrow},
-                                   {16, 16, Part::BackArrow},
-                                   {17, 8, Part::TrackBack},
-                                   {45, 8, Part::TrackBack},
+  for (const auto& [x, y, part] : {std::tuple{45, 8, Part::TrackBack},
                                    {46, 8, Part::Thumb},
                                    {53, 8, Part::Thumb},
                                    {54, 8, Part::TrackForward},
-                                   {83, 8, Part::ForwardArrow},
                                    {100, 8, Part::None},
                                    {50, 17, Part::None}}) {
     EXPECT_EQ(platform::scroll::PartAt(parts45, false, POINT{x, y}), part) << x << "," << y;
@@ -173,21 +159,6 @@ constexpr std::uint32_t kTrack = 0xE8E8E8;
 constexpr std::uint32_t kWhite = 0xFFFFFF;
 constexpr std::uint32_t kRed = 0xFF0000;
 
-// Paints its client area red.
-class RedWnd : public CWnd {
- public:
-  void OnPaint() override {
-    PAINTSTRUCT paint{};
-    HDC dc = BeginPaint(m_hWnd, &paint);
-    RECT client{};
-    GetClientRect(&client);
-    HBRUSH red = CreateSolidBrush(RGB(255, 0, 0));
-    FillRect(dc, &client, red);
-    DeleteObject(red);
-    EndPaint(m_hWnd, &paint);
-  }
-};
-
 // A child at (10, 5) of 80 x 70 with both bars at position 90 of 0..99 (page 10): a
 // 63 x 53 client area, the vertical bar at x 73..90 and y 5..58 of the host, the
 // horizontal one at x 10..73, y 58..75. The vertical track is y 22..41 with an 8 px
@@ -196,6 +167,7 @@ class ScrollBarPaint : public HostFixture {
  protected:
   void SetUp() override {
     HostFixture::SetUp();
+    wnd_.color = RGB(255, 0, 0);
     ASSERT_TRUE(wnd_.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{10, 5, 90, 75}, hostWindow_, 1));
     SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE | SIF_POS, 0, 99, 10, 90, 0};
     SetScrollInfo(wnd_.m_hWnd, SB_VERT, &info, TRUE);
@@ -206,7 +178,7 @@ class ScrollBarPaint : public HostFixture {
     wnd_.DestroyWindow();
     HostFixture::TearDown();
   }
-  RedWnd wnd_;
+  user_test::SolidWnd wnd_;
 };
 
 TEST_F(ScrollBarPaint, ThumbsCornerAndNothingOutsideTheWindowEvenAfterTheParentPaintsOver) {

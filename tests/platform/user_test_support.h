@@ -69,6 +69,24 @@ class LoggingWnd : public CWnd {
   Log* log_;
 };
 
+// Paints its whole client area (and far beyond) in one colour, as a careless painter
+// would; the window DC must keep the paint inside.
+class SolidWnd : public CWnd {
+ public:
+  void OnPaint() override {
+    ++paints;
+    PAINTSTRUCT ps{};
+    HDC dc = BeginPaint(m_hWnd, &ps);
+    HBRUSH brush = CreateSolidBrush(color);
+    RECT everything{-500, -500, 500, 500};
+    FillRect(dc, &everything, brush);
+    DeleteObject(brush);
+    EndPaint(m_hWnd, &ps);
+  }
+  COLORREF color = RGB(0, 0, 255);
+  int paints = 0;
+};
+
 class HostFixture : public ::testing::Test {
  protected:
   static constexpr int kWidth = 100;
