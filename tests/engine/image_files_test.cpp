@@ -49,14 +49,12 @@ TEST_F(ImageFilesTest, SetImageLoadsTheOriginalAndLaysItOut) {
   EXPECT_EQ(live->m_view.originalHeight, 2);
   EXPECT_TRUE(live->m_view.scalingAllowed);
   EXPECT_EQ(BitmapColors(live->m_surfaces.original.get()), colors);
-  // At 100 %, centred in the 20 x 10 surfaces.
-  EXPECT_EQ(live->m_view.displayedWidth, 4);
-  EXPECT_EQ(live->m_view.imageRect.left, 8);
-  EXPECT_EQ(live->m_view.imageRect.top, 4);
+  // At 100 %, centred in the 20 x 10 surfaces (x 8..11, y 4..5).
   const Colors shown = SurfaceColors(live->m_surfaces.imageSurface.dc(), 20, 10);
   EXPECT_EQ(Colors(shown.begin() + 4 * 20 + 7, shown.begin() + 4 * 20 + 13),
             (Colors{0xFFFFFF, kRed, kRed, kBlue, kBlue, 0xFFFFFF}));
-  EXPECT_EQ(shown[5 * 20 + 11], kRed);
+  EXPECT_EQ(Colors(shown.begin() + 5 * 20 + 8, shown.begin() + 5 * 20 + 12),
+            (Colors{kBlue, kBlue, kRed, kRed}));
 }
 
 TEST_F(ImageFilesTest, FailedSetImageKeepsTheViewAndDropsTheOriginal) {

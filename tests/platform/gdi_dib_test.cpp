@@ -22,18 +22,6 @@ struct InfoWithTable {
   const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(this); }
 };
 
-// Without bits and bit count, GetDIBits describes the bitmap in its own format.
-TEST(GdiDib, HeaderQueryGivesTheBitmapsOwnFormat) {
-  MemSurface s(7, 2);
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = 40;
-  ASSERT_NE(GetDIBits(s.dc(), s.bitmap(), 0, 2, nullptr, &info, DIB_RGB_COLORS), 0);
-  EXPECT_EQ(info.bmiHeader.biWidth, 7);
-  EXPECT_EQ(info.bmiHeader.biHeight, 2);
-  EXPECT_EQ(info.bmiHeader.biBitCount, 32);
-  EXPECT_EQ(info.bmiHeader.biSizeImage, 7u * 4 * 2);
-}
-
 TEST(GdiDib, TopDownAnd32BitRoundTripsAreLossless) {
   MemSurface s(3, 2);
   const Row top{RGB(255, 0, 1), RGB(2, 254, 3), RGB(128, 127, 129)};

@@ -124,23 +124,4 @@ TEST_F(Routing, KeysPassThePreTranslateChainFromTheFocusUpOrGoToTheHostsFirstChi
   EXPECT_EQ(log_, (Log{"inner pretranslate"}));
 }
 
-class CursorClassWnd : public CWnd {
- public:
-  BOOL PreCreateWindow(CREATESTRUCTA& cs) override {
-    user_test::UseWindowClass(cs, "WaitCursorClass", LoadCursorA(nullptr, IDC_WAIT), nullptr);
-    return TRUE;
-  }
-};
-
-TEST_F(HostFixture, DefaultSetCursorShowsTheClassCursorAndTheHostHearsOfChangesOnly) {
-  CursorClassWnd wnd;
-  ASSERT_TRUE(wnd.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{0, 0, 50, 50}, hostWindow_, 1));
-  SetCursor(nullptr);
-  host_.cursors.clear();
-  platform::MouseInput(hostWindow_, WM_MOUSEMOVE, 10, 10);
-  platform::MouseInput(hostWindow_, WM_MOUSEMOVE, 11, 10);
-  platform::MouseInput(hostWindow_, WM_MOUSEMOVE, 60, 60);  // the host root: the arrow
-  EXPECT_EQ(host_.cursors, (std::vector<int>{32514, 0}));
-}
-
 }  // namespace
