@@ -21,18 +21,6 @@ int BitsPerPixel(HBITMAP bitmap) {
   return GetObjectA(bitmap, sizeof bm, &bm) == sizeof bm ? bm.bmBitsPixel : 0;
 }
 
-TEST_F(GdiObjects, StockObjectsAreNeitherCountedNorDeleted) {
-  for (int index : {WHITE_BRUSH, NULL_BRUSH, BLACK_BRUSH, WHITE_PEN, BLACK_PEN, NULL_PEN, SYSTEM_FONT,
-                    DEFAULT_GUI_FONT}) {
-    HGDIOBJ stock = GetStockObject(index);
-    EXPECT_TRUE(DeleteObject(stock)) << index;
-    EXPECT_EQ(GetStockObject(index), stock);
-    EXPECT_NE(GetObjectType(stock), 0u);
-  }
-  EXPECT_EQ(GetStockObject(9), nullptr);
-  EXPECT_EQ(GetStockObject(-1), nullptr);
-}
-
 TEST_F(GdiObjects, CompatibleBitmapFollowsTheDcsBitmapKindAndMonoRowsAreWordAligned) {
   HDC screen = platform::CreateScreenDC();
   HDC fresh = CreateCompatibleDC(screen);
@@ -140,27 +128,6 @@ TEST_F(GdiObjects, GetObjectDescribesDibSectionsAndDeviceBitmaps) {
   EXPECT_EQ(GetObjectA(device, sizeof section, &section), 24);  // a device bitmap has no DIB header
   EXPECT_EQ(GetObjectA(device, 23, &section), 0);               // too small a buffer
   EXPECT_TRUE(DeleteObject(device));
-}
-
-// Counted per kind from the request on, across every way of making one; 0 cancels.
-TEST_F(GdiObjects, OnlyTheNthCreationFailsWhenAsked) {
-  HDC dc = CreateCompatibleDC(nullptr);
-  HBITMAP first = CreateBitmap(2, 2, 1, 32, nullptr);
-  platform::FailNthCreation(platform::GdiKind::Bitmap, 2);
-  HBITMAP second = CreateCompatibleBitmap(dc, 1, 1);
-  EXPECT_EQ(CopyImage(first, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION), nullptr);
-  HANDLE after = CopyImage(first, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
-  platform::FailNthCreation(platform::GdiKind::DC, 1);
-  EXPECT_EQ(CreateCompatibleDC(dc), nullptr);
-  platform::FailNthCreation(platform::GdiKind::Bitmap, 1);
-  platform::FailNthCreation(platform::GdiKind::Bitmap, 0);
-  HBITMAP fine = CreateBitmap(1, 1, 1, 1, nullptr);
-  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, before_.bitmaps + 4);
-  for (HGDIOBJ object :
-       {static_cast<HGDIOBJ>(first), static_cast<HGDIOBJ>(second), after, static_cast<HGDIOBJ>(fine)}) {
-    EXPECT_TRUE(DeleteObject(object));
-  }
-  DeleteDC(dc);
 }
 
 TEST(GdiMath, MulDivRoundsHalfAwayFromZero) {

@@ -12,16 +12,6 @@ constexpr std::uint32_t kRed = 0xFF0000;
 constexpr std::uint32_t kBlue = 0x0000FF;
 constexpr std::uint32_t kGreen = 0x00FF00;
 
-// A window whose class erases it with the black stock brush.
-class BlackClassWnd : public CWnd {
- public:
-  BOOL PreCreateWindow(CREATESTRUCTA& cs) override {
-    user_test::UseWindowClass(cs, "BlackBackground", nullptr,
-                              static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-    return TRUE;
-  }
-};
-
 class Painting : public HostFixture {
  protected:
   void SetUp() override {
@@ -79,17 +69,15 @@ TEST_F(Painting, HidingAChildRepaintsTheParentBeneathAndRedrawUpdatesAtOnce) {
   EXPECT_EQ(FramePixel(15, 15), kGreen);
 }
 
-TEST_F(Painting, DefaultPaintErasesWithTheClassBrushAndWindowDcsLeakNothing) {
-  BlackClassWnd plain;
-  ASSERT_TRUE(plain.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{70, 60, 80, 70}, hostWindow_, 4));
-  platform::GdiCounts before = platform::LiveGdiObjects();
+TEST_F(Painting, WindowDcsDrawInsideTheClientAreaAndLeakNothing) {
   platform::FlushPaint(hostWindow_);
-  HDC dc = GetDC(plain.m_hWnd);
+  platform::GdiCounts before = platform::LiveGdiObjects();
+  HDC dc = GetDC(child_.m_hWnd);
   ASSERT_NE(dc, nullptr);
   SetPixel(dc, 1, 2, RGB(0, 255, 0));
   SetPixel(dc, 20, 2, RGB(0, 255, 0));  // outside the client area: clipped
-  EXPECT_EQ(ReleaseDC(plain.m_hWnd, dc), 1);
-  ExpectFramePixels({{75, 65, 0}, {69, 65, kWhite}, {71, 62, kGreen}, {90, 62, kWhite}});
+  EXPECT_EQ(ReleaseDC(child_.m_hWnd, dc), 1);
+  ExpectFramePixels({{16, 17, kGreen}, {35, 17, kRed}});
   EXPECT_EQ(platform::LiveGdiObjects().total(), before.total());
 }
 
