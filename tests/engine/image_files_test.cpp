@@ -1,3 +1,5 @@
+// Saving what only the engine can set up (strokes, frame pieces, a placed selection
+// box); loading and saving as a host sees them is the scenario tests/cli/image_files.ies.
 #include <fstream>
 
 #include "imageio/bmp_builder.h"
@@ -40,40 +42,6 @@ class ImageFilesTest : public HostedTest {
   TempFiles files_{"image_files_"};
 };
 
-TEST_F(ImageFilesTest, SetImageLoadsTheOriginalAndLaysItOut) {
-  LiveEditor live(20, 10);
-  const Colors colors{kRed, kRed, kBlue, kBlue, kBlue, kBlue, kRed, kRed};
-  live->m_view.scalingAllowed = false;
-  live->SetImage(files_.Write("a.bmp", BitmapFile(4, 2, colors)).c_str());
-  EXPECT_EQ(live->m_view.originalWidth, 4);
-  EXPECT_EQ(live->m_view.originalHeight, 2);
-  EXPECT_TRUE(live->m_view.scalingAllowed);
-  EXPECT_EQ(BitmapColors(live->m_surfaces.original.get()), colors);
-  // At 100 %, centred in the 20 x 10 surfaces (x 8..11, y 4..5).
-  const Colors shown = SurfaceColors(live->m_surfaces.imageSurface.dc(), 20, 10);
-  EXPECT_EQ(Colors(shown.begin() + 4 * 20 + 7, shown.begin() + 4 * 20 + 13),
-            (Colors{0xFFFFFF, kRed, kRed, kBlue, kBlue, 0xFFFFFF}));
-  EXPECT_EQ(Colors(shown.begin() + 5 * 20 + 8, shown.begin() + 5 * 20 + 12),
-            (Colors{kBlue, kBlue, kRed, kRed}));
-}
-
-TEST_F(ImageFilesTest, FailedSetImageKeepsTheViewAndDropsTheOriginal) {
-  LiveEditor live(20, 10);
-  live->SetImage(files_.Write("b.bmp", BitmapFile(2, 1, {kRed, kBlue})).c_str());
-  ASSERT_TRUE(live->m_surfaces.original);
-  const Colors shown = SurfaceColors(live->m_surfaces.imageSurface.dc(), 20, 10);
-  const HBITMAP drawingLayer = live->m_surfaces.drawingLayer.bitmap();
-  live->m_view.scalingAllowed = false;
-  const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
-
-  live->SetImage((platform::TempFolder() + "image_files_missing.bmp").c_str());
-  EXPECT_FALSE(live->m_surfaces.original);
-  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmapsBefore - 1) << "the old original is deleted";
-  EXPECT_FALSE(live->m_view.scalingAllowed);
-  EXPECT_EQ(live->m_surfaces.drawingLayer.bitmap(), drawingLayer);
-  EXPECT_EQ(SurfaceColors(live->m_surfaces.imageSurface.dc(), 20, 10), shown);
-}
-
 TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
   LiveEditor live(20, 10);
   const Colors colors{kRed, 0x00FF00, kBlue, 0x808080, 0x123456, 0xFFFFFF};
@@ -90,26 +58,6 @@ TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
   Colors expected = colors;
   expected[1] = 0x0000AA;
   EXPECT_EQ(written.colors, expected);
-}
-
-TEST_F(ImageFilesTest, SaveSizeStretchesToAnyProportions) {
-  LiveEditor live(20, 10);
-  live->SetImage(
-      files_.Write("d.bmp", BitmapFile(4, 2, {kRed, kRed, kBlue, kBlue, kRed, kRed, kBlue, kBlue})).c_str());
-  live->SetSaveEditedBitmapSize(640, 0);
-  live->SetSaveEditedBitmapSize(-1, 480);
-  EXPECT_EQ(live->m_saveWidth, 0);
-  EXPECT_EQ(live->m_saveHeight, 0);
-  live->SetSaveEditedBitmapSize(8, 5);
-  live->SaveEditedBitmap(files_.Name("stretched.bmp").c_str());
-  const WrittenPicture written = ReadWritten(files_.last());
-  ASSERT_EQ(written.width, 8);
-  ASSERT_EQ(written.height, 5);
-  // Halftoning, not sampling: the columns where red meets blue are blended 3:1 and 1:3.
-  const Colors row{kRed, kRed, kRed, RGB(0xBF, 0, 0x40), RGB(0x40, 0, 0xBF), kBlue, kBlue, kBlue};
-  for (int y = 0; y < 5; ++y) {
-    EXPECT_EQ(Colors(written.colors.begin() + y * 8, written.colors.begin() + y * 8 + 8), row) << "row " << y;
-  }
 }
 
 TEST_F(ImageFilesTest, FramePiecesWidenTheSavedArea) {
