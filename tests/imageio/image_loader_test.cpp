@@ -16,7 +16,6 @@ namespace {
 using imageio::LoadContext;
 using imageio::LoadImage;
 using imageio_test::ReadSample;
-using imageio_test::SamplePath;
 using Colors = std::vector<COLORREF>;
 
 const LoadContext kQuiet{nullptr, false, 0x09};
@@ -51,7 +50,9 @@ class ImageLoaderTest : public ::testing::Test {
   int baseline_ = 0;
 };
 
-TEST_F(ImageLoaderTest, BitmapFilesAndCompressedFormatsBecomeDeviceBitmaps) {
+// Each format's pixels, the cut JPEG, icons and URLs of the file scheme are the
+// scenario tests/cli/pictures.ies; here what it cannot make or see.
+TEST_F(ImageLoaderTest, ABitmapFileBecomesADeviceBitmapAndDamagedDataNothing) {
   const std::string path =
       files_.Write("pal.bmp", imageio_test::BuildBmp({.width = 2,
                                                       .height = 2,
@@ -62,25 +63,6 @@ TEST_F(ImageLoaderTest, BitmapFilesAndCompressedFormatsBecomeDeviceBitmaps) {
   BITMAP description{};
   EXPECT_EQ(Load(path, kQuiet, &description), (Colors{RGB(255, 0, 0), RGB(0, 255, 0), RGB(0, 0, 255), 0}));
   EXPECT_EQ(description.bmBitsPixel, 32) << "the window's colour depth";
-  for (const auto& [name, width, height] :
-       {std::tuple{"rgba_2x2.png", 2, 2}, std::tuple{"two_frames_3x2.gif", 3, 2},
-        std::tuple{"solid_16x8.jpg", 16, 8}}) {
-    EXPECT_EQ(Load(SamplePath(name), kQuiet, &description).size(), static_cast<std::size_t>(width * height));
-    EXPECT_EQ(description.bmWidth, width) << name;
-  }
-  EXPECT_TRUE(host_.messages.empty());
-}
-
-TEST_F(ImageLoaderTest, JpegWithoutEndMarkerDecodesAsTheCompleteOne) {
-  const Colors complete = Load(SamplePath("solid_16x8.jpg"));
-  ASSERT_FALSE(complete.empty());
-  EXPECT_EQ(Load(SamplePath("solid_16x8_cut.jpg")), complete);
-  // An APP2 segment first: the data are not touched, and still decode.
-  EXPECT_EQ(Load(SamplePath("app2_cut.jpg")).size(), complete.size());
-}
-
-TEST_F(ImageLoaderTest, UndecodableDataGiveNullWithoutMessage) {
-  EXPECT_TRUE(Load(SamplePath("icon_16.ico"), kVerbose).empty());
   EXPECT_TRUE(Load(files_.Write("text.bmp", {'B', 'M', 1, 2, 3}), kVerbose).empty());
   EXPECT_TRUE(Load(files_.Write("empty.jpg", {}), kVerbose).empty());
   EXPECT_TRUE(host_.messages.empty());
@@ -97,10 +79,6 @@ TEST_F(ImageLoaderTest, MissingFileIsReportedOnlyWhileVerboseInTheUserLanguage) 
   EXPECT_EQ(host_.messages[1].text, "读" + missing + " 文件失败.\n错误代码是 “2”.");
   EXPECT_EQ(host_.messages[0].caption, "Image Edit Control");
   EXPECT_EQ(host_.messages[0].type, MB_OK | MB_ICONHAND);
-  ExpectReadFailure(missing, "2");
-  // A file URL is a file name as it stands; an empty string goes to the download.
-  ExpectReadFailure("file://" + SamplePath("rgba_2x2.png"), "2");
-  ExpectReadFailure("", "12005");
   host_.messages.clear();
   EXPECT_EQ(LoadImage(nullptr, kQuiet), nullptr);
   EXPECT_EQ(LoadImage("", kQuiet), nullptr);
@@ -114,10 +92,10 @@ TEST_F(ImageLoaderTest, UrlsAreDownloadedAndFailuresReportedWithTheirCode) {
   server.Redirect("/moved", "/pictures/a.png");
   server.Stall("/stall");
   server.Start();
-  const Colors png = Load(SamplePath("rgba_2x2.png"));
+  const Colors png = Load(imageio_test::SamplePath("rgba_2x2.png"));
   EXPECT_EQ(Load(server.Url("/pictures/a.png"), kVerbose), png);
   EXPECT_EQ(Load(server.Url("/moved"), kVerbose), png);
-  EXPECT_EQ(Load(server.Url("/b.gif"), kVerbose), Load(SamplePath("two_frames_3x2.gif")));
+  EXPECT_EQ(Load(server.Url("/b.gif"), kVerbose).size(), 6u);
   EXPECT_TRUE(host_.messages.empty());
 
   imageio::DownloadLimits limits;

@@ -30,33 +30,7 @@ Decoded Decode(const std::vector<std::uint8_t>& data) {
   return result;
 }
 
-TEST(PictureCodecs, TransparencyIsLaidOverWhiteAndOnlyTheFirstGifFrameCounts) {
-  const Decoded png = Decode(ReadSample("rgba_2x2.png"));
-  ASSERT_EQ(png.width, 2);
-  // Black at 128/255 over white: (255 x 127 + 127) / 255.
-  EXPECT_EQ(png.pixels, (std::vector<std::uint32_t>{0xFF0000, 0x00FF00, 0x0000FF, 0x7F7F7F}));
-  const Decoded gif = Decode(ReadSample("two_frames_3x2.gif"));
-  ASSERT_EQ(gif.width, 3);
-  EXPECT_EQ(gif.pixels,
-            (std::vector<std::uint32_t>{0xFF0000, 0x00FF00, 0xFFFFFF, 0xFFFFFF, 0x00FF00, 0xFF0000}));
-}
-
-TEST(PictureCodecs, SixteenBitGreyPngAndJpegBecomeEightBitRgb) {
-  const auto expectNear = [](std::uint32_t pixel, int red, int green, int blue, int tolerance) {
-    EXPECT_EQ(pixel >> 24, 0u) << "the top byte stays zero";
-    EXPECT_NEAR(static_cast<int>((pixel >> 16) & 0xFF), red, tolerance);
-    EXPECT_NEAR(static_cast<int>((pixel >> 8) & 0xFF), green, tolerance);
-    EXPECT_NEAR(static_cast<int>(pixel & 0xFF), blue, tolerance);
-  };
-  const Decoded grey = Decode(ReadSample("grey16_1x1.png"));
-  ASSERT_EQ(grey.pixels.size(), 1u);
-  expectNear(grey.pixels[0], 0x80, 0x80, 0x80, 1);
-  const Decoded jpeg = Decode(ReadSample("solid_16x8.jpg"));
-  ASSERT_EQ(jpeg.width, 16);
-  ASSERT_EQ(jpeg.pixels.size(), 128u);
-  for (std::uint32_t pixel : jpeg.pixels) expectNear(pixel, 200, 100, 50, 3);
-}
-
+// What each format decodes to is the scenario tests/cli/pictures.ies.
 TEST(PictureCodecs, IconsMetafilesUnknownDataAndRefusedAllocationsAreNotDecoded) {
   const std::vector<std::uint8_t> icon = ReadSample("icon_16.ico");
   EXPECT_EQ(DetectPictureFormat(icon.data(), icon.size()), PictureFormat::Icon);

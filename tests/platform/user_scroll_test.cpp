@@ -33,7 +33,7 @@ class ScrollBars : public HostFixture {
   user_test::LoggingWnd wnd_{"w", &log_};
 };
 
-TEST_F(ScrollBars, ShownBarsTakeClientAreaAndARangeThatNeedsNoBarHidesIt) {
+TEST_F(ScrollBars, ShownBarsTakeClientAreaAndSendTheNewSize) {
   EXPECT_TRUE(ShowScrollBar(wnd_.m_hWnd, SB_HORZ, TRUE));
   EXPECT_TRUE(ShowScrollBar(wnd_.m_hWnd, SB_VERT, TRUE));
   EXPECT_EQ(Text(ClientRectOf(wnd_.m_hWnd)), "0,0,63,43");
@@ -42,15 +42,9 @@ TEST_F(ScrollBars, ShownBarsTakeClientAreaAndARangeThatNeedsNoBarHidesIt) {
   EXPECT_EQ(log_, (Log{"w size:80,43", "w size:63,43", "w size:80,60"}));
   EXPECT_FALSE(ShowScrollBar(wnd_.m_hWnd, 7, TRUE));
 
-  SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE, 0, 99, 10, 0, 0};
-  SetScrollInfo(wnd_.m_hWnd, SB_VERT, &info, TRUE);
-  EXPECT_EQ(ClientRectOf(wnd_.m_hWnd).right, 80 - SCROLLBAR_THICKNESS);
-  info.nPage = 100;
-  SetScrollInfo(wnd_.m_hWnd, SB_VERT, &info, TRUE);
-  EXPECT_EQ(ClientRectOf(wnd_.m_hWnd).right, 80);
-  // Asked to stay, the bar remains though it is not needed.
+  // Asked to stay, a bar remains though its range fits a page.
   ShowScrollBar(wnd_.m_hWnd, SB_VERT, TRUE);
-  info.fMask |= SIF_DISABLENOSCROLL;
+  SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE | SIF_DISABLENOSCROLL, 0, 99, 100, 0, 0};
   SetScrollInfo(wnd_.m_hWnd, SB_VERT, &info, TRUE);
   EXPECT_EQ(ClientRectOf(wnd_.m_hWnd).right, 80 - SCROLLBAR_THICKNESS);
 }
@@ -91,8 +85,7 @@ TEST(ScrollBarLayout, ThumbSizedByThePageAndPlacedByThePosition) {
   };
   const Case cases[] = {
       // 66 * 10 / 100 rounds to 7, below the 8 px minimum; 58 px are left for 90 positions.
-      {"minimum length, first position", kHorizontal, {0, 99, 10}, 0, "17,0,25,17"},
-      {"last position a page allows", kHorizontal, {0, 99, 10}, 90, "75,0,83,17"},
+      {"minimum length", kHorizontal, {0, 99, 10}, 0, "17,0,25,17"},
       {"beyond the last", kHorizontal, {0, 99, 10}, 99, "75,0,83,17"},
       // Range 10..109 with a page of 50: a 166 px track, an 83 px thumb, 83 px for 50
       // positions; 83 * 25 / 50 = 41.5 rounds up.
@@ -109,15 +102,11 @@ TEST(ScrollBarLayout, ThumbSizedByThePageAndPlacedByThePosition) {
   }
 }
 
-TEST(ScrollBarLayout, ArrowsTrackPositionsAndPartsUnderPoints) {
-  const auto parts = [](const RECT& bar, bool vertical, const ScrollBarState& state, int pos) {
-    const platform::scroll::Parts p = Layout(bar, vertical, state, pos);
-    return Text(p.backArrow) + " " + Text(p.forwardArrow) + " " + Text(p.track);
-  };
-  EXPECT_EQ(parts(kHorizontal, false, {0, 99, 10}, 0), "0,0,17,17 83,0,100,17 17,0,83,17");
+TEST(ScrollBarLayout, SqueezedArrowsPositionsFromThumbPlacesAndTheThumbsEdges) {
   // 30 px: the arrows share the length and the track is empty.
-  EXPECT_EQ(parts(RECT{0, 0, 30, 17}, false, {0, 9, 0}, 0), "0,0,15,17 15,0,30,17 15,0,15,17");
-
+  const platform::scroll::Parts squeezed = Layout(RECT{0, 0, 30, 17}, false, {0, 9, 0}, 0);
+  EXPECT_EQ(Text(squeezed.backArrow) + " " + Text(squeezed.forwardArrow) + " " + Text(squeezed.track),
+            "0,0,15,17 15,0,30,17 15,0,15,17");
   // Positions from thumb places: 41 * 50 / 83 = 24.7 rounds up; INT_MIN + half the range.
   struct Position {
     RECT bar;
@@ -133,18 +122,12 @@ TEST(ScrollBarLayout, ArrowsTrackPositionsAndPartsUnderPoints) {
         << c.thumbStart;
   }
 
+  // Parts under points: the thumb's edges.
   const platform::scroll::Parts parts45 = Layout(kHorizontal, false, {0, 99, 10, 45}, 45);  // thumb 46..54
-  for (const auto& [x, y, part] : {std::tuple{45, 8, Part::TrackBack},
-                                   {46, 8, Part::Thumb},
-                                   {53, 8, Part::Thumb},
-                                   {54, 8, Part::TrackForward},
-                                   {100, 8, Part::None},
-                                   {50, 17, Part::None}}) {
-    EXPECT_EQ(platform::scroll::PartAt(parts45, false, POINT{x, y}), part) << x << "," << y;
+  for (const auto& [x, part] :
+       {std::pair{45, Part::TrackBack}, {46, Part::Thumb}, {53, Part::Thumb}, {54, Part::TrackForward}}) {
+    EXPECT_EQ(platform::scroll::PartAt(parts45, false, POINT{x, 8}), part) << x;
   }
-  // A disabled bar's track is inert; its arrows are still found (the caller decides).
-  EXPECT_EQ(platform::scroll::PartAt(Layout(kHorizontal, false, {0, 9, 10}, 0), false, POINT{50, 8}),
-            Part::None);
 }
 
 constexpr std::uint32_t kFace = 0xF0F0F0;
