@@ -78,16 +78,11 @@ TEST_F(CliHostTest, FontDialogChangesOnlyWhatItsUserPicks) {
             "font dialog shown\nfont dialog chose \"Batang\" 12\nfont dialog shown\nfont dialog cancelled\n");
 }
 
-TEST_F(CliHostTest, MessageBoxesAreQuotedAndCursorsTracedOnChange) {
+// Cursor lines, only with --trace and only on a change, are the scenario
+// tests/cli/cursor_trace.ies.
+TEST_F(CliHostTest, MessageBoxesAreQuotedAsScriptsQuote) {
   EXPECT_EQ(host_.ShowMessageBox("I failed to read \"a\".\nCode 2", "Image Edit Control", MB_OK), IDOK);
   EXPECT_EQ(out_.str(), "messagebox \"I failed to read \\\"a\\\".\\nCode 2\"\n");
-
-  std::ostringstream traced;
-  ScriptHost tracing(traced, true);
-  for (int id : {215, 215, 216, -1, 215}) tracing.ShowCursor(id);
-  EXPECT_EQ(traced.str(), "cursor 215\ncursor 216\ncursor none\ncursor 215\n");
-  host_.ShowCursor(215);
-  EXPECT_EQ(out_.str().find("cursor"), std::string::npos);
 }
 
 }  // namespace

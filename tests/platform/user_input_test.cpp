@@ -109,19 +109,13 @@ TEST_F(Routing, KeysPassThePreTranslateChainFromTheFocusUpOrGoToTheHostsFirstChi
   platform::CharInput(hostWindow_, 0xAC00);
   EXPECT_EQ(log_, (Log{"outer pretranslate", "outer key 46", "outer char 44032"}));
 
+  // With the focus inside, the first window to take the key in PreTranslateMessage
+  // keeps it (the control's key routing relies on the chain: control_test).
   log_.clear();
   inner_.SetFocus();
   outer_.takeKey = VK_ESCAPE;
   platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_ESCAPE);
-  platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_LEFT);
-  EXPECT_EQ(log_, (Log{"inner pretranslate", "outer pretranslate", "inner pretranslate", "outer pretranslate",
-                       "inner key 37"}));
-  EXPECT_LT(GetKeyState(VK_LEFT), 0);
-
-  log_.clear();
-  inner_.takeKey = VK_LEFT;
-  platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_LEFT);
-  EXPECT_EQ(log_, (Log{"inner pretranslate"}));
+  EXPECT_EQ(log_, (Log{"inner pretranslate", "outer pretranslate"}));
 }
 
 }  // namespace
