@@ -12,7 +12,6 @@
 
 namespace {
 
-using imageio::ComputeBitmapFileLayout;
 using imageio::WriteBitmapFile;
 using imageio::WriteContext;
 
@@ -49,24 +48,6 @@ TEST_F(BitmapFileWriterTest, TrueColourBitmapsBecomeTwentyFourBitFilesWithPadded
     EXPECT_EQ(ReadFileBytes(files_.last()), expected);
   }
   EXPECT_TRUE(host_.messages.empty());
-}
-
-TEST(BitmapFileLayout, SmallDepthsRoundUpAndCarryAFullColourTable) {
-  struct Case {
-    int planes, bits, depth, colors;
-    std::uint32_t rowSize;  // of 10 pixels
-  };
-  for (const Case c : {Case{1, 1, 1, 2, 4}, Case{1, 2, 4, 16, 8}, Case{2, 2, 4, 16, 8}, Case{1, 4, 4, 16, 8},
-                       Case{1, 5, 8, 256, 12}, Case{1, 8, 8, 256, 12}, Case{3, 4, 24, 0, 32},
-                       Case{1, 16, 24, 0, 32}, Case{1, 32, 24, 0, 32}}) {
-    const auto layout = ComputeBitmapFileLayout(10, 3, c.planes, c.bits);
-    SCOPED_TRACE(std::to_string(c.planes) + " x " + std::to_string(c.bits));
-    EXPECT_EQ(layout.depth, c.depth);
-    EXPECT_EQ(layout.colorCount, c.colors);
-    EXPECT_EQ(layout.rowSize, c.rowSize);
-    EXPECT_EQ(layout.pixelOffset, 54u + 4u * c.colors);
-    EXPECT_EQ(layout.fileSize, layout.pixelOffset + 3 * c.rowSize);
-  }
 }
 
 TEST(SavePath, BareNamesGoToTheTempFolderOtherPathsStand) {

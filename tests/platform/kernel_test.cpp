@@ -96,16 +96,6 @@ TEST(KernelServices, RandFollowsTheClassicGenerator) {
   EXPECT_EQ(platform::Rand(), 6334);
 }
 
-// Whether the library is there at all is the editor's test (editor_lifecycle_test).
-TEST(KernelServices, TheImageLibraryOffersTransparentBltOnly) {
-  HMODULE module = LoadLibraryA("msimg32.dll");
-  ASSERT_NE(module, nullptr);
-  EXPECT_EQ(GetProcAddress(module, "TransparentBlt"), reinterpret_cast<FARPROC>(&TransparentBlt));
-  EXPECT_EQ(GetProcAddress(module, "AlphaBlend"), nullptr);
-  EXPECT_TRUE(FreeLibrary(module));
-  EXPECT_EQ(LoadLibraryA("OTHER.DLL"), nullptr);
-}
-
 TEST(KernelServices, TempFolderComesFromTmpdirAndEndsInASlash) {
   const char* saved = std::getenv("TMPDIR");
   const std::string restore = saved == nullptr ? "" : saved;

@@ -35,13 +35,8 @@ TEST_F(Painting, FlushComposesHostParentAndChildWithChildOnTop) {
   EXPECT_EQ(FramePixel(0, 0), 0u);  // nothing is painted before a flush
   platform::FlushPaint(hostWindow_);
   EXPECT_EQ(host_.presented, 1);
-  ExpectFramePixels({{9, 9, kWhite},
-                     {10, 10, kRed},
-                     {59, 49, kRed},
-                     {60, 50, kWhite},  //
-                     {15, 15, kBlue},
-                     {24, 24, kBlue},
-                     {25, 25, kRed}});
+  ExpectFramePixels({{9, 9, kWhite}, {10, 10, kRed}, {59, 49, kRed}, {60, 50, kWhite}});  // the parent
+  ExpectFramePixels({{15, 15, kBlue}, {24, 24, kBlue}, {25, 25, kRed}});                  // the child
   // With nothing pending a flush paints and presents nothing.
   platform::FlushPaint(hostWindow_);
   EXPECT_EQ(host_.presented, 1);

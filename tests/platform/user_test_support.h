@@ -16,20 +16,6 @@ namespace user_test {
 
 using Log = std::vector<std::string>;
 
-// Makes `cs` create a window of the class `name`, registering the class on first use.
-inline void UseWindowClass(CREATESTRUCTA& cs, const char* name, HCURSOR cursor, HBRUSH background) {
-  WNDCLASSA existing{};
-  if (!GetClassInfoA(AfxGetInstanceHandle(), name, &existing)) {
-    WNDCLASSA windowClass{};
-    windowClass.lpfnWndProc = DefWindowProcA;
-    windowClass.hCursor = cursor;
-    windowClass.hbrBackground = background;
-    windowClass.lpszClassName = name;
-    EXPECT_TRUE(AfxRegisterClass(&windowClass));
-  }
-  cs.lpszClass = name;
-}
-
 inline std::string Text(const RECT& r) {
   return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
          std::to_string(r.bottom);

@@ -7,34 +7,10 @@ namespace {
 using user_test::HostFixture;
 using user_test::Log;
 using user_test::LoggingWnd;
-using user_test::Text;
 
 using WindowTree = HostFixture;
 
 constexpr RECT kChildRect{10, 20, 60, 50};
-
-class ClassChoosingWnd : public LoggingWnd {
- public:
-  using LoggingWnd::LoggingWnd;
-  BOOL PreCreateWindow(CREATESTRUCTA& cs) override {
-    Record("precreate");
-    user_test::UseWindowClass(cs, "TestClass", LoadCursorA(nullptr, IDC_WAIT), nullptr);
-    return CWnd::PreCreateWindow(cs);
-  }
-};
-
-TEST_F(WindowTree, CreationRunsPreCreateThenCreateThenSizeAndLinksTheTree) {
-  Log log;
-  ClassChoosingWnd wnd("w", &log);
-  int before = platform::LiveWindowObjects().windows;
-  ASSERT_TRUE(wnd.CreateInParent(nullptr, "Title", WS_CHILD | WS_VISIBLE, kChildRect, hostWindow_, 1));
-  EXPECT_EQ(log, (Log{"w precreate", "w create", "w size:50,30"}));
-  EXPECT_EQ(GetParent(wnd.m_hWnd), hostWindow_);
-  EXPECT_EQ(platform::LiveWindowObjects().windows, before + 1);
-  RECT onHost{};
-  ASSERT_TRUE(GetWindowRect(wnd.m_hWnd, &onHost));
-  EXPECT_EQ(Text(onHost), "10,20,60,50");
-}
 
 TEST_F(WindowTree, CreateFailsWhenCreateHandlerRefusesOrParentIsMissing) {
   Log log;
