@@ -106,16 +106,12 @@ TEST_F(GdiObjects, GetObjectDescribesDibSectionsAndDeviceBitmapsWithinTheBuffer)
   EXPECT_TRUE(DeleteObject(device));
 }
 
+// The overflow row would be 2^31; the 64-bit row overflows a 32-bit product.
 TEST(GdiMath, MulDivRoundsHalfAwayFromZero) {
+  using Case = std::tuple<int, int, int, int>;
   for (const auto& [number, numerator, denominator, result] :
-       {std::tuple{5, 1, 2, 3},
-        {-5, 1, 2, -3},
-        {5, -1, 2, -3},
-        {-5, -1, -2, -3},
-        {7, 3, 4, 5},
-        {0x40000000, 4, 2, -1} /* overflows int */,
-        {1 << 30, 1 << 20, 1 << 20, 1 << 30} /* 64-bit product */,
-        {3, 4, 0, -1}}) {
+       {Case{5, 1, 2, 3}, Case{-5, 1, 2, -3}, Case{5, -1, 2, -3}, Case{-5, -1, -2, -3}, Case{7, 3, 4, 5},
+        Case{0x40000000, 4, 2, -1}, Case{1 << 30, 1 << 20, 1 << 20, 1 << 30}, Case{3, 4, 0, -1}}) {
     EXPECT_EQ(MulDiv(number, numerator, denominator), result)
         << number << " * " << numerator << " / " << denominator;
   }
