@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <tuple>
 
 #include "script_host.h"
 
@@ -61,13 +62,11 @@ TEST_F(CliHostTest, FontDialogChangesOnlyWhatItsUserPicks) {
   font.lfStrikeOut = 1;
   COLORREF color = 0;
   EXPECT_TRUE(host_.ChooseFont(font, color));
+  // 12 points at 96 pixels an inch; strike-out off; the character set untouched.
   EXPECT_STREQ(font.lfFaceName, "Batang");
-  EXPECT_EQ(font.lfHeight, -16);  // 12 points at 96 pixels an inch
-  EXPECT_EQ(font.lfWeight, 700);
-  EXPECT_EQ(font.lfItalic, 1);
-  EXPECT_EQ(font.lfUnderline, 1);
-  EXPECT_EQ(font.lfStrikeOut, 0);
-  EXPECT_EQ(font.lfCharSet, 129);
+  EXPECT_EQ(std::tuple(font.lfHeight, font.lfWeight, font.lfItalic, font.lfUnderline, font.lfStrikeOut,
+                       font.lfCharSet),
+            std::tuple(-16, 700, 1, 1, 0, 129));
   EXPECT_EQ(color, RGB(0, 0xFF, 0));
 
   const LOGFONTA before = font;

@@ -33,7 +33,6 @@ Decoded Decode(const std::vector<std::uint8_t>& data) {
 // What each format decodes to is the scenario tests/cli/pictures.ies.
 TEST(PictureCodecs, IconsMetafilesUnknownDataAndRefusedAllocationsAreNotDecoded) {
   const std::vector<std::uint8_t> icon = ReadSample("icon_16.ico");
-  EXPECT_EQ(DetectPictureFormat(icon.data(), icon.size()), PictureFormat::Icon);
   const std::vector<std::uint8_t> wmf = {0xD7, 0xCD, 0xC6, 0x9A, 0, 0};
   EXPECT_EQ(DetectPictureFormat(wmf.data(), wmf.size()), PictureFormat::Metafile);
   for (const auto& data :

@@ -92,17 +92,6 @@ TEST_F(Routing, PressesActivateUpTheChainAndCarryButtonState) {
   EXPECT_EQ(log_, (Log{"inner" + activate, "outer" + activate}));
 }
 
-TEST_F(Routing, ClipConfinesThePointBeforeDelivery) {
-  RECT clip{30, 30, 50, 50};
-  ClipCursor(&clip);
-  platform::MouseInput(hostWindow_, WM_MOUSEMOVE, 0, 99);
-  EXPECT_EQ(log_, (Log{"inner move 0 0,19"}));  // confined to (30, 49)
-  ClipCursor(nullptr);
-  RECT read{};
-  GetClipCursor(&read);
-  EXPECT_EQ(user_test::Text(read), "0,0,100,80");
-}
-
 TEST_F(Routing, KeysPassThePreTranslateChainFromTheFocusUpOrGoToTheHostsFirstChild) {
   // Without focus, keys and characters go to the host's first child.
   platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_DELETE);
