@@ -1,14 +1,12 @@
 // The script host's reading of statement lines: tokens, numbers, strings, names and
-// answers, and the JSON it prints for `state`.
+// answers. The JSON it prints for `state` is in every scenario's transcript.
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
 
-#include "json_writer.h"
 #include "script_parser.h"
 
 namespace script {
@@ -123,16 +121,6 @@ TEST(CliAnswerTest, ColoursAreRgbHexInBothDirectionsAndFontsTakeTheSevenFieldFor
         "A face name longer than thirty-one,,,12,,,000000"}) {
     EXPECT_NE(ParseErrorOf([&] { ParseFontAnswer(bad); }), "no error") << bad;
   }
-}
-
-// The state line's numbers are printed the same everywhere; strings are escaped.
-TEST(CliJsonTest, NestingCommasAndDeterministicNumbers) {
-  JsonWriter json;
-  json.BeginObject().Key("list").BeginArray().Value(true).Value(-2).BeginArray().EndArray().EndArray();
-  json.Key("x").Value(1.0 / 3.0).Key("s").Value("q\"\\\n\x01");
-  json.Key("n").Value(std::numeric_limits<double>::infinity());
-  json.EndObject();
-  EXPECT_EQ(json.str(), R"({"list":[true,-2,[]],"x":0.3333333333333333,"s":"q\"\\\n\u0001","n":null})");
 }
 
 }  // namespace

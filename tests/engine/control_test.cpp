@@ -54,7 +54,6 @@ TEST_F(ControlTest, EveryMethodButAboutBoxIsInertBeforeTheEditorWindowExists) {
                                                               : Variant();
     EXPECT_EQ(result.value, empty);
   }
-  EXPECT_FALSE(editor().m_windowCreated);
   EXPECT_EQ(editor().m_tools.mode, ToolMode::Eraser);  // SetNothing did not touch it
   EXPECT_EQ(editor().m_shortcutMenuEnabled, shortcutMenu);
   const EditorState state = editor().State();

@@ -50,11 +50,10 @@ TEST_F(BitmapFileWriterTest, TrueColourBitmapsBecomeTwentyFourBitFilesWithPadded
   EXPECT_TRUE(host_.messages.empty());
 }
 
-TEST(SavePath, BareNamesGoToTheTempFolderOtherPathsStand) {
-  EXPECT_EQ(imageio::ResolveSavePath("out.bmp"), platform::TempFolder() + "out.bmp");
-  for (const char* path : {"/srv/pictures/out.bmp", "sub/out.bmp", "C:\\Temp\\out.bmp"}) {
-    EXPECT_EQ(imageio::ResolveSavePath(path), path);
-  }
+// Bare names go to the temp folder (above) and paths with a slash stand (the
+// scenarios save to "./name"); so does a path with backslashes.
+TEST(SavePath, APathWithBackslashesStands) {
+  EXPECT_EQ(imageio::ResolveSavePath("C:\\Temp\\out.bmp"), "C:\\Temp\\out.bmp");
 }
 
 TEST_F(BitmapFileWriterTest, NothingIsWrittenWithoutPathOrBitmap) {

@@ -83,14 +83,12 @@ TEST_F(ImageLoaderTest, AMissingFileIsReportedOnlyWhileVerbose) {
 TEST_F(ImageLoaderTest, UrlsAreDownloadedAndFailuresReportedWithTheirCode) {
   imageio_test::LocalHttpServer server;
   server.Serve("/pictures/a.png", ReadSample("rgba_2x2.png"));
-  server.Serve("/b.gif", ReadSample("two_frames_3x2.gif"));
   server.Redirect("/moved", "/pictures/a.png");
   server.Stall("/stall");
   server.Start();
   const Colors png = Load(imageio_test::SamplePath("rgba_2x2.png"));
   EXPECT_EQ(Load(server.Url("/pictures/a.png"), kVerbose), png);
   EXPECT_EQ(Load(server.Url("/moved"), kVerbose), png);
-  EXPECT_EQ(Load(server.Url("/b.gif"), kVerbose).size(), 6u);
   EXPECT_TRUE(host_.messages.empty());
 
   imageio::DownloadLimits limits;

@@ -42,15 +42,6 @@ TEST_F(Painting, FlushComposesHostParentAndChildWithChildOnTop) {
   EXPECT_EQ(host_.presented, 1);
 }
 
-TEST_F(Painting, PaintStaysInsideTheChildAndItsParent) {
-  // A child reaching past its parent's right and bottom edges.
-  SolidWnd overhang;
-  overhang.color = RGB(0, 255, 0);
-  ASSERT_TRUE(overhang.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{40, 30, 70, 60}, &parent_, 3));
-  platform::FlushPaint(hostWindow_);
-  ExpectFramePixels({{50, 40, kGreen}, {59, 49, kGreen}, {60, 45, kWhite}, {55, 50, kWhite}, {49, 40, kRed}});
-}
-
 TEST_F(Painting, HidingAChildRepaintsTheParentBeneathAndRedrawUpdatesAtOnce) {
   platform::FlushPaint(hostWindow_);
   child_.ShowWindow(SW_HIDE);

@@ -81,7 +81,6 @@ TEST(ScrollBarLayout, ThumbSizedByThePageAndPlacedByThePosition) {
   const Case cases[] = {
       // 66 * 10 / 100 rounds to 7, below the 8 px minimum; 58 px are left for 90 positions.
       {"minimum length", kHorizontal, {0, 99, 10}, 0, "17,0,25,17"},
-      {"beyond the last", kHorizontal, {0, 99, 10}, 99, "75,0,83,17"},
       // Range 10..109 with a page of 50: a 166 px track, an 83 px thumb, 83 px for 50
       // positions; 83 * 25 / 50 = 41.5 rounds up.
       {"vertical, offset range", kVertical, {10, 109, 50}, 35, "5,59,22,142"},
