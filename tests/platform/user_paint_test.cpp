@@ -4,13 +4,7 @@
 
 namespace {
 
-using user_test::HostFixture;
-using user_test::SolidWnd;
-
-constexpr std::uint32_t kWhite = 0xFFFFFF;
-constexpr std::uint32_t kRed = 0xFF0000;
-constexpr std::uint32_t kBlue = 0x0000FF;
-constexpr std::uint32_t kGreen = 0x00FF00;
+using namespace user_test;
 
 class Painting : public HostFixture {
  protected:

@@ -126,8 +126,8 @@ TEST(ScrollBarLayout, SqueezedArrowsPositionsFromThumbPlacesAndTheThumbsEdges) {
 
 constexpr std::uint32_t kFace = 0xF0F0F0;
 constexpr std::uint32_t kTrack = 0xE8E8E8;
-constexpr std::uint32_t kWhite = 0xFFFFFF;
-constexpr std::uint32_t kRed = 0xFF0000;
+using user_test::kRed;
+using user_test::kWhite;
 
 // A child at (10, 5) of 80 x 70 with both bars at position 90 of 0..99 (page 10): a
 // 63 x 53 client area, the vertical bar at x 73..90 and y 5..58 of the host, the

@@ -16,6 +16,9 @@ namespace user_test {
 
 using Log = std::vector<std::string>;
 
+// Host frame colours, 0x00RRGGBB.
+inline constexpr std::uint32_t kWhite = 0xFFFFFF, kRed = 0xFF0000, kGreen = 0x00FF00, kBlue = 0x0000FF;
+
 inline std::string Text(const RECT& r) {
   return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
          std::to_string(r.bottom);
