@@ -9,7 +9,7 @@ namespace {
 
 std::vector<std::uint8_t> Jpeg(std::uint8_t appMarker, const std::string& identifier, bool withEnd) {
   std::vector<std::uint8_t> data = {0xFF, 0xD8, 0xFF, appMarker, 0x00, 0x10};
-  data.insert(data.end(), identifier.begin(), identifier.end());
+  for (char c : identifier) data.push_back(static_cast<std::uint8_t>(c));
   data.insert(data.end(), {0, 0x01, 0x02, 0x03, 0x04});
   if (withEnd) data.insert(data.end(), {0xFF, 0xD9});
   return data;
