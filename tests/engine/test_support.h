@@ -10,6 +10,7 @@
 
 #include "editor/image_edit_wnd.h"
 #include "platform/platform.h"
+#include "support/bitmap_colors.h"
 #include "support/recording_host.h"
 
 // Installs a recording host for the test's lifetime and restores the platform's
@@ -42,30 +43,6 @@ struct LiveEditor {
   }
   CImageEditWnd* operator->() { return editor.get(); }
 };
-
-// A colour bitmap filled from a list of COLORREFs, row by row, top row first.
-inline HBITMAP MakeBitmap(HDC compatible, int width, int height, const std::vector<COLORREF>& pixels) {
-  HBITMAP bitmap = CreateCompatibleBitmap(compatible, width, height);
-  HDC dc = CreateCompatibleDC(compatible);
-  HGDIOBJ previous = SelectObject(dc, bitmap);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) SetPixel(dc, x, y, pixels[static_cast<size_t>(y * width + x)]);
-  }
-  SelectObject(dc, previous);
-  DeleteDC(dc);
-  return bitmap;
-}
-
-// Every pixel of a colour bitmap, row by row, top row first.
-inline std::vector<COLORREF> BitmapColors(HBITMAP bitmap) {
-  int width = 0, height = 0;
-  const std::uint32_t* pixels = platform::BitmapPixels(bitmap, &width, &height);
-  std::vector<COLORREF> colors;
-  for (int i = 0; pixels != nullptr && i < width * height; ++i) {
-    colors.push_back(RGB(pixels[i] >> 16 & 0xFF, pixels[i] >> 8 & 0xFF, pixels[i] & 0xFF));
-  }
-  return colors;
-}
 
 // Every pixel of the bitmap selected into a DC.
 inline std::vector<COLORREF> SurfaceColors(HDC dc, int width, int height) {

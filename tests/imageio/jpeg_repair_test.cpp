@@ -7,51 +7,40 @@
 
 namespace {
 
-using imageio::NeedsJpegEndMarker;
-using imageio::RepairJpegEndMarker;
-
 std::vector<std::uint8_t> Jpeg(std::uint8_t appMarker, const std::string& identifier, bool withEnd) {
   std::vector<std::uint8_t> data = {0xFF, 0xD8, 0xFF, appMarker, 0x00, 0x10};
   for (char c : identifier) data.push_back(static_cast<std::uint8_t>(c));
-  data.push_back(0);
-  data.insert(data.end(), {0x01, 0x02, 0x03, 0x04});
+  data.insert(data.end(), {0, 0x01, 0x02, 0x03, 0x04});
   if (withEnd) data.insert(data.end(), {0xFF, 0xD9});
   return data;
 }
 
-std::size_t Repair(std::vector<std::uint8_t>& data) {
-  const std::size_t count = data.size();
-  data.resize(count + 2, 0xAA);
-  return RepairJpegEndMarker(data.data(), count);
-}
-
-TEST(JpegRepair, AppendsTheEndMarkerToCutJfifAndExifData) {
-  for (auto [marker, name] :
-       {std::pair<std::uint8_t, std::string>{0xE0, "JFIF"}, {0xE1, "Exif"}, {0xE0, "jfif"}}) {
-    std::vector<std::uint8_t> data = Jpeg(marker, name, false);
-    const std::size_t before = data.size();
-    EXPECT_EQ(Repair(data), before + 2) << name;
-    EXPECT_EQ(data[before], 0xFF);
-    EXPECT_EQ(data[before + 1], 0xD9);
+TEST(JpegRepair, OnlyCutJfifAndExifDataGetTheEndMarker) {
+  struct Case {
+    const char* what;
+    std::vector<std::uint8_t> data;
+    bool repaired;
+  };
+  for (const Case& c :
+       {Case{"cut JFIF", Jpeg(0xE0, "JFIF", false), true}, Case{"cut Exif", Jpeg(0xE1, "Exif", false), true},
+        Case{"any case", Jpeg(0xE0, "jfif", false), true}, Case{"complete", Jpeg(0xE0, "JFIF", true), false},
+        Case{"APP2 first", Jpeg(0xE2, "ICC_PROFILE", false), false},
+        Case{"another identifier", Jpeg(0xE0, "JFXX", false), false},
+        Case{"the zero must follow the name", Jpeg(0xE0, "JFIFX", false), false}}) {
+    SCOPED_TRACE(c.what);
+    std::vector<std::uint8_t> data = c.data;
+    const std::size_t count = data.size();
+    data.resize(count + 2, 0xAA);
+    EXPECT_EQ(imageio::RepairJpegEndMarker(data.data(), count), c.repaired ? count + 2 : count);
+    EXPECT_EQ(data[count], c.repaired ? 0xFF : 0xAA);
+    EXPECT_EQ(data[count + 1], c.repaired ? 0xD9 : 0xAA);
   }
-}
-
-TEST(JpegRepair, LeavesCompleteAndOtherDataUnchanged) {
-  std::vector<std::uint8_t> icc = Jpeg(0xE2, "ICC_PROFILE", false);  // APP2 first
-  for (std::vector<std::uint8_t> data : {Jpeg(0xE0, "JFIF", true), icc, Jpeg(0xE0, "JFXX", false),
-                                         Jpeg(0xE0, "JFIFX", false) /* the zero must follow the name */}) {
-    const std::size_t before = data.size();
-    EXPECT_EQ(Repair(data), before);
-    EXPECT_EQ(data[before], 0xAA);
-  }
-}
-
-TEST(JpegRepair, DataTooShortForTheTestsFailThem) {
+  // Data too short to hold the identifier and its zero fail the test.
   const std::vector<std::uint8_t> full = Jpeg(0xE0, "JFIF", false);
   for (std::size_t count = 0; count <= 10; ++count) {
-    EXPECT_FALSE(NeedsJpegEndMarker(full.data(), count)) << count;
+    EXPECT_FALSE(imageio::NeedsJpegEndMarker(full.data(), count)) << count;
   }
-  EXPECT_TRUE(NeedsJpegEndMarker(full.data(), 11));
+  EXPECT_TRUE(imageio::NeedsJpegEndMarker(full.data(), 11));
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <map>
 #include <string>
@@ -22,12 +21,9 @@ class LocalHttpServer {
  public:
   LocalHttpServer() {
     listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
-    const int yes = 1;
-    ::setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = 0;
     ::bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address);
     ::listen(listener_, 8);
     socklen_t length = sizeof address;
@@ -40,11 +36,23 @@ class LocalHttpServer {
     ::close(listener_);
   }
 
-  void Serve(const std::string& path, std::vector<std::uint8_t> body) { bodies_[path] = std::move(body); }
-  void Redirect(const std::string& path, const std::string& target) { redirects_[path] = target; }
-  void Stall(const std::string& path) { stalls_.push_back(path); }
+  void Serve(const std::string& path, const std::vector<std::uint8_t>& body) {
+    answers_[path] = "HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
+                     std::string(body.begin(), body.end());
+  }
+  void Redirect(const std::string& path, const std::string& target) {
+    answers_[path] = "HTTP/1.0 302 Found\r\nLocation: " + target + "\r\nContent-Length: 0\r\n\r\n";
+  }
+  void Stall(const std::string& path) { answers_[path] = kStall; }
   void Start() {
-    thread_ = std::thread([this] { Run(); });
+    thread_ = std::thread([this] {
+      while (WaitReadable(listener_)) {
+        const int client = ::accept(listener_, nullptr, nullptr);
+        if (client < 0) continue;
+        Answer(client);
+        ::close(client);
+      }
+    });
   }
 
   std::string Url(const std::string& path) const {
@@ -52,21 +60,14 @@ class LocalHttpServer {
   }
 
  private:
+  static constexpr const char* kStall = "HTTP/1.0 200 OK\r\nContent-Length: 30\r\n\r\nxx";
+
   bool WaitReadable(int fd) {
     while (!stop_) {
       pollfd p{fd, POLLIN, 0};
       if (::poll(&p, 1, 50) > 0) return true;
     }
     return false;
-  }
-
-  void Run() {
-    while (WaitReadable(listener_)) {
-      const int client = ::accept(listener_, nullptr, nullptr);
-      if (client < 0) continue;
-      Answer(client);
-      ::close(client);
-    }
   }
 
   void Answer(int client) {
@@ -78,24 +79,16 @@ class LocalHttpServer {
       request.append(buffer, static_cast<std::size_t>(n));
     }
     const std::size_t start = request.find(' ') + 1;
-    const std::string path = request.substr(start, request.find(' ', start) - start);
-    if (redirects_.count(path)) {
-      Send(client, "HTTP/1.0 302 Found\r\nLocation: " + redirects_[path] + "\r\nContent-Length: 0\r\n\r\n");
-    } else if (bodies_.count(path)) {
-      const auto& body = bodies_[path];
-      Send(client, "HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n");
-      Send(client, std::string(body.begin(), body.end()));
-    } else if (std::find(stalls_.begin(), stalls_.end(), path) != stalls_.end()) {
-      Send(client, "HTTP/1.0 200 OK\r\nContent-Length: 30\r\n\r\nxx");
+    const auto found = answers_.find(request.substr(start, request.find(' ', start) - start));
+    Send(client,
+         found != answers_.end() ? found->second : "HTTP/1.0 404 Not Found\r\nContent-Length: 0\r\n\r\n");
+    if (found != answers_.end() && found->second == kStall) {
       while (!stop_ && ::recv(client, buffer, sizeof buffer, MSG_DONTWAIT) != 0) ::usleep(20000);
-    } else {
-      Send(client, "HTTP/1.0 404 Not Found\r\nContent-Length: 0\r\n\r\n");
     }
   }
 
   static void Send(int client, const std::string& data) {
-    std::size_t sent = 0;
-    while (sent < data.size()) {
+    for (std::size_t sent = 0; sent < data.size();) {
       const ssize_t n = ::send(client, data.data() + sent, data.size() - sent, MSG_NOSIGNAL);
       if (n <= 0) return;
       sent += static_cast<std::size_t>(n);
@@ -106,9 +99,7 @@ class LocalHttpServer {
   int port_ = 0;
   std::atomic<bool> stop_{false};
   std::thread thread_;
-  std::map<std::string, std::vector<std::uint8_t>> bodies_;
-  std::map<std::string, std::string> redirects_;
-  std::vector<std::string> stalls_;
+  std::map<std::string, std::string> answers_;
 };
 
 }  // namespace imageio_test

@@ -5,6 +5,7 @@
 namespace {
 
 using user_test::HostFixture;
+using user_test::Log;
 
 // Records scroll requests as "h code pos" / "v code pos" and client mouse messages as
 // "client"; like the editor, it answers each request by setting the position.
@@ -31,8 +32,6 @@ class ScrollRecorder : public CWnd {
       SetScrollPos(m_hWnd, bar, static_cast<int>(pos), TRUE);
   }
 };
-
-using Log = std::vector<std::string>;
 
 // The child covers the 100 x 80 host; range 0..99 with a page of 10. The horizontal
 // bar lies at y 63..80: arrows x 0..17 and 83..100, an 8 px thumb on a 58 px run for
@@ -65,87 +64,9 @@ class ScrollBarInput : public HostFixture {
   int timersBefore_ = 0;
 };
 
-TEST_F(ScrollBarInput, ArrowsAndTrackAskForLinesAndPages) {
-  Click(90, 70);
-  EXPECT_EQ(Pos(), 1);
-  Click(5, 70);
-  EXPECT_EQ(Pos(), 0);
-  Click(60, 70);  // after the thumb
-  EXPECT_EQ(Pos(), 10);
-  Click(18, 70);  // before the thumb, now at x 23..31
-  EXPECT_EQ(wnd_.log, (Log{"h 1 0", "h 8 0", "h 0 0", "h 8 0", "h 3 0", "h 8 0", "h 2 0", "h 8 0"}));
-  EXPECT_EQ(Pos(), 0);
-}
-
-TEST_F(ScrollBarInput, TheBarDoesNotMoveItselfAndTheClientHearsNothing) {
-  wnd_.follow = false;
-  Press(90, 70);
-  Move(95, 75);
-  Move(40, 20);
-  Release(40, 20);
-  EXPECT_EQ(wnd_.log, (Log{"h 1 0", "h 8 0"}));
-  EXPECT_EQ(Pos(), 0);
-  // Once released, the client area has the mouse again.
-  Click(40, 20);
-  EXPECT_EQ(wnd_.log.size(), 4u);
-  EXPECT_EQ(wnd_.log.back(), "client");
-}
-
-TEST_F(ScrollBarInput, DraggingTheThumbTracksAndEndsWithThePosition) {
-  Press(20, 70);  // 3 px into the thumb
-  Move(49, 70);   // thumb start 29 px into the track: 29 * 90 / 58 = 45
-  SCROLLINFO info{sizeof(SCROLLINFO), SIF_TRACKPOS};
-  GetScrollInfo(wnd_.m_hWnd, SB_HORZ, &info);
-  EXPECT_EQ(info.nTrackPos, 45);
-  Move(49, 40);   // across the bar the position stays: no message
-  Move(500, 70);  // past the end: the last position a page allows
-  Release(500, 70);
-  EXPECT_EQ(wnd_.log, (Log{"h 5 45", "h 5 90", "h 4 90", "h 8 0"}));
-  EXPECT_EQ(Pos(), 90);
-}
-
-TEST_F(ScrollBarInput, AReleasedThumbThatNobodyMovedGoesBack) {
-  wnd_.follow = false;
-  Press(20, 70);
-  Move(49, 70);
-  // While dragged the thumb is drawn at the tracked position (x 46..54).
-  EXPECT_EQ(FramePixel(50, 72), 0xF0F0F0u);
-  Release(49, 70);
-  EXPECT_EQ(wnd_.log, (Log{"h 5 45", "h 4 45", "h 8 0"}));
-  EXPECT_EQ(Pos(), 0);
-  EXPECT_EQ(FramePixel(50, 72), 0xE8E8E8u);
-  EXPECT_EQ(FramePixel(21, 72), 0xF0F0F0u);
-}
-
-TEST_F(ScrollBarInput, HoldingRepeatsAfterAPauseUntilTheThumbReachesTheCursor) {
-  Press(50, 70);  // page down: pos 10, thumb x 23..31
-  platform::AdvanceClock(349);
-  EXPECT_EQ(wnd_.log, (Log{"h 3 0"}));
-  platform::AdvanceClock(1);  // pos 20, thumb x 30..38
-  EXPECT_EQ(wnd_.log.size(), 2u);
-  // Every 50 ms: pos 30 (thumb 36..44), pos 40 (thumb 43..51, under the cursor); then
-  // the cursor is on the thumb and the paging stops.
-  platform::AdvanceClock(1000);
-  Release(50, 70);
-  EXPECT_EQ(wnd_.log, (Log{"h 3 0", "h 3 0", "h 3 0", "h 3 0", "h 8 0"}));
-  EXPECT_EQ(Pos(), 40);
-}
-
-TEST_F(ScrollBarInput, ArrowRepeatsOnlyWhileTheCursorStaysOnIt) {
-  Press(90, 70);
-  platform::AdvanceClock(450);  // the first repeat at 350, then 400 and 450
-  Move(50, 70);
-  platform::AdvanceClock(100);
-  Move(90, 70);
-  platform::AdvanceClock(50);
-  Release(90, 70);
-  EXPECT_EQ(wnd_.log, (Log{"h 1 0", "h 1 0", "h 1 0", "h 1 0", "h 1 0", "h 8 0"}));
-  EXPECT_EQ(Pos(), 5);
-  platform::AdvanceClock(1000);
-  EXPECT_EQ(wnd_.log.size(), 6u);
-}
-
-TEST_F(ScrollBarInput, VerticalBarSendsVScrollAndTheCornerAndADisabledBarDoNothing) {
+// Lines, pages, repeats and drags on the horizontal bar are a scenario through the
+// control (tests/cli/view_scroll_bars.ies); here the messages themselves.
+TEST_F(ScrollBarInput, TheVerticalBarSendsVScrollAndTheCornerAndADisabledBarNothing) {
   SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE, 0, 49, 20, 0, 0};
   SetScrollInfo(wnd_.m_hWnd, SB_VERT, &info, TRUE);
   // The vertical bar at x 83..100, y 0..63: its down arrow at y 46..63.
@@ -159,7 +80,44 @@ TEST_F(ScrollBarInput, VerticalBarSendsVScrollAndTheCornerAndADisabledBarDoNothi
   SetScrollInfo(wnd_.m_hWnd, SB_VERT, &info, TRUE);
   Click(90, 50);
   Click(90, 30);
-  EXPECT_TRUE(wnd_.log.empty());
+  EXPECT_TRUE(wnd_.log.empty()) << "a disabled bar does nothing";
+}
+
+// The bar only asks; a window that does not answer keeps its position, and the
+// released thumb goes back to it.
+TEST_F(ScrollBarInput, TheBarDoesNotMoveItselfAndTheClientHearsNothingOfTheGesture) {
+  wnd_.follow = false;
+  Press(90, 70);
+  Move(95, 75);
+  Move(40, 20);
+  Release(40, 20);
+  EXPECT_EQ(wnd_.log, (Log{"h 1 0", "h 8 0"}));
+  EXPECT_EQ(Pos(), 0);
+  Click(40, 20);  // once released, the client area has the mouse again
+  EXPECT_EQ(wnd_.log.back(), "client");
+
+  wnd_.log.clear();
+  Press(20, 70);
+  Move(49, 70);
+  ExpectFramePixels({{50, 72, 0xF0F0F0}});  // drawn at the tracked position (x 46..54)
+  Release(49, 70);
+  EXPECT_EQ(wnd_.log, (Log{"h 5 45", "h 4 45", "h 8 0"}));
+  EXPECT_EQ(Pos(), 0);
+  ExpectFramePixels({{50, 72, 0xE8E8E8}, {21, 72, 0xF0F0F0}});
+}
+
+TEST_F(ScrollBarInput, AHeldArrowRepeatsOnlyWhileTheCursorStaysOnIt) {
+  Press(90, 70);
+  platform::AdvanceClock(450);  // the first repeat at 350, then 400 and 450
+  Move(50, 70);
+  platform::AdvanceClock(100);
+  Move(90, 70);
+  platform::AdvanceClock(50);
+  Release(90, 70);
+  EXPECT_EQ(wnd_.log, (Log{"h 1 0", "h 1 0", "h 1 0", "h 1 0", "h 1 0", "h 8 0"}));
+  EXPECT_EQ(Pos(), 5);
+  platform::AdvanceClock(1000);
+  EXPECT_EQ(wnd_.log.size(), 6u);
 }
 
 TEST_F(ScrollBarInput, AWindowDestroyedMidGestureEndsIt) {

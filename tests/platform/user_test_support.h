@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -12,24 +14,26 @@
 
 namespace user_test {
 
-// Makes `cs` create a window of the class `name`, registering the class on first use.
-inline void UseWindowClass(CREATESTRUCTA& cs, const char* name, HCURSOR cursor, HBRUSH background) {
-  WNDCLASSA existing{};
-  if (!GetClassInfoA(AfxGetInstanceHandle(), name, &existing)) {
-    WNDCLASSA windowClass{};
-    windowClass.lpfnWndProc = DefWindowProcA;
-    windowClass.hCursor = cursor;
-    windowClass.hbrBackground = background;
-    windowClass.lpszClassName = name;
-    EXPECT_TRUE(AfxRegisterClass(&windowClass));
-  }
-  cs.lpszClass = name;
+using Log = std::vector<std::string>;
+
+// Host frame colours, 0x00RRGGBB.
+inline constexpr std::uint32_t kWhite = 0xFFFFFF, kRed = 0xFF0000, kGreen = 0x00FF00, kBlue = 0x0000FF;
+
+inline std::string Text(const RECT& r) {
+  return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
+         std::to_string(r.bottom);
+}
+
+inline RECT ClientRectOf(HWND window) {
+  RECT client{};
+  EXPECT_TRUE(GetClientRect(window, &client));
+  return client;
 }
 
 // Records each message it receives as "name" or "name:args".
 class LoggingWnd : public CWnd {
  public:
-  explicit LoggingWnd(std::string name, std::vector<std::string>* log) : name_(std::move(name)), log_(log) {}
+  explicit LoggingWnd(std::string name, Log* log) : name_(std::move(name)), log_(log) {}
   ~LoggingWnd() override {
     if (m_hWnd != nullptr) DestroyWindow();
   }
@@ -51,7 +55,25 @@ class LoggingWnd : public CWnd {
 
  private:
   std::string name_;
-  std::vector<std::string>* log_;
+  Log* log_;
+};
+
+// Paints its whole client area (and far beyond) in one colour, as a careless painter
+// would; the window DC must keep the paint inside.
+class SolidWnd : public CWnd {
+ public:
+  void OnPaint() override {
+    ++paints;
+    PAINTSTRUCT ps{};
+    HDC dc = BeginPaint(m_hWnd, &ps);
+    HBRUSH brush = CreateSolidBrush(color);
+    RECT everything{-500, -500, 500, 500};
+    FillRect(dc, &everything, brush);
+    DeleteObject(brush);
+    EndPaint(m_hWnd, &ps);
+  }
+  COLORREF color = RGB(0, 0, 255);
+  int paints = 0;
 };
 
 class HostFixture : public ::testing::Test {
@@ -78,6 +100,12 @@ class HostFixture : public ::testing::Test {
     EXPECT_NE(pixels, nullptr);
     if (pixels == nullptr || x < 0 || y < 0 || x >= width || y >= height) return 0xDEADBEEF;
     return pixels[y * width + x];
+  }
+  // Each of `points` {x, y, colour} must show its colour in the host frame.
+  void ExpectFramePixels(std::initializer_list<std::array<std::uint32_t, 3>> points) {
+    for (const auto& [x, y, color] : points) {
+      EXPECT_EQ(FramePixel(static_cast<int>(x), static_cast<int>(y)), color) << "at " << x << "," << y;
+    }
   }
 
   InstalledRecordingHost host_;

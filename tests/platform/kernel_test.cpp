@@ -1,8 +1,11 @@
+#include "platform/kernel.h"
+
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 
-#include "platform/kernel.h"
+#include "platform/gdi.h"
 
 namespace {
 
@@ -29,22 +32,17 @@ std::string ToNarrow(UINT codePage, const std::u16string& wide, BOOL* usedDefaul
   return narrow;
 }
 
-TEST(CodePages, KoreanAndChineseMessagesRoundTripThroughTheirCodePages) {
-  const std::u16string korean = u"메모리가 부족합니다.";
-  std::string cp949 = ToNarrow(949, korean);
-  // Each Hangul syllable takes two bytes; "메" is 0xB8DE in code page 949.
-  EXPECT_EQ(cp949.size(), 9u * 2 + 2);
-  EXPECT_EQ(static_cast<unsigned char>(cp949[0]), 0xB8);
-  EXPECT_EQ(static_cast<unsigned char>(cp949[1]), 0xDE);
-  EXPECT_EQ(ToWide(949, cp949), korean);
-
-  const std::u16string chinese = u"内存不足.";
-  std::string cp936 = ToNarrow(936, chinese);
-  EXPECT_EQ(cp936, "\xC4\xDA\xB4\xE6\xB2\xBB\xD7\xE3.");
-  EXPECT_EQ(ToWide(936, cp936), chinese);
-
-  EXPECT_EQ(ToWide(950, ToNarrow(950, u"記憶體不足")), u"記憶體不足");
-  EXPECT_EQ(ToWide(932, ToNarrow(932, u"メモリ")), u"メモリ");
+TEST(CodePages, KoreanChineseAndJapaneseTextsRoundTripThroughTheirCodePages) {
+  // Each Hangul syllable takes two bytes in code page 949, each Hanzi two in 936.
+  EXPECT_EQ(ToNarrow(949, u"메모리가 부족합니다."),
+            "\xB8\xDE\xB8\xF0\xB8\xAE\xB0\xA1 \xBA\xCE\xC1\xB7\xC7\xD5\xB4\xCF\xB4\xD9.");
+  EXPECT_EQ(ToNarrow(936, u"内存不足."), "\xC4\xDA\xB4\xE6\xB2\xBB\xD7\xE3.");
+  for (const auto& [codePage, text] : {std::pair<UINT, std::u16string>{949, u"메모리가 부족합니다."},
+                                       {936, u"内存不足."},
+                                       {950, u"記憶體不足"},
+                                       {932, u"メモリ"}}) {
+    EXPECT_EQ(ToWide(codePage, ToNarrow(codePage, text)), text) << codePage;
+  }
 }
 
 TEST(CodePages, MinusOneLengthCountsTheTerminatorAndShortBuffersFail) {
@@ -89,6 +87,24 @@ TEST(CodePages, InvalidInputIsReplacedOrRefused) {
   usedDefault = TRUE;
   ToNarrow(949, u"plain", &usedDefault);
   EXPECT_FALSE(usedDefault);
+}
+
+TEST(KernelServices, RandFollowsTheClassicGenerator) {
+  platform::SeedRand(1);
+  EXPECT_EQ(platform::Rand(), 41);
+  EXPECT_EQ(platform::Rand(), 18467);
+}
+
+TEST(KernelServices, TempFolderComesFromTmpdirAndEndsInASlash) {
+  const char* saved = std::getenv("TMPDIR");
+  const std::string restore = saved == nullptr ? "" : saved;
+  for (const char* tmpdir : {"/var/scratch", "/var/scratch/"}) {
+    setenv("TMPDIR", tmpdir, 1);
+    EXPECT_EQ(platform::TempFolder(), "/var/scratch/");
+  }
+  unsetenv("TMPDIR");
+  EXPECT_EQ(platform::TempFolder(), "/tmp/");
+  if (saved != nullptr) setenv("TMPDIR", restore.c_str(), 1);
 }
 
 }  // namespace
