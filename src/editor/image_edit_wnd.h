@@ -119,8 +119,6 @@ class CImageEditWnd : public CWnd {
   // The bitmap's pixels as a new 24-bit bottom-up buffer; empty (nothing allocated)
   // when the DC or the bitmap is missing or the memory cannot be had.
   PixelBuffer ReadSurfacePixels(HDC dc, HBITMAP bitmap);
-  // The same buffer, allocated but not read yet, for passes that read it in parts.
-  PixelBuffer AllocateSurfacePixels(HDC dc, HBITMAP bitmap);
   // Replaces the bitmap's rows from the buffer, which is released in every case.
   void WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffer);
   void CreateCompositionBuffer(int width, int height);
