@@ -227,17 +227,7 @@ void UnpackRow24(const std::uint8_t* in, std::uint32_t* out, int count) {
 }
 
 void ConvertRow(const Conversion& conversion, const std::uint32_t* in, std::uint32_t* out, int count) {
-  switch (conversion.kind) {
-    case Conversion::Kind::None:
-      for (int i = 0; i < count; ++i) out[i] = in[i];
-      break;
-    case Conversion::Kind::MonoToColor:
-      for (int i = 0; i < count; ++i) out[i] = in[i] ? conversion.one : conversion.zero;
-      break;
-    case Conversion::Kind::ColorToMono:
-      for (int i = 0; i < count; ++i) out[i] = (in[i] & kColorMask) == conversion.key ? kWhite : kBlack;
-      break;
-  }
+  for (int i = 0; i < count; ++i) out[i] = ConvertPixel(conversion, in[i]);
 }
 
 namespace {

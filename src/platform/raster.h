@@ -140,6 +140,17 @@ struct Conversion {
   std::uint32_t zero = kBlack;
   std::uint32_t key = kWhite;
 };
+constexpr std::uint32_t ConvertPixel(const Conversion& conversion, std::uint32_t in) {
+  switch (conversion.kind) {
+    case Conversion::Kind::MonoToColor:
+      return in ? conversion.one : conversion.zero;
+    case Conversion::Kind::ColorToMono:
+      return (in & kColorMask) == conversion.key ? kWhite : kBlack;
+    case Conversion::Kind::None:
+      break;
+  }
+  return in;
+}
 void ConvertRow(const Conversion& conversion, const std::uint32_t* in, std::uint32_t* out, int count);
 
 // 32-bit pixels to packed 24-bit blue, green, red bytes and back (the top byte is
