@@ -3,7 +3,6 @@
 #if !defined(__EMSCRIPTEN__) || defined(__EMSCRIPTEN_PTHREADS__)
 #include <thread>
 #define IE_PIXELS_THREADS 1
-#endif
 
 namespace {
 
@@ -11,6 +10,7 @@ namespace {
 constexpr long kThreadedPixels = 1L << 18;
 
 }  // namespace
+#endif
 
 std::vector<RowPart> RowParts(int height, int width) {
   if (height <= 0 || width <= 0) return {};
