@@ -5,7 +5,8 @@
 
 #include "platform/platform.h"
 
-// A 32-bit pixel 0x00RRGGBB holds blue, green, red, 0 in memory order only here.
+// A 32-bit pixel 0x00RRGGBB holds blue, green, red, 0 in memory order on a
+// little-endian machine, which every target is.
 static_assert(std::endian::native == std::endian::little);
 
 void PixelRows::FillUnwritten() {
