@@ -96,9 +96,11 @@ __attribute__((target("avx2"))) void ApplyMatrixAvx2(const Matrix& m, const BYTE
   }
 }
 
-bool HasAvx2() {
+bool g_avx2Allowed = true;
+
+bool UseAvx2() {
   static const bool has = __builtin_cpu_supports("avx2");
-  return has;
+  return has && g_avx2Allowed;
 }
 #endif
 
@@ -131,7 +133,7 @@ struct StepOnRow {
 template <int Bpp, typename Steps>
 void RunRows(const Steps& steps, const PixelRows& rows) {
 #ifdef IE_PIXELS_AVX2
-  const bool avx2 = HasAvx2();
+  const bool avx2 = UseAvx2();
 #else
   const bool avx2 = false;
 #endif
@@ -149,6 +151,12 @@ void RunRows(const Steps& steps, const PixelRows& rows) {
 }
 
 }  // namespace
+
+void AllowAvx2([[maybe_unused]] bool allowed) {
+#ifdef IE_PIXELS_AVX2
+  g_avx2Allowed = allowed;
+#endif
+}
 
 void PixelSteps::AddTables(const ByteTables& tables) {
   if (!steps_.empty()) {

@@ -17,6 +17,10 @@ struct ByteTables {
   LookupTable byte[3];
 };
 
+// Whether the matrix step may use AVX2 where the processor has it (the default); off,
+// it takes the portable way, so that tests can hold that way to the same bytes.
+void AllowAvx2(bool allowed);
+
 class PixelSteps {
  public:
   // Tables right after tables are composed into one: each byte value goes through
