@@ -30,8 +30,7 @@ void RunNeighbourhoodFilter(const PixelRect& rect, int steps, NewByte&& newByte,
 
 void LiftTowardsWhite(const PixelRect& rect) {
   ForEachPixel(rect, [](BYTE* pixel, int, int) {
-    for (int i = 0; i < 3; ++i)
-      pixel[i] = static_cast<BYTE>(255 - ((255 - pixel[i]) * (255 - pixel[i])) / 255);
+    for (int i = 0; i < 3; ++i) pixel[i] = static_cast<BYTE>(255 - ((255 - pixel[i]) * (255 - pixel[i])) / 255);
   });
 }
 

@@ -4,6 +4,7 @@
 // (WebAssembly without its thread support), stay on the calling thread.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <vector>
 
