@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "pixels/pixel_buffer.h"
 #include "pixels/row_split.h"
@@ -43,54 +44,60 @@ constexpr bool RulesAreExact() {
 }
 static_assert(RulesAreExact());
 
-// Each rule computes one row of output bytes from the working rows above (up), level
-// with (mid) and below (down) it, each pointing at the copy of the row's first byte,
-// so that a byte's left and right neighbours lie Bpp bytes to either side. The bytes
-// of a pixel are independent, so the rows are plain byte arrays.
-using RowRule = void (*)(const BYTE* up, const BYTE* mid, const BYTE* down, BYTE* out, int count);
+// Each filter keeps of every row a working row of cells (`Load`, from the row's bytes
+// with its first and last pixel repeated on either side), and computes a row of
+// output bytes from the working rows above, level with and below it (`Combine`). The
+// bytes of a pixel are independent, so a row is a plain array of bytes whose left
+// and right neighbours lie Bpp bytes to either side. Whiten and smooth keep each
+// byte's sum with its left and right neighbours, so that the 3 x 3 sum is three
+// cells; sharpen keeps the bytes themselves, with Bpp cells of the repeated edge
+// pixels on either side.
+template <int Bpp>
+struct Whiten {
+  using Cell = std::uint16_t;
+  // The bytes lifted towards white, then weighted 1 2 1 along the row.
+  static void Load(BYTE* padded, Cell* cells, int count) {
+    for (int i = 0; i < count + 2 * Bpp; ++i) padded[i] = static_cast<BYTE>(LiftTowardsWhite(padded[i]));
+    for (int i = 0; i < count; ++i)
+      cells[i] = static_cast<Cell>(padded[i] + 2 * padded[i + Bpp] + padded[i + 2 * Bpp]);
+  }
+  // Weighted 1 2 1 across the rows, divided by 16, then finished.
+  static void Combine(const Cell* up, const Cell* mid, const Cell* down, BYTE* out, int count) {
+    for (int i = 0; i < count; ++i) {
+      const auto sum = static_cast<std::uint16_t>(up[i] + 2 * mid[i] + down[i]);
+      out[i] = static_cast<BYTE>(WhitenFinish(static_cast<std::uint16_t>(sum >> 4)));
+    }
+  }
+};
 
 template <int Bpp>
-void WhitenRow(const BYTE* up, const BYTE* mid, const BYTE* down, BYTE* out, int count) {
-  for (int i = 0; i < count; ++i) {
-    const auto blurred =
-        static_cast<std::uint16_t>((up[i - Bpp] + 2 * up[i] + up[i + Bpp] + 2 * mid[i - Bpp] + 4 * mid[i] +
-                                    2 * mid[i + Bpp] + down[i - Bpp] + 2 * down[i] + down[i + Bpp]) >>
-                                   4);
-    out[i] = static_cast<BYTE>(WhitenFinish(blurred));
+struct Smooth {
+  using Cell = std::uint16_t;
+  static void Load(BYTE* padded, Cell* cells, int count) {
+    for (int i = 0; i < count; ++i)
+      cells[i] = static_cast<Cell>(padded[i] + padded[i + Bpp] + padded[i + 2 * Bpp]);
   }
-}
-
-// A negative numerator clamps to 0 whether it is divided truncating or shifted.
-template <int Bpp>
-void SharpenRow(const BYTE* up, const BYTE* mid, const BYTE* down, BYTE* out, int count) {
-  for (int i = 0; i < count; ++i) {
-    const auto v =
-        static_cast<std::int16_t>((36 * mid[i] - up[i] - down[i] - mid[i - Bpp] - mid[i + Bpp]) >> 5);
-    out[i] = static_cast<BYTE>(v < 0 ? 0 : v > 255 ? 255 : v);
+  static void Combine(const Cell* up, const Cell* mid, const Cell* down, BYTE* out, int count) {
+    for (int i = 0; i < count; ++i)
+      out[i] = static_cast<BYTE>(DivideBy9(static_cast<std::uint16_t>(up[i] + mid[i] + down[i])));
   }
-}
+};
 
 template <int Bpp>
-void SmoothRow(const BYTE* up, const BYTE* mid, const BYTE* down, BYTE* out, int count) {
-  for (int i = 0; i < count; ++i) {
-    const auto sum = static_cast<std::uint16_t>(up[i - Bpp] + up[i] + up[i + Bpp] + mid[i - Bpp] + mid[i] +
-                                                mid[i + Bpp] + down[i - Bpp] + down[i] + down[i + Bpp]);
-    out[i] = static_cast<BYTE>(DivideBy9(sum));
+struct Sharpen {
+  using Cell = BYTE;
+  static void Load(BYTE* padded, Cell* cells, int count) {
+    std::memcpy(cells - Bpp, padded, static_cast<std::size_t>(count + 2 * Bpp));
   }
-}
-
-template <int Bpp>
-RowRule RuleFor(NeighbourhoodFilter filter) {
-  switch (filter) {
-    case NeighbourhoodFilter::Whiten:
-      return WhitenRow<Bpp>;
-    case NeighbourhoodFilter::Sharpen:
-      return SharpenRow<Bpp>;
-    case NeighbourhoodFilter::Smooth:
-      break;
+  // A negative numerator clamps to 0 whether it is divided truncating or shifted.
+  static void Combine(const Cell* up, const Cell* mid, const Cell* down, BYTE* out, int count) {
+    for (int i = 0; i < count; ++i) {
+      const auto v =
+          static_cast<std::int16_t>((36 * mid[i] - up[i] - down[i] - mid[i - Bpp] - mid[i + Bpp]) >> 5);
+      out[i] = static_cast<BYTE>(v < 0 ? 0 : v > 255 ? 255 : v);
+    }
   }
-  return SmoothRow<Bpp>;
-}
+};
 
 // The fourth byte of a 32-bit pixel stays 0 whatever a rule made of it.
 void ClearFourthBytes(BYTE* row, int pixels) {
@@ -102,9 +109,10 @@ void ClearFourthBytes(BYTE* row, int pixels) {
   }
 }
 
-// The working rows: for each part of the rows, three rows in turn and the rows just
-// above and below the part, each with its first and last pixel repeated on either
-// side.
+// The working rows: for each part of the rows, three rows in turn, the rows just
+// above and below the part, and a row of bytes with the edge pixels repeated that
+// each is loaded from. Cells are at most 16 bits; every working row has room for
+// Bpp of them before and after the row's own.
 class WorkingRows {
  public:
   static constexpr int kAbove = 3;
@@ -112,69 +120,89 @@ class WorkingRows {
 
   explicit WorkingRows(const PixelRows& rows)
       : parts_(RowParts(rows.height(), rows.width)),
-        rowBytes_(static_cast<std::size_t>(rows.width + 2) * static_cast<std::size_t>(rows.bytesPerPixel)) {
+        cellsPerRow_(static_cast<std::size_t>(rows.width + 2) *
+                     static_cast<std::size_t>(rows.bytesPerPixel)) {
     const std::size_t whole =
         static_cast<std::size_t>(rows.width + 2) * static_cast<std::size_t>(rows.height() + 2) * 3;
-    if (WithinPixelLimit(whole)) memory_ = AllocatePixels(parts_.size() * kRowsPerPart * rowBytes_);
+    if (!WithinPixelLimit(whole)) return;
+    memory_.reset(new (std::nothrow) std::uint16_t[parts_.size() * kRowsPerPart * cellsPerRow_]);
   }
   bool valid() const { return memory_ != nullptr; }
   const std::vector<RowPart>& parts() const { return parts_; }
-  BYTE* Row(std::size_t part, int slot) const {
-    return memory_.get() + (part * kRowsPerPart + static_cast<std::size_t>(slot)) * rowBytes_;
+  // Working row `slot` of a part (0..2 in turn, kAbove, kBelow), from its first
+  // padding cell.
+  template <typename Cell>
+  Cell* Row(std::size_t part, int slot) const {
+    return reinterpret_cast<Cell*>(memory_.get() +
+                                   (part * kRowsPerPart + static_cast<std::size_t>(slot)) * cellsPerRow_);
   }
+  BYTE* Padded(std::size_t part) const { return Row<BYTE>(part, kRowsPerPart - 1); }
 
  private:
-  static constexpr std::size_t kRowsPerPart = 5;
+  static constexpr std::size_t kRowsPerPart = 6;
   std::vector<RowPart> parts_;
-  std::size_t rowBytes_;
-  std::unique_ptr<BYTE[]> memory_;
+  std::size_t cellsPerRow_;
+  std::unique_ptr<std::uint16_t[]> memory_;
 };
 
-// Row `y` (clamped into the rows) into working row `padded`, lifted for whiten.
-template <int Bpp>
-BYTE* LoadRow(const PixelRows& rows, int y, BYTE* padded, bool lift) {
+// Row `y` (clamped into the rows) as the filter keeps it, in working row `slot` of
+// part `part`; returns where the row's own cells start.
+template <int Bpp, typename Filter>
+const typename Filter::Cell* LoadRow(const PixelRows& rows, int y, const WorkingRows& working,
+                                     std::size_t part, int slot) {
   const BYTE* row = rows.in[static_cast<std::size_t>(std::clamp(y, 0, rows.height() - 1))];
   const int count = rows.rowBytes();
-  BYTE* inner = padded + Bpp;
-  if (lift) {
-    for (int i = 0; i < count; ++i) inner[i] = static_cast<BYTE>(LiftTowardsWhite(row[i]));
-  } else {
-    std::memcpy(inner, row, static_cast<std::size_t>(count));
-  }
-  std::memcpy(padded, inner, Bpp);
-  std::memcpy(inner + count, inner + count - Bpp, Bpp);
-  return padded;
+  BYTE* padded = working.Padded(part);
+  std::memcpy(padded + Bpp, row, static_cast<std::size_t>(count));
+  std::memcpy(padded, row, Bpp);
+  std::memcpy(padded + Bpp + count, row + count - Bpp, Bpp);
+  typename Filter::Cell* cells = working.Row<typename Filter::Cell>(part, slot) + Bpp;
+  Filter::Load(padded, cells, count);
+  return cells;
 }
 
-// One step over all the rows. A part reads the rows next to it before any part starts
-// (another part may be rewriting them meanwhile), and each of its own rows before
-// writing it: the row below is loaded before the row is written.
-template <int Bpp>
-void Step(PixelRows& rows, const WorkingRows& working, RowRule rule, bool lift) {
+// One step over all the rows. A part loads the rows next to it before any part
+// starts (another part may be rewriting them meanwhile), and each of its own rows
+// before writing it: the row below is loaded before the row is written.
+template <int Bpp, typename Filter>
+void Step(PixelRows& rows, const WorkingRows& working) {
+  using Cell = typename Filter::Cell;
   const std::vector<RowPart>& parts = working.parts();
   for (std::size_t p = 0; p < parts.size(); ++p) {
-    LoadRow<Bpp>(rows, parts[p].first - 1, working.Row(p, WorkingRows::kAbove), lift);
-    LoadRow<Bpp>(rows, parts[p].end, working.Row(p, WorkingRows::kBelow), lift);
+    LoadRow<Bpp, Filter>(rows, parts[p].first - 1, working, p, WorkingRows::kAbove);
+    LoadRow<Bpp, Filter>(rows, parts[p].end, working, p, WorkingRows::kBelow);
   }
   RunParts(parts, [&](std::size_t p) {
     const RowPart& part = parts[p];
-    const BYTE* above = working.Row(p, WorkingRows::kAbove);
-    const BYTE* here = LoadRow<Bpp>(rows, part.first, working.Row(p, 0), lift);
+    const Cell* above = working.Row<Cell>(p, WorkingRows::kAbove) + Bpp;
+    const Cell* here = LoadRow<Bpp, Filter>(rows, part.first, working, p, 0);
     int next = 1;
     for (int y = part.first; y < part.end; ++y) {
-      const BYTE* below = working.Row(p, WorkingRows::kBelow);
+      const Cell* below = working.Row<Cell>(p, WorkingRows::kBelow) + Bpp;
       if (y + 1 < part.end) {
-        below = LoadRow<Bpp>(rows, y + 1, working.Row(p, next), lift);
+        below = LoadRow<Bpp, Filter>(rows, y + 1, working, p, next);
         next = (next + 1) % 3;
       }
       BYTE* out = rows.out[static_cast<std::size_t>(y)];
-      rule(above + Bpp, here + Bpp, below + Bpp, out, rows.rowBytes());
+      Filter::Combine(above, here, below, out, rows.rowBytes());
       if constexpr (Bpp == 4) ClearFourthBytes(out, rows.width);
       above = here;
       here = below;
     }
   });
   rows.Written();
+}
+
+template <int Bpp>
+void StepOf(NeighbourhoodFilter filter, PixelRows& rows, const WorkingRows& working) {
+  switch (filter) {
+    case NeighbourhoodFilter::Whiten:
+      return Step<Bpp, Whiten<Bpp>>(rows, working);
+    case NeighbourhoodFilter::Sharpen:
+      return Step<Bpp, Sharpen<Bpp>>(rows, working);
+    case NeighbourhoodFilter::Smooth:
+      return Step<Bpp, Smooth<Bpp>>(rows, working);
+  }
 }
 
 // The rows' pixels at one moment, to recognise when the filter brings them back.
@@ -253,12 +281,11 @@ void RunNeighbourhoodFilter(PixelRows& rows, NeighbourhoodFilter filter, int ste
     if (outOfMemory) outOfMemory();
     return;
   }
-  const bool lift = filter == NeighbourhoodFilter::Whiten;
   RunSteps(rows, steps, [&] {
     if (rows.bytesPerPixel == 4) {
-      Step<4>(rows, working, RuleFor<4>(filter), lift);
+      StepOf<4>(filter, rows, working);
     } else {
-      Step<3>(rows, working, RuleFor<3>(filter), lift);
+      StepOf<3>(filter, rows, working);
     }
   });
 }
