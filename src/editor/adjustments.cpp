@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "editor/image_edit_wnd.h"
-#include "pixels/adjust_colors.h"
-#include "pixels/filters.h"
+#include "pixels/pass_plan.h"
+#include "pixels/pixel_buffer.h"
 
 namespace {
 
@@ -23,63 +23,62 @@ OutOfMemoryHandler ReportOutOfMemory(const CImageEditWnd& editor) {
   };
 }
 
-// Rows of the buffer read, passed and written back together while they are in the
-// cache, when every pass works pixel by pixel.
-constexpr int kBlockRows = 64;
-
-PixelRect RowsOf(const PixelRect& rect, int first, int end) {
-  PixelRect part = rect;
-  part.y0 = std::max(rect.y0, first);
-  part.y1 = std::min(rect.y1, end);
-  return part;
+// The passes straight from the source bitmap's rows into the image surface's: no
+// 24-bit buffer is read or written back, and the bytes are the same. Taken only when
+// such a buffer could be had, so that a picture beyond the pixel limit fails as the
+// buffer's reading fails; false when it was not taken.
+bool RunOnSurfaceRows(CImageEditWnd& editor, HBITMAP source, const PassPlan& plan) {
+  const Surface& surface = editor.m_surfaces.imageSurface;
+  platform::BitmapRows bitmapRows;
+  if (!PixelBufferWouldFit(surface.bitmap()) ||
+      !platform::MapBitmapRows(source, surface.bitmap(), editor.m_view.imageRect, &bitmapRows))
+    return false;
+  PixelRows rows = RowsOf(bitmapRows);
+  plan.Run(rows, ReportOutOfMemory(editor));
+  return true;
 }
 
-// Refills the image rectangle from the original, hands its pixels to `passes` and
-// writes them back; false when the pixels could not be read. When the passes will run
-// with neutral settings only the refill is needed: reading and writing back would
-// give the same pixels. When no neighbourhood filter runs, every output pixel depends
-// on that pixel alone, so the buffer goes through the passes a block of rows at a
-// time, with the same result.
-template <typename Passes>
-bool RebuildImagePixels(CImageEditWnd& editor, const AdjustmentSettings& applied, Passes&& passes) {
+// Refills the image rectangle from the original and runs the plan's passes over its
+// pixels; false when the pixels could not be read. When the passes will run with
+// neutral settings only the refill is needed: reading and writing back would give the
+// same pixels. Otherwise the passes go from bitmap rows to bitmap rows where the
+// platform offers them, and through the surface's 24-bit buffer where it does not.
+bool RebuildImagePixels(CImageEditWnd& editor, const AdjustmentSettings& applied, const PassPlan& plan) {
   const Surface& surface = editor.m_surfaces.imageSurface;
   if (applied.IsNeutral()) {
     editor.RebuildImageSurface();
     return true;
   }
   HBITMAP source = editor.RebuiltImageSource();
-  const bool pixelwise = applied.whitenSteps <= 0 && applied.sharpenSteps <= 0 && applied.smoothSteps <= 0;
-  PixelBuffer buffer = pixelwise ? editor.AllocateSurfacePixels(surface.dc(), source)
-                                 : editor.ReadSurfacePixels(surface.dc(), source);
+  if (RunOnSurfaceRows(editor, source, plan)) return true;
+  PixelBuffer buffer = editor.ReadSurfacePixels(surface.dc(), source);
   if (!buffer) {
     if (source != surface.bitmap()) editor.RebuildImageSurface();
     return false;
   }
-  const PixelRect image = buffer.Area(editor.m_view.imageRect);
-  if (!pixelwise) {
-    passes(image);
-    editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
-    return true;
-  }
-  for (int first = 0; first < buffer.height(); first += kBlockRows) {
-    const int count = std::min(kBlockRows, buffer.height() - first);
-    ReadBitmapRows(surface.dc(), source, buffer, first, count);
-    passes(RowsOf(image, first, first + count));
-    WriteBitmapRows(surface.dc(), surface.bitmap(), buffer, first, count);
-  }
+  plan.Run(buffer.Area(editor.m_view.imageRect), ReportOutOfMemory(editor));
+  editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
   return true;
 }
 
+// Both passes with every setting, as every rebuild runs them.
+PassPlan AdjustedPlan(const AdjustmentSettings& settings) {
+  PassPlan plan;
+  plan.AddColors(settings);
+  plan.AddFilters(settings);
+  return plan;
+}
+
 // What every setter does once its argument is mapped: nothing when the value is
-// unchanged, otherwise a rebuild whose passes store the new value, a repaint and a
-// history level, all under the wait cursor.
-template <typename Passes>
-void RunSetter(CImageEditWnd& editor, bool unchanged, const AdjustmentSettings& applied, Passes&& passes) {
+// unchanged, otherwise a rebuild that applies the new value, a repaint and a history
+// level, all under the wait cursor. The value is stored only when the rebuild could
+// read the pixels.
+void RunSetter(CImageEditWnd& editor, bool unchanged, const AdjustmentSettings& applied,
+               const PassPlan& plan) {
   editor.CloseTextEntry();
   if (!editor.m_surfaces.imageSurface.dc() || unchanged) return;
   editor.BeginWaitCursor();
-  if (RebuildImagePixels(editor, applied, passes)) {
-    // The passes store the new value as they go; a neutral rebuild runs none of them.
+  if (RebuildImagePixels(editor, applied, plan)) {
     editor.m_settings = applied;
     editor.RedrawWindow();
     editor.CommitHistoryLevel(nullptr, 0, 0);
@@ -87,49 +86,36 @@ void RunSetter(CImageEditWnd& editor, bool unchanged, const AdjustmentSettings& 
   editor.EndWaitCursor();
 }
 
-// A colour setting is stored first and then applied with all the others.
-// The settings as they stand once `setting` has the new value: what the passes apply.
+// The settings as they stand once `setting` has the new value.
 template <typename Value>
 AdjustmentSettings With(AdjustmentSettings settings, Value AdjustmentSettings::*setting, Value value) {
   settings.*setting = value;
   return settings;
 }
 
+// A colour setting is applied with all the others.
 template <typename Value>
 void SetColorSetting(CImageEditWnd& editor, Value AdjustmentSettings::*setting, Value value) {
-  AdjustmentSettings& settings = editor.m_settings;
-  RunSetter(editor, settings.*setting == value, With(settings, setting, value), [&](const PixelRect& rect) {
-    settings.*setting = value;
-    AdjustColors(rect, settings);
-    ApplyFilters(rect, settings, ReportOutOfMemory(editor));
-  });
+  const AdjustmentSettings applied = With(editor.m_settings, setting, value);
+  RunSetter(editor, editor.m_settings.*setting == value, applied, AdjustedPlan(applied));
 }
 
-// A filter setting runs last on this call: the passes run with it off, then it is
-// stored and its filter runs alone with the new value. Later rebuilds put it back
-// in the fixed filter order.
-template <typename Value, typename Filter>
+// A filter setting runs last on this call: the passes run with it off, then its filter
+// runs alone with the new value. Later rebuilds put it back in the fixed filter order.
+template <typename Value, typename AddFilter>
 void SetFilterSetting(CImageEditWnd& editor, Value AdjustmentSettings::*setting, Value value,
-                      Filter&& runAlone) {
-  AdjustmentSettings& settings = editor.m_settings;
-  RunSetter(editor, settings.*setting == value, With(settings, setting, value), [&](const PixelRect& rect) {
-    AdjustmentSettings withoutIt = settings;
-    withoutIt.*setting = Value{};
-    AdjustColors(rect, settings);
-    ApplyFilters(rect, withoutIt, ReportOutOfMemory(editor));
-    settings.*setting = value;
-    runAlone(rect, value);
-  });
+                      AddFilter&& addAlone) {
+  const AdjustmentSettings& settings = editor.m_settings;
+  PassPlan plan;
+  plan.AddColors(settings);
+  plan.AddFilters(With(settings, setting, Value{}));
+  addAlone(plan, value);
+  RunSetter(editor, settings.*setting == value, With(settings, setting, value), plan);
 }
 
 }  // namespace
 
-void CImageEditWnd::RunAdjustedRebuild() {
-  RebuildImagePixels(*this, m_settings, [this](const PixelRect& rect) {
-    AdjustColors(rect, m_settings);
-    ApplyFilters(rect, m_settings, ReportOutOfMemory(*this));
-  });
-}
+void CImageEditWnd::RunAdjustedRebuild() { RebuildImagePixels(*this, m_settings, AdjustedPlan(m_settings)); }
 
 void CImageEditWnd::BrightenImage(int nBrightness) {
   SetColorSetting(*this, &AdjustmentSettings::brightness, ClampSetterArgument(nBrightness) - 100);
@@ -151,47 +137,41 @@ void CImageEditWnd::CorrectGamma(int nRedGamma, int nGreenGamma, int nBlueGamma)
   const double red = GammaOf(nRedGamma);
   const double green = GammaOf(nGreenGamma);
   const double blue = GammaOf(nBlueGamma);
-  AdjustmentSettings& s = m_settings;
+  const AdjustmentSettings& s = m_settings;
   const bool unchanged = s.redGamma == red && s.greenGamma == green && s.blueGamma == blue;
   AdjustmentSettings applied = s;
   applied.redGamma = red;
   applied.greenGamma = green;
   applied.blueGamma = blue;
-  RunSetter(*this, unchanged, applied, [&](const PixelRect& rect) {
-    s.redGamma = red;
-    s.greenGamma = green;
-    s.blueGamma = blue;
-    AdjustColors(rect, s);
-    ApplyFilters(rect, s, ReportOutOfMemory(*this));
-  });
+  RunSetter(*this, unchanged, applied, AdjustedPlan(applied));
 }
 
 void CImageEditWnd::GrayImage(bool bGraying) {
-  SetFilterSetting(*this, &AdjustmentSettings::gray, bGraying, [](const PixelRect& rect, bool on) {
-    if (on) GrayPixels(rect);
+  SetFilterSetting(*this, &AdjustmentSettings::gray, bGraying, [](PassPlan& plan, bool on) {
+    if (on) plan.AddGray();
   });
 }
 
 void CImageEditWnd::InvertImage(bool bInverting) {
-  SetFilterSetting(*this, &AdjustmentSettings::invert, bInverting, [](const PixelRect& rect, bool on) {
-    if (on) InvertPixels(rect);
+  SetFilterSetting(*this, &AdjustmentSettings::invert, bInverting, [](PassPlan& plan, bool on) {
+    if (on) plan.AddInvert();
   });
 }
 
 void CImageEditWnd::SharpenImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::sharpenSteps, nStep, [this](const PixelRect& rect, int steps) {
-    SharpenPixels(rect, steps, ReportOutOfMemory(*this));
+  SetFilterSetting(*this, &AdjustmentSettings::sharpenSteps, nStep, [](PassPlan& plan, int steps) {
+    plan.AddNeighbourhood(NeighbourhoodFilter::Sharpen, steps);
   });
 }
 
 void CImageEditWnd::SmoothImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::smoothSteps, nStep, [this](const PixelRect& rect, int steps) {
-    SmoothPixels(rect, steps, ReportOutOfMemory(*this));
+  SetFilterSetting(*this, &AdjustmentSettings::smoothSteps, nStep, [](PassPlan& plan, int steps) {
+    plan.AddNeighbourhood(NeighbourhoodFilter::Smooth, steps);
   });
 }
 
 void CImageEditWnd::WhitenImage(int nStep) {
-  SetFilterSetting(*this, &AdjustmentSettings::whitenSteps, nStep, [this](const PixelRect& rect, int steps) {
-    WhitenPixels(rect, steps, ReportOutOfMemory(*this));
+  SetFilterSetting(*this, &AdjustmentSettings::whitenSteps, nStep, [](PassPlan& plan, int steps) {
+    plan.AddNeighbourhood(NeighbourhoodFilter::Whiten, steps);
   });
 }

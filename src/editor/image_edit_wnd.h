@@ -119,8 +119,6 @@ class CImageEditWnd : public CWnd {
   // The bitmap's pixels as a new 24-bit bottom-up buffer; empty (nothing allocated)
   // when the DC or the bitmap is missing or the memory cannot be had.
   PixelBuffer ReadSurfacePixels(HDC dc, HBITMAP bitmap);
-  // The same buffer, allocated but not read yet, for passes that read it in parts.
-  PixelBuffer AllocateSurfacePixels(HDC dc, HBITMAP bitmap);
   // Replaces the bitmap's rows from the buffer, which is released in every case.
   void WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffer);
   void CreateCompositionBuffer(int width, int height);
@@ -130,8 +128,8 @@ class CImageEditWnd : public CWnd {
   void RebuildImageSurface();
   // The bitmap to read the rebuilt image surface's pixels from. When the original
   // fills the surface at 1:1 that is the original itself (the same pixels), and the
-  // surface is left to the write-back that follows (or to RebuildImageSurface when
-  // no buffer can be had); otherwise the image surface, rebuilt here.
+  // surface is left to the passes that write it (or to RebuildImageSurface when its
+  // pixels cannot be had); otherwise the image surface, rebuilt here.
   HBITMAP RebuiltImageSource();
   // `area` (surface coordinates; null for all of it) limits the drawing to that part.
   void CompositeDrawingLayer(HDC target, const RECT* area = nullptr);

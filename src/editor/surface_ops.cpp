@@ -20,14 +20,7 @@ void FillWhite(const Surface& surface) {
 }  // namespace
 
 PixelBuffer CImageEditWnd::ReadSurfacePixels(HDC dc, HBITMAP bitmap) {
-  PixelBuffer buffer = AllocateSurfacePixels(dc, bitmap);
-  ReadBitmapRows(dc, bitmap, buffer, 0, buffer.height());
-  return buffer;
-}
-
-PixelBuffer CImageEditWnd::AllocateSurfacePixels(HDC dc, HBITMAP bitmap) {
-  if (!dc) return PixelBuffer();
-  PixelBuffer buffer = BufferForBitmap(bitmap);
+  PixelBuffer buffer = ReadBitmapPixels(dc, bitmap);
   if (!buffer && buffer.width() > 0 && m_verbose) ShowOutOfMemoryMessage();
   return buffer;
 }

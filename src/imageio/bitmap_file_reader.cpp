@@ -165,4 +165,11 @@ std::optional<Dib24> ReadBitmapFile(const std::uint8_t* data, std::size_t count)
   return dib;
 }
 
+std::optional<PackedRows> PackedDib24Rows(const std::uint8_t* data, std::size_t count) {
+  const std::optional<FileLayout> layout = ParseLayout(data, count);
+  if (!layout || layout->bitCount != 24) return std::nullopt;
+  return PackedRows{layout->width, layout->topDown ? -layout->height : layout->height,
+                    data + layout->pixelOffset};
+}
+
 }  // namespace imageio

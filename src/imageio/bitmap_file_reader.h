@@ -32,4 +32,15 @@ bool IsBitmapFile(const std::uint8_t* data, std::size_t count);
 // Decodes a whole bitmap file, or nothing when it is malformed or unsupported.
 std::optional<Dib24> ReadBitmapFile(const std::uint8_t* data, std::size_t count);
 
+// The rows of a file whose pixels already are a packed 24-bit DIB (24 bits a pixel,
+// uncompressed), checked as ReadBitmapFile checks them, so that they can be
+// transferred as they lie in the file; nothing for any other file. `height` is
+// negative for top-down rows, as a DIB header gives it.
+struct PackedRows {
+  int width = 0;
+  int height = 0;
+  const std::uint8_t* rows = nullptr;
+};
+std::optional<PackedRows> PackedDib24Rows(const std::uint8_t* data, std::size_t count);
+
 }  // namespace imageio

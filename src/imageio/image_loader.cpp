@@ -35,20 +35,30 @@ void ReportReadFailure(const std::string& source, const LoadContext& context) {
   AfxMessageBox(text.c_str(), MB_OK | MB_ICONHAND);
 }
 
+// A new bitmap compatible with `dc` holding packed 24-bit rows (`height` negative
+// for top-down ones); null when either step fails.
+HBITMAP BitmapOfRows(HDC dc, int width, int height, const std::uint8_t* rows) {
+  const int lines = height < 0 ? -height : height;
+  HBITMAP bitmap = CreateCompatibleBitmap(dc, width, lines);
+  const BITMAPINFO info = platform::Dib24Info(width, height);
+  if (bitmap && SetDIBits(dc, bitmap, 0, static_cast<UINT>(lines), rows, &info, DIB_RGB_COLORS) == 0) {
+    DeleteObject(bitmap);
+    bitmap = nullptr;
+  }
+  return bitmap;
+}
+
 // A bitmap file becomes a device bitmap compatible with the window's DC, its rows
-// transferred with SetDIBits once the file has been checked and unpacked.
+// transferred with SetDIBits once the file has been checked: straight from the file
+// when they are 24-bit rows already, unpacked into such rows first otherwise.
 HBITMAP DecodeBitmapFile(const std::uint8_t* data, std::size_t count, HWND window) {
   HDC dc = GetDC(window);
   if (!dc) return nullptr;
   HBITMAP bitmap = nullptr;
-  if (const std::optional<Dib24> dib = ReadBitmapFile(data, count)) {
-    bitmap = CreateCompatibleBitmap(dc, dib->width, dib->height);
-    const BITMAPINFO info = platform::Dib24Info(dib->width, dib->height);
-    if (bitmap && SetDIBits(dc, bitmap, 0, static_cast<UINT>(dib->height), dib->rows.data(), &info,
-                            DIB_RGB_COLORS) == 0) {
-      DeleteObject(bitmap);
-      bitmap = nullptr;
-    }
+  if (const std::optional<PackedRows> packed = PackedDib24Rows(data, count)) {
+    bitmap = BitmapOfRows(dc, packed->width, packed->height, packed->rows);
+  } else if (const std::optional<Dib24> dib = ReadBitmapFile(data, count)) {
+    bitmap = BitmapOfRows(dc, dib->width, dib->height, dib->rows.data());
   }
   ReleaseDC(window, dc);
   return bitmap;

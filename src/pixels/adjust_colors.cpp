@@ -4,11 +4,7 @@
 #include <array>
 #include <cmath>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
-#include "pixels/row_split.h"
+#include "pixels/pass_plan.h"
 
 namespace {
 
@@ -118,94 +114,6 @@ ColorMatrix HueMatrix(double degrees) {
   return h;
 }
 
-// The tables of several steps run one after another are one table: each byte's
-// value goes through them all in order.
-ByteTables Composed(const std::vector<ByteTables>& steps) {
-  ByteTables all;
-  for (int k = 0; k < 3; ++k) {
-    for (int v = 0; v < 256; ++v) {
-      BYTE value = static_cast<BYTE>(v);
-      for (const ByteTables& step : steps) value = step.byte[k][value];
-      all.byte[k][static_cast<std::size_t>(v)] = value;
-    }
-  }
-  return all;
-}
-
-void ApplyComposedTables(const PixelRect& rect, const ByteTables& tables) {
-  const bool same = tables.byte[0] == tables.byte[1] && tables.byte[1] == tables.byte[2];
-  const std::size_t bytes = static_cast<std::size_t>(rect.width()) * 3;
-  SplitRows(rect, [&](int first, int end) {
-    for (int y = first; y < end; ++y) {
-      BYTE* p = rect.At(0, y);
-      if (same) {
-        const BYTE* t = tables.byte[0].data();
-        for (std::size_t i = 0; i < bytes; ++i) p[i] = t[p[i]];
-        continue;
-      }
-      const BYTE* t0 = tables.byte[0].data();
-      const BYTE* t1 = tables.byte[1].data();
-      const BYTE* t2 = tables.byte[2].data();
-      for (std::size_t i = 0; i < bytes; i += 3) {
-        p[i] = t0[p[i]];
-        p[i + 1] = t1[p[i + 1]];
-        p[i + 2] = t2[p[i + 2]];
-      }
-    }
-  });
-}
-
-// Each product c_k * M[k][j] depends on one byte, so it is looked up instead of
-// multiplied: the table holds the very doubles the multiplication gives. The sums are
-// formed in the same order, ((c2 term + c1 term) + c0 term) + M[3][j], so the result
-// is the same to the last bit. Entries are laid out as the four columns j = 0..3
-// (the fourth unused) so that two channels are added at once where SSE2 exists.
-struct alignas(16) ProductRow {
-  double column[4];
-};
-using ProductTable = std::array<ProductRow, 256>;
-
-ProductTable ProductsOf(const ColorMatrix& m, int k) {
-  ProductTable table{};
-  for (int v = 0; v < 256; ++v) {
-    for (int j = 0; j < 3; ++j) table[static_cast<std::size_t>(v)].column[j] = static_cast<double>(v) * m[k][j];
-  }
-  return table;
-}
-
-BYTE ToByte(double v) { return v < 0 ? 0 : v > 255 ? 255 : static_cast<BYTE>(v); }
-
-void ApplyMatrix(const PixelRect& rect, const ColorMatrix& m) {
-  const ProductTable t0 = ProductsOf(m, 0);
-  const ProductTable t1 = ProductsOf(m, 1);
-  const ProductTable t2 = ProductsOf(m, 2);
-  SplitRows(rect, [&](int first, int end) {
-    for (int y = first; y < end; ++y) {
-      BYTE* p = rect.At(0, y);
-      for (int x = 0; x < rect.width(); ++x, p += 3) {
-        const double* a = t2[p[2]].column;
-        const double* b = t1[p[1]].column;
-        const double* c = t0[p[0]].column;
-#ifdef __SSE2__
-        // Clamping to [0, 255] before truncating gives what the comparisons give.
-        const __m128d low = _mm_setzero_pd();
-        const __m128d high = _mm_set1_pd(255.0);
-        __m128d v01 = _mm_add_pd(_mm_add_pd(_mm_add_pd(_mm_load_pd(a), _mm_load_pd(b)), _mm_load_pd(c)),
-                                 _mm_set_pd(m[3][1], m[3][0]));
-        v01 = _mm_min_pd(_mm_max_pd(v01, low), high);
-        const __m128i bytes01 = _mm_cvttpd_epi32(v01);
-        const double v2 = ((a[2] + b[2]) + c[2]) + m[3][2];
-        p[0] = static_cast<BYTE>(_mm_cvtsi128_si32(bytes01));
-        p[1] = static_cast<BYTE>(_mm_cvtsi128_si32(_mm_srli_si128(bytes01, 4)));
-        p[2] = ToByte(v2);
-#else
-        for (int j = 0; j < 3; ++j) p[j] = ToByte(((a[j] + b[j]) + c[j]) + m[3][j]);
-#endif
-      }
-    }
-  });
-}
-
 }  // namespace
 
 std::vector<ByteTables> ColorTableSteps(const AdjustmentSettings& settings) {
@@ -236,8 +144,7 @@ std::optional<ColorMatrix> ColorMatrixStep(const AdjustmentSettings& settings) {
 }
 
 void AdjustColors(const PixelRect& rect, const AdjustmentSettings& settings) {
-  if (rect.empty()) return;
-  const std::vector<ByteTables> steps = ColorTableSteps(settings);
-  if (!steps.empty()) ApplyComposedTables(rect, Composed(steps));
-  if (const std::optional<ColorMatrix> m = ColorMatrixStep(settings)) ApplyMatrix(rect, *m);
+  PassPlan plan;
+  plan.AddColors(settings);
+  plan.Run(rect);
 }

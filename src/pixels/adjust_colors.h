@@ -5,22 +5,17 @@
 // at its neutral value.
 #pragma once
 
-#include <array>
 #include <optional>
 #include <vector>
 
 #include "pixels/adjustment_settings.h"
 #include "pixels/pixel_rect.h"
+#include "pixels/pixel_steps.h"
 
 void AdjustColors(const PixelRect& rect, const AdjustmentSettings& settings);
 
-// The steps of the pass, shared by the pass and its plain reference
+// The steps of the pass, shared by the pass (pass_plan.h) and its plain reference
 // (reference_passes.h): the table steps in the order they run, each with one table
 // per pixel byte, and the colour matrix when it runs.
-using LookupTable = std::array<BYTE, 256>;
-using ColorMatrix = std::array<std::array<double, 4>, 4>;
-struct ByteTables {
-  LookupTable byte[3];
-};
 std::vector<ByteTables> ColorTableSteps(const AdjustmentSettings& settings);
 std::optional<ColorMatrix> ColorMatrixStep(const AdjustmentSettings& settings);

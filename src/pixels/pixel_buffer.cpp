@@ -31,8 +31,10 @@ bool BitmapSize(HBITMAP bitmap, int* width, int* height) {
 
 }  // namespace
 
+bool WithinPixelLimit(std::size_t bytes) { return bytes <= g_limit; }
+
 std::unique_ptr<BYTE[]> AllocatePixels(std::size_t bytes) {
-  if (bytes > g_limit) return nullptr;
+  if (!WithinPixelLimit(bytes)) return nullptr;
   return std::unique_ptr<BYTE[]>(new (std::nothrow) BYTE[bytes == 0 ? 1 : bytes]);
 }
 
@@ -42,7 +44,7 @@ PixelBuffer::PixelBuffer(int width, int height)
     : width_(width), height_(height), stride_(static_cast<int>(platform::DibRowStride(width, 24))) {
   const std::size_t size = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height);
   // The limit holds for recycled memory too.
-  if (size <= g_limit) bytes_ = TakeSpareOr(size);
+  if (WithinPixelLimit(size)) bytes_ = TakeSpareOr(size);
 }
 
 PixelBuffer::~PixelBuffer() {
@@ -70,28 +72,30 @@ PixelRect PixelBuffer::Area(const RECT& rect) const {
   return PixelRect{data(), left, height_ - bottom, right, height_ - top, stride_};
 }
 
-PixelBuffer BufferForBitmap(HBITMAP bitmap) {
+bool PixelBufferWouldFit(HBITMAP bitmap) {
   int width = 0;
   int height = 0;
-  if (!BitmapSize(bitmap, &width, &height)) return PixelBuffer();
-  return PixelBuffer(width, height);
+  return BitmapSize(bitmap, &width, &height) &&
+         WithinPixelLimit(static_cast<std::size_t>(platform::DibRowStride(width, 24)) *
+                          static_cast<std::size_t>(height));
 }
 
 PixelBuffer ReadBitmapPixels(HDC dc, HBITMAP bitmap) {
-  if (!dc) return PixelBuffer();
-  PixelBuffer buffer = BufferForBitmap(bitmap);
-  ReadBitmapRows(dc, bitmap, buffer, 0, buffer.height());
-  return buffer;
-}
-
-void ReadBitmapRows(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer, int first, int count) {
   int width = 0;
   int height = 0;
-  if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
-  if (width != buffer.width() || height != buffer.height()) return;
+  if (!dc || !BitmapSize(bitmap, &width, &height)) return PixelBuffer();
+  PixelBuffer buffer(width, height);
+  if (!buffer) return buffer;
   BITMAPINFO info = platform::Dib24Info(width, height);
-  GetDIBits(dc, bitmap, static_cast<UINT>(first), static_cast<UINT>(count),
-            buffer.data() + static_cast<std::size_t>(first) * buffer.stride(), &info, DIB_RGB_COLORS);
+  GetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
+  // The transfer leaves the padding after each row as it was; recycled memory would
+  // otherwise carry a former picture's bytes into a file written from the buffer.
+  const std::size_t used = static_cast<std::size_t>(width) * 3;
+  for (int y = 0; y < height; ++y) {
+    BYTE* row = buffer.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(buffer.stride());
+    std::fill(row + used, row + buffer.stride(), BYTE{0});
+  }
+  return buffer;
 }
 
 void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer) {
@@ -100,14 +104,4 @@ void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer) {
   if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
   const BITMAPINFO info = platform::Dib24Info(width, height);
   SetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
-}
-
-void WriteBitmapRows(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer, int first, int count) {
-  int width = 0;
-  int height = 0;
-  if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
-  if (width != buffer.width() || height != buffer.height()) return;
-  const BITMAPINFO info = platform::Dib24Info(width, height);
-  SetDIBits(dc, bitmap, static_cast<UINT>(first), static_cast<UINT>(count),
-            buffer.data() + static_cast<std::size_t>(first) * buffer.stride(), &info, DIB_RGB_COLORS);
 }

@@ -22,6 +22,8 @@ inline void StorePixelColor(BYTE* pixel, COLORREF color) {
 // above it fails as out of memory (null) instead of exhausting the process. The limit
 // is adjustable so that the out-of-memory paths can be exercised.
 std::unique_ptr<BYTE[]> AllocatePixels(std::size_t bytes);
+// Whether a request of that many bytes is within the limit.
+bool WithinPixelLimit(std::size_t bytes);
 void SetPixelBufferLimit(std::size_t bytes);
 inline constexpr std::size_t kDefaultPixelBufferLimit = std::size_t{1} << 30;
 
@@ -56,17 +58,13 @@ class PixelBuffer {
   int stride_ = 0;
 };
 
-// A bitmap's pixels read through a DC as a whole buffer; empty when the DC or the
-// bitmap is missing or the bitmap's header cannot be read (size 0 then), or when the
-// memory cannot be had (size known then).
+// A bitmap's pixels read through a DC as a whole buffer, the padding after each row
+// 0; empty when the DC or the bitmap is missing or the bitmap's header cannot be read
+// (size 0 then), or when the memory cannot be had (size known then).
 PixelBuffer ReadBitmapPixels(HDC dc, HBITMAP bitmap);
-// A buffer of the bitmap's size, not yet read (empty as above).
-PixelBuffer BufferForBitmap(HBITMAP bitmap);
-// Buffer rows [first, first + count) (row 0 the bottom row) read from the bitmap, and
-// written to it; nothing without a DC, a readable bitmap of the buffer's size or
-// pixels.
-void ReadBitmapRows(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer, int first, int count);
-void WriteBitmapRows(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer, int first, int count);
+// Whether the memory limit grants a buffer of the bitmap's size; false for a bitmap
+// whose header cannot be read.
+bool PixelBufferWouldFit(HBITMAP bitmap);
 // Replaces the bitmap's rows from a buffer of the bitmap's current size; nothing
 // without a DC, a readable bitmap or pixels.
 void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer);

@@ -12,17 +12,29 @@ constexpr long kThreadedPixels = 1L << 18;
 }  // namespace
 #endif
 
-void SplitRows(const PixelRect& rect, const std::function<void(int first, int end)>& rows) {
-  const int height = rect.height();
-  if (rect.empty()) return;
+std::vector<RowPart> RowParts(int height, int width) {
+  if (height <= 0 || width <= 0) return {};
 #ifdef IE_PIXELS_THREADS
-  if (static_cast<long>(rect.width()) * height >= kThreadedPixels && height >= 2) {
-    const int middle = height / 2;
-    std::thread lower([&] { rows(0, middle); });
-    rows(middle, height);
-    lower.join();
-    return;
+  if (static_cast<long>(width) * height >= kThreadedPixels && height >= 2) {
+    return {{0, height / 2}, {height / 2, height}};
   }
 #endif
-  rows(0, height);
+  return {{0, height}};
+}
+
+void RunParts(const std::vector<RowPart>& parts, const std::function<void(std::size_t part)>& work) {
+  if (parts.empty()) return;
+#ifdef IE_PIXELS_THREADS
+  std::vector<std::thread> threads;
+  for (std::size_t i = 0; i + 1 < parts.size(); ++i) threads.emplace_back([&work, i] { work(i); });
+  work(parts.size() - 1);
+  for (std::thread& thread : threads) thread.join();
+#else
+  for (std::size_t i = 0; i < parts.size(); ++i) work(i);
+#endif
+}
+
+void SplitRows(int height, int width, const std::function<void(int first, int end)>& rows) {
+  const std::vector<RowPart> parts = RowParts(height, width);
+  RunParts(parts, [&](std::size_t i) { rows(parts[i].first, parts[i].end); });
 }

@@ -1,11 +1,24 @@
-// Runs a row-wise pass over a rectangle's rows on two threads, each taking one half.
-// Rows are independent in every pass that uses it, so the result is the same bytes as
-// one thread would give; small rectangles, and builds without threads (WebAssembly
-// without its thread support), stay on the calling thread.
+// Runs a pass over rows on two threads, each taking one part of them. Every pass that
+// uses it computes each row from what it read before the pass, so the result is the
+// same bytes as one thread would give; small passes, and builds without threads
+// (WebAssembly without its thread support), stay on the calling thread.
 #pragma once
 
-#include "pixels/pixel_rect.h"
+#include <cstddef>
+#include <functional>
+#include <vector>
 
-// Calls rows(first, end) for buffer rows of the rectangle (counted from its first
-// row), covering every row exactly once.
-void SplitRows(const PixelRect& rect, const std::function<void(int first, int end)>& rows);
+// Rows [first, end) of a pass.
+struct RowPart {
+  int first;
+  int end;
+};
+
+// The parts a pass over `height` rows of `width` pixels is split into: every row in
+// exactly one, in order; one part unless a second thread is worth starting.
+std::vector<RowPart> RowParts(int height, int width);
+// Calls work(i) for every part parts[i], all but the last on threads of their own,
+// and returns once all are done.
+void RunParts(const std::vector<RowPart>& parts, const std::function<void(std::size_t part)>& work);
+// Both: rows(first, end) over the parts of the rows.
+void SplitRows(int height, int width, const std::function<void(int first, int end)>& rows);

@@ -1,6 +1,8 @@
-// The edge-replicated copy a neighbourhood filter reads from: the rectangle plus a
-// one-pixel border, without row padding, so that every pixel of the rectangle has
-// all eight neighbours and the filter can write the buffer while reading the copy.
+// The edge-replicated copy the plain reference filters read from (reference_passes.h),
+// as the rules describe it: the rectangle plus a one-pixel border, without row
+// padding, so that every pixel of the rectangle has all eight neighbours and the
+// filter can write the buffer while reading the copy. The filters themselves keep only
+// the rows of it they look at (neighbourhood.h).
 #pragma once
 
 #include <memory>

@@ -7,6 +7,8 @@
 // GDI fails (0, null or CLR_INVALID), never touches memory it does not own.
 #pragma once
 
+#include <vector>
+
 #include "platform/types.h"
 
 // ---- constants ----
@@ -232,5 +234,21 @@ HDC CreateScreenDC();
 // keeps its rows in that one block from then on (it no longer shares them), so the
 // pointer stays valid until the bitmap is deleted.
 const std::uint32_t* BitmapPixels(HBITMAP bitmap, int* width, int* height);
+
+// Direct row access for a pixel pass that reads one colour bitmap and writes another
+// of the same size (or the same one, in place), with no DIB transfer between: for
+// each row of `area` (bitmap coordinates, kept inside the bitmap), top first, where
+// its pixels begin in the source and in the target, 0x00RRGGBB each. The target's
+// rows are made its own at once, so several threads may write them. Unless the two are
+// one bitmap, whole target rows may hold anything until written: the pass must write
+// every pixel of the area, with the top byte 0. The pointers stay valid until either
+// bitmap is next changed or deleted. False (nothing touched) for anything but two
+// colour bitmaps of one size.
+struct BitmapRows {
+  std::vector<const std::uint32_t*> source;
+  std::vector<std::uint32_t*> target;
+  int width = 0;  // pixels of each row in the area
+};
+bool MapBitmapRows(HBITMAP source, HBITMAP target, const RECT& area, BitmapRows* rows);
 
 }  // namespace platform

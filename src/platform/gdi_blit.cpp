@@ -203,35 +203,31 @@ BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX
 
 namespace {
 
-// The 1:1 transparent copy, span by span: rows of the source's key colour are passed
-// over without touching the destination, and a destination row is made writable only
-// once a pixel of the source row is to be drawn.
-void TransparentCopy(const BlitEnds& ends, Run cols, Run rows, std::uint32_t key,
-                     const raster::Conversion& conversion) {
-  raster::Raster& out = *ends.dest.raster;
-  const raster::Raster& in = *ends.src.raster;
-  std::vector<std::uint32_t> converted;
-  const int count = static_cast<int>(cols.count);
-  for (std::int64_t k = 0; k < rows.count; ++k) {
-    const int srcY = static_cast<int>(rows.src + k);
-    const int destY = static_cast<int>(rows.dest + k);
-    std::uint32_t uniform = 0;
-    if (in.RowIsUniform(srcY, &uniform) && uniform == key) continue;
-    const std::uint32_t* values = in.Row(srcY) + cols.src;
-    int first = 0;
-    while (first < count && values[first] == key) ++first;
-    if (first == count) continue;
-    std::uint32_t* row = out.MutableRow(destY) + cols.dest;
-    values = in.Row(srcY) + cols.src;
-    const std::uint32_t* drawn = values;
-    if (conversion.kind != raster::Conversion::Kind::None) {
-      converted.resize(static_cast<std::size_t>(count));
-      raster::ConvertRow(conversion, values, converted.data(), count);
-      drawn = converted.data();
-    }
+// One destination row of a transparent copy: `pick(row, i)` is the source pixel that
+// destination pixel i takes from source row `row`. A source row of the key colour is
+// passed over without touching the destination, and the destination row is made
+// writable only once a pixel of it is to be drawn.
+template <typename Pick>
+void TransparentRow(raster::Raster& out, const raster::Raster& in, int srcY, int destY, int destX, int count,
+                    std::uint32_t key, const raster::Conversion& conversion, Pick&& pick) {
+  std::uint32_t uniform = 0;
+  if (in.RowIsUniform(srcY, &uniform) && uniform == key) return;
+  const std::uint32_t* row = in.Row(srcY);
+  int first = 0;
+  while (first < count && pick(row, first) == key) ++first;
+  if (first == count) return;
+  std::uint32_t* dest = out.MutableRow(destY) + destX;
+  row = in.Row(srcY);  // MutableRow may have replaced a band `row` pointed into
+  if (conversion.kind == raster::Conversion::Kind::None) {
     for (int i = first; i < count; ++i) {
-      if (values[i] != key) row[i] = drawn[i];
+      const std::uint32_t value = pick(row, i);
+      if (value != key) dest[i] = value;
     }
+    return;
+  }
+  for (int i = first; i < count; ++i) {
+    const std::uint32_t value = pick(row, i);
+    if (value != key) dest[i] = raster::ConvertPixel(conversion, value);
   }
 }
 
@@ -247,28 +243,33 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
   const Surface& from = ends->src;
   const std::uint32_t key = raster::PixelOf(transparent & raster::kColorMask);
   const raster::Conversion conversion = ConversionFor(target, *ends->destDc, from, *ends->srcDc);
+  raster::Raster& out = *target.raster;
+  const raster::Raster& in = *from.raster;
   if (width == srcWidth && height == srcHeight) {
     const Run cols = ClipRun({target.originX + x, from.originX + srcX, width}, target.clip.left,
                              target.clip.right, from.clip.left, from.clip.right);
     const Run rows = ClipRun({target.originY + y, from.originY + srcY, height}, target.clip.top,
                              target.clip.bottom, from.clip.top, from.clip.bottom);
-    if (cols.count > 0 && rows.count > 0) TransparentCopy(*ends, cols, rows, key, conversion);
+    const auto column = static_cast<int>(cols.src);
+    for (std::int64_t k = 0; k < rows.count; ++k) {
+      TransparentRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
+                     static_cast<int>(cols.dest), static_cast<int>(cols.count), key, conversion,
+                     [column](const std::uint32_t* row, int i) { return row[column + i]; });
+    }
     return TRUE;
   }
+  // Nearest-pixel sampling reads one source pixel per destination pixel: the planned
+  // taps are a column map and a row map.
   const StretchPlan plan =
       PlanStretch(StretchFilter::Nearest, target, {target.originX + x, width}, {target.originY + y, height},
                   from, {from.originX + srcX, srcWidth}, {from.originY + srcY, srcHeight});
-  std::vector<std::uint32_t> converted;
-  raster::Raster* out = target.raster;
-  Resample(StretchFilter::Nearest, plan.xs, plan.ys, *from.raster,
-           [&](int dx, int dy, const std::uint32_t* values, int count) {
-             converted.resize(static_cast<std::size_t>(count));
-             raster::ConvertRow(conversion, values, converted.data(), count);
-             std::uint32_t* row = out->MutableRow(dy) + dx;
-             for (int i = 0; i < count; ++i) {
-               if (values[i] != key) row[i] = converted[i];
-             }
-           });
+  const int* columns = plan.xs.source.data();
+  for (int j = 0; j < plan.ys.count; ++j) {
+    TransparentRow(out, in, plan.ys.source[static_cast<std::size_t>(j)],
+                   static_cast<int>(plan.ys.destStart + j), static_cast<int>(plan.xs.destStart),
+                   plan.xs.count, key, conversion,
+                   [columns](const std::uint32_t* row, int i) { return row[columns[i]]; });
+  }
   return TRUE;
 }
 

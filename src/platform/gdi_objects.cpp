@@ -473,4 +473,26 @@ const std::uint32_t* BitmapPixels(HBITMAP bitmap, int* width, int* height) {
   return object->raster.Pin();
 }
 
+bool MapBitmapRows(HBITMAP source, HBITMAP target, const RECT& area, BitmapRows* rows) {
+  const auto* from = Lookup<BitmapObject>(source);
+  auto* to = Lookup<BitmapObject>(target);
+  if (!from || !to || !rows || from->raster.mono || to->raster.mono ||
+      from->raster.width != to->raster.width || from->raster.height != to->raster.height)
+    return false;
+  raster::Raster& out = to->raster;
+  const int left = std::clamp(static_cast<int>(area.left), 0, out.width);
+  const int right = std::clamp(static_cast<int>(area.right), left, out.width);
+  const int top = std::clamp(static_cast<int>(area.top), 0, out.height);
+  const int bottom = std::clamp(static_cast<int>(area.bottom), top, out.height);
+  rows->source.clear();
+  rows->target.clear();
+  rows->width = right - left;
+  if (left == right) return true;
+  // Target rows first: making them its own may move a band the source shares.
+  if (from != to && left == 0 && right == out.width) out.OwnRowsToReplace(top, bottom);
+  for (int y = top; y < bottom; ++y) rows->target.push_back(out.MutableRow(y) + left);
+  for (int y = top; y < bottom; ++y) rows->source.push_back(from->raster.Row(y) + left);
+  return true;
+}
+
 }  // namespace platform

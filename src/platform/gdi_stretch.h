@@ -30,7 +30,7 @@ struct AxisTaps {
   std::int64_t destStart = 0;  // device coordinate of the first planned destination pixel
   int count = 0;               // planned destination pixels
   std::vector<int> first;      // count + 1 offsets into source/weight
-  std::vector<int> source;     // source indexes in device coordinates
+  std::vector<int> source;     // source indexes in device coordinates (Nearest: one each)
   std::vector<std::uint32_t> weight;
   std::uint64_t total = 1;  // the weights of every destination pixel add up to this
 };

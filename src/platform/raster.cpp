@@ -22,9 +22,7 @@ std::shared_ptr<std::uint32_t[]> NewRows(std::size_t pixels) {
 
 }  // namespace
 
-Raster::Band Raster::UniformBand(const std::shared_ptr<Block>& block) {
-  return Band{block, block->rows, 0};
-}
+Raster::Band Raster::UniformBand(const std::shared_ptr<Block>& block) { return Band{block, block->rows, 0}; }
 
 std::shared_ptr<Raster::Block> Raster::UniformBlock(std::uint32_t pixel) const {
   auto block = std::make_shared<Block>();
@@ -43,7 +41,8 @@ bool Raster::Allocate(int newWidth, int newHeight, bool newMono) {
     fresh.height = newHeight;
     fresh.mono = newMono;
     const std::shared_ptr<Block> black = fresh.UniformBlock(kBlack);
-    fresh.bands_.assign(static_cast<std::size_t>((newHeight + kBandRows - 1) >> kBandShift), UniformBand(black));
+    fresh.bands_.assign(static_cast<std::size_t>((newHeight + kBandRows - 1) >> kBandShift),
+                        UniformBand(black));
     *this = std::move(fresh);
   } catch (const std::bad_alloc&) {
     return false;
@@ -51,18 +50,36 @@ bool Raster::Allocate(int newWidth, int newHeight, bool newMono) {
   return true;
 }
 
-void Raster::Materialise(int band) {
-  Band& target = bands_[static_cast<std::size_t>(band)];
-  const int rows = BandHeight(band);
+Raster::Band Raster::FreshBand(int rows) const {
   auto block = std::make_shared<Block>();
   block->memory = NewRows(static_cast<std::size_t>(rows) * static_cast<std::size_t>(width));
   block->rows = block->memory.get();
+  return Band{block, block->rows, static_cast<std::size_t>(width)};
+}
+
+void Raster::Materialise(int band) {
+  Band& target = bands_[static_cast<std::size_t>(band)];
+  const int rows = BandHeight(band);
+  Band fresh = FreshBand(rows);
   for (int r = 0; r < rows; ++r) {
-    std::memcpy(block->rows + static_cast<std::size_t>(r) * width, target.rows + r * target.step,
+    std::memcpy(fresh.rows + static_cast<std::size_t>(r) * width, target.rows + r * target.step,
                 static_cast<std::size_t>(width) * sizeof(std::uint32_t));
   }
-  target = Band{std::move(block), nullptr, static_cast<std::size_t>(width)};
-  target.rows = target.block->rows;
+  target = std::move(fresh);
+}
+
+void Raster::OwnRowsToReplace(int y0, int y1) {
+  if (y0 >= y1 || pinned()) return;
+  for (int band = y0 >> kBandShift; band <= (y1 - 1) >> kBandShift; ++band) {
+    Band& target = bands_[static_cast<std::size_t>(band)];
+    if (target.step != 0 && target.block.use_count() == 1) continue;
+    const int top = band << kBandShift;
+    if (top >= y0 && top + BandHeight(band) <= y1) {
+      target = FreshBand(BandHeight(band));
+    } else {
+      Materialise(band);
+    }
+  }
 }
 
 void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
@@ -96,8 +113,8 @@ void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
 
 void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int destY, int columns, int count) {
   if (columns <= 0 || count <= 0) return;
-  const bool shareable = srcX == 0 && destX == 0 && columns == width && width == src.width &&
-                         !pinned() && !src.pinned() && ((srcY - destY) & (kBandRows - 1)) == 0;
+  const bool shareable = srcX == 0 && destX == 0 && columns == width && width == src.width && !pinned() &&
+                         !src.pinned() && ((srcY - destY) & (kBandRows - 1)) == 0;
   const std::size_t bytes = static_cast<std::size_t>(columns) * sizeof(std::uint32_t);
   int k = 0;
   while (k < count) {
@@ -107,7 +124,8 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
     const int bandRows = BandHeight(band);
     Band& target = bands_[static_cast<std::size_t>(band)];
     const Band& from = src.bands_[static_cast<std::size_t>((srcY + k) >> kBandShift)];
-    if (shareable && y == bandTop && count - k >= bandRows && src.BandHeight((srcY + k) >> kBandShift) == bandRows) {
+    if (shareable && y == bandTop && count - k >= bandRows &&
+        src.BandHeight((srcY + k) >> kBandShift) == bandRows) {
       if (target.block != from.block) target = from;
       k += bandRows;
       continue;
@@ -140,7 +158,8 @@ std::uint32_t* Raster::Pin() {
   if (pinned_) return pinned_;
   const std::size_t rowPixels = static_cast<std::size_t>(width);
   std::shared_ptr<std::uint32_t[]> memory = NewRows(rowPixels * static_cast<std::size_t>(height));
-  for (int y = 0; y < height; ++y) std::memcpy(memory.get() + rowPixels * y, Row(y), rowPixels * sizeof(std::uint32_t));
+  for (int y = 0; y < height; ++y)
+    std::memcpy(memory.get() + rowPixels * y, Row(y), rowPixels * sizeof(std::uint32_t));
   for (std::size_t b = 0; b < bands_.size(); ++b) {
     auto block = std::make_shared<Block>();
     block->memory = memory;
@@ -208,17 +227,7 @@ void UnpackRow24(const std::uint8_t* in, std::uint32_t* out, int count) {
 }
 
 void ConvertRow(const Conversion& conversion, const std::uint32_t* in, std::uint32_t* out, int count) {
-  switch (conversion.kind) {
-    case Conversion::Kind::None:
-      for (int i = 0; i < count; ++i) out[i] = in[i];
-      break;
-    case Conversion::Kind::MonoToColor:
-      for (int i = 0; i < count; ++i) out[i] = in[i] ? conversion.one : conversion.zero;
-      break;
-    case Conversion::Kind::ColorToMono:
-      for (int i = 0; i < count; ++i) out[i] = (in[i] & kColorMask) == conversion.key ? kWhite : kBlack;
-      break;
-  }
+  for (int i = 0; i < count; ++i) out[i] = ConvertPixel(conversion, in[i]);
 }
 
 namespace {
@@ -237,6 +246,11 @@ void ForEach(std::uint32_t* dst, int count, Op op) {
 }
 
 }  // namespace
+
+bool RopKeepsDestination(std::uint8_t index, std::uint32_t pattern) {
+  return !RopUsesSource(index) && Ternary(index, pattern, 0, kBlack) == kBlack &&
+         Ternary(index, pattern, 0, kWhite) == kWhite;
+}
 
 void ApplyRop(std::uint8_t index, const std::uint32_t* src, std::uint32_t pattern, std::uint32_t* dst,
               int count) {

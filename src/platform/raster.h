@@ -62,6 +62,11 @@ class Raster {
     if (band.step == 0 || band.block.use_count() != 1) Materialise(y >> kBandShift);
     return band.rows + static_cast<std::size_t>(y & (kBandRows - 1)) * band.step;
   }
+  // Rows [y0, y1) made this raster's own for writing, as MutableRow does, except that
+  // a band lying wholly inside them gets fresh storage without its pixels being
+  // copied: for a writer that replaces every pixel of those rows. MutableRow then
+  // costs nothing for them, so writers on several threads can share the rows.
+  void OwnRowsToReplace(int y0, int y1);
   // The colour of every pixel of row y when its band is stored as one colour.
   bool RowIsUniform(int y, std::uint32_t* pixel) const {
     const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
@@ -100,6 +105,8 @@ class Raster {
     return height - first < kBandRows ? height - first : kBandRows;
   }
   static Band UniformBand(const std::shared_ptr<Block>& block);
+  // A band of that many rows of its own, its pixels not yet written.
+  Band FreshBand(int rows) const;
   std::shared_ptr<Block> UniformBlock(std::uint32_t pixel) const;
   void Materialise(int band);
 
@@ -133,6 +140,17 @@ struct Conversion {
   std::uint32_t zero = kBlack;
   std::uint32_t key = kWhite;
 };
+constexpr std::uint32_t ConvertPixel(const Conversion& conversion, std::uint32_t in) {
+  switch (conversion.kind) {
+    case Conversion::Kind::MonoToColor:
+      return in ? conversion.one : conversion.zero;
+    case Conversion::Kind::ColorToMono:
+      return (in & kColorMask) == conversion.key ? kWhite : kBlack;
+    case Conversion::Kind::None:
+      break;
+  }
+  return in;
+}
 void ConvertRow(const Conversion& conversion, const std::uint32_t* in, std::uint32_t* out, int count);
 
 // 32-bit pixels to packed 24-bit blue, green, red bytes and back (the top byte is
@@ -160,6 +178,10 @@ constexpr std::uint8_t Rop2Index(int mode) {
 }
 static_assert(Rop2Index(13) == 0xF0 && Rop2Index(10) == 0xA5 && Rop2Index(6) == 0x55 &&
               Rop2Index(11) == 0xAA);
+
+// Whether an operation that does not read the source leaves every destination pixel
+// as it is with this pattern (R2_NOP always; R2_MASKPEN with a white pen, ...).
+bool RopKeepsDestination(std::uint8_t index, std::uint32_t pattern);
 
 // dst[i] = rop(pattern, src[i], dst[i]) for `count` pixels; `src` may be null when the
 // operation does not read it. Results are masked to 24 bits.

@@ -66,11 +66,14 @@ void Coverage::Subtract(Coverage& other) {
 }
 
 void PaintSpans(Raster& raster, const std::vector<Span>& spans, std::uint32_t pixel, std::uint8_t rop) {
+  // A band made the raster's own for nothing would cost a copy and its sharing.
+  if (RopKeepsDestination(rop, pixel)) return;
   for (const Span& span : spans)
     ApplyRop(rop, nullptr, pixel, raster.MutableRow(span.y) + span.x0, span.x1 - span.x0);
 }
 
 void PaintPixel(Raster& raster, int x, int y, std::uint32_t pixel, std::uint8_t rop) {
+  if (RopKeepsDestination(rop, pixel)) return;
   ApplyRop(rop, nullptr, pixel, raster.MutableRow(y) + x, 1);
 }
 

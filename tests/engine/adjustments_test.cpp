@@ -256,45 +256,75 @@ TEST_F(AdjustmentsTest, AWorkingCopyOutOfMemorySkipsItsFilterButKeepsTheSetting)
 
 }  // namespace
 
-// Pixel-wise passes run a block of rows at a time, and at 1:1 read straight from the
-// original; neither may change a byte. A random picture taller than a block, filling
-// its surface (first) or centred in a larger one (second), against the plain passes.
-TEST_F(AdjustmentsTest, BlockwiseRebuildGivesThePlainPassesBytes) {
-  for (const bool fills : {true, false}) {
-    SCOPED_TRACE(fills ? "filling the surface" : "centred in it");
+// Rebuilds go from the original's rows straight into the image surface's (at 1:1) or
+// work on the surface's own rows in place (scaled, or centred in a larger surface),
+// two threads each taking half the rows on a picture this large; none of it may
+// change a byte. A random picture against the plain passes after setters of every
+// kind, the filter being set running last, then after an undo and a redo.
+TEST_F(AdjustmentsTest, RebuildsGiveThePlainPassesBytes) {
+  struct Layout {
+    const char* what;
+    int width, height, clientWidth, clientHeight;
+    int imageWidth;  // SetImageWidth's argument; 0 leaves it at 100 %
+  };
+  const Layout layouts[] = {{"filling the surface", 520, 520, 40, 30, 0},
+                            {"centred in it", 33, 131, 90, 200, 0},
+                            {"scaled down", 300, 200, 400, 300, -70}};
+  for (const Layout& layout : layouts) {
+    SCOPED_TRACE(layout.what);
     std::mt19937 random(17);
-    const int width = fills ? 71 : 33;
-    const int height = fills ? 150 : 131;
-    std::vector<Bytes> pixels(static_cast<std::size_t>(width * height));
-    for (Bytes& b : pixels) b = {static_cast<BYTE>(random()), static_cast<BYTE>(random()), static_cast<BYTE>(random())};
+    std::vector<Bytes> pixels(static_cast<std::size_t>(layout.width * layout.height));
+    for (Bytes& b : pixels)
+      b = {static_cast<BYTE>(random()), static_cast<BYTE>(random()), static_cast<BYTE>(random())};
     control_ = std::make_unique<CImageEditCtrl>();
     if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
-    Load(width, height, pixels, fills ? 40 : 90, fills ? 30 : 200);
-    for (const Call& call : {Call{"BrightenImage", {130}}, Call{"CorrectGamma", {60, 30, 45}}, Call{"HueImage", {40}},
-                             Call{"SaturateImage", {150}}})
+    Load(layout.width, layout.height, pixels, layout.clientWidth, layout.clientHeight);
+    if (layout.imageWidth != 0) Run({"SetImageWidth", {layout.imageWidth}});
+    // The picture as the rebuild refills it, before any pass.
+    const std::vector<COLORREF> refilled = Picture();
+    for (const Call& call : {Call{"BrightenImage", {130}}, Call{"CorrectGamma", {60, 30, 45}},
+                             Call{"HueImage", {40}}, Call{"SaturateImage", {150}}, Call{"WhitenImage", {1}},
+                             Call{"SmoothImage", {1}}, Call{"InvertImage", {1}}, Call{"SharpenImage", {2}}})
       Run(call);
-    Run({"InvertImage", {1}});
 
-    // The plain passes on the picture as loaded: colour pass, then the inversion.
-    PixelBuffer expected(width, height);
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) {
-        BYTE* p = expected.data() + static_cast<std::size_t>(height - 1 - y) * expected.stride() + x * 3;
-        const Bytes& b = pixels[static_cast<std::size_t>(y * width + x)];
-        p[0] = b[0], p[1] = b[1], p[2] = b[2];
+    // The plain passes on the refilled picture, with `last` (when set) run after them.
+    const auto expected = [&](AdjustmentSettings settings, int lastSharpen) {
+      const RECT& r = editor().m_view.imageRect;
+      const int width = r.right - r.left;
+      const int height = r.bottom - r.top;
+      PixelBuffer buffer(width, height);
+      for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+          const COLORREF c = refilled[static_cast<std::size_t>(y * width + x)];
+          BYTE* p = buffer.data() + static_cast<std::size_t>(height - 1 - y) * buffer.stride() + x * 3;
+          p[0] = GetBValue(c), p[1] = GetGValue(c), p[2] = GetRValue(c);
+        }
       }
-    }
-    reference::AdjustColors(expected.Whole(), editor().m_settings);
-    ForEachPixel(expected.Whole(), [](BYTE* p, int, int) {
-      for (int k = 0; k < 3; ++k) p[k] = static_cast<BYTE>(255 - p[k]);
-    });
-    std::vector<Bytes> expectedPixels;
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) {
-        const BYTE* p = expected.data() + static_cast<std::size_t>(height - 1 - y) * expected.stride() + x * 3;
-        expectedPixels.push_back({p[0], p[1], p[2]});
+      reference::AdjustColors(buffer.Whole(), settings);
+      reference::WhitenPixels(buffer.Whole(), settings.whitenSteps);
+      reference::SharpenPixels(buffer.Whole(), settings.sharpenSteps);
+      reference::SmoothPixels(buffer.Whole(), settings.smoothSteps);
+      if (settings.invert) {
+        ForEachPixel(buffer.Whole(), [](BYTE* p, int, int) {
+          for (int k = 0; k < 3; ++k) p[k] = static_cast<BYTE>(255 - p[k]);
+        });
       }
-    }
-    ASSERT_EQ(Picture(), Colors(expectedPixels));
+      reference::SharpenPixels(buffer.Whole(), lastSharpen);
+      std::vector<COLORREF> colors;
+      for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+          const BYTE* p = buffer.data() + static_cast<std::size_t>(height - 1 - y) * buffer.stride() + x * 3;
+          colors.push_back(RGB(p[2], p[1], p[0]));
+        }
+      }
+      return colors;
+    };
+    AdjustmentSettings settings = editor().m_settings;
+    settings.sharpenSteps = 0;
+    ASSERT_EQ(Picture(), expected(settings, 2)) << "after the setters";
+    Run({"Undo", {}});
+    ASSERT_EQ(Picture(), expected(editor().m_settings, 0)) << "after an undo";
+    Run({"Redo", {}});
+    ASSERT_EQ(Picture(), expected(editor().m_settings, 0)) << "after a redo";
   }
 }

@@ -1,8 +1,9 @@
 // The optimised passes against their plain references (pixels/reference_passes.h) on
 // seeded random pictures: odd widths, a single pixel, rectangles inside a larger
 // buffer, every setting family. Bytes must agree exactly, inside and outside the
-// rectangle. Step counts in the billions end quickly and land where the plain filter
-// would after that many steps.
+// rectangle, whether the passes work in place on a 24-bit buffer or go from one set of
+// 32-bit rows to another. Step counts in the billions end quickly and land where the
+// plain filter would after that many steps.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -14,6 +15,7 @@
 
 #include "pixels/adjust_colors.h"
 #include "pixels/filters.h"
+#include "pixels/pass_plan.h"
 #include "pixels/reference_passes.h"
 #include "platform/platform.h"
 
@@ -35,8 +37,8 @@ struct Shape {
 };
 
 // Whole pictures of awkward sizes, and rectangles well inside larger ones.
-const Shape kShapes[] = {{1, 1, 0, 0, 1, 1},     {7, 5, 0, 0, 7, 5},   {13, 9, 2, 3, 11, 8},
-                         {33, 70, 1, 0, 32, 70}, {5, 1, 0, 0, 5, 1},   {1, 6, 0, 0, 1, 6},
+const Shape kShapes[] = {{1, 1, 0, 0, 1, 1},        {7, 5, 0, 0, 7, 5}, {13, 9, 2, 3, 11, 8},
+                         {33, 70, 1, 0, 32, 70},    {5, 1, 0, 0, 5, 1}, {1, 6, 0, 0, 1, 6},
                          {600, 520, 3, 5, 597, 519}};
 
 AdjustmentSettings RandomColorSettings(std::mt19937& random) {
@@ -53,16 +55,113 @@ AdjustmentSettings RandomColorSettings(std::mt19937& random) {
   return s;
 }
 
+// The colour matrix adds four columns at once where the processor has AVX2; the
+// portable way must give the same bytes.
 TEST(PassDifferential, ColourPassMatchesTheReference) {
-  std::mt19937 random(7);
+  for (const bool avx2 : {true, false}) {
+    AllowAvx2(avx2);
+    std::mt19937 random(7);
+    for (const Shape& shape : kShapes) {
+      for (int round = 0; round < 12; ++round) {
+        const AdjustmentSettings settings = RandomColorSettings(random);
+        Picture fast(shape.width, shape.height, random);
+        Picture plain = fast;
+        AdjustColors(fast.Rect(shape.x0, shape.y0, shape.x1, shape.y1), settings);
+        reference::AdjustColors(plain.Rect(shape.x0, shape.y0, shape.x1, shape.y1), settings);
+        ASSERT_EQ(fast.bytes, plain.bytes)
+            << shape.width << "x" << shape.height << " round " << round << (avx2 ? "" : " portable");
+      }
+    }
+  }
+  AllowAvx2(true);
+}
+
+// Both passes straight from the rules: the colour pass, the three neighbourhood
+// filters, then invert and gray.
+void PlainPasses(const PixelRect& rect, const AdjustmentSettings& s) {
+  reference::AdjustColors(rect, s);
+  reference::WhitenPixels(rect, s.whitenSteps);
+  reference::SharpenPixels(rect, s.sharpenSteps);
+  reference::SmoothPixels(rect, s.smoothSteps);
+  ForEachPixel(rect, [&](BYTE* p, int, int) {
+    if (s.invert) {
+      for (int k = 0; k < 3; ++k) p[k] = static_cast<BYTE>(255 - p[k]);
+    }
+    if (s.gray) p[0] = p[1] = p[2] = static_cast<BYTE>((p[2] * 0.299 + p[0] * 0.114) + p[1] * 0.587);
+  });
+}
+
+// A rectangle of a picture as a bitmap keeps it: 32-bit words 0x00RRGGBB, top row
+// first, read from `source` and written to `target`, which starts as garbage (or as
+// the same words, for a pass in place).
+struct WordRows {
+  int width, height;
+  std::vector<std::uint32_t> source, target;
+  WordRows(Picture& picture, const Shape& shape, bool inPlace)
+      : width(shape.x1 - shape.x0), height(shape.y1 - shape.y0) {
+    const PixelRect rect = picture.Rect(shape.x0, shape.y0, shape.x1, shape.y1);
+    for (int y = height - 1; y >= 0; --y) {
+      for (int x = 0; x < width; ++x) source.push_back(PixelWord(rect.At(x, y)));
+    }
+    target = inPlace ? source : std::vector<std::uint32_t>(source.size(), 0xCDCDCDCDu);
+  }
+  static std::uint32_t PixelWord(const BYTE* p) { return p[0] | (p[1] << 8) | (p[2] << 16); }
+  PixelRows Rows(bool inPlace) {
+    PixelRows rows;
+    rows.width = width;
+    rows.bytesPerPixel = 4;
+    rows.inPlace = inPlace;
+    for (int y = 0; y < height; ++y) {
+      const std::size_t first = static_cast<std::size_t>(y) * width;
+      rows.in.push_back(reinterpret_cast<const BYTE*>((inPlace ? target : source).data() + first));
+      rows.out.push_back(reinterpret_cast<BYTE*>(target.data() + first));
+    }
+    return rows;
+  }
+  // The target as the rectangle's words would be after the passes on `expected`.
+  std::vector<std::uint32_t> Expected(Picture& expected, const Shape& shape) const {
+    std::vector<std::uint32_t> words;
+    const PixelRect rect = expected.Rect(shape.x0, shape.y0, shape.x1, shape.y1);
+    for (int y = height - 1; y >= 0; --y) {
+      for (int x = 0; x < width; ++x) words.push_back(PixelWord(rect.At(x, y)));
+    }
+    return words;
+  }
+};
+
+TEST(PassDifferential, BothPassesGiveTheSameBytesOnBuffersAndOnBitmapRows) {
+  std::mt19937 random(5);
   for (const Shape& shape : kShapes) {
-    for (int round = 0; round < 12; ++round) {
-      const AdjustmentSettings settings = RandomColorSettings(random);
-      Picture fast(shape.width, shape.height, random);
-      Picture plain = fast;
-      AdjustColors(fast.Rect(shape.x0, shape.y0, shape.x1, shape.y1), settings);
-      reference::AdjustColors(plain.Rect(shape.x0, shape.y0, shape.x1, shape.y1), settings);
-      ASSERT_EQ(fast.bytes, plain.bytes) << shape.width << "x" << shape.height << " round " << round;
+    const bool small = shape.width * shape.height <= 10000;
+    for (int round = 0; round < (small ? 8 : 2); ++round) {
+      AdjustmentSettings settings = RandomColorSettings(random);
+      std::uniform_int_distribution<int> steps(-1, small ? 3 : 1);
+      settings.whitenSteps = steps(random);
+      settings.sharpenSteps = steps(random);
+      settings.smoothSteps = steps(random);
+      settings.invert = random() % 2;
+      settings.gray = random() % 4 == 0;
+      PassPlan plan;
+      plan.AddColors(settings);
+      plan.AddFilters(settings);
+
+      Picture original(shape.width, shape.height, random);
+      Picture expected = original;
+      PlainPasses(expected.Rect(shape.x0, shape.y0, shape.x1, shape.y1), settings);
+      Picture buffer = original;
+      plan.Run(buffer.Rect(shape.x0, shape.y0, shape.x1, shape.y1));
+      ASSERT_EQ(buffer.bytes, expected.bytes) << shape.width << "x" << shape.height << " round " << round;
+      // In place the colour matrix takes the portable way, from one set of rows to
+      // another it adds with AVX2 where it can.
+      for (const bool inPlace : {false, true}) {
+        AllowAvx2(!inPlace);
+        WordRows words(original, shape, inPlace);
+        PixelRows rows = words.Rows(inPlace);
+        plan.Run(rows);
+        ASSERT_EQ(words.target, words.Expected(expected, shape))
+            << shape.width << "x" << shape.height << " round " << round << (inPlace ? " in place" : "");
+      }
+      AllowAvx2(true);
     }
   }
 }
@@ -88,8 +187,8 @@ TEST(PassDifferential, NeighbourhoodFiltersMatchTheReference) {
         Picture plain = fast;
         filter.fast(fast.Rect(shape.x0, shape.y0, shape.x1, shape.y1), steps, {});
         filter.plain(plain.Rect(shape.x0, shape.y0, shape.x1, shape.y1), steps);
-        ASSERT_EQ(fast.bytes, plain.bytes) << filter.name << " " << shape.width << "x" << shape.height << " steps "
-                                           << steps;
+        ASSERT_EQ(fast.bytes, plain.bytes)
+            << filter.name << " " << shape.width << "x" << shape.height << " steps " << steps;
       }
     }
   }
@@ -122,8 +221,8 @@ TEST(PassDifferential, HugeStepCountsSkipWholeCyclesAndEndWhereThePlainFilterWou
         Picture fast(shape.width, shape.height, random);
         const std::vector<BYTE> expected = PlainAfter(filter, fast, shape, steps);
         filter.fast(fast.Rect(shape.x0, shape.y0, shape.x1, shape.y1), static_cast<int>(steps), {});
-        ASSERT_EQ(fast.bytes, expected) << filter.name << " " << shape.width << "x" << shape.height << " steps "
-                                        << steps;
+        ASSERT_EQ(fast.bytes, expected)
+            << filter.name << " " << shape.width << "x" << shape.height << " steps " << steps;
       }
     }
   }

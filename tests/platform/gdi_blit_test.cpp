@@ -241,7 +241,8 @@ TEST(GdiWindowDc, DrawsAtItsOriginAndOnlyInsideItsClip) {
 
 // The 1:1 span kernel against the rule pixel by pixel, on random pictures with the
 // key colour in runs and whole rows, for rectangles inside, across and outside both
-// bitmaps (odd sizes, one pixel).
+// bitmaps (odd sizes, one pixel). The stretched one below against StretchBlt's
+// nearest-pixel sampling followed by the same rule.
 TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
   std::mt19937 random(13);
   const COLORREF key = RGB(0x13, 0x43, 0x0B);
@@ -249,7 +250,8 @@ TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
   for (int round = 0; round < 60; ++round) {
     const int sw = 1 + pick(37), sh = 1 + pick(40), dw = 1 + pick(37), dh = 1 + pick(40);
     MemSurface src(sw, sh), dst(dw, dh);
-    std::vector<std::vector<COLORREF>> source(static_cast<std::size_t>(sh)), target(static_cast<std::size_t>(dh));
+    std::vector<std::vector<COLORREF>> source(static_cast<std::size_t>(sh)),
+        target(static_cast<std::size_t>(dh));
     for (int y = 0; y < sh; ++y) {
       const bool keyRow = pick(3) == 0;
       for (int x = 0; x < sw; ++x)
@@ -265,11 +267,51 @@ TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
     ASSERT_TRUE(TransparentBlt(dst.dc(), x, y, w, h, src.dc(), sx, sy, w, h, key));
     for (int j = 0; j < h; ++j) {
       for (int i = 0; i < w; ++i) {
-        const bool inside = x + i >= 0 && x + i < dw && y + j >= 0 && y + j < dh && sx + i >= 0 && sx + i < sw &&
-                            sy + j >= 0 && sy + j < sh;
+        const bool inside = x + i >= 0 && x + i < dw && y + j >= 0 && y + j < dh && sx + i >= 0 &&
+                            sx + i < sw && sy + j >= 0 && sy + j < sh;
         if (inside && source[sy + j][sx + i] != key) target[y + j][x + i] = source[sy + j][sx + i];
       }
     }
     for (int row = 0; row < dh; ++row) ASSERT_EQ(dst.Row(row, dw), target[row]) << "round " << round;
+  }
+}
+
+TEST(GdiTransparentBlt, StretchedCopyMatchesNearestSamplingThenTheKeyRule) {
+  std::mt19937 random(29);
+  const auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  for (int round = 0; round < 80; ++round) {
+    // Every fourth source is monochrome: its pixels go through the colour rule.
+    const bool mono = round % 4 == 3;
+    const COLORREF key = mono ? kWhite : RGB(0x13, 0x43, 0x0B);
+    const int sw = 1 + pick(30), sh = 1 + pick(30), dw = 1 + pick(37), dh = 1 + pick(40);
+    MemSurface src(sw, sh, mono), dst(dw, dh), sampled(dw, dh);
+    for (int y = 0; y < sh; ++y) {
+      const bool keyRow = pick(3) == 0;
+      Row row;
+      for (int x = 0; x < sw; ++x)
+        row.push_back(keyRow || pick(2) ? key : static_cast<COLORREF>(random() & 0xFFFFFF));
+      src.SetRow(y, row);
+    }
+    for (int y = 0; y < dh; ++y) {
+      Row row;
+      for (int x = 0; x < dw; ++x) row.push_back(static_cast<COLORREF>(random() & 0xFFFFFF));
+      dst.SetRow(y, row);
+    }
+    const int w = 1 + pick(45), h = 1 + pick(45), srcW = 1 + pick(35), srcH = 1 + pick(35);
+    const int x = pick(dw + 10) - 5, y = pick(dh + 10) - 5, sx = pick(sw + 6) - 3, sy = pick(sh + 6) - 3;
+    // Pixels the sampling does not reach keep the key, and are left alone like key pixels.
+    sampled.Fill(mono ? kWhite : key);
+    SetStretchBltMode(sampled.dc(), COLORONCOLOR);
+    StretchBlt(sampled.dc(), x, y, w, h, src.dc(), sx, sy, srcW, srcH, SRCCOPY);
+    std::vector<Row> expected;
+    for (int row = 0; row < dh; ++row) {
+      expected.push_back(dst.Row(row, dw));
+      const Row drawn = sampled.Row(row, dw);
+      for (int i = 0; i < dw; ++i) {
+        if (drawn[i] != key) expected[row][i] = drawn[i];
+      }
+    }
+    ASSERT_TRUE(TransparentBlt(dst.dc(), x, y, w, h, src.dc(), sx, sy, srcW, srcH, key));
+    for (int row = 0; row < dh; ++row) ASSERT_EQ(dst.Row(row, dw), expected[row]) << "round " << round;
   }
 }

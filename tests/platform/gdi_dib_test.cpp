@@ -42,3 +42,45 @@ TEST(GdiDib, StartAndLinesSelectScanLinesAndBadArgumentsTransferNothing) {
 }
 
 }  // namespace
+
+TEST(GdiDib, MappedRowsReadOneBitmapAndWriteAnother) {
+  MemSurface source(40, 40);
+  MemSurface target(40, 40);
+  source.SetRow(10, {RGB(1, 2, 3), RGB(4, 5, 6)});
+  // The target shares the source's bands after a whole copy; writing it must not
+  // reach the source. Each area is written as its pixels read from the source, with
+  // its own mark.
+  BitBlt(target.dc(), 0, 0, 40, 40, source.dc(), 0, 0, SRCCOPY);
+  const struct {
+    RECT area;
+    std::uint32_t mark;
+  } areas[] = {
+      {RECT{0, 8, 40, 37}, 0x00FFFFFF}, {RECT{1, 10, 3, 12}, 0x00000080}, {RECT{-5, 38, 99, 99}, 0x00010101}};
+  for (const auto& [area, mark] : areas) {
+    platform::BitmapRows rows;
+    ASSERT_TRUE(platform::MapBitmapRows(source.bitmap(), target.bitmap(), area, &rows));
+    const int top = std::max(0, static_cast<int>(area.top));
+    const int left = std::max(0, static_cast<int>(area.left));
+    ASSERT_EQ(rows.width, std::min(40, static_cast<int>(area.right)) - left);
+    ASSERT_EQ(rows.target.size(),
+              static_cast<std::size_t>(std::min(40, static_cast<int>(area.bottom)) - top));
+    ASSERT_EQ(rows.source.size(), rows.target.size());
+    for (std::size_t y = 0; y < rows.target.size(); ++y) {
+      for (int x = 0; x < rows.width; ++x) rows.target[y][x] = rows.source[y][x] ^ mark;
+    }
+  }
+  EXPECT_EQ(source.Row(10, 3), (Row{RGB(1, 2, 3), RGB(4, 5, 6), kBlack}));
+  // The narrow area replaced two pixels of the first area's row and left the rest.
+  EXPECT_EQ(target.Row(10, 4), (Row{RGB(254, 253, 252), RGB(4, 5, 6 ^ 0x80), RGB(0, 0, 0x80), kWhite}));
+  EXPECT_EQ(target.Row(7, 1), Row{kBlack});
+  EXPECT_EQ(target.Row(39, 1), Row{RGB(1, 1, 1)});
+
+  // In place, the rows are one set; nothing but two colour bitmaps of one size maps.
+  platform::BitmapRows rows;
+  ASSERT_TRUE(platform::MapBitmapRows(target.bitmap(), target.bitmap(), RECT{0, 0, 40, 40}, &rows));
+  EXPECT_EQ(rows.source.front(), rows.target.front());
+  MemSurface mono(40, 40, true);
+  MemSurface smaller(40, 39);
+  EXPECT_FALSE(platform::MapBitmapRows(mono.bitmap(), target.bitmap(), RECT{0, 0, 40, 40}, &rows));
+  EXPECT_FALSE(platform::MapBitmapRows(source.bitmap(), smaller.bitmap(), RECT{0, 0, 40, 40}, &rows));
+}

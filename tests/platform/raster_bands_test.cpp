@@ -1,13 +1,16 @@
 // The banded, copy-on-write raster against a plain array of rows: seeded random
 // fills, row copies (aligned, so that bands are shared, and not), writes through
-// MutableRow, whole copies and pinning, on awkward sizes; every row must read the
-// same. Also the 24-bit row packing against a byte-by-byte loop.
+// MutableRow, rows replaced whole, whole copies and pinning, on awkward sizes; every
+// row must read the same. Also the 24-bit row packing against a byte-by-byte loop,
+// and paints that change nothing leaving shared bands shared.
 #include <gtest/gtest.h>
 
 #include <random>
 #include <vector>
 
+#include "platform/gdi.h"
 #include "platform/raster.h"
+#include "platform/raster_spans.h"
 
 namespace {
 
@@ -44,7 +47,7 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
       Raster& r = rasters[a];
       Plain& p = plains[a];
       const std::uint32_t colour = pick(3) == 0 ? 0x123456 : random() & 0xFFFFFF;
-      switch (pick(5)) {
+      switch (pick(6)) {
         case 0: {  // a fill, often of whole rows
           const bool whole = pick(2) == 0;
           const int x0 = whole ? 0 : pick(w), x1 = whole ? w : x0 + pick(w - x0 + 1);
@@ -78,6 +81,15 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
           r.ShareFrom(rasters[b]);
           p.pixels = plains[b].pixels;
           break;
+        case 4: {  // rows replaced whole, every pixel written, as a pass into them does
+          const int y0 = pick(h), y1 = y0 + 1 + pick(h - y0);
+          r.OwnRowsToReplace(y0, y1);
+          for (int y = y0; y < y1; ++y) {
+            std::fill(r.MutableRow(y), r.MutableRow(y) + w, colour ^ static_cast<std::uint32_t>(y));
+            std::fill(p.Row(y), p.Row(y) + w, colour ^ static_cast<std::uint32_t>(y));
+          }
+          break;
+        }
         default:  // pinned: the block seen through the pointer is the raster's rows
           if (pick(8) == 0) {
             const std::uint32_t* block = r.Pin();
@@ -103,6 +115,34 @@ TEST(RasterBands, UntouchedBandsCostOneRowAndWritesMaterialiseOnlyTheirBand) {
   EXPECT_EQ(raster.Row(100)[7], 1u);
 }
 
+TEST(RasterBands, APaintThatChangesNothingLeavesItsBandShared) {
+  using platform::raster::Rop2Index;
+  Raster raster;
+  ASSERT_TRUE(raster.Allocate(64, 40, false));
+  raster.MutableRow(3)[5] = 0x123456;
+  Raster copy;
+  copy.ShareFrom(raster);
+  const std::vector<platform::raster::Span> spans = {{3, 0, 10}, {20, 4, 9}};
+  struct Case {
+    const char* what;
+    int mode;
+    std::uint32_t pen;
+    bool changes;
+  };
+  const Case cases[] = {{"nop", R2_NOP, 0x00FF00, false},
+                        {"and white", R2_MASKPEN, platform::raster::kWhite, false},
+                        {"or black", R2_MERGEPEN, platform::raster::kBlack, false},
+                        {"xor black", R2_XORPEN, platform::raster::kBlack, false},
+                        {"and grey", R2_MASKPEN, 0x808080, true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    platform::raster::PaintSpans(copy, spans, c.pen, Rop2Index(c.mode));
+    platform::raster::PaintPixel(copy, 1, 20, c.pen, Rop2Index(c.mode));
+    EXPECT_EQ(copy.Row(3) == raster.Row(3), !c.changes);
+    EXPECT_EQ(copy.Row(20) == raster.Row(20), !c.changes);
+  }
+}
+
 TEST(RasterBands, PackingMatchesByteByByteConversion) {
   std::mt19937 random(9);
   for (int count = 0; count < 40; ++count) {
@@ -114,7 +154,8 @@ TEST(RasterBands, PackingMatchesByteByByteConversion) {
     platform::raster::UnpackRow24(packed.data(), unpacked.data(), count);
     for (int x = 0; x < count; ++x) {
       const std::uint32_t p = pixels[static_cast<std::size_t>(x)];
-      for (int k = 0; k < 3; ++k) ASSERT_EQ(packed[static_cast<std::size_t>(3 * x + k)], (p >> (8 * k)) & 0xFF);
+      for (int k = 0; k < 3; ++k)
+        ASSERT_EQ(packed[static_cast<std::size_t>(3 * x + k)], (p >> (8 * k)) & 0xFF);
       ASSERT_EQ(unpacked[static_cast<std::size_t>(x)], p & 0xFFFFFF);
     }
     EXPECT_EQ(packed.back(), 0xEE) << "wrote past the row";
