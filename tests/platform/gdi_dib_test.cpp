@@ -2,6 +2,8 @@
 
 #include "platform/gdi_test_support.h"
 
+using gdi_test::kBlack;
+using gdi_test::kWhite;
 using gdi_test::MemSurface;
 using Row = std::vector<COLORREF>;
 
