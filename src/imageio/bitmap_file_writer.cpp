@@ -36,15 +36,6 @@ void ShowSaveFailure(const std::string& path, const WriteContext& context) {
   AfxMessageBox(SaveFailureMessage(context.userLanguage, path).c_str(), MB_OK);
 }
 
-// The bytes after each row's last pixel are written as zeros, whatever the
-// transfer left in them.
-void ClearRowPadding(std::uint8_t* rows, int width, int height, const BitmapFileLayout& layout) {
-  const std::size_t used = (static_cast<std::size_t>(width) * layout.depth + 7) / 8;
-  for (int y = 0; y < height; ++y) {
-    std::memset(rows + static_cast<std::size_t>(y) * layout.rowSize + used, 0, layout.rowSize - used);
-  }
-}
-
 // The info header of a file with that layout; GetDIBits fills its colour table.
 BITMAPINFOHEADER InfoHeader(int width, int height, const BitmapFileLayout& layout) {
   BITMAPINFOHEADER header = platform::Dib24Info(width, height).bmiHeader;
@@ -118,7 +109,6 @@ void WriteBitmapFile(LPCSTR path, HBITMAP bitmap, const WriteContext& context) {
     return;
   }
   header->biClrUsed = static_cast<DWORD>(layout.colorCount);
-  ClearRowPadding(rows.get(), description.bmWidth, description.bmHeight, layout);
 
   const std::string target = ResolveSavePath(path);
   const BITMAPFILEHEADER fileHeader = FileHeader(layout);

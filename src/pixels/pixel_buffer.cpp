@@ -1,6 +1,5 @@
 #include "pixels/pixel_buffer.h"
 
-#include <algorithm>
 #include <new>
 
 namespace {
@@ -88,13 +87,6 @@ PixelBuffer ReadBitmapPixels(HDC dc, HBITMAP bitmap) {
   if (!buffer) return buffer;
   BITMAPINFO info = platform::Dib24Info(width, height);
   GetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
-  // The transfer leaves the padding after each row as it was; recycled memory would
-  // otherwise carry a former picture's bytes into a file written from the buffer.
-  const std::size_t used = static_cast<std::size_t>(width) * 3;
-  for (int y = 0; y < height; ++y) {
-    BYTE* row = buffer.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(buffer.stride());
-    std::fill(row + used, row + buffer.stride(), BYTE{0});
-  }
   return buffer;
 }
 

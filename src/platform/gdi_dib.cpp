@@ -133,7 +133,9 @@ void FillHeader(BITMAPINFOHEADER& h, const raster::Raster& bitmap) {
 
 }  // namespace
 
-// Writes 24- or 32-bit BI_RGB rows; with `bits` null only completes the header (a zero
+// Writes 24- or 32-bit BI_RGB rows, each padded with zeros after the bitmap's last
+// column, so that a file written from them never carries whatever the caller's memory
+// held before; with `bits` null only completes the header (a zero
 // bit count asks for the bitmap's own format) and returns the bitmap's height.
 int GetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, void* bits, BITMAPINFO* info, UINT usage) {
   const auto* object = Lookup<BitmapObject>(bitmap);
@@ -149,6 +151,7 @@ int GetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, void* bits, BITMA
   const LineSpan span = SpanOf(h.biHeight, start, lines);
   const std::size_t stride = StrideOf(h.biWidth, h.biBitCount);
   const int columns = std::min<int>(h.biWidth, from.width);
+  const std::size_t used = static_cast<std::size_t>(columns) * (h.biBitCount / 8);
   auto* out = static_cast<BYTE*>(bits);
   int copied = 0;
   for (std::int64_t k = 0; k < span.count; ++k) {
@@ -164,6 +167,7 @@ int GetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, void* bits, BITMA
     } else {
       raster::PackRow24(pixels, line, columns);
     }
+    std::memset(line + used, 0, stride - used);
     ++copied;
   }
   return copied;

@@ -21,11 +21,11 @@ TEST(GdiDib, StartAndLinesSelectScanLinesAndBadArgumentsTransferNothing) {
   for (int y = 0; y < 4; ++y) SetPixel(s.dc(), 0, y, RGB(y, 0, 0));
   BITMAPINFO info{};
   info.bmiHeader = Header(1, 4, 24);
-  std::vector<BYTE> bits(8, 0);
-  // Bottom-up scan lines 1 and 2 are bitmap rows 2 and 1.
+  std::vector<BYTE> bits(8, 0xAA);
+  // Bottom-up scan lines 1 and 2 are bitmap rows 2 and 1; the padding after each row
+  // is zeroed, whatever the memory held.
   ASSERT_EQ(GetDIBits(s.dc(), s.bitmap(), 1, 2, bits.data(), &info, DIB_RGB_COLORS), 2);
-  EXPECT_EQ(bits[2], 2);
-  EXPECT_EQ(bits[6], 1);
+  EXPECT_EQ(bits, (std::vector<BYTE>{0, 0, 2, 0, 0, 0, 1, 0}));
   // Lines beyond the DIB's height are not transferred.
   EXPECT_EQ(GetDIBits(s.dc(), s.bitmap(), 3, 5, bits.data(), &info, DIB_RGB_COLORS), 1);
   EXPECT_EQ(bits[2], 0);
