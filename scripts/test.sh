@@ -15,7 +15,7 @@ for preset in release debug; do
 done
 
 scripts/build-web.sh
-node --test --test-reporter=spec tests/web/*.test.mjs
+node --test tests/web/*.test.mjs
 
 if [ -x scripts/fuzz.sh ]; then
   scripts/fuzz.sh "${FUZZ_SECONDS:-30}"
