@@ -1,8 +1,14 @@
 #!/usr/bin/env bash
-# Builds the control for web pages into build/web/ (any static file server can serve
-# it): the engine compiled to WebAssembly by emscripten (its own CMake configure in
-# build/wasm, optimised with -O3 and SIMD), the custom element image-edit-control.js,
-# and the demo page index.html with its sample pictures.
+# Builds the control for web pages into build/web/: the engine compiled to WebAssembly
+# by emscripten (optimised with -O3 and SIMD) twice, without threads
+# (image-edit-engine.js/.wasm, CMake tree build/wasm) and with them
+# (image-edit-engine-threads.js/.wasm/.worker.js, build/wasm-threads), the custom
+# element image-edit-control.js, and the demo page index.html with its sample pictures.
+# Any static file server can serve it: the element loads the engine without threads.
+# A server that makes the page cross-origin isolated (it sends
+# Cross-Origin-Opener-Policy: same-origin and Cross-Origin-Embedder-Policy:
+# require-corp) gets the engine with threads, whose long pixel passes run on two
+# threads; scripts/demo.sh's server does.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,13 +16,19 @@ scripts/setup.sh
 # Debian's emscripten finds the JavaScript packages its optimiser needs (acorn) here.
 export NODE_PATH=/usr/share/nodejs
 
-emcmake cmake -S . -B build/wasm -G Ninja -DCMAKE_BUILD_TYPE=Release -DIE_TESTS=OFF >/dev/null
-cmake --build build/wasm -j "$(nproc)" --target image_edit_engine
+# One CMake tree per engine: threads need every object compiled for shared memory.
+build_engine() {  # TREE IE_WASM_THREADS
+  emcmake cmake -S . -B "$1" -G Ninja -DCMAKE_BUILD_TYPE=Release -DIE_TESTS=OFF -DIE_WASM_THREADS="$2" >/dev/null
+  cmake --build "$1" -j "$(nproc)" --target image_edit_engine
+}
+build_engine build/wasm OFF
+build_engine build/wasm-threads ON
 
 out=build/web
 rm -rf "$out"
 mkdir -p "$out/samples"
-cp build/wasm/hosts/web/image-edit-engine.js build/wasm/hosts/web/image-edit-engine.wasm "$out/"
+cp build/wasm/hosts/web/image-edit-engine.{js,wasm} build/wasm-threads/hosts/web/image-edit-engine-threads.{js,wasm,worker.js} \
+  "$out/"
 cp hosts/web/image-edit-control.js hosts/web/demo/* "$out/"
 cp hosts/web/samples/*.jpg hosts/web/samples/*.png hosts/web/samples/*.bmp "$out/samples/"
 # The 12-megapixel sample is drawn once per build tree rather than kept in the repository.

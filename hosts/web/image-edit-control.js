@@ -1,15 +1,14 @@
 // <image-edit-control>: the ImageEdit control as a custom element.
 //
 // Importing this module defines the element. Each element runs its own copy of the
-// engine (image-edit-engine.wasm, compiled once per page) with one control of the
-// size its `width` and `height` attributes give (640 x 480 by default), in the
-// language of its `lang` attribute (or the browser's). The page drives it through
-// the control's 56 methods, which are methods of the element with the same names,
-// arguments and results, and hears its events as DOM events and through connected
-// sinks. A person uses it with the mouse and the keyboard.
+// engine (compiled once per page) with one control of the size its `width` and
+// `height` attributes give (640 x 480 by default), in the language of its `lang`
+// attribute (or the browser's). The page drives it through the control's 56 methods,
+// which are methods of the element with the same names, arguments and results, and
+// hears its events as DOM events and through connected sinks. A person uses it with
+// the mouse and the keyboard.
 //
 // Methods that load pictures or open a dialog return Promises; see README.md.
-import createImageEditEngine from './image-edit-engine.js';
 
 // The interface, in DISPID order (AboutBox last).
 const METHODS = [
@@ -57,18 +56,38 @@ const LANGUAGES = { ko: 0x0412, zh: 0x0804 };
 const ENGLISH = 0x0409;
 const ABOUT_TEXT = { 1: 'Image Edit Control Version 1.1' };
 
-let compiledEngine;  // one compilation of the wasm for every element of the page
-function instantiateEngine() {
-  compiledEngine ??= fetch(new URL('./image-edit-engine.wasm', import.meta.url))
-    .then((response) => response.arrayBuffer())
-    .then((bytes) => WebAssembly.compile(bytes));
-  return createImageEditEngine({
+// The engine a page gets. Threads share the engine's memory, which a page may only do
+// when it is cross-origin isolated (its server sends Cross-Origin-Opener-Policy:
+// same-origin and Cross-Origin-Embedder-Policy: require-corp); there the long pixel
+// passes split their rows over two threads. The second thread is a worker started
+// from this module's folder, which only a module of the page's own origin may do.
+// Both engines give the same pixels.
+const ENGINE = globalThis.crossOriginIsolated === true && new URL(import.meta.url).origin === location.origin
+  ? 'image-edit-engine-threads' : 'image-edit-engine';
+
+let engineCode;  // the engine's script and one compilation of its wasm for every element of the page
+// Resolves with a new engine module and its memory.
+async function instantiateEngine() {
+  engineCode ??= Promise.all([
+    import(`./${ENGINE}.js`).then((script) => script.default),
+    fetch(new URL(`./${ENGINE}.wasm`, import.meta.url))
+      .then((response) => response.arrayBuffer())
+      .then((bytes) => WebAssembly.compile(bytes)),
+  ]);
+  const [createEngine, compiled] = await engineCode;
+  let memory;
+  const engine = await createEngine({
     instantiateWasm(imports, receive) {
-      compiledEngine
-        .then((module) => WebAssembly.instantiate(module, imports).then((instance) => receive(instance, module)));
+      WebAssembly.instantiate(compiled, imports).then((instance) => {
+        // Exported by the engine without threads, imported (shared) with them.
+        memory = [instance.exports, ...Object.values(imports)].flatMap(Object.values)
+          .find((value) => value instanceof WebAssembly.Memory);
+        receive(instance, compiled);
+      });
       return {};
     },
   });
+  return { engine, memory };
 }
 
 const STYLE = `
@@ -95,6 +114,7 @@ const MB_ICONMASK = 0x00F0, MB_ICONHAND = 0x0010;
 
 export class ImageEditControl extends HTMLElement {
   #engine = null;    // the engine module
+  #memory = null;    // its WebAssembly memory
   #control = null;   // its WebControl
   #canvas;
   #context;
@@ -127,8 +147,9 @@ export class ImageEditControl extends HTMLElement {
 
   async #create() {
     this.#engine = instantiateEngine();  // not null any more: the element is being created
-    const engine = await this.#engine;
+    const { engine, memory } = await this.#engine;
     this.#engine = engine;
+    this.#memory = memory;
     const width = this.#sizeAttribute('width', 640);
     const height = this.#sizeAttribute('height', 480);
     this.#canvas.width = width;
@@ -262,22 +283,29 @@ export class ImageEditControl extends HTMLElement {
       control.prepareFailure(source, ERROR_NOT_ENOUGH_MEMORY);
       return;
     }
-    this.#engine.HEAPU8.set(bytes, bytesAt);
+    this.#heap().set(bytes, bytesAt);
     if (isBitmapFile(bytes)) return;
     // The browser decodes the bytes as the loader will read them, repaired.
-    const repaired = this.#engine.HEAPU8.slice(bytesAt, bytesAt + control.repairBytes(source));
+    const repaired = this.#heap().slice(bytesAt, bytesAt + control.repairBytes(source));
     const pixels = await decodePicture(repaired);
     if (pixels === null) return;
     const pixelsAt = control.preparePixels(source, pixels.width, pixels.height);
-    if (pixelsAt !== 0) this.#engine.HEAPU8.set(pixels.data, pixelsAt);
+    if (pixelsAt !== 0) this.#heap().set(pixels.data, pixelsAt);
   }
+
+  // The engine's memory as bytes, viewed afresh each time: the memory grows with the
+  // pictures, and in the engine with threads it may grow on the other thread, which
+  // leaves every older view (the engine's own HEAPU8 too) on the shorter buffer.
+  #heap() { return new Uint8Array(this.#memory.buffer); }
 
   // ---- what the engine asks of the page ----
 
   #pageSide() {
     return {
       presentFrame: (address, width, height) => {
-        const rgba = new Uint8ClampedArray(this.#engine.HEAPU8.buffer, address, width * height * 4);
+        const frame = new Uint8ClampedArray(this.#memory.buffer, address, width * height * 4);
+        // ImageData takes no view of shared memory: the engine with threads hands a copy.
+        const rgba = frame.buffer instanceof ArrayBuffer ? frame : frame.slice();
         this.#context.putImageData(new ImageData(rgba, width, height), 0, 0);
       },
       showCursor: (id) => {

@@ -15,9 +15,17 @@ const TYPES = {
   '.wasm': 'application/wasm', '.jpg': 'image/jpeg', '.png': 'image/png', '.bmp': 'image/bmp', '.gif': 'image/gif',
 };
 
-// Serves the files of `roots` (the first that has a path wins) until close();
-// resolves with the base URL.
-export async function serve(roots = [WEB_ROOT]) {
+// What makes a page cross-origin isolated, so that the element loads its engine with
+// threads; as scripts/demo.sh's server sends them.
+const ISOLATION = {
+  'cross-origin-opener-policy': 'same-origin', 'cross-origin-embedder-policy': 'require-corp',
+  'cross-origin-resource-policy': 'same-origin',
+};
+
+// Serves the files of `roots` (the first that has a path wins) until close(), with
+// the headers of cross-origin isolation unless `isolated` is false; resolves with the
+// base URL.
+export async function serve(roots = [WEB_ROOT], { isolated = true } = {}) {
   const server = createServer(async (request, response) => {
     const path = normalize(decodeURIComponent(new URL(request.url, 'http://x').pathname));
     for (const root of roots) {
@@ -25,7 +33,9 @@ export async function serve(roots = [WEB_ROOT]) {
       if (!file.startsWith(root)) continue;
       try {
         const body = await readFile(file);
-        response.writeHead(200, { 'content-type': TYPES[extname(file)] ?? 'application/octet-stream' });
+        response.writeHead(200, {
+          'content-type': TYPES[extname(file)] ?? 'application/octet-stream', ...(isolated ? ISOLATION : {}),
+        });
         response.end(body);
         return;
       } catch {

@@ -2,6 +2,7 @@
 // pixel for pixel with what the native script host shows for the same calls.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
+import { createHash } from 'node:crypto';
 import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
@@ -27,12 +28,12 @@ after(async () => {
   await server?.close();
 });
 
-// A fresh page with one control of the given size; `page.control` evaluates in it.
-async function controlPage(width, height) {
+// A fresh page with one control of the given size, served from `base`.
+async function controlPage(width, height, base = server.url) {
   const page = await browser.newPage({ viewport: { width: 800, height: 600 } });
   const errors = [];
   page.on('pageerror', (error) => errors.push(error.message));
-  await page.goto(`${server.url}fixture.html`);
+  await page.goto(`${base}fixture.html`);
   await page.evaluate(async ([w, h]) => {
     const element = document.createElement('image-edit-control');
     element.id = 'editor';
@@ -75,20 +76,24 @@ function readBmp(bytes) {
   return { width, height, rgb, fileSize: bytes.readUInt32LE(2), length: bytes.length };
 }
 
-// The native script host's `shot` after the script's statements (run with the
-// repository's root as the working folder).
-function nativeShot(width, height, statements) {
+// The bytes of the bitmap file the native script host writes with `write(path)` after
+// the script's statements (run with the repository's root as the working folder).
+function nativeBitmapFile(width, height, statements, write) {
   const dir = mkdtempSync(join(tmpdir(), 'imageedit-web-'));
   try {
-    const shot = join(dir, 'shot.bmp');
-    const script = [`create ${width} ${height}`, ...statements, `shot "${shot}"`].join('\n');
+    const file = join(dir, 'out.bmp');
+    const script = [`create ${width} ${height}`, ...statements, write(file)].join('\n');
     writeFileSync(join(dir, 'script.ies'), `${script}\n`);
     execFileSync(IMAGEEDIT, ['run', join(dir, 'script.ies')], { cwd: ROOT, stdio: ['ignore', 'pipe', 'pipe'] });
-    return readBmp(readFileSync(shot));
+    return readFileSync(file);
   } finally {
     rmSync(dir, { recursive: true, force: true });
   }
 }
+
+// The native script host's `shot` after the script's statements.
+const nativeShot = (width, height, statements) =>
+  readBmp(nativeBitmapFile(width, height, statements, (file) => `shot "${file}"`));
 
 function assertSamePixels(actual, expected, what) {
   assert.equal(actual.width, expected.width, `${what}: width`);
@@ -122,6 +127,37 @@ test('pictures load by URL and show exactly what the script host shows', async (
   }
   assert.deepEqual(page.errors, []);
   await page.close();
+});
+
+test('the engine with threads and the one without save the bitmap the script host saves', async () => {
+  // A picture whose passes split their rows over the threads: a table pass, the colour
+  // matrix and a filter whose rows at the seam read rows of the other part.
+  const calls = [['BrightenImage', 130], ['SaturateImage', 150], ['SharpenImage', 1]];
+  const expected = createHash('sha256').update(nativeBitmapFile(640, 480, [
+    'SetImage "build/web/samples/landscape.jpg"', ...calls.map((call) => call.join(' ')),
+  ], (file) => `SaveEditedBitmap "${file}"`)).digest('hex');
+  const plain = await serve([WEB_ROOT, join(ROOT, 'tests/web')], { isolated: false });
+  try {
+    const saved = [];
+    for (const base of [server.url, plain.url]) {
+      const page = await controlPage(640, 480, base);
+      saved.push(await page.evaluate(async (adjustments) => {
+        const editor = document.getElementById('editor');
+        await editor.SetImage('samples/landscape.jpg');
+        for (const [name, value] of adjustments) editor[name](value);
+        const file = new Promise((written) => editor.addEventListener('saved', (event) => written(event.detail.blob)));
+        editor.SaveEditedBitmap('landscape.bmp');
+        const digest = await crypto.subtle.digest('SHA-256', await (await file).arrayBuffer());
+        const hex = [...new Uint8Array(digest)].map((byte) => byte.toString(16).padStart(2, '0')).join('');
+        return { threads: crossOriginIsolated, hex };
+      }, calls));
+      assert.deepEqual(page.errors, []);
+      await page.close();
+    }
+    assert.deepEqual(saved, [{ threads: true, hex: expected }, { threads: false, hex: expected }]);
+  } finally {
+    await plain.close();
+  }
 });
 
 test('the demo page: a brightness slider gives the pixels the script host shows', async () => {
