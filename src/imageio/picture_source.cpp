@@ -78,13 +78,8 @@ bool ReadLocalFile(const std::string& name, PictureBytes* bytes) {
 }
 
 HBITMAP NewPictureSection(int width, int height, std::uint32_t** pixels) {
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-  info.bmiHeader.biWidth = width;
-  info.bmiHeader.biHeight = -height;
-  info.bmiHeader.biPlanes = 1;
+  BITMAPINFO info = platform::Dib24Info(width, -height);
   info.bmiHeader.biBitCount = 32;
-  info.bmiHeader.biCompression = BI_RGB;
   void* bits = nullptr;
   HBITMAP section = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
   if (section && !bits) {

@@ -188,6 +188,14 @@ int SetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, const void* bits,
   const std::size_t stride = StrideOf(h.biWidth, h.biBitCount);
   const int columns = std::min<int>(h.biWidth, to.width);
   const auto* in = static_cast<const BYTE*>(bits);
+  if (columns == to.width && span.count > 0) {
+    // Every pixel of these rows is decoded anew: shared bands need fresh storage, not a
+    // copy of what is about to be overwritten.
+    const std::int64_t a = span.BitmapRow(span.first);
+    const std::int64_t b = span.BitmapRow(span.first + span.count - 1);
+    to.OwnRowsToReplace(static_cast<int>(std::clamp<std::int64_t>(std::min(a, b), 0, to.height)),
+                        static_cast<int>(std::clamp<std::int64_t>(std::max(a, b) + 1, 0, to.height)));
+  }
   int copied = 0;
   for (std::int64_t k = 0; k < span.count; ++k) {
     const std::int64_t row = span.BitmapRow(span.first + k);

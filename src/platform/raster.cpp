@@ -227,6 +227,11 @@ void UnpackRow24(const std::uint8_t* in, std::uint32_t* out, int count) {
 }
 
 void ConvertRow(const Conversion& conversion, const std::uint32_t* in, std::uint32_t* out, int count) {
+  // Most blits convert nothing: a plain copy then, rather than a test at every pixel.
+  if (conversion.kind == Conversion::Kind::None) {
+    std::copy_n(in, count, out);
+    return;
+  }
   for (int i = 0; i < count; ++i) out[i] = ConvertPixel(conversion, in[i]);
 }
 

@@ -23,7 +23,6 @@ class Coverage {
  public:
   explicit Coverage(const RECT& clip) : clip_(clip) {}
 
-  const RECT& clip() const { return clip_; }
   // Adds [x0, x1) on row y; the part outside the clip rectangle is dropped.
   void Add(std::int64_t y, std::int64_t x0, std::int64_t x1);
   // Adds the box [left, right) x [top, bottom).
