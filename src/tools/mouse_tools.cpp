@@ -346,8 +346,13 @@ void CImageEditWnd::ReleaseTool(POINT point, bool textWasShown) {
                    stroke.lastPoint.y, false, true);
     RedrawWindow();
   }
+  // The snapshot takes the layer once, as the release leaves it: text entry, the cut
+  // and the mosaic finish below, the other tools have finished with their drag.
   const bool curveUnfinished = m_tools.DrawingCurve() && stroke.curveStage != 2;
-  if (mode != ToolMode::ColorPick && mode != ToolMode::RectangleSelectionHeld && !curveUnfinished) {
+  const bool snapshotAfterRelease =
+      mode == ToolMode::Text || mode == ToolMode::Cut || mode == ToolMode::Mosaic;
+  if (mode != ToolMode::ColorPick && mode != ToolMode::RectangleSelectionHeld && !curveUnfinished &&
+      !snapshotAfterRelease) {
     CopyLayerToSnapshot();
   }
   switch (mode) {
@@ -401,7 +406,7 @@ void CImageEditWnd::ReleaseTool(POINT point, bool textWasShown) {
     default:
       break;
   }
-  if (mode == ToolMode::Text || mode == ToolMode::Cut || mode == ToolMode::Mosaic) CopyLayerToSnapshot();
+  if (snapshotAfterRelease) CopyLayerToSnapshot();
 }
 
 // The box covers the drag, at least 30 x 15, and takes the keyboard.
