@@ -51,11 +51,9 @@ RECT PaintedArea(POINT a, POINT b, long long margin) {
 }
 
 RECT StrokeState::ShapePreviewArea(int width) const {
-  const long long left = std::min(downPoint.x, lastPoint.x) - static_cast<long long>(width);
-  const long long top = std::min(downPoint.y, lastPoint.y) - static_cast<long long>(width);
-  return ClampedRect(left, top,
-                     left + std::abs(static_cast<long long>(downPoint.x) - lastPoint.x) + 2LL * width,
-                     top + std::abs(static_cast<long long>(downPoint.y) - lastPoint.y) + 2LL * width);
+  const long long w = width;
+  return ClampedRect(std::min(downPoint.x, lastPoint.x) - w, std::min(downPoint.y, lastPoint.y) - w,
+                     std::max(downPoint.x, lastPoint.x) + w, std::max(downPoint.y, lastPoint.y) + w);
 }
 
 RECT StrokeState::CurveArea(int width, int grow) const {
