@@ -297,14 +297,9 @@ void CImageEditWnd::MoveSelection(POINT point) {
   POINT& last = m_tools.stroke.lastPoint;
   RestoreFromSnapshot(
       RECT{m_selectionX, m_selectionY, m_selectionX + m_selectionWidth, m_selectionY + m_selectionHeight});
-  if (point.x != last.x) {
-    m_selectionX += point.x - last.x;
-    last.x = point.x;
-  }
-  if (point.y != last.y) {
-    m_selectionY += point.y - last.y;
-    last.y = point.y;
-  }
+  m_selectionX += point.x - last.x;
+  m_selectionY += point.y - last.y;
+  last = point;
   const platform::MemoryDC source(layer);
   if (!source) return;
   const platform::SelectionGuard selected(source.get(), m_selectionBitmap.get());
