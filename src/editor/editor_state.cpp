@@ -25,7 +25,7 @@ EditorState CImageEditWnd::State() const {
   state.selectedObject = m_objects.selected;
   state.selectionBox = RECT{m_selectionBox.x, m_selectionBox.y, m_selectionBox.width, m_selectionBox.height};
   state.frame = m_framePresent;
-  state.textShown = ::IsWindowVisible(m_textEdit.m_hWnd) == TRUE;
+  state.textShown = m_textEdit.IsShown();
   state.settings = m_settings;
   state.scalingAllowed = m_view.scalingAllowed;
   state.verbose = m_verbose;

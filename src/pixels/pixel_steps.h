@@ -31,7 +31,6 @@ class PixelSteps {
   void AddMatrix(const ColorMatrix& matrix);
   // All three bytes become trunc((red * 0.299 + blue * 0.114) + green * 0.587).
   void AddGray();
-  bool empty() const { return steps_.empty(); }
   // Runs the steps over every pixel of the rows, which count as written afterwards.
   void Run(PixelRows& rows) const;
 

@@ -297,14 +297,9 @@ void CImageEditWnd::MoveSelection(POINT point) {
   POINT& last = m_tools.stroke.lastPoint;
   RestoreFromSnapshot(
       RECT{m_selectionX, m_selectionY, m_selectionX + m_selectionWidth, m_selectionY + m_selectionHeight});
-  if (point.x != last.x) {
-    m_selectionX += point.x - last.x;
-    last.x = point.x;
-  }
-  if (point.y != last.y) {
-    m_selectionY += point.y - last.y;
-    last.y = point.y;
-  }
+  m_selectionX += point.x - last.x;
+  m_selectionY += point.y - last.y;
+  last = point;
   const platform::MemoryDC source(layer);
   if (!source) return;
   const platform::SelectionGuard selected(source.get(), m_selectionBitmap.get());
@@ -346,8 +341,13 @@ void CImageEditWnd::ReleaseTool(POINT point, bool textWasShown) {
                    stroke.lastPoint.y, false, true);
     RedrawWindow();
   }
+  // The snapshot takes the layer once, as the release leaves it: text entry, the cut
+  // and the mosaic finish below, the other tools have finished with their drag.
   const bool curveUnfinished = m_tools.DrawingCurve() && stroke.curveStage != 2;
-  if (mode != ToolMode::ColorPick && mode != ToolMode::RectangleSelectionHeld && !curveUnfinished) {
+  const bool snapshotAfterRelease =
+      mode == ToolMode::Text || mode == ToolMode::Cut || mode == ToolMode::Mosaic;
+  if (mode != ToolMode::ColorPick && mode != ToolMode::RectangleSelectionHeld && !curveUnfinished &&
+      !snapshotAfterRelease) {
     CopyLayerToSnapshot();
   }
   switch (mode) {
@@ -401,7 +401,7 @@ void CImageEditWnd::ReleaseTool(POINT point, bool textWasShown) {
     default:
       break;
   }
-  if (mode == ToolMode::Text || mode == ToolMode::Cut || mode == ToolMode::Mosaic) CopyLayerToSnapshot();
+  if (snapshotAfterRelease) CopyLayerToSnapshot();
 }
 
 // The box covers the drag, at least 30 x 15, and takes the keyboard.

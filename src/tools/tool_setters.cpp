@@ -229,11 +229,11 @@ BOOL CImageEditWnd::OnSetCursor(HWND hwnd, UINT hitTest, UINT message) {
   if (m_tools.mode == ToolMode::None) {
     const bool scrolls = m_view.hScrollShown || m_view.vScrollShown;
     if (m_selectionBox.overBox || m_objects.overBody) {
-      cursor = 217;
+      cursor = kOpenHandMoveCursor;
     } else if (m_objects.overGrip) {
-      cursor = 219;
+      cursor = kFourWayArrowsCursor;
     } else if (scrolls) {
-      cursor = 215;
+      cursor = kOpenHandPanCursor;
     }
   }
   HCURSOR shown = cursor == kWindowClassCursor ? nullptr : CursorFor(cursor);

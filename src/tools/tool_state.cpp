@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/gdi_draw.h"
+#include "resources/cursor_table.h"
 
 ShapeStyle ShapeStyleFrom(int style) {
   return style >= 1 && style <= 6 ? static_cast<ShapeStyle>(style) : ShapeStyle::Line;
@@ -50,11 +51,9 @@ RECT PaintedArea(POINT a, POINT b, long long margin) {
 }
 
 RECT StrokeState::ShapePreviewArea(int width) const {
-  const long long left = std::min(downPoint.x, lastPoint.x) - static_cast<long long>(width);
-  const long long top = std::min(downPoint.y, lastPoint.y) - static_cast<long long>(width);
-  return ClampedRect(left, top,
-                     left + std::abs(static_cast<long long>(downPoint.x) - lastPoint.x) + 2LL * width,
-                     top + std::abs(static_cast<long long>(downPoint.y) - lastPoint.y) + 2LL * width);
+  const long long w = width;
+  return ClampedRect(std::min(downPoint.x, lastPoint.x) - w, std::min(downPoint.y, lastPoint.y) - w,
+                     std::max(downPoint.x, lastPoint.x) + w, std::max(downPoint.y, lastPoint.y) + w);
 }
 
 RECT StrokeState::CurveArea(int width, int grow) const {
@@ -86,45 +85,45 @@ int ToolState::CursorId() const {
     case ToolMode::None:
       return kWindowClassCursor;
     case ToolMode::ColorPick:
-      return 214;
+      return kEyedropperCursor;
     case ToolMode::Fill:
-      return 205;
+      return kPaintBucketCursor;
     case ToolMode::Eraser:
-      return 203;
+      return kEraserCursor;
     case ToolMode::Pen:
-      return 201;
+      return kPencilCursor;
     case ToolMode::Brush:
-      return 202;
+      return kPaintBrushCursor;
     case ToolMode::Airbrush:
-      return 211;
+      return kArrowSprayCursor;
     case ToolMode::BitmapBrush:
-      return 210;
+      return kArrowTiledSquareCursor;
     case ToolMode::Shape:
       switch (shapeStyle) {
         case ShapeStyle::Line:
-          return 206;
+          return kArrowLineCursor;
         case ShapeStyle::Curve:
-          return 207;
+          return kArrowCurveCursor;
         case ShapeStyle::Rectangle:
         case ShapeStyle::FilledRectangle:
-          return 208;
+          return kArrowRectangleCursor;
         case ShapeStyle::Ellipse:
         case ShapeStyle::FilledEllipse:
-          return 209;
+          return kArrowEllipseCursor;
         case ShapeStyle::None:
           break;
       }
       break;
     case ToolMode::Text:
-      return 213;
+      return kArrowTextCursor;
     case ToolMode::RectangleSelection:
     case ToolMode::RectangleSelectionHeld:
-      return 212;
+      return kArrowSelectionCursor;
     case ToolMode::IrregularSelection:
-      return 204;
+      return kCrossHairCursor;
     case ToolMode::Cut:
     case ToolMode::Mosaic:
-      return 220;
+      return kArrowGridCursor;
     case ToolMode::Frame:
       break;
   }
