@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <vector>
 
 #include "platform/gdi_test_support.h"
@@ -41,6 +42,27 @@ TEST(GdiDib, StartAndLinesSelectScanLinesAndBadArgumentsTransferNothing) {
     EXPECT_EQ(SetDIBits(s.dc(), s.bitmap(), 0, 2, bits.data(), &info, DIB_RGB_COLORS), 0);
   }
   EXPECT_EQ(s.Row(0, 1), Row{RGB(200, 0, 0)});
+}
+
+// Rows written into a bitmap whose rows it shares with another (a whole copy), covering
+// some of its bands whole and others in part: each row gets its own line, the rows
+// around keep theirs and the other bitmap stays as it was.
+TEST(GdiDib, SetDIBitsIntoSharedRowsWritesOnlyItsLines) {
+  constexpr int kRows = 40;
+  MemSurface original(1, kRows), copy(1, kRows);
+  for (int y = 0; y < kRows; ++y) SetPixel(original.dc(), 0, y, RGB(y, 0, 0));
+  ASSERT_TRUE(BitBlt(copy.dc(), 0, 0, 1, kRows, original.dc(), 0, 0, SRCCOPY));
+  BITMAPINFO info{};
+  info.bmiHeader = Header(1, kRows, 32);
+  std::vector<std::uint32_t> lines(30);
+  for (std::uint32_t k = 0; k < lines.size(); ++k) lines[k] = 0x00FF00 | k;
+  // Bottom-up scan lines 5 .. 34 are bitmap rows 34 .. 5.
+  ASSERT_EQ(SetDIBits(copy.dc(), copy.bitmap(), 5, 30, lines.data(), &info, DIB_RGB_COLORS), 30);
+  for (int y = 0; y < kRows; ++y) {
+    const bool written = y >= 5 && y < 35;
+    EXPECT_EQ(copy.Row(y, 1), Row{written ? RGB(0, 255, 34 - y) : RGB(y, 0, 0)}) << "row " << y;
+    EXPECT_EQ(original.Row(y, 1), Row{RGB(y, 0, 0)}) << "row " << y;
+  }
 }
 
 }  // namespace
