@@ -34,10 +34,12 @@ const SAVERS = new Set(['SaveEditedBitmap', 'SaveSelectionBoxBitmap']);
 const EMPTY_RESULTS = { SetColor: null, GetColor: null, SetTextFont: null, SetTextBackgroundColor: null, ScaleImage: false };
 
 const isKeyword = (value, keyword) => typeof value === 'string' && value.toUpperCase() === keyword;
+// A text setter opens its dialog for "DIALOG" and for no text at all.
+const asksForDialog = (args) => args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG');
 // Which calls open the colour dialog, and with what the dialog starts.
 const COLOR_DIALOGS = {
   SetColor: (args) => isKeyword(args[0], 'DIALOG'),
-  SetTextBackgroundColor: (args) => args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG'),
+  SetTextBackgroundColor: asksForDialog,
 };
 
 const WM_KEYDOWN = 0x0100, WM_KEYUP = 0x0101, WM_MOUSEMOVE = 0x0200;
@@ -192,7 +194,7 @@ export class ImageEditControl extends HTMLElement {
     if (name in LOADERS) return this.#loadingCall(name, args);
     if (name in COLOR_DIALOGS && COLOR_DIALOGS[name](args)) return this.#colorDialogCall(name, args);
     // The font dialog is not a page element yet: its calls are answered as cancelled.
-    const fontDialog = name === 'SetTextFont' && (args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG'));
+    const fontDialog = name === 'SetTextFont' && asksForDialog(args);
     if (fontDialog || name === 'AboutBox') return this.#callLater(name, args, async () => {});
     return this.#call(name, args);
   }
