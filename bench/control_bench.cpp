@@ -33,6 +33,7 @@
 
 #include "control/dispatch_table.h"
 #include "control/image_edit_ctrl.h"
+#include "imageio/bitmap_file_writer.h"
 #include "platform/platform.h"
 
 #ifdef IE_HAVE_OPENCV
@@ -105,28 +106,17 @@ void WriteJpeg(const std::vector<std::uint8_t>& bgr, const std::string& path) {
   }
 }
 
-void Put32(std::uint8_t* p, std::uint32_t v) {
-  for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(v >> (8 * i));
-}
-
 void WriteBitmap(const std::vector<std::uint8_t>& bgr, const std::string& path) {
-  const std::size_t stride = (static_cast<std::size_t>(kWidth) * 3 + 3) & ~std::size_t{3};
-  std::uint8_t header[54] = {'B', 'M'};
-  Put32(header + 2, static_cast<std::uint32_t>(54 + stride * kHeight));
-  Put32(header + 10, 54);
-  Put32(header + 14, 40);
-  Put32(header + 18, kWidth);
-  Put32(header + 22, kHeight);
-  header[26] = 1;
-  header[28] = 24;
-  Put32(header + 34, static_cast<std::uint32_t>(stride * kHeight));
-  std::ofstream out(path, std::ios::binary);
-  out.write(reinterpret_cast<const char*>(header), sizeof header);
-  std::vector<char> row(stride, 0);
-  for (int y = kHeight - 1; y >= 0; --y) {
-    std::memcpy(row.data(), bgr.data() + static_cast<std::size_t>(y) * kWidth * 3,
-                static_cast<std::size_t>(kWidth) * 3);
-    out.write(row.data(), static_cast<std::streamsize>(stride));
+  // The file's rows run bottom-up; a row of 4000 pixels needs no padding.
+  static_assert(kWidth * 3 % 4 == 0);
+  const std::size_t row = static_cast<std::size_t>(kWidth) * 3;
+  std::vector<std::uint8_t> rows(bgr.size());
+  for (std::size_t y = 0; y < kHeight; ++y) {
+    std::memcpy(rows.data() + (kHeight - 1 - y) * row, bgr.data() + y * row, row);
+  }
+  if (!imageio::WriteDib24File(path, kWidth, kHeight, rows.data())) {
+    std::perror(path.c_str());
+    std::exit(1);
   }
 }
 

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/gdi_draw.h"
+#include "platform/gdi_handles.h"
 
 namespace {
 
@@ -21,45 +22,32 @@ constexpr double kMoveBudgetMs = 2.0;
 // A drawing layer: a memory DC holding a 4000 x 3000 colour bitmap.
 class Layer {
  public:
-  Layer()
-      : dc_(CreateCompatibleDC(nullptr)),
-        bitmap_(CreateBitmap(kWidth, kHeight, 1, 32, nullptr)),
-        old_(SelectObject(dc_, bitmap_)) {
-    HBRUSH key = CreateSolidBrush(RGB(0x13, 0x43, 0x0B));
+  Layer() : dc_(nullptr), bitmap_(CreateBitmap(kWidth, kHeight, 1, 32, nullptr)), shown_(dc_.get(), bitmap_.get()) {
+    const platform::OwnedBrush key(CreateSolidBrush(RGB(0x13, 0x43, 0x0B)));
     const RECT all{0, 0, kWidth, kHeight};
-    FillRect(dc_, &all, key);
-    DeleteObject(key);
+    FillRect(dc_.get(), &all, key.get());
   }
-  ~Layer() {
-    SelectObject(dc_, old_);
-    DeleteObject(bitmap_);
-    DeleteDC(dc_);
-  }
-  HDC dc() const { return dc_; }
+  HDC dc() const { return dc_.get(); }
 
  private:
-  HDC dc_;
-  HBITMAP bitmap_;
-  HGDIOBJ old_;
+  platform::MemoryDC dc_;
+  platform::OwnedBitmap bitmap_;
+  platform::SelectionGuard shown_;
 };
 
 // Selects a pen for the benchmark's lifetime.
 class PenScope {
  public:
-  PenScope(HDC dc, DWORD style, DWORD width) : dc_(dc) {
-    const LOGBRUSH solid{BS_SOLID, RGB(200, 30, 30), 0};
-    pen_ = ExtCreatePen(style, width, &solid, 0, nullptr);
-    old_ = SelectObject(dc_, pen_);
-  }
-  ~PenScope() {
-    SelectObject(dc_, old_);
-    DeleteObject(pen_);
-  }
+  PenScope(HDC dc, DWORD style, DWORD width) : pen_(MakePen(style, width)), selected_(dc, pen_.get()) {}
 
  private:
-  HDC dc_;
-  HPEN pen_;
-  HGDIOBJ old_;
+  static HPEN MakePen(DWORD style, DWORD width) {
+    const LOGBRUSH solid{BS_SOLID, RGB(200, 30, 30), 0};
+    return ExtCreatePen(style, width, &solid, 0, nullptr);
+  }
+
+  platform::OwnedPen pen_;
+  platform::SelectionGuard selected_;
 };
 
 // A mouse drag: segments of about 12 pixels wandering over the layer.
@@ -111,19 +99,17 @@ void BM_RubberBand(benchmark::State& state) {
 void BM_FloodFill200(benchmark::State& state) {
   Layer layer;
   PenScope pen(layer.dc(), PS_GEOMETRIC, 3);
-  HBRUSH red = CreateSolidBrush(RGB(255, 0, 0));
-  HBRUSH blue = CreateSolidBrush(RGB(0, 0, 255));
+  const platform::OwnedBrush red(CreateSolidBrush(RGB(255, 0, 0)));
+  const platform::OwnedBrush blue(CreateSolidBrush(RGB(0, 0, 255)));
+  const platform::SelectionGuard brush(layer.dc(), GetStockObject(WHITE_BRUSH));
   Rectangle(layer.dc(), 100, 100, 300, 300);
   bool toggle = false;
   for (auto _ : state) {
-    SelectObject(layer.dc(), toggle ? red : blue);
+    SelectObject(layer.dc(), toggle ? red.get() : blue.get());
     const COLORREF inside = GetPixel(layer.dc(), 200, 200);
     ExtFloodFill(layer.dc(), 200, 200, inside, FLOODFILLSURFACE);
     toggle = !toggle;
   }
-  SelectObject(layer.dc(), GetStockObject(WHITE_BRUSH));
-  DeleteObject(red);
-  DeleteObject(blue);
 }
 
 BENCHMARK(BM_SurfaceCopy)->Unit(benchmark::kMillisecond);

@@ -5,14 +5,6 @@
 #include "pixels/pixel_buffer.h"
 
 namespace script {
-namespace {
-
-bool EndsWith(const std::string& text, std::string_view suffix) {
-  return text.size() >= suffix.size() &&
-         text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
-}  // namespace
 
 PictureResult WritePictureFile(HBITMAP bitmap, const std::string& path) {
   HDC screen = GetDC(nullptr);
@@ -20,7 +12,7 @@ PictureResult WritePictureFile(HBITMAP bitmap, const std::string& path) {
   ReleaseDC(nullptr, screen);
   if (!pixels) return PictureResult::NoPicture;
   const bool written =
-      EndsWith(path, ".png")
+      path.ends_with(".png")
           ? imageio::WritePngFile(path, pixels.width(), pixels.height(), pixels.stride(), pixels.data())
           : imageio::WriteDib24File(path, pixels.width(), pixels.height(), pixels.data());
   return written ? PictureResult::Written : PictureResult::NotWritten;

@@ -34,10 +34,12 @@ const SAVERS = new Set(['SaveEditedBitmap', 'SaveSelectionBoxBitmap']);
 const EMPTY_RESULTS = { SetColor: null, GetColor: null, SetTextFont: null, SetTextBackgroundColor: null, ScaleImage: false };
 
 const isKeyword = (value, keyword) => typeof value === 'string' && value.toUpperCase() === keyword;
+// A text setter opens its dialog for "DIALOG" and for no text at all.
+const asksForDialog = (args) => args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG');
 // Which calls open the colour dialog, and with what the dialog starts.
 const COLOR_DIALOGS = {
   SetColor: (args) => isKeyword(args[0], 'DIALOG'),
-  SetTextBackgroundColor: (args) => args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG'),
+  SetTextBackgroundColor: asksForDialog,
 };
 
 const WM_KEYDOWN = 0x0100, WM_KEYUP = 0x0101, WM_MOUSEMOVE = 0x0200;
@@ -192,7 +194,7 @@ export class ImageEditControl extends HTMLElement {
     if (name in LOADERS) return this.#loadingCall(name, args);
     if (name in COLOR_DIALOGS && COLOR_DIALOGS[name](args)) return this.#colorDialogCall(name, args);
     // The font dialog is not a page element yet: its calls are answered as cancelled.
-    const fontDialog = name === 'SetTextFont' && (args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG'));
+    const fontDialog = name === 'SetTextFont' && asksForDialog(args);
     if (fontDialog || name === 'AboutBox') return this.#callLater(name, args, async () => {});
     return this.#call(name, args);
   }
@@ -447,13 +449,15 @@ export class ImageEditControl extends HTMLElement {
 
   #listen() {
     const canvas = this.#canvas;
-    const point = (event) => {
+    // One message for each of `events` (the moves one pointer event coalesces, in
+    // order): each is painted as it comes, but only the last frame is shown, the one
+    // the browser will draw.
+    const send = (message, events) => {
       const box = canvas.getBoundingClientRect();
-      return [Math.floor(event.clientX - box.left), Math.floor(event.clientY - box.top)];
-    };
-    const send = (message, event) => {
-      const [x, y] = point(event);
-      this.#control.pointer(message, x, y, event.ctrlKey || event.metaKey, event.shiftKey);
+      events.forEach((event, i) => {
+        const x = Math.floor(event.clientX - box.left), y = Math.floor(event.clientY - box.top);
+        this.#control.pointer(message, x, y, event.ctrlKey || event.metaKey, event.shiftKey, i === events.length - 1);
+      });
       this.#keepTime();
     };
     canvas.addEventListener('pointerdown', (event) => {
@@ -463,15 +467,15 @@ export class ImageEditControl extends HTMLElement {
       this.focus({ preventScroll: true });
       // The control holds the pointer until the release, as mouse capture does.
       canvas.setPointerCapture(event.pointerId);
-      send(this.#isDoubleClick(event) ? messages[2] : messages[0], event);
+      send(this.#isDoubleClick(event) ? messages[2] : messages[0], [event]);
     });
     canvas.addEventListener('pointermove', (event) => {
       const moves = event.getCoalescedEvents ? event.getCoalescedEvents() : [];
-      for (const move of moves.length > 0 ? moves : [event]) send(WM_MOUSEMOVE, move);
+      send(WM_MOUSEMOVE, moves.length > 0 ? moves : [event]);
     });
     canvas.addEventListener('pointerup', (event) => {
       const messages = BUTTON_MESSAGES[event.button];
-      if (messages) send(messages[1], event);
+      if (messages) send(messages[1], [event]);
     });
     canvas.addEventListener('contextmenu', (event) => event.preventDefault());
     this.addEventListener('keydown', (event) => this.#key(WM_KEYDOWN, event));

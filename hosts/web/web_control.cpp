@@ -124,11 +124,13 @@ class WebControl {
   }
 
   // A mouse message at a point of the control, with the modifier keys as they are.
-  void pointer(unsigned message, int x, int y, bool ctrl, bool shift) {
+  // Without `present` what it paints waits for the next input that presents: the
+  // page sends the moves one pointer event coalesces and shows only the last frame.
+  void pointer(unsigned message, int x, int y, bool ctrl, bool shift, bool present) {
     platform::SetKeyDown(VK_CONTROL, ctrl);
     platform::SetKeyDown(VK_SHIFT, shift);
     platform::MouseInput(hostWindow_, message, x, y);
-    Flush();
+    Flush(present);
   }
 
   // A key down or up (with the character it types, 0 for none). True when the
@@ -209,12 +211,12 @@ class WebControl {
   }
 
  private:
-  // Paints what is pending and hands a changed frame to the page, as a message loop
-  // paints between two inputs.
-  void Flush() {
+  // Paints what is pending, as a message loop paints between two inputs, and hands a
+  // changed frame to the page.
+  void Flush(bool present = true) {
     if (hostWindow_ == nullptr) return;
     platform::FlushPaint(hostWindow_);
-    host_.PresentPendingFrame();
+    if (present) host_.PresentPendingFrame();
   }
 
   WebHost host_;
