@@ -122,10 +122,8 @@ void ScriptHost::ShowDialog(int /*dialogId*/, const std::string& title) {
 }
 
 void EventPrinter::Invoke(int dispid, const std::vector<Variant>& args) {
-  out_ << "event "
-       << (dispid == DISPID_COLORSELECTED ? "ColorSelected"
-           : dispid == DISPID_IMAGESCALED ? "ImageScaled"
-                                          : std::to_string(dispid));
+  const char* name = EventName(dispid);
+  out_ << "event " << (name ? std::string(name) : std::to_string(dispid));
   for (const Variant& arg : args) out_ << ' ' << FormatVariant(arg);
   out_ << '\n';
 }

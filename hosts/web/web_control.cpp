@@ -50,9 +50,7 @@ val ToScript(const Variant& value) {
 }
 
 void ScriptSink::Invoke(int dispid, const std::vector<Variant>& args) {
-  const char* name = dispid == DISPID_COLORSELECTED ? "ColorSelected"
-                     : dispid == DISPID_IMAGESCALED ? "ImageScaled"
-                                                    : nullptr;
+  const char* name = EventName(dispid);
   if (name == nullptr || target_[name].typeOf().as<std::string>() != "function") return;
   val scriptArgs = val::array();
   for (const Variant& arg : args) scriptArgs.call<void>("push", ToScript(arg));

@@ -32,6 +32,11 @@ inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_DATA = 2;
 inline constexpr int DISPID_COLORSELECTED = 1;
 inline constexpr int DISPID_IMAGESCALED = 2;
 
+// The event's name as a scripting host knows it, or null for a DISPID that is no event.
+inline const char* EventName(int dispid) {
+  return dispid == DISPID_COLORSELECTED ? "ColorSelected" : dispid == DISPID_IMAGESCALED ? "ImageScaled" : nullptr;
+}
+
 // A connected sink of the event interface.
 class IEventSink {
  public:
