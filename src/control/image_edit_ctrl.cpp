@@ -38,7 +38,7 @@ bool IsEditorKey(WPARAM virtualKey) {
 }  // namespace
 
 // The editor reaches back to the control to fire its events.
-CImageEditCtrl::CImageEditCtrl() { m_editor.m_control = this; }
+CImageEditCtrl::CImageEditCtrl() : m_editor(this) {}
 
 // The editor member is destroyed before the window base, so the editor window goes
 // first, then the control's own.

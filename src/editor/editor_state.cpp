@@ -28,6 +28,7 @@ EditorState CImageEditWnd::State() const {
   state.textShown = m_textEdit.IsShown();
   state.settings = m_settings;
   state.scalingAllowed = m_view.scalingAllowed;
+  state.shortcutMenu = m_shortcutMenuEnabled;
   state.verbose = m_verbose;
   state.gdiObjects = platform::LiveGdiObjects().total();
   return state;

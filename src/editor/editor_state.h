@@ -33,6 +33,7 @@ struct EditorState {
   bool textShown = false;
   AdjustmentSettings settings;
   bool scalingAllowed = false;
+  bool shortcutMenu = false;
   bool verbose = false;
   int gdiObjects = 0;  // live GDI objects of the whole process
 };

@@ -25,7 +25,7 @@ DefaultFont DefaultFontFor(WORD language) {
 
 }  // namespace
 
-CImageEditWnd::CImageEditWnd() {
+CImageEditWnd::CImageEditWnd(EditorEvents* control) : m_control(control) {
   m_userLanguage = static_cast<WORD>(GetUserDefaultLangID() & 0x3FF);
   InitTextFont();
   m_textBackgroundBrush = platform::OwnedBrush(CreateSolidBrush(m_textBackgroundColor));

@@ -30,7 +30,8 @@ inline constexpr DWORD kClassStyleBits = 0x0120;
 
 class CImageEditWnd : public CWnd {
  public:
-  CImageEditWnd();
+  // `control` hears the editor's events; null for an editor that reports to nobody.
+  explicit CImageEditWnd(EditorEvents* control = nullptr);
   ~CImageEditWnd() override;
 
   // ---- interface operations (one per dispatch method) ----
@@ -179,7 +180,7 @@ class CImageEditWnd : public CWnd {
   BOOL OnSetCursor(HWND hwnd, UINT hitTest, UINT message) override;
 
   // The control that owns this editor, for events.
-  EditorEvents* m_control = nullptr;
+  EditorEvents* m_control;
   // Set by the control right after it has created the editor window.
   bool m_windowCreated = false;
 
