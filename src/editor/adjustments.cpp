@@ -18,9 +18,7 @@ int ClampSetterArgument(int value) { return std::clamp(value, 0, 200); }
 double GammaOf(int argument) { return ClampSetterArgument(argument) * kGammaStep + 0.004; }
 
 OutOfMemoryHandler ReportOutOfMemory(const CImageEditWnd& editor) {
-  return [&editor] {
-    if (editor.m_verbose) editor.ShowOutOfMemoryMessage();
-  };
+  return [&editor] { editor.m_messages.ReportOutOfMemory(); };
 }
 
 // The passes straight from the source bitmap's rows into the image surface's: no
@@ -31,7 +29,7 @@ bool RunOnSurfaceRows(CImageEditWnd& editor, HBITMAP source, const PassPlan& pla
   const Surface& surface = editor.m_surfaces.imageSurface;
   platform::BitmapRows bitmapRows;
   if (!PixelBufferWouldFit(surface.bitmap()) ||
-      !platform::MapBitmapRows(source, surface.bitmap(), editor.m_view.imageRect, &bitmapRows))
+      !platform::MapBitmapRows(source, surface.bitmap(), editor.m_view.imageRect(), &bitmapRows))
     return false;
   PixelRows rows = RowsOf(bitmapRows);
   plan.Run(rows, ReportOutOfMemory(editor));
@@ -56,7 +54,7 @@ bool RebuildImagePixels(CImageEditWnd& editor, const AdjustmentSettings& applied
     if (source != surface.bitmap()) editor.RebuildImageSurface();
     return false;
   }
-  plan.Run(buffer.Area(editor.m_view.imageRect), ReportOutOfMemory(editor));
+  plan.Run(buffer.Area(editor.m_view.imageRect()), ReportOutOfMemory(editor));
   editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
   return true;
 }

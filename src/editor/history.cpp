@@ -9,29 +9,29 @@ void EditHistory::Release(HistoryLevel& level, platform::MemoryDC& snapshotDC) {
 }
 
 void EditHistory::DiscardRedoLevels(platform::MemoryDC& snapshotDC) {
-  for (int i = index + 1; i < count; ++i) Release(levels[i], snapshotDC);
-  count = index + 1;
+  for (int i = index_ + 1; i < count_; ++i) Release(levels_[i], snapshotDC);
+  count_ = index_ + 1;
 }
 
 void EditHistory::DropOldest(platform::MemoryDC& snapshotDC) {
-  Release(levels[0], snapshotDC);
-  for (int i = 1; i < count; ++i) levels[i - 1] = std::move(levels[i]);
-  levels[count - 1] = HistoryLevel{};
-  --count;
-  index = count - 1;
+  Release(levels_[0], snapshotDC);
+  for (int i = 1; i < count_; ++i) levels_[i - 1] = std::move(levels_[i]);
+  levels_[count_ - 1] = HistoryLevel{};
+  --count_;
+  index_ = count_ - 1;
 }
 
 void EditHistory::Clear(platform::MemoryDC& snapshotDC) {
-  for (int i = 0; i < count; ++i) Release(levels[i], snapshotDC);
-  count = 0;
-  index = -1;
+  for (int i = 0; i < count_; ++i) Release(levels_[i], snapshotDC);
+  count_ = 0;
+  index_ = -1;
 }
 
 HistoryLevel& EditHistory::Append() {
-  index = count++;
-  return levels[index];
+  index_ = count_++;
+  return levels_[index_];
 }
 
-HistoryLevel& EditHistory::StepBack() { return levels[--index]; }
+const HistoryLevel& EditHistory::StepBack() { return levels_[--index_]; }
 
-HistoryLevel& EditHistory::StepForward() { return levels[++index]; }
+const HistoryLevel& EditHistory::StepForward() { return levels_[++index_]; }

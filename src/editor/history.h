@@ -2,13 +2,14 @@
 // moment. Levels 0..count-1 are valid and the current index names the one on screen;
 // the levels above it are the redo levels. The index stays within -1..count-1 (-1 only
 // while the history is empty), and every level releases what it owns when it is
-// discarded, dropped or cleared.
+// discarded, dropped or cleared; so the levels, the count and the index change only
+// through the operations below.
 #pragma once
 
 #include "editor/inserted_objects.h"
+#include "editor/picture_frame.h"
 #include "editor/view_placement.h"
 #include "pixels/adjustment_settings.h"
-#include "pixels/frame_piece.h"
 #include "platform/gdi_handles.h"
 
 inline constexpr int kHistoryLevels = 10;
@@ -20,17 +21,20 @@ struct HistoryLevel {
   // Of the placement only the image position and displayed size, the view size and
   // the scroll positions are given back.
   ViewPlacement placement;
-  bool framePresent = false;
-  FramePiece frame[kFramePieceCount];
+  PictureFrame frame;
   InsertedObjects objects;
   AdjustmentSettings settings;
 };
 
 class EditHistory {
  public:
-  bool CanUndo() const { return index > 0; }
-  bool CanRedo() const { return index < count - 1; }
-  bool IsFull() const { return count == kHistoryLevels; }
+  bool CanUndo() const { return index_ > 0; }
+  bool CanRedo() const { return index_ < count_ - 1; }
+  bool IsFull() const { return count_ == kHistoryLevels; }
+  int count() const { return count_; }
+  int index() const { return index_; }
+  // Level 0..count-1.
+  const HistoryLevel& Level(int i) const { return levels_[i]; }
 
   // A snapshot shown in the snapshot DC is taken out of it before it is deleted.
   void DiscardRedoLevels(platform::MemoryDC& snapshotDC);
@@ -42,13 +46,13 @@ class EditHistory {
   HistoryLevel& Append();
   // Moves the index one level down or up and returns that level; needs CanUndo or
   // CanRedo.
-  HistoryLevel& StepBack();
-  HistoryLevel& StepForward();
-
-  HistoryLevel levels[kHistoryLevels];
-  int count = 0;
-  int index = -1;
+  const HistoryLevel& StepBack();
+  const HistoryLevel& StepForward();
 
  private:
   void Release(HistoryLevel& level, platform::MemoryDC& snapshotDC);
+
+  HistoryLevel levels_[kHistoryLevels];
+  int count_ = 0;
+  int index_ = -1;
 };

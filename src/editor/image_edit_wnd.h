@@ -1,6 +1,6 @@
 // The editor: the child window that fills the control and owns every piece of
-// editing state. The control forwards each interface method to the public operation
-// of the same name here.
+// editing state, in parts that each keep their own rules. The control forwards each
+// interface method to the public operation of the same name here.
 #pragma once
 
 #include <optional>
@@ -10,17 +10,22 @@
 #include "editor/editor_state.h"
 #include "editor/history.h"
 #include "editor/inserted_objects.h"
+#include "editor/picture_frame.h"
+#include "editor/save_size.h"
 #include "editor/selection_box.h"
+#include "editor/shell_resources.h"
 #include "editor/surfaces.h"
+#include "editor/user_messages.h"
 #include "editor/view_placement.h"
-#include "imageio/image_loader.h"
 #include "pixels/adjustment_settings.h"
-#include "pixels/frame_piece.h"
 #include "pixels/pixel_buffer.h"
 #include "platform/gdi_handles.h"
 #include "platform/platform.h"
-#include "resources/cursor_table.h"
-#include "tools/text_edit_wnd.h"
+#include "tools/captured_pixels.h"
+#include "tools/pointer_hover.h"
+#include "tools/stroke_state.h"
+#include "tools/text_entry.h"
+#include "tools/tool_box.h"
 #include "tools/tool_state.h"
 
 // The class-specific low style bits the editor window and its text-entry child are
@@ -93,28 +98,28 @@ class CImageEditWnd : public CWnd {
   // Only the tool mode changes: pending text stays in its box and nothing is redrawn.
   void SetNothing();
 
-  // ---- tools ----
-  // When the text-entry window is shown and the drawing layer exists: stamps the
-  // typed text into the drawing layer (that step arrives with text entry), then hides
-  // and empties the window.
-  void CloseTextEntry();
-  // The dotted grey rectangle drawn with not-xor, so drawing it twice leaves no trace:
-  // erases the band (left, top, oldRight, oldBottom), then draws (left, top, right,
-  // bottom).
-  void DrawRubberBand(HDC dc, int left, int top, int right, int bottom, int oldRight, int oldBottom,
-                      bool draw, bool erase);
-  // One airbrush spray of single pixels in the current colour around (cx, cy); while
-  // the density is above 1 the spray timer is armed to spray again, denser.
-  void SprayAirBrush(HDC dc, int cx, int cy, int radius, int density);
-  // The bitmap brush stamped with its key colour left out; nothing without a brush.
-  void StampBitmapBrush(HDC dc, int left, int top, int width, int height);
-
   // ---- what hosts read ----
   // Everything a host reports about the editor, as one value.
   EditorState State() const;
   // The bitmap of one of the surfaces (null when there is none), for hosts that write
   // it out as a picture.
   HBITMAP SurfaceBitmap(SurfaceName surface) const;
+
+  // ---- for the tools ----
+  // When the text-entry window is shown and the drawing layer exists: stamps the
+  // typed text into the drawing layer (that step arrives with text entry), then hides
+  // and empties the window.
+  void CloseTextEntry();
+  // The pen and the shape brush made again in the current colour, for the tool that
+  // is chosen: SetPen with the pen size and SetShape with the shape style, which
+  // leave the tool mode as it was.
+  void RenewDrawingObjects();
+  // The colour the person sees at that point of the surfaces.
+  COLORREF ShownColorAt(POINT point);
+  // Repaints the window where it shows that part of the surfaces.
+  void RepaintSurfaceArea(const RECT& area);
+  // Tells the control that a colour was picked: its colour string.
+  void FireColorSelected(const std::string& color);
 
   // ---- surface operations ----
   // The bitmap's pixels as a new 24-bit bottom-up buffer; empty (nothing allocated)
@@ -147,13 +152,6 @@ class CImageEditWnd : public CWnd {
   // with a source DC (the drawing layer) the level also keeps a snapshot of it.
   void CommitHistoryLevel(HDC source, int width, int height);
 
-  // The out-of-memory message box in the user's language (shown by callers only
-  // while verbose, except where they say otherwise).
-  void ShowOutOfMemoryMessage() const;
-
-  // What the image loader needs to know about the editor that calls it.
-  imageio::LoadContext LoaderContext() const;
-
   // ---- view ----
   // Composes the picture as shown (image surface, then strokes) into the
   // composition buffer at surface coordinates, over at least `area` (surface
@@ -179,66 +177,31 @@ class CImageEditWnd : public CWnd {
   void OnTimer(UINT_PTR id) override;
   BOOL OnSetCursor(HWND hwnd, UINT hitTest, UINT message) override;
 
-  // The control that owns this editor, for events.
-  EditorEvents* m_control;
   // Set by the control right after it has created the editor window.
   bool m_windowCreated = false;
 
-  // The parts. The history is declared before the surfaces and the tools after them,
-  // so that the snapshot DC lets go of a level's snapshot before the history deletes
-  // it, and the tools put the drawing layer's previous pen and brush back before the
-  // drawing layer goes.
-  EditHistory m_history;
-  bool m_framePresent = false;
-  FramePiece m_frame[kFramePieceCount];
-  EditorSurfaces m_surfaces;
-  ViewPlacement m_view;
-  ToolState m_tools;
-  InsertedObjects m_objects;
-  SelectionBox m_selectionBox;
-  AdjustmentSettings m_settings;
-
-  // View dragging (panning) with no tool.
-  bool m_panning = false;
-  POINT m_panLastPoint{-1, -1};
-  // Last SetTransparency and SetTexture arguments.
-  int m_transparentColor = 0;
-  int m_transparency = 0;
-  int m_texture = 0;
-
-  // Text entry and the captured selection.
-  CTextEditWnd m_textEdit;
-  platform::OwnedBitmap m_selectionBitmap;
-  int m_selectionX = 0;
-  int m_selectionY = 0;
-  int m_selectionWidth = 0;
-  int m_selectionHeight = 0;
-  WORD m_userLanguage = 0;
-  LOGFONTA m_textFontDescription{};
-  platform::OwnedFont m_textFont;
-  COLORREF m_textColor = 0;
-  COLORREF m_textBackgroundColor = 0xFFFFFF;
-  platform::OwnedBrush m_textBackgroundBrush;
-  bool m_textBackgroundTransparent = false;
-
-  // Saving at a chosen size; 0 means the displayed size.
-  int m_saveWidth = 0;
-  int m_saveHeight = 0;
-
-  // Shell resources.
-  bool m_shortcutMenuEnabled = false;
-  HMENU m_popupMenu = nullptr;
-  HMENU m_zOrderMenu = nullptr;
-  HCURSOR m_cursors[kCursorCount]{};
-  bool m_verbose = false;
-  HMODULE m_imageLibrary = nullptr;
-  using TransparentBltEntry = BOOL (*)(HDC, int, int, int, int, HDC, int, int, int, int, UINT);
-  TransparentBltEntry m_transparentBlt = nullptr;
+  // ---- the parts, in the order they are made; the destructor gives back what they
+  // hold in an order of its own ----
+  UserMessages m_messages;        // the user's language and the verbose flag
+  TextEntry m_textEntry;          // the text box, its font and background
+  ShellResources m_shell;         // popup menu, cursors, the image library
+  EditorSurfaces m_surfaces;      // composition buffer, drawing layer, image surface, snapshot DC, original
+  ViewPlacement m_view;           // scale, image rectangle, scrolling
+  EditHistory m_history;          // ten levels of undo
+  PictureFrame m_frame;           // the decorative frame
+  InsertedObjects m_objects;      // balloon texts and icons over the picture
+  SelectionBox m_selectionBox;    // the box whose content can be saved on its own
+  AdjustmentSettings m_settings;  // the stored tonal and filter settings
+  SaveSize m_saveSize;            // the size a whole save is written at
+  ToolState m_tools;              // the chosen tool, its colour and sizes, the drawing pen and brush
+  ToolBox m_toolBox;              // one interaction per tool
+  StrokeState m_stroke;           // the stroke under way
+  PointerHover m_hover;           // what the pointer is over, for the cursor of no tool
+  CapturedPixels m_captured;      // what the rectangle selection captured
 
  private:
-  void InitTextFont();
-  void BuildPopupMenu();
-  void LoadCursors();
+  // The interaction of the chosen tool; null for no tool.
+  Interaction* ActiveTool() const { return m_toolBox.For(m_tools.mode, m_tools.shapeStyle); }
   // Everything a history level records except the drawing layer, and giving it back.
   void RecordLevel(HistoryLevel& level) const;
   void RestoreLevel(const HistoryLevel& level);
@@ -247,46 +210,18 @@ class CImageEditWnd : public CWnd {
   void DrawScaledOriginal(const Surface& surface);
   // One scroll message on one axis; both axes share the arithmetic.
   void Scroll(int bar, UINT code, int position);
-
-  // ---- tool setters ----
   // Makes the drawing pen: the layer's previous pen goes back first, and only a pen
   // that could be made changes the tool. False when it could not.
   bool MakeDrawingPen(DWORD style, int size, COLORREF color);
-  // A new current colour reaches the pen, brush or stamp of the active tool.
-  void ApplyColorToTool();
-  // The cursor with that resource id as loaded, the system arrow for
-  // kSystemArrowCursor, null when it is not there.
-  HCURSOR CursorFor(int resourceId) const;
-  // What the pointer is over, for the cursor of tool mode 0.
-  void UpdateHover(POINT point);
-
-  // ---- mouse tools ----
   // The image rectangle as the window shows it: shifted by the scroll position and
   // cut to the client area, in window coordinates.
   RECT VisibleImageRect() const;
   // A window point of a drag as a surface point: scrolled axes take the scroll
   // position and stay inside the image.
   POINT DragPoint(POINT window) const;
-  void PressTool(POINT down);
-  // One step of a drag; returns the part of the surfaces it changed when the tool
-  // knows it, so that only that part is repainted, else nothing (all may have).
-  std::optional<RECT> DragTool(POINT point);
-  // Repaints the window where it shows that part of the surfaces.
-  void RepaintSurfaceArea(const RECT& area);
-  void ReleaseTool(POINT point, bool textWasShown);
+  // Scrolls by a pixel when a drag is near an edge with a scroll bar.
   void ScrollAtEdge(POINT window);
-  // The airbrush and the bitmap brush where the pointer is.
-  void SprayAt(POINT pointer, int density);
-  void StampAt(POINT pointer);
-  // Copies that part of the snapshot DC (the drawing layer as the current history
-  // level has it) back into the drawing layer.
-  void RestoreFromSnapshot(const RECT& area);
-  void CopyLayerToSnapshot();
-  void DrawShapePreview(POINT point);
-  void MoveSelection(POINT point);
-  void OpenTextBox(POINT down, POINT up);
-  // The release of the selection, cut and mosaic tools: what the drag covered.
-  void CaptureSelection(POINT up);
-  void CutToWholeImage(POINT up);
-  void Pixelate(POINT up);
+  void StopAutoScroll();
+
+  EditorEvents* m_control;
 };

@@ -6,26 +6,12 @@
 
 namespace {
 
-imageio::WriteContext WriteContextOf(const CImageEditWnd& editor) {
-  return {editor.m_hWnd, editor.m_verbose, editor.m_userLanguage};
-}
-
 // The composition buffer's area (x, y, width, height) that the whole saved image
-// covers: the image rectangle, widened to take in the frame when there is one.
+// covers.
 RECT SavedImageArea(const CImageEditWnd& editor) {
   const ViewPlacement& view = editor.m_view;
-  RECT area{view.imageRect.left, view.imageRect.top, view.displayedWidth, view.displayedHeight};
-  if (editor.m_framePresent) {
-    const FramePiece& right = editor.m_frame[0];
-    const FramePiece& top = editor.m_frame[2];
-    const FramePiece& left = editor.m_frame[4];
-    const FramePiece& bottom = editor.m_frame[6];
-    area.left += left.offset - left.width;
-    area.top += top.offset - top.height;
-    area.right += (right.width - right.offset) + (left.width - left.offset);
-    area.bottom += (bottom.height - bottom.offset) + (top.height - top.offset);
-  }
-  return area;
+  return editor.m_frame.Around(
+      RECT{view.imageRect().left, view.imageRect().top, view.displayedWidth(), view.displayedHeight()});
 }
 
 // A scratch DC with a new bitmap compatible with `compatibleWith` selected into it.
@@ -43,13 +29,12 @@ struct ScratchBitmap {
 
 }  // namespace
 
-imageio::LoadContext CImageEditWnd::LoaderContext() const { return {m_hWnd, m_verbose, m_userLanguage}; }
-
 void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
   if (!m_surfaces.imageSurface.dc()) return;
   m_surfaces.original.reset();
   // A failed load leaves the view as it was: the surfaces are not touched.
-  m_surfaces.original = platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, LoaderContext()));
+  m_surfaces.original =
+      platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, m_messages.LoadContext(m_hWnd)));
   if (!m_surfaces.original) return;
   BITMAP description{};
   if (!GetObjectA(m_surfaces.original.get(), sizeof description, &description)) return;
@@ -71,33 +56,31 @@ void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
   const RECT source = SavedImageArea(*this);  // left, top, width, height
   const RECT saved{source.left, source.top, source.left + source.right, source.top + source.bottom};
   ComposeView(&saved);
-  const int width = m_saveWidth > 0 ? m_saveWidth : source.right;
-  const int height = m_saveHeight > 0 ? m_saveHeight : source.bottom;
+  const SIZE size = m_saveSize.Or(SIZE{source.right, source.bottom});
+  const int width = size.cx;
+  const int height = size.cy;
   const ScratchBitmap output(composition, width, height);
   if (!output.ok()) return;
   SetStretchBltMode(output.dc.get(), HALFTONE);
   StretchBlt(output.dc.get(), 0, 0, width, height, composition, source.left, source.top, source.right,
              source.bottom, SRCCOPY);
-  imageio::WriteBitmapFile(lpszFilePath, output.bitmap.get(), WriteContextOf(*this));
+  imageio::WriteBitmapFile(lpszFilePath, output.bitmap.get(), m_messages.WriteContext(m_hWnd));
 }
 
 void CImageEditWnd::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
   CloseTextEntry();
   HDC composition = m_surfaces.composition.dc();
   if (!composition || !m_selectionBox.IsShown()) return;
-  const ScratchBitmap output(composition, m_selectionBox.width, m_selectionBox.height);
+  const int width = m_selectionBox.width();
+  const int height = m_selectionBox.height();
+  const ScratchBitmap output(composition, width, height);
   if (!output.ok()) return;
   // The box keeps window coordinates; the picture under it on screen lies at the
   // box's position plus the scroll position in the composition buffer.
-  const RECT under = m_selectionBox.OnSurface(m_view.hScrollPos, m_view.vScrollPos);
+  const RECT under = m_view.ToSurface(m_selectionBox.WindowRect());
   ComposeView(&under);
-  BitBlt(output.dc.get(), 0, 0, m_selectionBox.width, m_selectionBox.height, composition, under.left,
-         under.top, SRCCOPY);
-  imageio::WriteBitmapFile(lpcFilePath, output.bitmap.get(), WriteContextOf(*this));
+  BitBlt(output.dc.get(), 0, 0, width, height, composition, under.left, under.top, SRCCOPY);
+  imageio::WriteBitmapFile(lpcFilePath, output.bitmap.get(), m_messages.WriteContext(m_hWnd));
 }
 
-void CImageEditWnd::SetSaveEditedBitmapSize(int nWidth, int nHeight) {
-  if (nWidth <= 0 || nHeight <= 0) return;
-  m_saveWidth = nWidth;
-  m_saveHeight = nHeight;
-}
+void CImageEditWnd::SetSaveEditedBitmapSize(int nWidth, int nHeight) { m_saveSize.Choose(nWidth, nHeight); }

@@ -4,15 +4,15 @@
 #include <iterator>
 
 void InsertedObjects::CopyFrom(const InsertedObjects& other) {
-  // The live objects 0..count-1 are copied deeply here once they carry content.
-  count = other.count;
-  dragged = other.dragged;
-  dragX = other.dragX;
-  dragY = other.dragY;
-  selected = other.selected;
-  std::copy(std::begin(other.zOrder), std::end(other.zOrder), zOrder);
+  // Objects with content of their own will be copied deeply here, the live ones only.
+  count_ = other.count_;
+  dragged_ = other.dragged_;
+  dragX_ = other.dragX_;
+  dragY_ = other.dragY_;
+  selected_ = other.selected_;
+  std::copy(std::begin(other.zOrder_), std::end(other.zOrder_), zOrder_);
 }
 
 std::span<const int> InsertedObjects::FrontToBack() const {
-  return std::span<const int>(zOrder, static_cast<std::size_t>(std::clamp(count, 0, kMaxInsertedObjects)));
+  return std::span<const int>(zOrder_, static_cast<std::size_t>(std::clamp(count_, 0, kMaxInsertedObjects)));
 }

@@ -1,31 +1,28 @@
-// The inserted objects of the editor: five slots, how many are live, their stacking
+// The inserted objects of the editor: how many of the five slots are live, their stacking
 // order (the z-order list names the live slots, front first) and which object is
-// dragged or selected. A history level keeps a copy of the same record.
+// dragged or selected. A history level keeps a copy of the same record. The count
+// and the z-order must agree, so the record changes only through its operations.
 #pragma once
 
 #include <span>
 
-#include "editor/inserted_object.h"
-
 inline constexpr int kMaxInsertedObjects = 5;
 
-struct InsertedObjects {
-  // Copies the live objects, their count, the z-order and the drag and selection
-  // state from `other`: what a history level records and gives back. Slots at or
-  // above the count keep what they hold; they are not in use.
+class InsertedObjects {
+ public:
+  // Copies the live count, the z-order and the drag and selection state from
+  // `other`: what a history level records and gives back.
   void CopyFrom(const InsertedObjects& other);
   // The live slots, front first.
   std::span<const int> FrontToBack() const;
+  // The selected slot, -1 for none.
+  int selected() const { return selected_; }
 
-  CInsertedObject slots[kMaxInsertedObjects];
-  int count = 0;
-  int dragged = -1;
-  int dragX = -1;
-  int dragY = -1;
-  int selected = -1;
-  int zOrder[kMaxInsertedObjects + 1] = {0, 0, 0, 0, 0, 0};
-  // Where the mouse is while dragging; not recorded in the history.
-  bool overBody = false;
-  bool resizing = false;
-  bool overGrip = false;
+ private:
+  int count_ = 0;
+  int dragged_ = -1;
+  int dragX_ = -1;
+  int dragY_ = -1;
+  int selected_ = -1;
+  int zOrder_[kMaxInsertedObjects + 1] = {0, 0, 0, 0, 0, 0};
 };

@@ -1,21 +1,26 @@
-// The selection box: a rectangle in window coordinates that the user drags over the
-// picture and whose content can be saved on its own.
+// The selection box: a rectangle in window coordinates that the person drags over the
+// picture and whose content can be saved on its own. It has either a positive width
+// and height or none at all (0 x 0), so it is placed only through Place.
 #pragma once
 
 #include "platform/platform.h"
 
-struct SelectionBox {
-  // A box exists once it has a width and a height.
-  bool IsShown() const;
-  // The part of the composition buffer under the box when the view is scrolled to
-  // (hScroll, vScroll): window coordinates plus the scroll position.
-  RECT OnSurface(int hScroll, int vScroll) const;
+class SelectionBox {
+ public:
+  // A box of that size, or none when either side is below 1, centred in `client`
+  // (each half truncated on its own).
+  void Place(int width, int height, const RECT& client);
 
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-  bool dragging = false;
-  POINT lastPoint{0, 0};
-  bool overBox = false;
+  // A box exists once it has a width and a height.
+  bool IsShown() const { return width_ > 0 && height_ > 0; }
+  // Its rectangle in window coordinates.
+  RECT WindowRect() const { return RECT{x_, y_, x_ + width_, y_ + height_}; }
+  int width() const { return width_; }
+  int height() const { return height_; }
+
+ private:
+  int x_ = 0;
+  int y_ = 0;
+  int width_ = 0;
+  int height_ = 0;
 };

@@ -14,14 +14,14 @@ void FillWithColor(HDC dc, const RECT& rect, COLORREF color) {
 }
 
 void FillWhite(const Surface& surface) {
-  FillRect(surface.dc(), &surface.rect, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  FillRect(surface.dc(), &surface.rect(), static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
 }
 
 }  // namespace
 
 PixelBuffer CImageEditWnd::ReadSurfacePixels(HDC dc, HBITMAP bitmap) {
   PixelBuffer buffer = ReadBitmapPixels(dc, bitmap);
-  if (!buffer && buffer.width() > 0 && m_verbose) ShowOutOfMemoryMessage();
+  if (!buffer && buffer.width() > 0) m_messages.ReportOutOfMemory();
   return buffer;
 }
 
@@ -37,7 +37,7 @@ void CImageEditWnd::CreateCompositionBuffer(int width, int height) {
 void CImageEditWnd::CreateDrawingLayer(int width, int height) {
   Surface& surface = m_surfaces.drawingLayer;
   if (!surface.dc()) return;
-  if (surface.Recreate(width, height)) FillWithColor(surface.dc(), surface.rect, kDrawingLayerKeyColor);
+  if (surface.Recreate(width, height)) FillWithColor(surface.dc(), surface.rect(), kDrawingLayerKeyColor);
   m_tools.bitmapBrushKeyColor = kDrawingLayerKeyColor;
 }
 
@@ -66,15 +66,15 @@ void CImageEditWnd::RebuildImageSurface() {
   const Surface& surface = m_surfaces.imageSurface;
   if (!surface.dc()) return;
   if (!m_surfaces.original) {
-    FillWithColor(surface.dc(), surface.rect, kDrawingLayerKeyColor);
+    FillWithColor(surface.dc(), surface.rect(), kDrawingLayerKeyColor);
     return;
   }
   const platform::MemoryDC scratch(surface.dc());
   if (!scratch) return;
   const platform::SelectionGuard selected(scratch.get(), m_surfaces.original.get());
-  StretchBlt(surface.dc(), m_view.imageRect.left, m_view.imageRect.top, m_view.displayedWidth,
-             m_view.displayedHeight, scratch.get(), 0, 0, m_view.originalWidth, m_view.originalHeight,
-             SRCCOPY);
+  const RECT& image = m_view.imageRect();
+  StretchBlt(surface.dc(), image.left, image.top, m_view.displayedWidth(), m_view.displayedHeight(),
+             scratch.get(), 0, 0, m_view.originalWidth, m_view.originalHeight, SRCCOPY);
 }
 
 HBITMAP CImageEditWnd::RebuiltImageSource() {
@@ -83,10 +83,10 @@ HBITMAP CImageEditWnd::RebuiltImageSource() {
   BITMAP original{};
   const bool fillsAtOneToOne =
       m_surfaces.original && GetObjectA(m_surfaces.original.get(), sizeof original, &original) &&
-      original.bmBitsPixel == 32 && view.displayedWidth == view.originalWidth &&
-      view.displayedHeight == view.originalHeight && original.bmWidth == view.originalWidth &&
-      original.bmHeight == view.originalHeight && view.imageRect.left == 0 && view.imageRect.top == 0 &&
-      view.imageRect.right == surface.width() && view.imageRect.bottom == surface.height();
+      original.bmBitsPixel == 32 && view.displayedWidth() == view.originalWidth &&
+      view.displayedHeight() == view.originalHeight && original.bmWidth == view.originalWidth &&
+      original.bmHeight == view.originalHeight && view.imageRect().left == 0 && view.imageRect().top == 0 &&
+      view.imageRect().right == surface.width() && view.imageRect().bottom == surface.height();
   if (fillsAtOneToOne) return m_surfaces.original.get();
   RebuildImageSurface();
   return surface.bitmap();
@@ -95,8 +95,8 @@ HBITMAP CImageEditWnd::RebuiltImageSource() {
 void CImageEditWnd::CompositeDrawingLayer(HDC target, const RECT* area) {
   Surface& layer = m_surfaces.drawingLayer;
   if (!target || !layer.dc()) return;
-  RECT part = layer.rect;
-  if (area && !IntersectRect(&part, &layer.rect, area)) return;
+  RECT part = layer.rect();
+  if (area && !IntersectRect(&part, &layer.rect(), area)) return;
   layer.Lend([&](HBITMAP bitmap) {
     TransparentBlit(target, bitmap, part.left, part.top, part.right - part.left, part.bottom - part.top,
                     kDrawingLayerKeyColor, part.left, part.top);
@@ -108,9 +108,9 @@ void CImageEditWnd::TransparentBlit(HDC target, HBITMAP source, int x, int y, in
   const platform::MemoryDC sourceDC(target);
   if (!sourceDC) return;
 
-  if (m_transparentBlt) {
+  if (const TransparentBltEntry transparentBlt = m_shell.transparentBlt()) {
     const platform::SelectionGuard selected(sourceDC.get(), source);
-    m_transparentBlt(target, x, y, width, height, sourceDC.get(), srcX, srcY, width, height, key);
+    transparentBlt(target, x, y, width, height, sourceDC.get(), srcX, srcY, width, height, key);
     return;
   }
 

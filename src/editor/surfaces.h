@@ -32,15 +32,17 @@ class Surface {
     use(bitmap_.get());
     dc_.Show(bitmap_.get());
   }
+  // The DC goes with its first bitmap back in, then the surface's bitmap.
+  void Release();
 
   HDC dc() const { return dc_.get(); }
   HBITMAP bitmap() const { return bitmap_.get(); }
-  int width() const { return rect.right - rect.left; }
-  int height() const { return rect.bottom - rect.top; }
-
-  RECT rect{0, 0, 0, 0};
+  const RECT& rect() const { return rect_; }
+  int width() const { return rect_.right - rect_.left; }
+  int height() const { return rect_.bottom - rect_.top; }
 
  private:
+  RECT rect_{0, 0, 0, 0};
   platform::OwnedBitmap bitmap_;
   platform::MemoryDC dc_;
 };
@@ -49,6 +51,13 @@ struct EditorSurfaces {
   // Window creation: the three surfaces against the window's DC (the image surface
   // stretching in HALFTONE mode) and the snapshot DC, which has no bitmap of its own.
   void Create(HDC windowDC);
+  // Copies that part of the snapshot DC (the drawing layer as the current history
+  // level has it) back into the drawing layer: what a preview or a moved selection
+  // covered is as it was before the press.
+  void RestoreFromSnapshot(const RECT& area);
+  // The whole drawing layer into the snapshot DC, so that the history level
+  // committed at a press holds the picture after the stroke.
+  void CopyLayerToSnapshot();
 
   Surface composition;   // each repaint is composed here
   Surface drawingLayer;  // strokes and shapes; key-coloured where unpainted

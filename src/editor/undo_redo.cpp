@@ -5,26 +5,9 @@
 
 #include "editor/image_edit_wnd.h"
 
-namespace {
-
-// An independent copy of a frame piece; a piece without a bitmap stays empty.
-FramePiece CopyFramePiece(const FramePiece& piece) {
-  if (!piece.bitmap) return FramePiece{};
-  return FramePiece{platform::OwnedBitmap(static_cast<HBITMAP>(CopyImage(
-                        piece.bitmap.get(), IMAGE_BITMAP, piece.width, piece.height, LR_CREATEDIBSECTION))),
-                    piece.width, piece.height, piece.offset, piece.keyColor};
-}
-
-void CopyFrame(const FramePiece (&from)[kFramePieceCount], FramePiece (&to)[kFramePieceCount]) {
-  for (int i = 0; i < kFramePieceCount; ++i) to[i] = CopyFramePiece(from[i]);
-}
-
-}  // namespace
-
 void CImageEditWnd::RecordLevel(HistoryLevel& level) const {
   level.placement = m_view;
-  level.framePresent = m_framePresent;
-  CopyFrame(m_frame, level.frame);
+  level.frame.CopyFrom(m_frame);
   level.objects.CopyFrom(m_objects);
   level.settings = m_settings;
 }
@@ -42,13 +25,12 @@ void CImageEditWnd::RestoreLevel(const HistoryLevel& level) {
     CreateDrawingLayer(width, height);
     BitBlt(m_surfaces.drawingLayer.dc(), 0, 0, width, height, m_surfaces.snapshotDC.get(), 0, 0, SRCCOPY);
     UpdateScrollBars(width, height);
-    OnHScroll(SB_THUMBPOSITION, static_cast<UINT>(level.placement.hScrollPos), nullptr);
-    OnVScroll(SB_THUMBPOSITION, static_cast<UINT>(level.placement.vScrollPos), nullptr);
+    OnHScroll(SB_THUMBPOSITION, static_cast<UINT>(level.placement.hScrollPos()), nullptr);
+    OnVScroll(SB_THUMBPOSITION, static_cast<UINT>(level.placement.vScrollPos()), nullptr);
   }
   // The level keeps its own frame pieces; the live frame gets copies.
   m_view.RestoreLayout(level.placement);
-  m_framePresent = level.framePresent;
-  CopyFrame(level.frame, m_frame);
+  m_frame.CopyFrom(level.frame);
   m_objects.CopyFrom(level.objects);
   m_settings = level.settings;
   BeginWaitCursor();
@@ -66,7 +48,7 @@ void CImageEditWnd::CommitHistoryLevel(HDC source, int width, int height) {
   // Room is made by giving up the oldest levels, one at a time: once when the history
   // is full, and again for each failed attempt at the snapshot (memory may be short).
   if (m_history.IsFull() || (source && !snapshot)) {
-    for (int round = 0; round < kHistoryLevels && m_history.count > 0; ++round) {
+    for (int round = 0; round < kHistoryLevels && m_history.count() > 0; ++round) {
       m_history.DropOldest(snapshotDC);
       if (!source) break;
       if (!snapshot) snapshot = platform::OwnedBitmap(CreateCompatibleBitmap(source, width, height));
@@ -86,11 +68,13 @@ void CImageEditWnd::CommitHistoryLevel(HDC source, int width, int height) {
   RecordLevel(level);
 }
 
+// The history moving under a tool abandons what it cannot finish any more: a half
+// built curve starts over, a held selection goes back to plain rectangle selection.
 void CImageEditWnd::Undo() {
   if (!m_surfaces.composition.dc()) return;
-  m_tools.AbandonUnfinished();
+  if (Interaction* tool = ActiveTool()) tool->Abandon();
   // Text being typed is thrown away, not put on the picture.
-  if (m_textEdit.IsShown()) m_textEdit.HideAndClear();
+  if (m_textEntry.IsShown()) m_textEntry.Discard();
   if (!m_surfaces.snapshotDC || !m_history.CanUndo()) return;
   RestoreLevel(m_history.StepBack());
 }
@@ -105,7 +89,7 @@ void CImageEditWnd::Redo() {
 void CImageEditWnd::Clear(long bImage) {
   const Surface& layer = m_surfaces.drawingLayer;
   if (!layer.dc()) return;
-  m_tools.AbandonUnfinished();
+  if (Interaction* tool = ActiveTool()) tool->Abandon();
   m_history.Clear(m_surfaces.snapshotDC);
   CreateDrawingLayer(layer.width(), layer.height());
   if (bImage == 0 && m_surfaces.original) RebuildImageSurface();

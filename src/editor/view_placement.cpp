@@ -3,30 +3,63 @@
 #include <algorithm>
 
 void ViewPlacement::SizeToScale() {
-  displayedWidth = static_cast<int>(originalWidth * scale);
-  displayedHeight = static_cast<int>(originalHeight * scale);
+  displayedWidth_ = static_cast<int>(originalWidth * scale);
+  displayedHeight_ = static_cast<int>(originalHeight * scale);
 }
 
 void ViewPlacement::CentreIn(int width, int height) {
-  PlaceAt(width / 2 - displayedWidth / 2, height / 2 - displayedHeight / 2);
+  PlaceAt(width / 2 - displayedWidth_ / 2, height / 2 - displayedHeight_ / 2);
 }
 
 void ViewPlacement::PlaceAt(int left, int top) {
-  imageRect = RECT{left, top, left + displayedWidth, top + displayedHeight};
+  imageRect_ = RECT{left, top, left + displayedWidth_, top + displayedHeight_};
 }
 
 void ViewPlacement::RestoreLayout(const ViewPlacement& recorded) {
-  displayedWidth = recorded.displayedWidth;
-  displayedHeight = recorded.displayedHeight;
-  PlaceAt(recorded.imageRect.left, recorded.imageRect.top);
-  viewWidth = recorded.viewWidth;
-  viewHeight = recorded.viewHeight;
+  displayedWidth_ = recorded.displayedWidth_;
+  displayedHeight_ = recorded.displayedHeight_;
+  PlaceAt(recorded.imageRect_.left, recorded.imageRect_.top);
+  viewWidth_ = recorded.viewWidth_;
+  viewHeight_ = recorded.viewHeight_;
+}
+
+void ViewPlacement::ShowBar(int bar, int viewLength) {
+  if (bar == SB_HORZ) {
+    hScrollShown_ = true;
+    viewWidth_ = viewLength;
+    hScrollPos_ = 0;
+  } else {
+    vScrollShown_ = true;
+    viewHeight_ = viewLength;
+    vScrollPos_ = 0;
+  }
+}
+
+void ViewPlacement::HideBar(int bar) {
+  if (bar == SB_HORZ) {
+    hScrollShown_ = false;
+    hScrollPos_ = 0;
+  } else {
+    vScrollShown_ = false;
+    vScrollPos_ = 0;
+  }
+}
+
+void ViewPlacement::ForgetScrolling() {
+  HideBar(SB_HORZ);
+  HideBar(SB_VERT);
+  MeasureView(0, 0);
+}
+
+void ViewPlacement::MeasureView(int width, int height) {
+  viewWidth_ = width;
+  viewHeight_ = height;
 }
 
 int ViewPlacement::ScrollBy(int bar, int step) {
   const bool horizontal = bar == SB_HORZ;
-  int& position = horizontal ? hScrollPos : vScrollPos;
-  const int limit = horizontal ? displayedWidth - viewWidth : displayedHeight - viewHeight;
+  int& position = horizontal ? hScrollPos_ : vScrollPos_;
+  const int limit = horizontal ? displayedWidth_ - viewWidth_ : displayedHeight_ - viewHeight_;
   position = std::min(std::max(position + step, 0), limit);
   return position;
 }

@@ -7,34 +7,13 @@
 #include <utility>
 
 #include "platform/gdi.h"
+#include "platform/owned_handle.h"
 
 namespace platform {
 
 // A GDI object (bitmap, pen, brush, font) deleted when its owner goes or takes another.
 template <typename Handle>
-class OwnedGdiObject {
- public:
-  OwnedGdiObject() = default;
-  explicit OwnedGdiObject(Handle handle) : handle_(handle) {}
-  ~OwnedGdiObject() { reset(); }
-  OwnedGdiObject(OwnedGdiObject&& other) noexcept : handle_(other.release()) {}
-  OwnedGdiObject& operator=(OwnedGdiObject&& other) noexcept {
-    if (this != &other) reset(other.release());
-    return *this;
-  }
-
-  Handle get() const { return handle_; }
-  explicit operator bool() const { return handle_ != nullptr; }
-  // Gives the handle up without deleting it.
-  Handle release() { return std::exchange(handle_, nullptr); }
-  void reset(Handle handle = nullptr) {
-    if (handle_) DeleteObject(handle_);
-    handle_ = handle;
-  }
-
- private:
-  Handle handle_ = nullptr;
-};
+using OwnedGdiObject = OwnedHandle<Handle, &DeleteObject>;
 
 using OwnedBitmap = OwnedGdiObject<HBITMAP>;
 using OwnedPen = OwnedGdiObject<HPEN>;

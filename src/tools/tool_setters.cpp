@@ -22,9 +22,9 @@ int NegatedSize(int n) { return static_cast<int>(0u - static_cast<unsigned>(n));
 }  // namespace
 
 void CImageEditWnd::CloseTextEntry() {
-  if (!m_textEdit.IsShown() || !m_surfaces.drawingLayer.dc()) return;
+  if (!m_textEntry.IsShown() || !m_surfaces.drawingLayer.dc()) return;
   // Stamping the typed text into the drawing layer arrives with text entry.
-  m_textEdit.HideAndClear();
+  m_textEntry.Discard();
 }
 
 std::string CImageEditWnd::GetColor() { return ColorString(m_tools.color); }
@@ -47,36 +47,25 @@ std::string CImageEditWnd::SetColor(LPCSTR lpszColor) {
   // Only the eraser paints in the drawing layer's key colour: a colour that would
   // vanish from the picture is lightened a little instead.
   m_tools.color = color == kDrawingLayerKeyColor ? color + 0x202020 : color;
-  ApplyColorToTool();
+  // The airbrush reads the colour at each spray and the eraser never uses it; the
+  // tools that made something in the colour make it again.
+  if (Interaction* tool = ActiveTool()) tool->ApplyColor();
   return GetColor();
 }
 
-// The airbrush reads the colour at each spray and the eraser never uses it; the
-// other modes have nothing made in the colour.
-void CImageEditWnd::ApplyColorToTool() {
-  switch (const ToolMode mode = m_tools.mode) {
-    case ToolMode::Fill:
-      FillWithSelectedColor();
-      break;
-    case ToolMode::Pen:
-    case ToolMode::Brush:
-    case ToolMode::Shape:
-      SetPen(m_tools.penSize);
-      SetShape(static_cast<int>(m_tools.shapeStyle));
-      m_tools.mode = mode;
-      break;
-    case ToolMode::BitmapBrush:
-      RecolorBitmapBrush(m_tools.color);
-      break;
-    default:
-      break;
-  }
+void CImageEditWnd::RenewDrawingObjects() {
+  const ToolMode mode = m_tools.mode;
+  SetPen(m_tools.penSize);
+  SetShape(static_cast<int>(m_tools.shapeStyle));
+  m_tools.mode = mode;
 }
 
+// A colour pick returns to the painting tool it interrupted, else to the pen.
 void CImageEditWnd::SelectColor() {
   if (!m_surfaces.composition.dc()) return;
   CloseTextEntry();
-  m_tools.savedMode = m_tools.ModeAfterColorPick();
+  const Interaction* tool = ActiveTool();
+  m_tools.savedMode = tool != nullptr && tool->ResumesAfterColorPick() ? m_tools.mode : ToolMode::Pen;
   m_tools.mode = ToolMode::ColorPick;
 }
 
@@ -132,7 +121,7 @@ void CImageEditWnd::SetAirBrush(int nAirBrushSize) {
   m_tools.mode = ToolMode::Airbrush;
   m_tools.penSize = nAirBrushSize;
   m_tools.toolWidth = nAirBrushSize;
-  m_tools.airbrushDensity = kFullAirbrushDensity;
+  m_toolBox.airbrush().ResetDensity();
 }
 
 void CImageEditWnd::SetBitmapBrush(LPCSTR lpszFilePath) {
@@ -140,7 +129,8 @@ void CImageEditWnd::SetBitmapBrush(LPCSTR lpszFilePath) {
   CloseTextEntry();
   if (lpszFilePath == nullptr || *lpszFilePath == '\0') return;
   m_tools.bitmapBrush.reset();
-  m_tools.bitmapBrush = platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, LoaderContext()));
+  m_tools.bitmapBrush =
+      platform::OwnedBitmap(imageio::LoadImage(lpszFilePath, m_messages.LoadContext(m_hWnd)));
   BITMAP description{};
   if (!m_tools.bitmapBrush || !GetObjectA(m_tools.bitmapBrush.get(), sizeof description, &description))
     return;
@@ -196,59 +186,28 @@ void CImageEditWnd::MosaicImage() {
   if (m_surfaces.imageSurface.dc()) m_tools.mode = ToolMode::Mosaic;
 }
 
-// Either size below 1 removes the box. The box is centred in the client area, each
-// half truncated on its own.
 void CImageEditWnd::SetSelectionBox(int nWidth, int nHeight) {
-  const bool shown = nWidth > 0 && nHeight > 0;
-  SelectionBox& box = m_selectionBox;
-  box.width = shown ? nWidth : 0;
-  box.height = shown ? nHeight : 0;
   RECT client{0, 0, 0, 0};
   GetClientRect(&client);
-  box.x = client.right / 2 - box.width / 2;
-  box.y = client.bottom / 2 - box.height / 2;
-  box.lastPoint = POINT{-1, -1};
+  m_selectionBox.Place(nWidth, nHeight, client);
   RedrawWindow();
 }
 
 // ---- the cursor ----
 
-HCURSOR CImageEditWnd::CursorFor(int resourceId) const {
-  if (resourceId == kSystemArrowCursor) return LoadCursorA(nullptr, IDC_ARROW);
-  for (int i = 0; i < kCursorCount; ++i) {
-    if (kCursorTable[i].resourceId == resourceId) return m_cursors[i];
-  }
-  return nullptr;
-}
-
-// Every WM_SETCURSOR is answered by the tool alone, wherever the pointer is. With no
-// tool, the hand says what a drag there would do: move the selection box or an
-// object, resize an object at its grip, or pan a picture that scrolls.
+// Every WM_SETCURSOR is answered by the tool alone, wherever the pointer is; with no
+// tool, by what is under the pointer.
 BOOL CImageEditWnd::OnSetCursor(HWND hwnd, UINT hitTest, UINT message) {
-  int cursor = m_tools.CursorId();
+  int cursor = kSystemArrowCursor;
   if (m_tools.mode == ToolMode::None) {
-    const bool scrolls = m_view.hScrollShown || m_view.vScrollShown;
-    if (m_selectionBox.overBox || m_objects.overBody) {
-      cursor = kOpenHandMoveCursor;
-    } else if (m_objects.overGrip) {
-      cursor = kFourWayArrowsCursor;
-    } else if (scrolls) {
-      cursor = kOpenHandPanCursor;
-    }
+    cursor = m_hover.Cursor(m_view.hScrollShown() || m_view.vScrollShown());
+  } else if (const Interaction* tool = ActiveTool()) {
+    cursor = tool->Cursor();
   }
-  HCURSOR shown = cursor == kWindowClassCursor ? nullptr : CursorFor(cursor);
+  HCURSOR shown = cursor == kSystemArrowCursor   ? LoadCursorA(nullptr, IDC_ARROW)
+                  : cursor == kWindowClassCursor ? nullptr
+                                                 : m_shell.Cursor(cursor);
   if (shown == nullptr) return CWnd::OnSetCursor(hwnd, hitTest, message);
   SetCursor(shown);
   return TRUE;
-}
-
-// A move with no button held: what is under the pointer. The object bodies and grips
-// join this walk once objects carry their rectangles.
-void CImageEditWnd::UpdateHover(POINT point) {
-  const SelectionBox& box = m_selectionBox;
-  const RECT boxRect{box.x, box.y, box.x + box.width, box.y + box.height};
-  m_selectionBox.overBox = PtInRect(&boxRect, point) == TRUE;
-  if (m_selectionBox.overBox) return;
-  m_objects.overBody = false;
-  m_objects.overGrip = false;
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "editor/image_edit_wnd.h"
+#include "tools/rubber_band.h"
 #include "view/display_scale.h"
 
 double ScaleFromPercentage(int percent, int originalWidth, int originalHeight, int referenceWidth,
@@ -50,15 +51,14 @@ void CImageEditWnd::OnPaint() {
 
   // Only the part of the buffer the window shows is composed: a repaint costs in
   // proportion to the window, not to the picture.
-  const RECT& update = paint.rcPaint;
-  const RECT visible{update.left + m_view.hScrollPos, update.top + m_view.vScrollPos,
-                     update.right + m_view.hScrollPos, update.bottom + m_view.vScrollPos};
+  const RECT visible = m_view.ToSurface(paint.rcPaint);
   ComposeView(&visible);
-  BitBlt(windowDC, 0, 0, composition.width() - m_view.hScrollPos, composition.height() - m_view.vScrollPos,
-         composition.dc(), m_view.hScrollPos, m_view.vScrollPos, SRCCOPY);
+  const int h = m_view.hScrollPos();
+  const int v = m_view.vScrollPos();
+  BitBlt(windowDC, 0, 0, composition.width() - h, composition.height() - v, composition.dc(), h, v, SRCCOPY);
   if (m_selectionBox.IsShown()) {
-    const SelectionBox& box = m_selectionBox;
-    DrawRubberBand(windowDC, box.x, box.y, box.x + box.width, box.y + box.height, 0, 0, true, false);
+    const RECT box = m_selectionBox.WindowRect();
+    DrawRubberBand(windowDC, box.left, box.top, box.right, box.bottom, 0, 0, true, false);
   }
   EndPaint(m_hWnd, &paint);
 }
@@ -67,8 +67,8 @@ void CImageEditWnd::ComposeView(const RECT* area) {
   const Surface& composition = m_surfaces.composition;
   const Surface& image = m_surfaces.imageSurface;
   if (!composition.dc()) return;
-  RECT part = composition.rect;
-  if (area && !IntersectRect(&part, &composition.rect, area)) return;
+  RECT part = composition.rect();
+  if (area && !IntersectRect(&part, &composition.rect(), area)) return;
   if (image.dc() && image.bitmap()) {
     BitBlt(composition.dc(), part.left, part.top, part.right - part.left, part.bottom - part.top, image.dc(),
            part.left, part.top, SRCCOPY);
@@ -78,40 +78,37 @@ void CImageEditWnd::ComposeView(const RECT* area) {
   // Inserted objects and the frame join the composition here once they exist.
 }
 
+COLORREF CImageEditWnd::ShownColorAt(POINT point) {
+  const RECT pixel{point.x, point.y, point.x + 1, point.y + 1};
+  ComposeView(&pixel);
+  return GetPixel(m_surfaces.composition.dc(), point.x, point.y);
+}
+
 void CImageEditWnd::UpdateScrollBars(int contentWidth, int contentHeight) {
-  if (m_view.hScrollShown) {
-    ShowScrollBar(m_hWnd, SB_HORZ, FALSE);
-    m_view.hScrollShown = false;
-    m_view.hScrollPos = 0;
-  }
-  if (m_view.vScrollShown) {
-    ShowScrollBar(m_hWnd, SB_VERT, FALSE);
-    m_view.vScrollShown = false;
-    m_view.vScrollPos = 0;
+  for (const int bar : {SB_HORZ, SB_VERT}) {
+    if (!m_view.BarShown(bar)) continue;
+    ShowScrollBar(m_hWnd, bar, FALSE);
+    m_view.HideBar(bar);
   }
 
   // Both decisions use the client size without bars, so a bar on one axis never
   // causes the other.
   const RECT bare = ClientRect(m_hWnd);
-  const auto showBar = [this](int bar, int content, int available, bool& shown, int& viewSize,
-                              int& position) {
+  const auto showBar = [this](int bar, int content, int available) {
     if (content <= available) return;
     ShowScrollBar(m_hWnd, bar, TRUE);
-    shown = true;
-    viewSize = available;
+    m_view.ShowBar(bar, available);
     const int overflow = content - available;
     const int maximum = overflow + overflow / 20;
-    position = 0;
     const SCROLLINFO info{
         sizeof(SCROLLINFO), kScrollInfoMask, 0, maximum, static_cast<UINT>(maximum / 20), 0, 0};
     SetScrollInfo(m_hWnd, bar, &info, TRUE);
   };
-  showBar(SB_HORZ, contentWidth, bare.right, m_view.hScrollShown, m_view.viewWidth, m_view.hScrollPos);
-  showBar(SB_VERT, contentHeight, bare.bottom, m_view.vScrollShown, m_view.viewHeight, m_view.vScrollPos);
+  showBar(SB_HORZ, contentWidth, bare.right);
+  showBar(SB_VERT, contentHeight, bare.bottom);
 
   const RECT client = ClientRect(m_hWnd);
-  m_view.viewWidth = client.right;
-  m_view.viewHeight = client.bottom;
+  m_view.MeasureView(client.right, client.bottom);
 }
 
 void CImageEditWnd::OnHScroll(UINT code, UINT pos, HWND scrollBar) {
@@ -126,8 +123,8 @@ void CImageEditWnd::OnVScroll(UINT code, UINT pos, HWND scrollBar) {
 
 void CImageEditWnd::Scroll(int bar, UINT code, int position) {
   const bool horizontal = bar == SB_HORZ;
-  const int displayed = horizontal ? m_view.displayedWidth : m_view.displayedHeight;
-  const int current = horizontal ? m_view.hScrollPos : m_view.vScrollPos;
+  const int displayed = horizontal ? m_view.displayedWidth() : m_view.displayedHeight();
+  const int current = m_view.ScrollPos(bar);
   // A line is a fiftieth of the displayed length, a page a twentieth.
   int step = 0;
   switch (code) {
@@ -171,10 +168,10 @@ void CImageEditWnd::DrawScaledOriginal(const Surface& surface) {
   if (!scratch) return;
   m_view.SizeToScale();
   m_view.CentreIn(surface.width(), surface.height());
-  FillRect(surface.dc(), &surface.rect, WhiteBrush());
+  FillRect(surface.dc(), &surface.rect(), WhiteBrush());
   const platform::SelectionGuard selected(scratch.get(), m_surfaces.original.get());
-  const RECT& image = m_view.imageRect;
-  StretchBlt(surface.dc(), image.left, image.top, m_view.displayedWidth, m_view.displayedHeight,
+  const RECT& image = m_view.imageRect();
+  StretchBlt(surface.dc(), image.left, image.top, m_view.displayedWidth(), m_view.displayedHeight(),
              scratch.get(), 0, 0, m_view.originalWidth, m_view.originalHeight, SRCCOPY);
 }
 
@@ -183,8 +180,7 @@ void CImageEditWnd::SetImageWidth(int nImageWidth) {
   if (nImageWidth == 0) {
     m_view.requestedImageWidth = 0;
     ShowScrollBar(m_hWnd, SB_BOTH, FALSE);
-    m_view.hScrollShown = m_view.vScrollShown = false;
-    m_view.viewWidth = m_view.viewHeight = m_view.hScrollPos = m_view.vScrollPos = 0;
+    m_view.ForgetScrolling();
     return;
   }
   double scale = 1.0;
@@ -201,16 +197,16 @@ void CImageEditWnd::SetImageWidth(int nImageWidth) {
   if (!m_surfaces.imageSurface.dc() || !m_surfaces.original) return;
 
   m_view.SizeToScale();
-  UpdateScrollBars(m_view.displayedWidth, m_view.displayedHeight);
+  UpdateScrollBars(m_view.displayedWidth(), m_view.displayedHeight());
 
   const RECT client = ClientRect(m_hWnd);
-  const int width = std::max(static_cast<int>(client.right), m_view.displayedWidth);
-  const int height = std::max(static_cast<int>(client.bottom), m_view.displayedHeight);
-  const RECT oldImageRect = m_view.imageRect;
+  const int width = std::max(static_cast<int>(client.right), m_view.displayedWidth());
+  const int height = std::max(static_cast<int>(client.bottom), m_view.displayedHeight());
+  const RECT oldImageRect = m_view.imageRect();
   m_view.CentreIn(width, height);
 
   CreateCompositionBuffer(width, height);
-  ResizeDrawingLayer(width, height, m_view.imageRect, oldImageRect);
+  ResizeDrawingLayer(width, height, m_view.imageRect(), oldImageRect);
   CreateImageSurface(width, height);
 
   BeginWaitCursor();

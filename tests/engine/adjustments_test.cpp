@@ -1,19 +1,16 @@
-// The ten adjustment setters through the control's dispatch: the stored values, the
-// rebuilt picture, when nothing happens, the order of a filter being set, and a
-// working copy that runs out of memory.
+// The ten adjustment setters: the stored values, the rebuilt picture, when nothing
+// happens, the order of a filter being set, and a working copy that runs out of
+// memory. The flag arguments as a host passes them are the control's tests.
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "control/dispatch_table.h"
-#include "control/image_edit_ctrl.h"
-#include "imageio/bmp_builder.h"
 #include "pixels/pixel_buffer.h"
 #include "pixels/reference_passes.h"
-#include "support/temp_files.h"
 #include "test_support.h"
 
 namespace {
@@ -25,49 +22,39 @@ COLORREF ColorOf(Bytes b) { return RGB(b[2], b[1], b[0]); }
 // The resource id the host sees for the wait cursor.
 constexpr int kWaitCursorId = 32514;
 
+// A setter call, with what it says for the test's messages.
 struct Call {
-  const char* name;
-  std::vector<int> args;
+  const char* what;
+  std::function<void(CImageEditWnd&)> run;
 };
 
-class AdjustmentsTest : public ::testing::Test {
+class AdjustmentsTest : public HostedTest {
  protected:
   void TearDown() override {
     SetPixelBufferLimit(kDefaultPixelBufferLimit);
-    control_.reset();
-    if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
+    live_.reset();
+    HostedTest::TearDown();
   }
 
-  // Activates a control of that size and loads a picture of the given pixels (top
-  // row first) at 100 %.
+  // A new editor of that size showing a picture of the given pixels (top row first)
+  // at 100 %.
   void Load(int width, int height, const std::vector<Bytes>& pixels, int clientWidth = 40,
             int clientHeight = 30) {
-    hostWindow_ = platform::CreateHostWindow(clientWidth, clientHeight);
-    ASSERT_TRUE(control_->CreateControl(hostWindow_, clientWidth, clientHeight));
-    const auto file = imageio_test::BuildTrueColourBmp(width, height, [&](int x, int y) {
-      const Bytes& b = pixels[static_cast<size_t>(y * width + x)];
-      return static_cast<std::uint32_t>(b[2] << 16 | b[1] << 8 | b[0]);
-    });
-    Run({"SetImage", {}}, files_.Write("picture.bmp", file));
-    ASSERT_EQ(editor().m_view.displayedWidth, width);
+    live_.reset();
+    live_ = std::make_unique<LiveEditor>(clientWidth, clientHeight);
+    live_->Show(width, height, Colors(pixels));
+    ASSERT_EQ(editor().m_view.displayedWidth(), width);
   }
 
-  void Run(const Call& call, const std::string& text = {}) {
-    std::vector<Variant> args;
-    if (!text.empty()) args.push_back(Variant::String(text));
-    for (int value : call.args) args.push_back(Variant::Int(value));
-    Invoke(*control_, call.name, args);
-  }
-
-  CImageEditWnd& editor() { return control_->m_editor; }
+  CImageEditWnd& editor() { return *live_->editor; }
+  HDC ImageSurface() { return editor().m_surfaces.imageSurface.dc(); }
 
   // The image rectangle of the image surface, top row first.
   std::vector<COLORREF> Picture() {
-    const RECT& r = editor().m_view.imageRect;
+    const RECT& r = editor().m_view.imageRect();
     std::vector<COLORREF> colors;
     for (int y = r.top; y < r.bottom; ++y) {
-      for (int x = r.left; x < r.right; ++x)
-        colors.push_back(GetPixel(editor().m_surfaces.imageSurface.dc(), x, y));
+      for (int x = r.left; x < r.right; ++x) colors.push_back(GetPixel(ImageSurface(), x, y));
     }
     return colors;
   }
@@ -77,10 +64,7 @@ class AdjustmentsTest : public ::testing::Test {
     return colors;
   }
 
-  InstalledRecordingHost host_;
-  TempFiles files_{"adjustments_"};
-  HWND hostWindow_ = nullptr;
-  std::unique_ptr<CImageEditCtrl> control_ = std::make_unique<CImageEditCtrl>();
+  std::unique_ptr<LiveEditor> live_;
 };
 
 std::vector<Bytes> Uniform(Bytes value) { return std::vector<Bytes>(9, value); }
@@ -97,31 +81,38 @@ TEST_F(AdjustmentsTest, EachSetterRebuildsThePictureFromTheOriginal) {
     std::vector<Bytes> out;
   };
   const Case cases[] = {
-      {{"BrightenImage", {-5}}, Uniform({10, 128, 255}), Uniform({0, 0, 0})},
-      {{"BrightenImage", {300}}, Uniform({0, 128, 10}), Uniform({255, 255, 255})},
-      {{"ContrastImage", {0}}, Uniform({0, 200, 255}), Uniform({127, 127, 127})},
+      {Call{"BrightenImage(-5)", [](CImageEditWnd& e) { e.BrightenImage(-5); }}, Uniform({10, 128, 255}),
+       Uniform({0, 0, 0})},
+      {Call{"BrightenImage(300)", [](CImageEditWnd& e) { e.BrightenImage(300); }}, Uniform({0, 128, 10}),
+       Uniform({255, 255, 255})},
+      {Call{"ContrastImage(0)", [](CImageEditWnd& e) { e.ContrastImage(0); }}, Uniform({0, 200, 255}),
+       Uniform({127, 127, 127})},
       // The first gamma acts on the blue bytes; the others pass through 1.0 tables.
-      {{"CorrectGamma", {80, 40, 40}}, Uniform({100, 33, 33}), Uniform({39, 32, 32})},
-      {{"SaturateImage", {0}}, Uniform({0, 0, 255}), Uniform({20, 20, 20})},
-      {{"SaturateImage", {200}}, Uniform({100, 120, 140}), Uniform({84, 124, 164})},
-      {{"HueImage", {100}}, Uniform({0, 0, 255}), Uniform({41, 41, 0})},
-      {{"GrayImage", {1}}, Uniform({10, 20, 30}), Uniform({21, 21, 21})},
-      {{"SharpenImage", {-3}}, Spike({100, 100, 100}), Spike({100, 100, 100})},
-      {{"WhitenImage", {1}}, Uniform({0, 128, 255}), Uniform({25, 198, 255})},
+      {Call{"CorrectGamma(80, 40, 40)", [](CImageEditWnd& e) { e.CorrectGamma(80, 40, 40); }},
+       Uniform({100, 33, 33}), Uniform({39, 32, 32})},
+      {Call{"SaturateImage(0)", [](CImageEditWnd& e) { e.SaturateImage(0); }}, Uniform({0, 0, 255}),
+       Uniform({20, 20, 20})},
+      {Call{"SaturateImage(200)", [](CImageEditWnd& e) { e.SaturateImage(200); }}, Uniform({100, 120, 140}),
+       Uniform({84, 124, 164})},
+      {Call{"HueImage(100)", [](CImageEditWnd& e) { e.HueImage(100); }}, Uniform({0, 0, 255}),
+       Uniform({41, 41, 0})},
+      {Call{"GrayImage(true)", [](CImageEditWnd& e) { e.GrayImage(true); }}, Uniform({10, 20, 30}),
+       Uniform({21, 21, 21})},
+      {Call{"SharpenImage(-3)", [](CImageEditWnd& e) { e.SharpenImage(-3); }}, Spike({100, 100, 100}),
+       Spike({100, 100, 100})},
+      {Call{"WhitenImage(1)", [](CImageEditWnd& e) { e.WhitenImage(1); }}, Uniform({0, 128, 255}),
+       Uniform({25, 198, 255})},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.call.name) + " " + std::to_string(c.call.args[0]));
-    TearDown();
-    control_ = std::make_unique<CImageEditCtrl>();
+    SCOPED_TRACE(c.call.what);
     Load(3, 3, c.in);
-    const int levels = editor().m_history.count;
-    Run(c.call);
+    const int levels = editor().m_history.count();
+    c.call.run(editor());
     EXPECT_EQ(Picture(), Colors(c.out));
-    EXPECT_EQ(editor().m_history.count, levels + 1);
+    EXPECT_EQ(editor().m_history.count(), levels + 1);
     // The picture inside a larger surface: the white around it is left alone.
-    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), 0, 0), RGB(255, 255, 255));
-    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), editor().m_view.imageRect.right,
-                       editor().m_view.imageRect.bottom),
+    EXPECT_EQ(GetPixel(ImageSurface(), 0, 0), RGB(255, 255, 255));
+    EXPECT_EQ(GetPixel(ImageSurface(), editor().m_view.imageRect().right, editor().m_view.imageRect().bottom),
               RGB(255, 255, 255));
   }
 }
@@ -129,54 +120,60 @@ TEST_F(AdjustmentsTest, EachSetterRebuildsThePictureFromTheOriginal) {
 TEST_F(AdjustmentsTest, SettersStoreTheMappedValue) {
   Load(1, 1, {{1, 2, 3}});
   const AdjustmentSettings& s = editor().m_settings;
-  Run({"BrightenImage", {150}});
+  editor().BrightenImage(150);
   EXPECT_EQ(s.brightness, 50);
-  Run({"ContrastImage", {-7}});
+  editor().ContrastImage(-7);
   EXPECT_EQ(s.contrast, -100);
-  Run({"HueImage", {250}});
+  editor().HueImage(250);
   EXPECT_EQ(s.hue, 360.0);
-  Run({"SaturateImage", {150}});
+  editor().SaturateImage(150);
   EXPECT_EQ(s.saturation, 1.5);
-  Run({"CorrectGamma", {80, 0, 300}});
+  editor().CorrectGamma(80, 0, 300);
   EXPECT_EQ(s.redGamma, 1.9960000000000002);
   EXPECT_EQ(s.greenGamma, 0.004);
   EXPECT_EQ(s.blueGamma, 4.984);
-  Run({"SharpenImage", {-3}});
-  Run({"SmoothImage", {1000}});
-  Run({"WhitenImage", {7}});
+  editor().SharpenImage(-3);
+  editor().SmoothImage(1000);
+  editor().WhitenImage(7);
   EXPECT_EQ(s.sharpenSteps, -3);
   EXPECT_EQ(s.smoothSteps, 1000);
   EXPECT_EQ(s.whitenSteps, 7);
-  Run({"GrayImage", {1}});
-  Run({"InvertImage", {1}});
+  editor().GrayImage(true);
+  editor().InvertImage(true);
   EXPECT_TRUE(s.gray);
   EXPECT_TRUE(s.invert);
 }
 
 TEST_F(AdjustmentsTest, AnUnchangedValueNeitherRebuildsNorCommits) {
   const Call neutral[] = {
-      {"BrightenImage", {100}}, {"ContrastImage", {100}},       {"HueImage", {0}},
-      {"SaturateImage", {100}}, {"CorrectGamma", {40, 40, 40}}, {"GrayImage", {0}},
-      {"InvertImage", {0}},     {"SharpenImage", {0}},          {"SmoothImage", {0}},
-      {"WhitenImage", {0}},
+      Call{"BrightenImage(100)", [](CImageEditWnd& e) { e.BrightenImage(100); }},
+      Call{"ContrastImage(100)", [](CImageEditWnd& e) { e.ContrastImage(100); }},
+      Call{"HueImage(0)", [](CImageEditWnd& e) { e.HueImage(0); }},
+      Call{"SaturateImage(100)", [](CImageEditWnd& e) { e.SaturateImage(100); }},
+      Call{"CorrectGamma(40, 40, 40)", [](CImageEditWnd& e) { e.CorrectGamma(40, 40, 40); }},
+      Call{"GrayImage(false)", [](CImageEditWnd& e) { e.GrayImage(false); }},
+      Call{"InvertImage(false)", [](CImageEditWnd& e) { e.InvertImage(false); }},
+      Call{"SharpenImage(0)", [](CImageEditWnd& e) { e.SharpenImage(0); }},
+      Call{"SmoothImage(0)", [](CImageEditWnd& e) { e.SmoothImage(0); }},
+      Call{"WhitenImage(0)", [](CImageEditWnd& e) { e.WhitenImage(0); }},
   };
   Load(3, 3, Uniform({50, 60, 70}));
-  const RECT& r = editor().m_view.imageRect;
+  const RECT& r = editor().m_view.imageRect();
   // A mark on the surface that any rebuild would paint over.
-  SetPixel(editor().m_surfaces.imageSurface.dc(), r.left, r.top, RGB(1, 2, 3));
-  const int levels = editor().m_history.count;
+  SetPixel(ImageSurface(), r.left, r.top, RGB(1, 2, 3));
+  const int levels = editor().m_history.count();
   const std::size_t cursors = host_.cursors.size();
   for (const Call& call : neutral) {
-    SCOPED_TRACE(call.name);
-    Run(call);
-    EXPECT_EQ(GetPixel(editor().m_surfaces.imageSurface.dc(), r.left, r.top), RGB(1, 2, 3));
-    EXPECT_EQ(editor().m_history.count, levels);
+    SCOPED_TRACE(call.what);
+    call.run(editor());
+    EXPECT_EQ(GetPixel(ImageSurface(), r.left, r.top), RGB(1, 2, 3));
+    EXPECT_EQ(editor().m_history.count(), levels);
     EXPECT_EQ(host_.cursors.size(), cursors);
   }
   // Only all three gammas equal stop CorrectGamma.
-  Run({"CorrectGamma", {40, 40, 41}});
-  EXPECT_EQ(editor().m_history.count, levels + 1);
-  EXPECT_NE(GetPixel(editor().m_surfaces.imageSurface.dc(), r.left, r.top), RGB(1, 2, 3));
+  editor().CorrectGamma(40, 40, 41);
+  EXPECT_EQ(editor().m_history.count(), levels + 1);
+  EXPECT_NE(GetPixel(ImageSurface(), r.left, r.top), RGB(1, 2, 3));
 }
 
 TEST_F(AdjustmentsTest, WithoutPixelsOrSurfaceTheSettingStaysAsItWas) {
@@ -186,63 +183,62 @@ TEST_F(AdjustmentsTest, WithoutPixelsOrSurfaceTheSettingStaysAsItWas) {
   bare.SharpenImage(2);
   EXPECT_EQ(bare.m_settings.brightness, 0);
   EXPECT_EQ(bare.m_settings.sharpenSteps, 0);
-  EXPECT_EQ(bare.m_history.count, 0);
+  EXPECT_EQ(bare.m_history.count(), 0);
 
   // The surface's pixels cannot be read: nothing is stored or committed, and the
   // wait cursor is put back.
   Load(3, 3, Uniform({50, 60, 70}));
-  const int levels = editor().m_history.count;
+  const int levels = editor().m_history.count();
   const auto waitsBefore = std::count(host_.cursors.begin(), host_.cursors.end(), kWaitCursorId);
   SetPixelBufferLimit(16);
-  Run({"BrightenImage", {150}});
-  Run({"GrayImage", {1}});
+  editor().BrightenImage(150);
+  editor().GrayImage(true);
   EXPECT_EQ(editor().m_settings.brightness, 0);
   EXPECT_FALSE(editor().m_settings.gray);
-  EXPECT_EQ(editor().m_history.count, levels);
+  EXPECT_EQ(editor().m_history.count(), levels);
   ASSERT_EQ(std::count(host_.cursors.begin(), host_.cursors.end(), kWaitCursorId), 2 + waitsBefore);
   EXPECT_NE(host_.cursors.back(), kWaitCursorId);
 }
 
 TEST_F(AdjustmentsTest, SettingsNeverCompound) {
   Load(3, 3, Uniform({10, 100, 200}));
-  Run({"BrightenImage", {150}});
-  Run({"BrightenImage", {120}});
+  editor().BrightenImage(150);
+  editor().BrightenImage(120);
   const std::vector<COLORREF> twice = Picture();
   EXPECT_EQ(twice, Colors(Uniform({61, 151, 251})));  // i + 51
 }
 
 TEST_F(AdjustmentsTest, TheFilterBeingSetRunsLastUntilTheNextRebuild) {
   Load(3, 3, Uniform({1, 0, 0}));
-  Run({"GrayImage", {1}});
-  Run({"InvertImage", {1}});
+  editor().GrayImage(true);
+  editor().InvertImage(true);
   EXPECT_EQ(Picture(), Colors(Uniform({255, 255, 255})));  // invert(gray(x))
   editor().RunAdjustedRebuild();
   EXPECT_EQ(Picture(), Colors(Uniform({254, 254, 254})));  // gray(invert(x))
   // Setting the image width rebuilds the same way.
-  Run({"SharpenImage", {0}});
-  Run({"SetImageWidth", {-100}});
+  editor().SharpenImage(0);
+  editor().SetImageWidth(-100);
   EXPECT_EQ(Picture(), Colors(Uniform({254, 254, 254})));
 }
 
 TEST_F(AdjustmentsTest, AWorkingCopyOutOfMemorySkipsItsFilterButKeepsTheSetting) {
   for (bool verbose : {false, true}) {
     SCOPED_TRACE(verbose ? "verbose" : "quiet");
-    TearDown();
-    control_ = std::make_unique<CImageEditCtrl>();
+    SetPixelBufferLimit(kDefaultPixelBufferLimit);
     host_.messages.clear();
     // A picture larger than the client fills its surface, so its working copy of
     // 42 x 32 pixels needs more than the 120 x 30 bytes of the surface's buffer.
     std::vector<Bytes> pixels(40 * 30, Bytes{0, 0, 0});
     pixels[40 * 15 + 20] = {100, 100, 100};
     Load(40, 30, pixels, 20, 10);
-    Run({"EnableVerbose", {verbose ? 1 : 0}});
-    ASSERT_EQ(editor().m_view.imageRect.right, editor().m_surfaces.imageSurface.width());
-    const int levels = editor().m_history.count;
+    editor().EnableVerbose(verbose ? 1 : 0);
+    ASSERT_EQ(editor().m_view.imageRect().right, editor().m_surfaces.imageSurface.width());
+    const int levels = editor().m_history.count();
     SetPixelBufferLimit(40 * 30 * 3);
 
-    Run({"SharpenImage", {1}});
+    editor().SharpenImage(1);
     EXPECT_EQ(editor().m_settings.sharpenSteps, 1);
-    EXPECT_EQ(editor().m_history.count, levels + 1);
+    EXPECT_EQ(editor().m_history.count(), levels + 1);
     EXPECT_EQ(Picture(), Colors(pixels));
     // Whiten, sharpen and smooth of the pass ask even at 0 steps, then the sharpen
     // being set asks once more.
@@ -276,20 +272,24 @@ TEST_F(AdjustmentsTest, RebuildsGiveThePlainPassesBytes) {
     std::vector<Bytes> pixels(static_cast<std::size_t>(layout.width * layout.height));
     for (Bytes& b : pixels)
       b = {static_cast<BYTE>(random()), static_cast<BYTE>(random()), static_cast<BYTE>(random())};
-    control_ = std::make_unique<CImageEditCtrl>();
-    if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
     Load(layout.width, layout.height, pixels, layout.clientWidth, layout.clientHeight);
-    if (layout.imageWidth != 0) Run({"SetImageWidth", {layout.imageWidth}});
+    if (layout.imageWidth != 0) editor().SetImageWidth(layout.imageWidth);
     // The picture as the rebuild refills it, before any pass.
     const std::vector<COLORREF> refilled = Picture();
-    for (const Call& call : {Call{"BrightenImage", {130}}, Call{"CorrectGamma", {60, 30, 45}},
-                             Call{"HueImage", {40}}, Call{"SaturateImage", {150}}, Call{"WhitenImage", {1}},
-                             Call{"SmoothImage", {1}}, Call{"InvertImage", {1}}, Call{"SharpenImage", {2}}})
-      Run(call);
+    for (const Call& call :
+         {Call{"BrightenImage(130)", [](CImageEditWnd& e) { e.BrightenImage(130); }},
+          Call{"CorrectGamma(60, 30, 45)", [](CImageEditWnd& e) { e.CorrectGamma(60, 30, 45); }},
+          Call{"HueImage(40)", [](CImageEditWnd& e) { e.HueImage(40); }},
+          Call{"SaturateImage(150)", [](CImageEditWnd& e) { e.SaturateImage(150); }},
+          Call{"WhitenImage(1)", [](CImageEditWnd& e) { e.WhitenImage(1); }},
+          Call{"SmoothImage(1)", [](CImageEditWnd& e) { e.SmoothImage(1); }},
+          Call{"InvertImage(true)", [](CImageEditWnd& e) { e.InvertImage(true); }},
+          Call{"SharpenImage(2)", [](CImageEditWnd& e) { e.SharpenImage(2); }}})
+      call.run(editor());
 
     // The plain passes on the refilled picture, with `last` (when set) run after them.
     const auto expected = [&](AdjustmentSettings settings, int lastSharpen) {
-      const RECT& r = editor().m_view.imageRect;
+      const RECT& r = editor().m_view.imageRect();
       const int width = r.right - r.left;
       const int height = r.bottom - r.top;
       PixelBuffer buffer(width, height);
@@ -322,9 +322,9 @@ TEST_F(AdjustmentsTest, RebuildsGiveThePlainPassesBytes) {
     AdjustmentSettings settings = editor().m_settings;
     settings.sharpenSteps = 0;
     ASSERT_EQ(Picture(), expected(settings, 2)) << "after the setters";
-    Run({"Undo", {}});
+    editor().Undo();
     ASSERT_EQ(Picture(), expected(editor().m_settings, 0)) << "after an undo";
-    Run({"Redo", {}});
+    editor().Redo();
     ASSERT_EQ(Picture(), expected(editor().m_settings, 0)) << "after a redo";
   }
 }

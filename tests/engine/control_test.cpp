@@ -22,7 +22,6 @@ class ControlTest : public ::testing::Test {
   void Activate() {
     hostWindow_ = platform::CreateHostWindow(160, 120);
     ASSERT_TRUE(control_->CreateControl(hostWindow_, 160, 120));
-    ASSERT_EQ(editor().m_control, control_.get());
   }
   InvokeResult Call(std::string_view name, std::vector<Variant> args = {}) {
     return Invoke(*control_, name, args);
@@ -37,8 +36,7 @@ class ControlTest : public ::testing::Test {
 // Every method is called with arguments good enough for its parameters (a picture the
 // loader can read, so that inert image methods are told apart from failed loads).
 TEST_F(ControlTest, EveryMethodButAboutBoxIsInertBeforeTheEditorWindowExists) {
-  editor().m_tools.mode = ToolMode::Eraser;
-  const bool shortcutMenu = editor().m_shortcutMenuEnabled;
+  const bool shortcutMenu = editor().State().shortcutMenu;
   for (const MethodInfo& method : DispatchMethods()) {
     if (method.dispid == DISPID_ABOUTBOX) continue;
     SCOPED_TRACE(method.name);
@@ -54,8 +52,7 @@ TEST_F(ControlTest, EveryMethodButAboutBoxIsInertBeforeTheEditorWindowExists) {
                                                               : Variant();
     EXPECT_EQ(result.value, empty);
   }
-  EXPECT_EQ(editor().m_tools.mode, ToolMode::Eraser);  // SetNothing did not touch it
-  EXPECT_EQ(editor().m_shortcutMenuEnabled, shortcutMenu);
+  EXPECT_EQ(editor().State().shortcutMenu, shortcutMenu);
   const EditorState state = editor().State();
   EXPECT_FALSE(state.verbose);
   EXPECT_EQ(state.historyCount, 0);
@@ -96,16 +93,17 @@ TEST_F(ControlTest, FlagArgumentsFollowTheHostsTruthValue) {
     for (const char* method : {"EnableVerbose", "EnableShortcutMenu", "GrayImage", "InvertImage"}) {
       ASSERT_EQ(Call(method, {argument}).hr, S_OK);
     }
-    EXPECT_EQ(editor().m_verbose, on);
-    EXPECT_EQ(editor().m_shortcutMenuEnabled, on);
-    EXPECT_EQ(editor().m_settings.gray, on);
-    EXPECT_EQ(editor().m_settings.invert, on);
+    const EditorState state = editor().State();
+    EXPECT_EQ(state.verbose, on);
+    EXPECT_EQ(state.shortcutMenu, on);
+    EXPECT_EQ(state.settings.gray, on);
+    EXPECT_EQ(state.settings.invert, on);
   }
   // Called on the control itself only 1 sets a flag; any other value clears it.
   control_->EnableVerbose(2);
   control_->GrayImage(2);
-  EXPECT_FALSE(editor().m_verbose);
-  EXPECT_FALSE(editor().m_settings.gray);
+  EXPECT_FALSE(editor().State().verbose);
+  EXPECT_FALSE(editor().State().settings.gray);
 }
 
 // Logs "sink:colour" for each ColorSelected it receives.

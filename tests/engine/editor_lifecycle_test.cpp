@@ -1,3 +1,4 @@
+#include "resources/cursor_table.h"
 #include "test_support.h"
 
 namespace {
@@ -15,10 +16,11 @@ TEST_F(EditorLifecycleTest, DefaultFontFollowsTheUserLanguage) {
                             FontCase{0x0409, 0, "Arial"}, FontCase{0x0411, 0, "Arial"}}) {
     platform::SetUserDefaultLangID(c.language);
     CImageEditWnd editor;
-    EXPECT_EQ(editor.m_textFontDescription.lfCharSet, c.charSet) << std::hex << c.language;
-    EXPECT_STREQ(editor.m_textFontDescription.lfFaceName, c.face);
-    EXPECT_EQ(editor.m_textFontDescription.lfHeight, -12);  // 9 points at 96 pixels an inch
-    EXPECT_TRUE(editor.m_textFont);
+    const LOGFONTA& font = editor.m_textEntry.fontDescription();
+    EXPECT_EQ(font.lfCharSet, c.charSet) << std::hex << c.language;
+    EXPECT_STREQ(font.lfFaceName, c.face);
+    EXPECT_EQ(font.lfHeight, -12);  // 9 points at 96 pixels an inch
+    EXPECT_NE(editor.m_textEntry.font(), nullptr);
   }
 }
 
@@ -31,9 +33,10 @@ TEST_F(EditorLifecycleTest, AnUncreatedEditorAcquiresAndReleasesOnlyItsShellReso
   for (bool library : {true, false}) {
     platform::SetModuleAvailable("MSIMG32.DLL", library);
     CImageEditWnd editor;
-    EXPECT_TRUE(editor.m_textBackgroundBrush);
-    for (HCURSOR cursor : editor.m_cursors) EXPECT_NE(cursor, nullptr);
-    EXPECT_EQ(editor.m_transparentBlt != nullptr, library);
+    EXPECT_NE(editor.m_textEntry.backgroundBrush(), nullptr);
+    for (const CursorResource& cursor : kCursorTable)
+      EXPECT_NE(editor.m_shell.Cursor(cursor.resourceId), nullptr);
+    EXPECT_EQ(editor.m_shell.transparentBlt() != nullptr, library);
     EXPECT_EQ(editor.m_surfaces.composition.dc(), nullptr);
   }
   EXPECT_EQ(platform::LiveGdiObjects().total(), gdiBefore.total());
@@ -58,7 +61,7 @@ TEST_F(EditorLifecycleTest, WindowCreationMakesPlaceholderSurfacesUntilTheFirstP
       EXPECT_EQ(GetCurrentObject(surface->dc(), OBJ_BITMAP), surface->bitmap());
     }
     EXPECT_EQ(GetStretchBltMode(surfaces.imageSurface.dc()), HALFTONE);
-    EXPECT_TRUE(IsWindow(editor.m_textEdit.m_hWnd));
+    EXPECT_TRUE(IsWindow(editor.m_textEntry.box()));
 
     // Only the first positive size sizes the surfaces.
     editor.SendMessage(WM_SIZE, SIZE_RESTORED, MAKELPARAM(0, 50));
@@ -96,13 +99,18 @@ TEST_F(EditorLifecycleTest, FailedSurfaceBitmapAtWindowCreationIsSkippedAndLeaks
   EXPECT_EQ(platform::LiveGdiObjects().total(), before.total());
 }
 
+// The airbrush held still and a drag at the edge of a picture that scrolls both run a
+// timer; closing the window stops both.
 TEST_F(EditorLifecycleTest, CloseStopsRunningTimersAndClosesTheWindow) {
-  LiveEditor live(20, 20);
-  live->m_tools.stroke.sprayTimerId = live->SetTimer(kSprayTimerId, 200, nullptr);
-  live->m_tools.stroke.autoScrollTimerId = live->SetTimer(kAutoScrollTimerId, 50, nullptr);
+  LiveEditor live(40, 30);
+  live.Show(80, 60, 0xFFFFFF);
   const int timersBefore = platform::LiveWindowObjects().timers;
+  live->SetAirBrush(10);
+  live.Mouse(WM_LBUTTONDOWN, 10, 10);
+  live.Mouse(WM_MOUSEMOVE, 2, 10);
+  ASSERT_EQ(platform::LiveWindowObjects().timers, timersBefore + 2);
   live->SendMessage(WM_CLOSE);
-  EXPECT_EQ(platform::LiveWindowObjects().timers, timersBefore - 2);
+  EXPECT_EQ(platform::LiveWindowObjects().timers, timersBefore);
   EXPECT_FALSE(IsWindow(live->m_hWnd));  // the default handling destroys it
 }
 

@@ -73,26 +73,35 @@ TEST_F(SurfaceOpsTest, OutOfMemoryIsReportedOnlyWhileVerboseInTheUserLanguage) {
   }
 }
 
+// Until the first sizing makes the drawing layer, the bitmap brush keeps its own key
+// colour; making the layer sets it to the layer's, even when the layer's bitmap
+// cannot be made.
 TEST_F(SurfaceOpsTest, DrawingLayerCreationResetsTheBrushKeyEvenWhenItFails) {
-  LiveEditor live(10, 10);
-  live->m_tools.bitmapBrushKeyColor = kInitialBitmapBrushKeyColor;
-  HBITMAP before = live->m_surfaces.drawingLayer.bitmap();
-  platform::FailNthCreation(platform::GdiKind::Bitmap, 1);
-  live->CreateDrawingLayer(30, 20);
-  platform::FailNthCreation(platform::GdiKind::Bitmap, 0);
-  EXPECT_EQ(live->m_tools.bitmapBrushKeyColor, kKey);
-  // The old bitmap stays; only the rectangle already has the new size.
-  EXPECT_EQ(live->m_surfaces.drawingLayer.bitmap(), before);
-  EXPECT_EQ(live->m_surfaces.drawingLayer.width(), 30);
-  BITMAP info{};
-  GetObjectA(live->m_surfaces.drawingLayer.bitmap(), sizeof info, &info);
-  EXPECT_EQ(info.bmWidth, 10);
+  HWND host = platform::CreateHostWindow(40, 30);
+  {
+    CImageEditWnd editor;
+    ASSERT_TRUE(editor.CreateInParent(nullptr, "Image Edit", WS_CHILD, RECT{0, 0, 0, 0}, host, 1));
+    ASSERT_EQ(editor.m_tools.bitmapBrushKeyColor, kInitialBitmapBrushKeyColor);
+    HBITMAP before = editor.m_surfaces.drawingLayer.bitmap();
+    // The sizing makes the composition buffer's bitmap first, then the layer's.
+    platform::FailNthCreation(platform::GdiKind::Bitmap, 2);
+    editor.SendMessage(WM_SIZE, SIZE_RESTORED, MAKELPARAM(30, 20));
+    platform::FailNthCreation(platform::GdiKind::Bitmap, 0);
+    EXPECT_EQ(editor.m_tools.bitmapBrushKeyColor, kKey);
+    // The old bitmap stays; only the rectangle already has the new size.
+    EXPECT_EQ(editor.m_surfaces.drawingLayer.bitmap(), before);
+    EXPECT_EQ(editor.m_surfaces.drawingLayer.width(), 30);
+    BITMAP info{};
+    GetObjectA(editor.m_surfaces.drawingLayer.bitmap(), sizeof info, &info);
+    EXPECT_EQ(info.bmWidth, 1);
+  }
+  DestroyWindow(host);
 }
 
 TEST_F(SurfaceOpsTest, SurfaceCreationReplacesAndFills) {
   LiveEditor live(10, 10);
   const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
-  FillRect(live->m_surfaces.composition.dc(), &live->m_surfaces.composition.rect,
+  FillRect(live->m_surfaces.composition.dc(), &live->m_surfaces.composition.rect(),
            static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   live->CreateCompositionBuffer(3, 2);
   live->CreateDrawingLayer(2, 2);
@@ -110,7 +119,7 @@ class TransparentBlitTest : public SurfaceOpsTest, public ::testing::WithParamIn
 TEST_P(TransparentBlitTest, LeavesOutExactlyTheKeyPixels) {
   platform::SetModuleAvailable("MSIMG32.DLL", GetParam());
   LiveEditor live(4, 4);
-  ASSERT_EQ(live->m_transparentBlt != nullptr, GetParam());
+  ASSERT_EQ(live->m_shell.transparentBlt() != nullptr, GetParam());
   HDC target = live->m_surfaces.composition.dc();
   const int before = platform::LiveGdiObjects().total();
 
@@ -163,7 +172,7 @@ INSTANTIATE_TEST_SUITE_P(BothBranches, TransparentBlitTest, ::testing::Values(tr
 TEST_F(SurfaceOpsTest, CompositingPutsStrokesOverTheTargetAndReselectsTheLayer) {
   LiveEditor live(3, 1);
   SetPixel(live->m_surfaces.drawingLayer.dc(), 1, 0, kBlue);
-  FillRect(live->m_surfaces.composition.dc(), &live->m_surfaces.composition.rect,
+  FillRect(live->m_surfaces.composition.dc(), &live->m_surfaces.composition.rect(),
            static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   live->CompositeDrawingLayer(live->m_surfaces.composition.dc());
   EXPECT_EQ(SurfaceColors(live->m_surfaces.composition.dc(), 3, 1), (std::vector<COLORREF>{0, kBlue, 0}));
@@ -180,24 +189,22 @@ TEST_F(SurfaceOpsTest, RebuildWithoutAnOriginalPaintsTheKeyColour) {
   EXPECT_EQ(SurfaceColors(live->m_surfaces.imageSurface.dc(), 4, 3), std::vector<COLORREF>(12, kKey));
 }
 
+// The rebuild refills the image rectangle from the original and leaves the rest of
+// the surface as it was.
 TEST_F(SurfaceOpsTest, RebuildStretchesTheOriginalIntoTheImageRectangleOnly) {
   LiveEditor live(6, 4);
-  live->m_surfaces.original =
-      platform::OwnedBitmap(MakeBitmap(live->m_surfaces.composition.dc(), 2, 1, {kRed, kBlue}));
-  live->m_view.originalWidth = 2;
-  live->m_view.originalHeight = 1;
-  live->m_view.imageRect = RECT{1, 1, 5, 3};
-  live->m_view.displayedWidth = 4;
-  live->m_view.displayedHeight = 2;
+  live.Show(2, 1, {kRed, kBlue});
+  live->SetImageWidth(-200);  // 4 x 2, centred: from (1, 1) to (5, 3)
+  HDC surface = live->m_surfaces.imageSurface.dc();
+  FillRect(surface, &live->m_surfaces.imageSurface.rect(), static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   live->RebuildImageSurface();
-  const std::vector<COLORREF> colors = SurfaceColors(live->m_surfaces.imageSurface.dc(), 6, 4);
-  // Outside the image rectangle the surface keeps its white.
+  const std::vector<COLORREF> colors = SurfaceColors(surface, 6, 4);
   for (int x = 0; x < 6; ++x) {
-    EXPECT_EQ(colors[static_cast<size_t>(x)], kWhite);
-    EXPECT_EQ(colors[static_cast<size_t>(18 + x)], kWhite);
+    EXPECT_EQ(colors[static_cast<size_t>(x)], 0u);
+    EXPECT_EQ(colors[static_cast<size_t>(18 + x)], 0u);
   }
-  EXPECT_EQ(colors[6], kWhite);
-  EXPECT_EQ(colors[11], kWhite);
+  EXPECT_EQ(colors[6], 0u);
+  EXPECT_EQ(colors[11], 0u);
   // Inside, the ends of each row keep the original's colours.
   EXPECT_EQ(colors[7], kRed);
   EXPECT_EQ(colors[10], kBlue);
@@ -225,19 +232,23 @@ TEST_F(SurfaceOpsTest, ResizingTheDrawingLayerStretchesItsSourceRectangle) {
   EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmapsBefore);
 }
 
+// The brush becomes a silhouette in the current colour: its key pixels (the layer's
+// key colour, once the layer exists) stay transparent, and recolouring keeps no
+// bitmap it no longer needs.
 TEST_F(SurfaceOpsTest, RecoloringTheBitmapBrushSparesKeyPixels) {
   LiveEditor live(4, 4);
-  const COLORREF key = live->m_tools.bitmapBrushKeyColor;
-  live->m_tools.toolWidth = 2;
-  live->m_tools.bitmapBrush =
-      platform::OwnedBitmap(MakeBitmap(live->m_surfaces.composition.dc(), 2, 2, {key, kRed, kBlue, key}));
+  live->SetColor("0000FF");
+  live->SetBitmapBrush(live.files.Write("brush.bmp", BitmapFile(2, 2, {kKey, kRed, kBlue, kKey})).c_str());
+  ASSERT_EQ(live->m_tools.mode, ToolMode::BitmapBrush);
+  EXPECT_EQ(BitmapColors(live->m_tools.bitmapBrush.get()), (std::vector<COLORREF>{kKey, kBlue, kBlue, kKey}));
   const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
 
-  live->RecolorBitmapBrush(key);
-  EXPECT_EQ(BitmapColors(live->m_tools.bitmapBrush.get()), (std::vector<COLORREF>{key, kRed, kBlue, key}));
+  live->RecolorBitmapBrush(kKey);
+  EXPECT_EQ(BitmapColors(live->m_tools.bitmapBrush.get()), (std::vector<COLORREF>{kKey, kBlue, kBlue, kKey}));
 
-  live->RecolorBitmapBrush(kGreen);
-  EXPECT_EQ(BitmapColors(live->m_tools.bitmapBrush.get()), (std::vector<COLORREF>{key, kGreen, kGreen, key}));
+  live->SetColor("00FF00");
+  EXPECT_EQ(BitmapColors(live->m_tools.bitmapBrush.get()),
+            (std::vector<COLORREF>{kKey, kGreen, kGreen, kKey}));
   EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmapsBefore);
 }
 

@@ -1,5 +1,7 @@
 // Shared pieces of the engine tests: a fixture installing the recording host, and an
-// editor window created inside a host window the way the control creates it.
+// editor window created inside a host window the way the control creates it, which
+// tests bring into a state the way a host does: pictures through SetImage, mouse
+// input through the platform, and the interface operations.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,9 +11,11 @@
 #include <vector>
 
 #include "editor/image_edit_wnd.h"
+#include "imageio/bmp_builder.h"
 #include "platform/platform.h"
 #include "support/bitmap_colors.h"
 #include "support/recording_host.h"
+#include "support/temp_files.h"
 
 // Installs a recording host for the test's lifetime and restores the platform's
 // process-wide settings afterwards.
@@ -24,11 +28,20 @@ class HostedTest : public ::testing::Test {
   InstalledRecordingHost host_;
 };
 
+// A 24-bit bitmap file of the given COLORREFs, top row first.
+inline std::vector<std::uint8_t> BitmapFile(int width, int height, const std::vector<COLORREF>& colors) {
+  return imageio_test::BuildTrueColourBmp(width, height, [&](int x, int y) {
+    const COLORREF c = colors[static_cast<std::size_t>(y * width + x)];
+    return static_cast<std::uint32_t>(GetRValue(c) << 16 | GetGValue(c) << 8 | GetBValue(c));
+  });
+}
+
 // An editor whose window exists and has had its first sizing, as after the control
 // has been activated.
 struct LiveEditor {
   HWND hostWindow = nullptr;
   std::unique_ptr<CImageEditWnd> editor = std::make_unique<CImageEditWnd>();
+  TempFiles files{"live_editor_"};
 
   LiveEditor(int width, int height) {
     hostWindow = platform::CreateHostWindow(width, height);
@@ -42,6 +55,24 @@ struct LiveEditor {
     DestroyWindow(hostWindow);
   }
   CImageEditWnd* operator->() { return editor.get(); }
+
+  // Loads a picture of those colours (top row first) as a host does, from a bitmap
+  // file; it is shown at 100 %, centred in the window.
+  void Show(int width, int height, const std::vector<COLORREF>& colors) {
+    editor->SetImage(files.Write("picture.bmp", BitmapFile(width, height, colors)).c_str());
+  }
+  void Show(int width, int height, COLORREF color) {
+    Show(width, height, std::vector<COLORREF>(static_cast<std::size_t>(width * height), color));
+  }
+
+  // Mouse input at a window point, as the platform delivers it.
+  void Mouse(UINT message, int x, int y) { platform::MouseInput(hostWindow, message, x, y); }
+  void Drag(int x0, int y0, int x1, int y1) {
+    Mouse(WM_LBUTTONDOWN, x0, y0);
+    Mouse(WM_MOUSEMOVE, x1, y1);
+    Mouse(WM_LBUTTONUP, x1, y1);
+  }
+  void Click(int x, int y) { Drag(x, y, x, y); }
 };
 
 // Every pixel of the bitmap selected into a DC.

@@ -1,11 +1,13 @@
 // The tools through the editor: the pens and brushes the setters leave selected in
-// the drawing layer, the cursor of every tool, the mouse frame of a tool action
-// (capture, the cursor kept over the image) and the text box of the text tool.
-#include <algorithm>
+// the drawing layer, what decides the cursor, the mouse frame of a tool action
+// (capture, the cursor kept over the image), the text box of the text tool, and what
+// a tool keeps while another is chosen. What the tools draw is in the scenarios
+// (tests/cli/tools_*.ies).
 #include <functional>
 #include <string>
 
 #include "platform/gdi_draw.h"
+#include "resources/cursor_table.h"
 #include "test_support.h"
 
 namespace {
@@ -14,8 +16,8 @@ constexpr COLORREF kColor = RGB(0x12, 0x34, 0x56);
 
 class ToolsTest : public HostedTest {
  protected:
-  // An editor whose whole client area shows the image.
-  ToolsTest() { live_->m_view.imageRect = RECT{0, 0, 100, 80}; }
+  // A picture that fills the whole client area.
+  ToolsTest() { live_.Show(100, 80, 0xFFFFFF); }
 
   HDC Layer() { return live_->m_surfaces.drawingLayer.dc(); }
   EXTLOGPEN SelectedPen() {
@@ -23,12 +25,12 @@ class ToolsTest : public HostedTest {
     GetObjectA(GetCurrentObject(Layer(), OBJ_PEN), sizeof pen, &pen);
     return pen;
   }
-  void Mouse(UINT message, int x, int y) { platform::MouseInput(live_.hostWindow, message, x, y); }
-  void Click(int x, int y) { Drag(x, y, x, y); }
-  void Drag(int x0, int y0, int x1, int y1) {
-    Mouse(WM_LBUTTONDOWN, x0, y0);
-    Mouse(WM_MOUSEMOVE, x1, y1);
-    Mouse(WM_LBUTTONUP, x1, y1);
+  // The cursor shown over the window now: the cursor is chosen before each move
+  // reaches the window, from what the move before found under the pointer.
+  int CursorAt(int x, int y) {
+    live_.Mouse(WM_MOUSEMOVE, x, y);
+    live_.Mouse(WM_MOUSEMOVE, x, y);
+    return host_.cursors.empty() ? -2 : host_.cursors.back();
   }
 
   LiveEditor live_{100, 80};
@@ -113,92 +115,60 @@ TEST_F(ToolsTest, SetShapeKeepsStylesOneToSixAndFillsOnlyTheFilledShapes) {
   EXPECT_EQ(live_->m_tools.mode, ToolMode::Shape);
 }
 
-// A spray tries r * r * 3.14 (truncated) over the density times, four dots a try; a
-// radius of 0 sprays nothing, a negative one as its magnitude, and a huge one is
-// capped so that a press cannot stall the editor.
-TEST(AirbrushTest, TriesOfOneSpray) {
-  struct Case {
-    int radius, density;
-    long long tries;
-  };
-  for (const Case& c :
-       {Case{10, 64, 4}, Case{10, 32, 9}, Case{10, 1, 314}, Case{-10, 1, 314}, Case{0, 1, 0}, Case{1, 1, 3},
-        Case{1, 4, 0}, Case{300, 1, 282600}, Case{1 << 30, 64, kMaxSprayTries}}) {
-    EXPECT_EQ(SprayTries(c.radius, c.density), std::min(c.tries, kMaxSprayTries))
-        << c.radius << "/" << c.density;
-  }
+// The cursor is the chosen tool's, and follows what changes the tool without a
+// setter: the shape style, the end of a colour pick, a capture being held. With no
+// tool it says what a drag would do where the pointer is.
+TEST_F(ToolsTest, TheCursorFollowsTheToolAndWithNoToolWhatIsUnderThePointer) {
+  live_->SetSelectionBox(40, 40);
+  EXPECT_EQ(CursorAt(50, 40), kOpenHandMoveCursor);
+  EXPECT_EQ(CursorAt(2, 2), kSystemArrowCursor) << "the window class's arrow";
+
+  live_->SetShape(4);
+  EXPECT_EQ(CursorAt(50, 40), kArrowEllipseCursor);
+  live_->SetShape(2);
+  EXPECT_EQ(CursorAt(50, 40), kArrowCurveCursor);
+  live_->SelectColor();
+  EXPECT_EQ(CursorAt(50, 40), kEyedropperCursor);
+  live_.Click(50, 40);
+  EXPECT_EQ(CursorAt(50, 40), kArrowCurveCursor) << "back to the tool the pick interrupted";
+
+  live_->SelectRectangle();
+  live_.Drag(10, 10, 30, 30);
+  ASSERT_EQ(live_->m_tools.mode, ToolMode::RectangleSelectionHeld);
+  EXPECT_EQ(CursorAt(50, 40), kArrowSelectionCursor);
 }
 
-// The cursor follows the tool; with no tool it shows what a drag would do there.
-TEST_F(ToolsTest, EveryToolShowsItsCursor) {
-  struct Case {
-    const char* tool;
-    Setter set;
-    int cursor;
-  };
-  const auto mode = [](ToolMode m) { return [m](CImageEditWnd& e) { e.m_tools.mode = m; }; };
-  const auto shape = [](int style) { return [style](CImageEditWnd& e) { e.SetShape(style); }; };
-  const Case cases[] = {
-      {"no tool", [](CImageEditWnd& e) { e.SetNothing(); }, 0},
-      {"no tool, a picture that scrolls", [](CImageEditWnd& e) { e.m_view.vScrollShown = true; }, 215},
-      {"no tool, over the selection box", [](CImageEditWnd& e) { e.SetSelectionBox(40, 40); }, 217},
-      {"colour pick", [](CImageEditWnd& e) { e.SelectColor(); }, 214},
-      {"fill", [](CImageEditWnd& e) { e.FillWithSelectedColor(); }, 205},
-      {"eraser", [](CImageEditWnd& e) { e.SetEraser(4); }, 203},
-      {"pen", [](CImageEditWnd& e) { e.SetPen(4); }, 201},
-      {"brush", [](CImageEditWnd& e) { e.SetBrush(4); }, 202},
-      {"airbrush", [](CImageEditWnd& e) { e.SetAirBrush(4); }, 211},
-      {"bitmap brush", mode(ToolMode::BitmapBrush), 210},
-      {"line", shape(1), 206},
-      {"curve", shape(2), 207},
-      {"rectangle", shape(3), 208},
-      {"ellipse", shape(4), 209},
-      {"filled rectangle", shape(5), 208},
-      {"filled ellipse", shape(6), 209},
-      {"text", [](CImageEditWnd& e) { e.EnterText(); }, 213},
-      {"rectangle selection", [](CImageEditWnd& e) { e.SelectRectangle(); }, 212},
-      {"held selection", mode(ToolMode::RectangleSelectionHeld), 212},
-      {"irregular selection", [](CImageEditWnd& e) { e.SelectIrregular(); }, 204},
-      {"cut", [](CImageEditWnd& e) { e.CutImage(); }, 220},
-      {"mosaic", [](CImageEditWnd& e) { e.MosaicImage(); }, 220},
-      {"frame", mode(ToolMode::Frame), 0},
-  };
-  SetCursor(nullptr);
-  for (const Case& c : cases) {
-    c.set(*live_.editor);
-    // The cursor is chosen before each move reaches the window, from what the move
-    // before found under the pointer.
-    Mouse(WM_MOUSEMOVE, 50, 40);
-    Mouse(WM_MOUSEMOVE, 50, 40);
-    ASSERT_FALSE(host_.cursors.empty());
-    EXPECT_EQ(host_.cursors.back(), c.cursor) << c.tool;
-  }
+// A picture larger than the window scrolls, so with no tool a drag would pan it.
+TEST_F(ToolsTest, WithNoToolAScrollingPictureShowsThePanHand) {
+  live_.Show(300, 200, 0xFFFFFF);
+  live_->SetNothing();
+  EXPECT_EQ(CursorAt(50, 40), kOpenHandPanCursor);
 }
 
 // A press on the image captures the mouse and keeps the cursor over the visible part
 // of the image until the release; a press beside the image does nothing.
 TEST_F(ToolsTest, AToolActionKeepsTheCursorOverTheImage) {
-  live_->m_view.imageRect = RECT{20, 10, 80, 50};
+  live_.Show(60, 40, 0xFFFFFF);  // centred: from (20, 20) to (80, 60)
   live_->SetPen(1);
-  Mouse(WM_LBUTTONDOWN, 10, 10);
-  EXPECT_FALSE(live_->m_tools.stroke.buttonDown);
+  live_.Mouse(WM_LBUTTONDOWN, 10, 10);
+  EXPECT_FALSE(live_->m_stroke.buttonDown);
   EXPECT_EQ(GetCapture(), nullptr);
-  Mouse(WM_LBUTTONUP, 10, 10);
+  live_.Mouse(WM_LBUTTONUP, 10, 10);
 
-  Mouse(WM_LBUTTONDOWN, 30, 20);
+  live_.Mouse(WM_LBUTTONDOWN, 30, 25);
   EXPECT_EQ(GetCapture(), live_->m_hWnd);
   RECT clip{};
   GetClipCursor(&clip);
   POINT origin{0, 0};
   ClientToScreen(live_->m_hWnd, &origin);
   EXPECT_EQ(clip.left, origin.x + 20);
-  EXPECT_EQ(clip.top, origin.y + 10);
+  EXPECT_EQ(clip.top, origin.y + 20);
   EXPECT_EQ(clip.right, origin.x + 80);
-  EXPECT_EQ(clip.bottom, origin.y + 50);
-  Mouse(WM_MOUSEMOVE, 95, 20);  // confined: the stroke ends at the image's edge
-  Mouse(WM_LBUTTONUP, 95, 20);
-  EXPECT_EQ(GetPixel(Layer(), 78, 20), 0u);
-  EXPECT_EQ(GetPixel(Layer(), 85, 20), kDrawingLayerKeyColor);
+  EXPECT_EQ(clip.bottom, origin.y + 60);
+  live_.Mouse(WM_MOUSEMOVE, 95, 25);  // confined: the stroke ends at the image's edge
+  live_.Mouse(WM_LBUTTONUP, 95, 25);
+  EXPECT_EQ(GetPixel(Layer(), 78, 25), 0u);
+  EXPECT_EQ(GetPixel(Layer(), 85, 25), kDrawingLayerKeyColor);
   EXPECT_EQ(GetCapture(), nullptr);
   RECT freed{};
   GetClipCursor(&freed);
@@ -210,27 +180,60 @@ TEST_F(ToolsTest, AToolActionKeepsTheCursorOverTheImage) {
 TEST_F(ToolsTest, TheTextToolOpensABoxWhereItWasDragged) {
   live_->EnterText();
   const auto boxAt = [&](RECT expected) {
-    ASSERT_TRUE(live_->m_textEdit.IsShown());
+    ASSERT_TRUE(live_->m_textEntry.IsShown());
     RECT shown{};
-    GetWindowRect(live_->m_textEdit.m_hWnd, &shown);
+    GetWindowRect(live_->m_textEntry.box(), &shown);
     POINT origin{0, 0};
     ClientToScreen(live_->m_hWnd, &origin);
     EXPECT_EQ(shown.left - origin.x, expected.left);
     EXPECT_EQ(shown.top - origin.y, expected.top);
     EXPECT_EQ(shown.right - shown.left, expected.right);
     EXPECT_EQ(shown.bottom - shown.top, expected.bottom);
-    EXPECT_EQ(GetFocus(), live_->m_textEdit.m_hWnd);
+    EXPECT_EQ(GetFocus(), live_->m_textEntry.box());
   };
-  Click(10, 10);
+  live_.Click(10, 10);
   boxAt(RECT{10, 10, 30, 15});
-  Drag(60, 50, 30, 20);  // 30 x 30: too narrow to open another
-  EXPECT_FALSE(live_->m_textEdit.IsShown());
-  Drag(60, 50, 29, 20);
+  live_.Drag(60, 50, 30, 20);  // 30 x 30: too narrow to open another
+  EXPECT_FALSE(live_->m_textEntry.IsShown());
+  live_.Drag(60, 50, 29, 20);
   boxAt(RECT{29, 20, 31, 30});
   live_->SetNothing();  // leaves the box open
-  EXPECT_TRUE(live_->m_textEdit.IsShown());
+  EXPECT_TRUE(live_->m_textEntry.IsShown());
   live_->SetPen(2);
-  EXPECT_FALSE(live_->m_textEdit.IsShown());
+  EXPECT_FALSE(live_->m_textEntry.IsShown());
+}
+
+// Tools are kept while others are chosen: a curve half built is carried on when the
+// curve is chosen again, and an airbrush held still keeps spraying on its timer.
+// Only a move through the history gives up a half-built curve.
+TEST_F(ToolsTest, AToolCarriesOnWhereItWasWhenChosenAgain) {
+  live_->SetPen(1);
+  live_->SetShape(2);
+  live_.Drag(10, 70, 90, 70);
+  live_.Drag(50, 10, 50, 20);
+  ASSERT_EQ(live_->State().curveStage, 2);
+  live_->SetPen(3);
+  live_->SetShape(2);
+  EXPECT_EQ(live_->State().curveStage, 2);
+  const int levels = live_->State().historyCount;
+  live_.Drag(60, 40, 70, 30);  // the third drag finishes the same curve
+  EXPECT_EQ(live_->State().curveStage, 0);
+  EXPECT_EQ(live_->State().historyCount, levels) << "only the curve's first press starts a level";
+
+  live_.Drag(10, 70, 90, 70);
+  live_->SetPen(3);
+  live_->Undo();
+  live_->SetShape(2);
+  EXPECT_EQ(live_->State().curveStage, 1) << "the undo came while the pen was chosen";
+  live_->Undo();
+  EXPECT_EQ(live_->State().curveStage, 0);
+
+  live_->SetAirBrush(20);
+  live_.Mouse(WM_LBUTTONDOWN, 50, 40);
+  live_->SetPen(2);
+  platform::AdvanceClock(200);
+  EXPECT_EQ(live_->State().airbrushDensity, 32) << "the spray timer runs on";
+  live_.Mouse(WM_LBUTTONUP, 50, 40);
 }
 
 }  // namespace

@@ -22,25 +22,15 @@ TEST(DisplayScaleTest, PercentagesAndTheShrinkCorrection) {
   }
 }
 
-class ViewTest : public HostedTest {
- protected:
-  // Gives the editor an original of that size, as a load would, and shows it at 100 %.
-  static void ShowOriginal(LiveEditor& live, int width, int height) {
-    live->m_surfaces.original = platform::OwnedBitmap(MakeBitmap(
-        live->m_surfaces.composition.dc(), width, height, std::vector<COLORREF>(width * height, 0x0000FF)));
-    live->m_view.originalWidth = width;
-    live->m_view.originalHeight = height;
-    live->SetImageWidth(-100);
-  }
-};
+class ViewTest : public HostedTest {};
 
 TEST_F(ViewTest, StrokesAreStretchedWithTheImage) {
   LiveEditor live(100, 80);
-  ShowOriginal(live, 40, 20);
+  live.Show(40, 20, 0x0000FF);
   SetPixel(live->m_surfaces.drawingLayer.dc(), 30, 30, 0x00FF00);  // the image's top-left pixel
   live->SetImageWidth(-200);
-  ASSERT_EQ(live->m_view.imageRect.left, 10);
-  ASSERT_EQ(live->m_view.imageRect.top, 20);
+  ASSERT_EQ(live->m_view.imageRect().left, 10);
+  ASSERT_EQ(live->m_view.imageRect().top, 20);
   // One pixel became two by two.
   const std::vector<COLORREF> layer = SurfaceColors(live->m_surfaces.drawingLayer.dc(), 100, 80);
   for (const auto& [x, y, color] : {std::tuple{10, 20, 0x00FF00u},
@@ -53,7 +43,7 @@ TEST_F(ViewTest, StrokesAreStretchedWithTheImage) {
 
 TEST_F(ViewTest, PaintShowsStrokesAtTheScrollOffset) {
   LiveEditor live(50, 40);
-  ShowOriginal(live, 100, 10);
+  live.Show(100, 10, 0x0000FF);
   SetPixel(live->m_surfaces.drawingLayer.dc(), 5, 20, 0x00FF00);
   live->SendMessage(WM_HSCROLL, MAKELPARAM(SB_THUMBPOSITION, 4), 0);
 

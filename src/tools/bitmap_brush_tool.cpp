@@ -1,0 +1,40 @@
+#include "tools/bitmap_brush_tool.h"
+
+#include <cstdlib>
+
+#include "editor/image_edit_wnd.h"
+#include "resources/cursor_table.h"
+#include "tools/drag_area.h"
+
+void BitmapBrushTool::Press(POINT point) { StampAt(point); }
+
+std::optional<RECT> BitmapBrushTool::Move(POINT point) {
+  const int width = Width();
+  POINT& last = Stroke().lastPoint;
+  if (std::abs(last.x - point.x) <= width && std::abs(last.y - point.y) <= width) return RECT{0, 0, 0, 0};
+  last = point;
+  StampAt(point);
+  const long long left = point.x - width / 2;
+  const long long top = point.y - width / 2;
+  return ClampedRect(left, top, left + width, top + width);
+}
+
+void BitmapBrushTool::Release(POINT) {
+  editor_.m_surfaces.CopyLayerToSnapshot();
+  Stroke().lastPoint = POINT{0, 0};
+}
+
+int BitmapBrushTool::Cursor() const { return kArrowTiledSquareCursor; }
+
+void BitmapBrushTool::ApplyColor() { editor_.RecolorBitmapBrush(editor_.m_tools.color); }
+
+void BitmapBrushTool::StampBitmapBrush(HDC dc, int left, int top, int width, int height) {
+  const ToolState& tools = editor_.m_tools;
+  if (!tools.bitmapBrush) return;
+  editor_.TransparentBlit(dc, tools.bitmapBrush.get(), left, top, width, height, tools.bitmapBrushKeyColor);
+}
+
+void BitmapBrushTool::StampAt(POINT pointer) {
+  const int width = Width();
+  StampBitmapBrush(Layer(), pointer.x - width / 2, pointer.y - width / 2, width, width);
+}

@@ -1,0 +1,15 @@
+// The parts of the surfaces a drag touches, for repainting only those. Areas are
+// worked in 64 bits, since a pen's width is whatever the host set (up to 2^31), and
+// cut to GDI's device space, beyond which nothing is drawn anyway; their sides then
+// still fit an int.
+#pragma once
+
+#include "platform/platform.h"
+
+// The rectangle a drag from `a` to `b` spans, whichever way it went.
+RECT SpannedRect(POINT a, POINT b);
+// The pixels from `a` to `b` (both included) and `margin` around them: what a stroke
+// or spray may have painted there.
+RECT PaintedArea(POINT a, POINT b, long long margin);
+// (left, top, right, bottom) cut to the device space.
+RECT ClampedRect(long long left, long long top, long long right, long long bottom);

@@ -1,0 +1,55 @@
+#include "tools/text_entry.h"
+
+#include <cstring>
+
+#include "editor/image_edit_wnd.h"
+#include "resources/localized_text.h"
+
+namespace {
+
+// Hidden until text is entered.
+constexpr DWORD kBoxStyle = WS_CHILD | WS_THICKFRAME | kClassStyleBits;
+constexpr UINT kBoxChildId = 1;
+
+struct DefaultFont {
+  BYTE charSet;
+  const char* faceName;
+};
+
+DefaultFont DefaultFontFor(WORD language) {
+  if (language == kLanguageKorean) return {129, "굴림체"};
+  if (language == kLanguageChinese) return {134, "宋体"};
+  return {0, "Arial"};
+}
+
+}  // namespace
+
+TextEntry::TextEntry(WORD language) {
+  if (HDC screen = ::GetDC(nullptr)) {
+    fontDescription_.lfHeight = -MulDiv(9, GetDeviceCaps(screen, LOGPIXELSY), 72);
+    ::ReleaseDC(nullptr, screen);
+  }
+  const DefaultFont font = DefaultFontFor(language);
+  fontDescription_.lfWeight = 400;
+  fontDescription_.lfCharSet = font.charSet;
+  fontDescription_.lfOutPrecision = 3;
+  fontDescription_.lfClipPrecision = 2;
+  fontDescription_.lfQuality = 1;
+  std::strncpy(fontDescription_.lfFaceName, font.faceName, LF_FACESIZE - 1);
+  font_ = platform::OwnedFont(CreateFontIndirectA(&fontDescription_));
+  backgroundBrush_ = platform::OwnedBrush(CreateSolidBrush(backgroundColor_));
+}
+
+void TextEntry::Create(CWnd* editor) {
+  const RECT none{0, 0, 0, 0};
+  box_.Create(nullptr, "Text Edit", kBoxStyle, none, editor, kBoxChildId);
+}
+
+void TextEntry::Open(const RECT& rect) { box_.Open(rect, font_.get()); }
+
+void TextEntry::Discard() { box_.HideAndClear(); }
+
+void TextEntry::Release() {
+  font_.reset();
+  backgroundBrush_.reset();
+}
