@@ -158,9 +158,6 @@ class CImageEditWnd : public CWnd {
   // coordinates; null for the whole buffer). Whatever reads the composition buffer
   // composes the part it reads first: repaints the visible part, saves the saved part.
   void ComposeView(const RECT* area = nullptr);
-  // Shows or hides the scroll bars for content of that size, resets the scroll
-  // positions and measures the view.
-  void UpdateScrollBars(int contentWidth, int contentHeight);
 
   // ---- window ----
   BOOL PreCreateWindow(CREATESTRUCTA& cs) override;
@@ -208,6 +205,9 @@ class CImageEditWnd : public CWnd {
   // Centres the original, scaled by the display scale, in a surface of that size
   // and stretches it there on white.
   void DrawScaledOriginal(const Surface& surface);
+  // Shows or hides the scroll bars for content of that size, resets the scroll
+  // positions and measures the view.
+  void UpdateScrollBars(int contentWidth, int contentHeight);
   // One scroll message on one axis; both axes share the arithmetic.
   void Scroll(int bar, UINT code, int position);
   // Makes the drawing pen: the layer's previous pen goes back first, and only a pen
