@@ -3,7 +3,6 @@
 // interface method to the public operation of the same name here.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "editor/editor_events.h"
