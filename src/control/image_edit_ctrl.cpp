@@ -9,7 +9,6 @@ constexpr char kControlClassName[] = "OstrelImageEditCtrl";
 constexpr char kEditorTitle[] = "Image Edit";
 // Shown only once it exists.
 constexpr DWORD kEditorStyle = WS_CHILD | kClassStyleBits;
-constexpr UINT kEditorChildId = 1;
 constexpr UINT kControlClassStyle = CS_VREDRAW | CS_HREDRAW | CS_DBLCLKS;
 constexpr int kAboutDialogId = 1;
 constexpr char kAboutDialogTitle[] = "About Image Edit Control";
@@ -154,6 +153,13 @@ void CImageEditCtrl::EnableVerbose(long bVerbose) { Forward(&CImageEditWnd::Enab
 // The About box needs no editor: it works in every state, modal, with no parent.
 void CImageEditCtrl::AboutBox() { platform::CurrentHost().ShowDialog(kAboutDialogId, kAboutDialogTitle); }
 
+// ---- what hosts read ----
+
+HBITMAP CImageEditCtrl::SurfaceBitmap(SurfaceName surface) {
+  if (surface == SurfaceName::Composition) m_editor.ComposeView();
+  return m_editor.SurfaceBitmap(surface);
+}
+
 // ---- events ----
 
 DWORD CImageEditCtrl::Advise(IEventSink* sink) {
@@ -234,7 +240,7 @@ BOOL CImageEditCtrl::PreTranslateMessage(MSG* msg) {
 int CImageEditCtrl::OnCreate(LPCREATESTRUCTA cs) {
   if (CWnd::OnCreate(cs) == -1) return -1;
   const RECT rect{0, 0, createWidth_, createHeight_};
-  m_editor.Create(nullptr, kEditorTitle, kEditorStyle, rect, this, kEditorChildId);
+  m_editor.Create(nullptr, kEditorTitle, kEditorStyle, rect, this, kEditorWindowId);
   // A failed creation leaves every method inert; the control window itself lives on.
   m_editor.m_windowCreated = IsWindow(m_editor.m_hWnd) == TRUE;
   if (m_editor.m_windowCreated) m_editor.ShowWindow(SW_SHOWNORMAL);

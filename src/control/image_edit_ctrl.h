@@ -8,6 +8,7 @@
 
 #include "control/variant.h"
 #include "editor/editor_events.h"
+#include "editor/editor_state.h"
 #include "editor/image_edit_wnd.h"
 #include "platform/platform.h"
 
@@ -28,6 +29,10 @@ enum class InterfaceId {
 
 inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_CALLER = 1;
 inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_DATA = 2;
+
+// The editor window is the control's child with this id: hosts reach it through the
+// platform (GetDlgItem) to send it window messages, such as those of its scroll bars.
+inline constexpr int kEditorWindowId = 1;
 
 inline constexpr int DISPID_COLORSELECTED = 1;
 inline constexpr int DISPID_IMAGESCALED = 2;
@@ -138,6 +143,14 @@ class CImageEditCtrl : public CWnd, public EditorEvents {
 
   // UI-active: activated in place with its user interface (it has the focus).
   bool IsUIActive() const { return uiActive_; }
+
+  // ---- what hosts read ----
+  // The editor's state as one value.
+  EditorState State() const { return m_editor.State(); }
+  // The bitmap of one of the editor's surfaces (null when there is none), for hosts that
+  // write it out as a picture. A repaint composes only what the window shows, so the
+  // composition buffer is composed whole first.
+  HBITMAP SurfaceBitmap(SurfaceName surface);
 
   CImageEditWnd m_editor;
 
