@@ -148,7 +148,7 @@ class HostedControl {
   void Call(const char* method, int value) { Call(method, {Variant::Int(value)}); }
   void Call(const char* method, const std::string& text) { Call(method, {Variant::String(text)}); }
   void Scroll(UINT code) {
-    SendMessageA(control_->m_editor.m_hWnd, WM_VSCROLL, code, 0);
+    SendMessageA(GetDlgItem(control_->m_hWnd, kEditorWindowId), WM_VSCROLL, code, 0);
     platform::FlushPaint(window_);
   }
 

@@ -3,7 +3,9 @@
 # by emscripten (optimised with -O3 and SIMD) twice, without threads
 # (image-edit-engine.js/.wasm, CMake tree build/wasm) and with them
 # (image-edit-engine-threads.js/.wasm/.worker.js, build/wasm-threads), the custom
-# element image-edit-control.js, and the demo page index.html with its sample pictures.
+# element image-edit-control.js with its method list image-edit-interface.js and its
+# TypeScript declaration image-edit-control.d.ts (both generated from the interface
+# description), and the demo page index.html with its sample pictures.
 # Any static file server can serve it: the element loads the engine without threads.
 # A server that makes the page cross-origin isolated (it sends
 # Cross-Origin-Opener-Policy: same-origin and Cross-Origin-Embedder-Policy:
@@ -23,13 +25,14 @@ build_engine() {  # TREE IE_WASM_THREADS
 }
 build_engine build/wasm OFF
 build_engine build/wasm-threads ON
+cmake --build build/wasm --target image_edit_element_interface
 
 out=build/web
 rm -rf "$out"
 mkdir -p "$out/samples"
 cp build/wasm/hosts/web/image-edit-engine.{js,wasm} build/wasm-threads/hosts/web/image-edit-engine-threads.{js,wasm,worker.js} \
   "$out/"
-cp hosts/web/image-edit-control.js hosts/web/demo/* "$out/"
+cp hosts/web/image-edit-control.js build/wasm/hosts/web/image-edit-{interface.js,control.d.ts} hosts/web/demo/* "$out/"
 cp hosts/web/samples/*.jpg hosts/web/samples/*.png hosts/web/samples/*.bmp "$out/samples/"
 # The 12-megapixel sample is drawn once per build tree rather than kept in the repository.
 large=build/wasm/samples/landscape-12mp.jpg

@@ -151,7 +151,7 @@ void ScriptRunner::EnsureControl() {
   if (!control_) CreateControl(kDefaultWidth, kDefaultHeight);
 }
 
-HWND ScriptRunner::EditorWindow() const { return control_->m_editor.m_hWnd; }
+HWND ScriptRunner::EditorWindow() const { return GetDlgItem(control_->m_hWnd, kEditorWindowId); }
 
 // ---- set-up ----
 
@@ -328,10 +328,7 @@ void ScriptRunner::Dump(Args args) {
     throw ParseError("dump: unknown surface '" + surface +
                      "' (image, drawing, composition, snapshot, original)");
   }
-  // A repaint composes only what the window shows; the dump is of the whole buffer.
-  if (named->second == SurfaceName::Composition) control_->m_editor.ComposeView();
-  HBITMAP bitmap = control_->m_editor.SurfaceBitmap(named->second);
-  WritePicture(bitmap, PathArg(args[1]), "dump " + surface);
+  WritePicture(control_->SurfaceBitmap(named->second), PathArg(args[1]), "dump " + surface);
 }
 
 void ScriptRunner::State(Args args) {
@@ -341,7 +338,7 @@ void ScriptRunner::State(Args args) {
     if (!IsStateKey(key)) throw ParseError("state: unknown key '" + key + "'");
     keys.push_back(key);
   }
-  out_ << EditorStateJson(control_->m_editor.State(), keys) << '\n';
+  out_ << EditorStateJson(control_->State(), keys) << '\n';
 }
 
 // ---- interface methods ----

@@ -8,39 +8,23 @@
 // hears its events as DOM events and through connected sinks. A person uses it with
 // the mouse and the keyboard.
 //
-// Methods that load pictures or open a dialog return Promises; see README.md.
+// Methods that load pictures or open a dialog return Promises; see README.md. The
+// methods and what the element must know of them (image-edit-interface.js) and the
+// TypeScript declaration (image-edit-control.d.ts) are generated from the control's
+// interface description.
 
-// The interface, in DISPID order (AboutBox last).
-const METHODS = [
-  'SetImage', 'SaveEditedBitmap', 'SetColor', 'GetColor', 'SelectColor', 'FillWithSelectedColor',
-  'SetEraser', 'SetPen', 'SetBrush', 'SetAirBrush', 'SetBitmapBrush', 'SetShape', 'EnterText',
-  'SetTextFont', 'SetTextBackgroundColor', 'SelectRectangle', 'SelectIrregular', 'SetTransparency',
-  'SetTexture', 'Undo', 'Redo', 'Clear', 'ScaleImage', 'SetSaveEditedBitmapSize', 'SetImageWidth',
-  'SetFrame', 'RotateImage', 'CutImage', 'GrayImage', 'BlockImage', 'CheckImage', 'WaterDropImage',
-  'HeartImage', 'MosaicImage', 'InsertBalloonText', 'InsertIcon', 'FlipImage', 'ReverseImage',
-  'SharpenImage', 'SmoothImage', 'EmbossImage', 'BrightenImage', 'ContrastImage', 'HueImage',
-  'SaturateImage', 'CorrectGamma', 'EqualizeHistogram', 'InvertImage', 'BlendImage', 'WhitenImage',
-  'SetNothing', 'SetSelectionBox', 'SaveSelectionBoxBitmap', 'EnableShortcutMenu', 'EnableVerbose',
-  'AboutBox',
-];
+import { EVENTS, METHODS } from './image-edit-interface.js';
 
-// Methods that load pictures, and which of their arguments name one.
-const LOADERS = {
-  SetImage: [0], SetBitmapBrush: [0], SetFrame: [1], InsertBalloonText: [2], InsertIcon: [2], BlendImage: [0],
-};
-// Methods that write a bitmap file.
-const SAVERS = new Set(['SaveEditedBitmap', 'SaveSelectionBoxBitmap']);
-// Results before the control exists, as the control gives them before its window.
-const EMPTY_RESULTS = { SetColor: null, GetColor: null, SetTextFont: null, SetTextBackgroundColor: null, ScaleImage: false };
-
-const isKeyword = (value, keyword) => typeof value === 'string' && value.toUpperCase() === keyword;
-// A text setter opens its dialog for "DIALOG" and for no text at all.
-const asksForDialog = (args) => args[0] == null || args[0] === '' || isKeyword(args[0], 'DIALOG');
-// Which calls open the colour dialog, and with what the dialog starts.
-const COLOR_DIALOGS = {
-  SetColor: (args) => isKeyword(args[0], 'DIALOG'),
-  SetTextBackgroundColor: asksForDialog,
-};
+// The dialog a call opens now: 'color', 'font' or 'about', or null for none. A method
+// that opens one for some values of its argument compares the argument in upper case,
+// null and undefined standing for ''.
+function dialogOf(method, args) {
+  const { dialog } = method;
+  if (dialog === undefined) return null;
+  if (dialog.parameter === undefined) return dialog.kind;
+  const argument = args[dialog.parameter] ?? '';
+  return typeof argument === 'string' && dialog.values.includes(argument.toUpperCase()) ? dialog.kind : null;
+}
 
 const WM_KEYDOWN = 0x0100, WM_KEYUP = 0x0101, WM_MOUSEMOVE = 0x0200;
 const BUTTON_MESSAGES = [  // down, up, double click per pointer button (0 left, 2 right)
@@ -161,10 +145,8 @@ export class ImageEditControl extends HTMLElement {
     this.#context = this.#canvas.getContext('2d');
     const lang = (this.getAttribute('lang') || navigator.language || '').toLowerCase().slice(0, 2);
     this.#control = new engine.WebControl(width, height, LANGUAGES[lang] ?? ENGLISH, this.#pageSide());
-    this.#control.connectSink({
-      ColorSelected: (color) => this.dispatchEvent(new CustomEvent('ColorSelected', { detail: color })),
-      ImageScaled: (factor) => this.dispatchEvent(new CustomEvent('ImageScaled', { detail: factor })),
-    });
+    this.#control.connectSink(Object.fromEntries(EVENTS.map((name) =>
+      [name, (detail) => this.dispatchEvent(new CustomEvent(name, { detail }))])));
     this.#listen();
     this.#resolveReady(this);
   }
@@ -185,18 +167,19 @@ export class ImageEditControl extends HTMLElement {
 
   // Every interface method is a method of the element.
   static {
-    for (const name of METHODS) {
-      this.prototype[name] = function (...args) { return this.#dispatch(name, args); };
+    for (const method of METHODS) {
+      this.prototype[method.name] = function (...args) { return this.#dispatch(method, args); };
     }
   }
 
-  #dispatch(name, args) {
-    if (name in LOADERS) return this.#loadingCall(name, args);
-    if (name in COLOR_DIALOGS && COLOR_DIALOGS[name](args)) return this.#colorDialogCall(name, args);
-    // The font dialog is not a page element yet: its calls are answered as cancelled.
-    const fontDialog = name === 'SetTextFont' && asksForDialog(args);
-    if (fontDialog || name === 'AboutBox') return this.#callLater(name, args, async () => {});
-    return this.#call(name, args);
+  #dispatch(method, args) {
+    if (method.pictures) return this.#loadingCall(method, args);
+    const dialog = dialogOf(method, args);
+    if (dialog === 'color') return this.#colorDialogCall(method.name, args);
+    // The About box is shown through the page side as the call runs; the font dialog
+    // is not a page element yet, so its calls are answered as cancelled.
+    if (dialog !== null) return this.#callLater(method.name, args, async () => {});
+    return this.#call(method, args);
   }
 
   #invoke(name, args) {
@@ -206,9 +189,9 @@ export class ImageEditControl extends HTMLElement {
     return outcome.value;
   }
 
-  #call(name, args) {
-    if (this.#control === null) return EMPTY_RESULTS[name];
-    return SAVERS.has(name) ? this.#save(name, args) : this.#invoke(name, args);
+  #call(method, args) {
+    if (this.#control === null) return method.empty;
+    return method.savefile === undefined ? this.#invoke(method.name, args) : this.#save(method, args);
   }
 
   // A Promise-returning call: after the calls before it, once the control exists,
@@ -234,9 +217,9 @@ export class ImageEditControl extends HTMLElement {
     return result;
   }
 
-  #loadingCall(name, args) {
-    const sources = LOADERS[name].map((i) => args[i]).filter((s) => typeof s === 'string');
-    return this.#callLater(name, args, () => Promise.all(sources.map((s) => this.#preparePicture(s))));
+  #loadingCall(method, args) {
+    const sources = method.pictures.map((i) => args[i]).filter((s) => typeof s === 'string');
+    return this.#callLater(method.name, args, () => Promise.all(sources.map((s) => this.#preparePicture(s))));
   }
 
   #colorDialogCall(name, args) {
@@ -250,13 +233,14 @@ export class ImageEditControl extends HTMLElement {
 
   // A save also hands the written file to the page: the `saved` event carries its
   // path in the in-memory file system and a Blob of its bytes.
-  #save(name, args) {
-    const path = typeof args[0] === 'string' && args[0] !== '' ? this.#control.savePath(args[0]) : null;
+  #save(method, args) {
+    const file = args[method.savefile];
+    const path = typeof file === 'string' && file !== '' ? this.#control.savePath(file) : null;
     const FS = this.#engine.FS;
     const written = () => path !== null && FS.analyzePath(path).exists && FS.stat(path).mtime.getTime() !== 0;
     // A file of that name already there is marked, so that only a new write counts.
     if (written()) FS.utime(path, 0, 0);
-    const result = this.#invoke(name, args);
+    const result = this.#invoke(method.name, args);
     if (written()) {
       const blob = new Blob([FS.readFile(path)], { type: 'image/bmp' });
       this.dispatchEvent(new CustomEvent('saved', { detail: { fileName: path, blob } }));

@@ -1,6 +1,7 @@
 // The dispatch interface: every method with its DISPID, parameter names and types and
 // result type, and the call that reaches the control's method. Hosts call by name or
-// by DISPID with variant arguments, as a scripting host does through IDispatch.
+// by DISPID with variant arguments, as a scripting host does through IDispatch. The
+// table is generated from the interface description (resources/image_edit_ctrl.odl).
 #pragma once
 
 #include <span>
@@ -36,7 +37,7 @@ struct MethodInfo {
   Variant (*invoke)(CImageEditCtrl& control, std::span<const Variant> args);
 };
 
-// All 56 methods, in DISPID order with AboutBox last.
+// Every method, in the description's order: DISPID order with AboutBox last.
 const std::vector<MethodInfo>& DispatchMethods();
 // Case-insensitive by name, as IDispatch::GetIDsOfNames matches; null when unknown.
 const MethodInfo* FindMethod(std::string_view name);

@@ -9,7 +9,6 @@ constexpr char kControlClassName[] = "OstrelImageEditCtrl";
 constexpr char kEditorTitle[] = "Image Edit";
 // Shown only once it exists.
 constexpr DWORD kEditorStyle = WS_CHILD | kClassStyleBits;
-constexpr UINT kEditorChildId = 1;
 constexpr UINT kControlClassStyle = CS_VREDRAW | CS_HREDRAW | CS_DBLCLKS;
 constexpr int kAboutDialogId = 1;
 constexpr char kAboutDialogTitle[] = "About Image Edit Control";
@@ -53,106 +52,18 @@ BOOL CImageEditCtrl::CreateControl(HWND parent, int width, int height) {
   return TRUE;
 }
 
-// ---- dispatch methods: each forwards to the editor operation of the same name ----
-
-void CImageEditCtrl::SetImage(LPCSTR lpszFilePath) { Forward(&CImageEditWnd::SetImage, lpszFilePath); }
-void CImageEditCtrl::SaveEditedBitmap(LPCSTR lpszFilePath) {
-  Forward(&CImageEditWnd::SaveEditedBitmap, lpszFilePath);
-}
-Variant CImageEditCtrl::SetColor(LPCSTR lpszColor) {
-  return ForwardString(&CImageEditWnd::SetColor, lpszColor);
-}
-Variant CImageEditCtrl::GetColor() { return ForwardString(&CImageEditWnd::GetColor); }
-void CImageEditCtrl::SelectColor() { Forward(&CImageEditWnd::SelectColor); }
-void CImageEditCtrl::FillWithSelectedColor() { Forward(&CImageEditWnd::FillWithSelectedColor); }
-void CImageEditCtrl::SetEraser(int nEraserSize) { Forward(&CImageEditWnd::SetEraser, nEraserSize); }
-void CImageEditCtrl::SetPen(int nPenSize) { Forward(&CImageEditWnd::SetPen, nPenSize); }
-void CImageEditCtrl::SetBrush(int nBrushSize) { Forward(&CImageEditWnd::SetBrush, nBrushSize); }
-void CImageEditCtrl::SetAirBrush(int nAirBrushSize) { Forward(&CImageEditWnd::SetAirBrush, nAirBrushSize); }
-void CImageEditCtrl::SetBitmapBrush(LPCSTR lpszFilePath) {
-  Forward(&CImageEditWnd::SetBitmapBrush, lpszFilePath);
-}
-void CImageEditCtrl::SetShape(int nShapeStyle) { Forward(&CImageEditWnd::SetShape, nShapeStyle); }
-void CImageEditCtrl::EnterText() { Forward(&CImageEditWnd::EnterText); }
-Variant CImageEditCtrl::SetTextFont(LPCSTR lpszFont) {
-  return ForwardString(&CImageEditWnd::SetTextFont, lpszFont);
-}
-Variant CImageEditCtrl::SetTextBackgroundColor(LPCSTR lpszColor) {
-  return ForwardString(&CImageEditWnd::SetTextBackgroundColor, lpszColor);
-}
-void CImageEditCtrl::SelectRectangle() { Forward(&CImageEditWnd::SelectRectangle); }
-void CImageEditCtrl::SelectIrregular() { Forward(&CImageEditWnd::SelectIrregular); }
-void CImageEditCtrl::SetTransparency(int nTransparentColor, int nTransparency) {
-  Forward(&CImageEditWnd::SetTransparency, nTransparentColor, nTransparency);
-}
-void CImageEditCtrl::SetTexture(int nTexture) { Forward(&CImageEditWnd::SetTexture, nTexture); }
-void CImageEditCtrl::Undo() { Forward(&CImageEditWnd::Undo); }
-void CImageEditCtrl::Redo() { Forward(&CImageEditWnd::Redo); }
-// Every non-zero value means the same to Clear, so the argument passes unchanged.
-void CImageEditCtrl::Clear(long bImage) { Forward(&CImageEditWnd::Clear, bImage); }
-BOOL CImageEditCtrl::ScaleImage(int nScaleFactor) {
-  return Forward(&CImageEditWnd::ScaleImage, nScaleFactor);
-}
-void CImageEditCtrl::SetSaveEditedBitmapSize(int nWidth, int nHeight) {
-  Forward(&CImageEditWnd::SetSaveEditedBitmapSize, nWidth, nHeight);
-}
-void CImageEditCtrl::SetImageWidth(int nImageWidth) { Forward(&CImageEditWnd::SetImageWidth, nImageWidth); }
-void CImageEditCtrl::SetFrame(int nOrientation, LPCSTR lpszFilePath, int nOffset, int nTransparentColor) {
-  Forward(&CImageEditWnd::SetFrame, nOrientation, lpszFilePath, nOffset, nTransparentColor);
-}
-void CImageEditCtrl::RotateImage(int nDegree) { Forward(&CImageEditWnd::RotateImage, nDegree); }
-void CImageEditCtrl::CutImage() { Forward(&CImageEditWnd::CutImage); }
-// Only 1 turns gray display on; every other value turns it off.
-void CImageEditCtrl::GrayImage(long bGraying) { Forward(&CImageEditWnd::GrayImage, bGraying == 1); }
-void CImageEditCtrl::BlockImage() { Forward(&CImageEditWnd::BlockImage); }
-void CImageEditCtrl::CheckImage() { Forward(&CImageEditWnd::CheckImage); }
-void CImageEditCtrl::WaterDropImage() { Forward(&CImageEditWnd::WaterDropImage); }
-// The heart effect is the water-drop effect: both only commit a history level.
-void CImageEditCtrl::HeartImage() { Forward(&CImageEditWnd::WaterDropImage); }
-void CImageEditCtrl::MosaicImage() { Forward(&CImageEditWnd::MosaicImage); }
-void CImageEditCtrl::InsertBalloonText(int nStartX, int nStartY, LPCSTR lpszFilePath, int nTextStartX,
-                                       int nTextStartY, int nTextEndX, int nTextEndY, LPCSTR lpszText) {
-  Forward(&CImageEditWnd::InsertBalloonText, nStartX, nStartY, lpszFilePath, nTextStartX, nTextStartY,
-          nTextEndX, nTextEndY, lpszText);
-}
-void CImageEditCtrl::InsertIcon(int nStartX, int nStartY, LPCSTR lpszFilePath) {
-  Forward(&CImageEditWnd::InsertIcon, nStartX, nStartY, lpszFilePath);
-}
-void CImageEditCtrl::FlipImage() { Forward(&CImageEditWnd::FlipImage); }
-void CImageEditCtrl::ReverseImage() { Forward(&CImageEditWnd::ReverseImage); }
-void CImageEditCtrl::SharpenImage(int nStep) { Forward(&CImageEditWnd::SharpenImage, nStep); }
-void CImageEditCtrl::SmoothImage(int nStep) { Forward(&CImageEditWnd::SmoothImage, nStep); }
-void CImageEditCtrl::EmbossImage() { Forward(&CImageEditWnd::EmbossImage); }
-void CImageEditCtrl::BrightenImage(int nBrightness) { Forward(&CImageEditWnd::BrightenImage, nBrightness); }
-void CImageEditCtrl::ContrastImage(int nContrast) { Forward(&CImageEditWnd::ContrastImage, nContrast); }
-void CImageEditCtrl::HueImage(int nHue) { Forward(&CImageEditWnd::HueImage, nHue); }
-void CImageEditCtrl::SaturateImage(int nSaturation) { Forward(&CImageEditWnd::SaturateImage, nSaturation); }
-void CImageEditCtrl::CorrectGamma(int nRedGamma, int nGreenGamma, int nBlueGamma) {
-  Forward(&CImageEditWnd::CorrectGamma, nRedGamma, nGreenGamma, nBlueGamma);
-}
-void CImageEditCtrl::EqualizeHistogram() { Forward(&CImageEditWnd::EqualizeHistogram); }
-// Only 1 turns inversion on; every other value turns it off.
-void CImageEditCtrl::InvertImage(long bInverting) { Forward(&CImageEditWnd::InvertImage, bInverting == 1); }
-void CImageEditCtrl::BlendImage(LPCSTR lpszFilePath, int nAlpha) {
-  Forward(&CImageEditWnd::BlendImage, lpszFilePath, nAlpha);
-}
-void CImageEditCtrl::WhitenImage(int nStep) { Forward(&CImageEditWnd::WhitenImage, nStep); }
-
-void CImageEditCtrl::SetNothing() { Forward(&CImageEditWnd::SetNothing); }
-
-void CImageEditCtrl::SetSelectionBox(int nWidth, int nHeight) {
-  Forward(&CImageEditWnd::SetSelectionBox, nWidth, nHeight);
-}
-void CImageEditCtrl::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
-  Forward(&CImageEditWnd::SaveSelectionBoxBitmap, lpcFilePath);
-}
-void CImageEditCtrl::EnableShortcutMenu(long bShortcutMenu) {
-  Forward(&CImageEditWnd::EnableShortcutMenu, bShortcutMenu);
-}
-void CImageEditCtrl::EnableVerbose(long bVerbose) { Forward(&CImageEditWnd::EnableVerbose, bVerbose); }
+// ---- interface methods ----
+// All but AboutBox forward to the editor (interface/control_methods.cpp, generated).
 
 // The About box needs no editor: it works in every state, modal, with no parent.
 void CImageEditCtrl::AboutBox() { platform::CurrentHost().ShowDialog(kAboutDialogId, kAboutDialogTitle); }
+
+// ---- what hosts read ----
+
+HBITMAP CImageEditCtrl::SurfaceBitmap(SurfaceName surface) {
+  if (surface == SurfaceName::Composition) m_editor.ComposeView();
+  return m_editor.SurfaceBitmap(surface);
+}
 
 // ---- events ----
 
@@ -234,7 +145,7 @@ BOOL CImageEditCtrl::PreTranslateMessage(MSG* msg) {
 int CImageEditCtrl::OnCreate(LPCREATESTRUCTA cs) {
   if (CWnd::OnCreate(cs) == -1) return -1;
   const RECT rect{0, 0, createWidth_, createHeight_};
-  m_editor.Create(nullptr, kEditorTitle, kEditorStyle, rect, this, kEditorChildId);
+  m_editor.Create(nullptr, kEditorTitle, kEditorStyle, rect, this, kEditorWindowId);
   // A failed creation leaves every method inert; the control window itself lives on.
   m_editor.m_windowCreated = IsWindow(m_editor.m_hWnd) == TRUE;
   if (m_editor.m_windowCreated) m_editor.ShowWindow(SW_SHOWNORMAL);

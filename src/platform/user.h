@@ -237,6 +237,9 @@ BOOL IsWindowVisible(HWND hwnd);
 BOOL ShowWindow(HWND hwnd, int command);
 BOOL DestroyWindow(HWND hwnd);
 HWND GetParent(HWND hwnd);
+// The child of `parent` (not a deeper descendant) created with that id; the topmost
+// when several were. Null when there is none.
+HWND GetDlgItem(HWND parent, int id);
 CWnd* WindowObject(HWND hwnd);
 BOOL GetClientRect(HWND hwnd, RECT* rect);
 // Whether the point lies in the rectangle: left and top edges in, right and bottom out.

@@ -118,6 +118,17 @@ HWND GetParent(HWND hwnd) {
   return window == nullptr ? nullptr : window->parent;
 }
 
+HWND GetDlgItem(HWND parent, int id) {
+  Window* window = Find(parent);
+  if (window == nullptr) return nullptr;
+  // Windows looks from the top of the z-order down.
+  for (auto child = window->children.rbegin(); child != window->children.rend(); ++child) {
+    const Window* record = Find(*child);
+    if (record != nullptr && record->id == static_cast<UINT>(id)) return *child;
+  }
+  return nullptr;
+}
+
 CWnd* WindowObject(HWND hwnd) {
   Window* window = Find(hwnd);
   return window == nullptr ? nullptr : window->object;

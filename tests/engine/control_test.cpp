@@ -17,8 +17,8 @@ class ControlTest : public ::testing::Test {
     control_.reset();
     if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
   }
-  // Activates the control the way a host does: its window, then the editor window,
-  // which knows its control (the scenarios show the rest of an activation).
+  // Activates the control the way a host does: its window, then the editor window
+  // (the scenarios show the rest of an activation).
   void Activate() {
     hostWindow_ = platform::CreateHostWindow(160, 120);
     ASSERT_TRUE(control_->CreateControl(hostWindow_, 160, 120));
@@ -26,7 +26,7 @@ class ControlTest : public ::testing::Test {
   InvokeResult Call(std::string_view name, std::vector<Variant> args = {}) {
     return Invoke(*control_, name, args);
   }
-  CImageEditWnd& editor() { return control_->m_editor; }
+  HWND EditorWindow() const { return GetDlgItem(control_->m_hWnd, kEditorWindowId); }
 
   InstalledRecordingHost host_;
   HWND hostWindow_ = nullptr;
@@ -36,7 +36,7 @@ class ControlTest : public ::testing::Test {
 // Every method is called with arguments good enough for its parameters (a picture the
 // loader can read, so that inert image methods are told apart from failed loads).
 TEST_F(ControlTest, EveryMethodButAboutBoxIsInertBeforeTheEditorWindowExists) {
-  const bool shortcutMenu = editor().State().shortcutMenu;
+  const EditorState before = control_->State();
   for (const MethodInfo& method : DispatchMethods()) {
     if (method.dispid == DISPID_ABOUTBOX) continue;
     SCOPED_TRACE(method.name);
@@ -52,12 +52,19 @@ TEST_F(ControlTest, EveryMethodButAboutBoxIsInertBeforeTheEditorWindowExists) {
                                                               : Variant();
     EXPECT_EQ(result.value, empty);
   }
-  EXPECT_EQ(editor().State().shortcutMenu, shortcutMenu);
-  const EditorState state = editor().State();
-  EXPECT_FALSE(state.verbose);
-  EXPECT_EQ(state.historyCount, 0);
-  EXPECT_FALSE(state.settings.gray);
-  EXPECT_EQ(state.original.cx, 0);
+  const EditorState after = control_->State();
+  EXPECT_EQ(after.toolMode, before.toolMode);
+  EXPECT_EQ(after.color, before.color);
+  EXPECT_EQ(after.penSize, before.penSize);
+  EXPECT_EQ(after.shapeStyle, before.shapeStyle);
+  EXPECT_EQ(after.historyCount, 0);
+  EXPECT_EQ(after.original.cx, 0);
+  EXPECT_EQ(after.selectionBox.right, before.selectionBox.right);
+  EXPECT_TRUE(after.settings.IsNeutral());
+  EXPECT_EQ(after.settings.blend, before.settings.blend);
+  EXPECT_EQ(after.shortcutMenu, before.shortcutMenu);
+  EXPECT_FALSE(after.verbose);
+  EXPECT_EQ(after.gdiObjects, before.gdiObjects);
   EXPECT_TRUE(host_.dialogs.empty());
   EXPECT_TRUE(host_.messages.empty());
 }
@@ -79,7 +86,8 @@ TEST_F(ControlTest, MouseActivationMakesTheControlUIActive) {
   SendMessageA(control_->m_hWnd, WM_MOUSEACTIVATE, reinterpret_cast<WPARAM>(hostWindow_),
                MAKELPARAM(1, WM_LBUTTONDOWN));
   EXPECT_TRUE(control_->IsUIActive());
-  EXPECT_EQ(GetFocus(), editor().m_hWnd);
+  ASSERT_NE(EditorWindow(), nullptr);
+  EXPECT_EQ(GetFocus(), EditorWindow());
 }
 
 // A host's truth value reaches the flag methods as 1 or 0, so automation's true (-1)
@@ -93,17 +101,37 @@ TEST_F(ControlTest, FlagArgumentsFollowTheHostsTruthValue) {
     for (const char* method : {"EnableVerbose", "EnableShortcutMenu", "GrayImage", "InvertImage"}) {
       ASSERT_EQ(Call(method, {argument}).hr, S_OK);
     }
-    const EditorState state = editor().State();
+    const EditorState state = control_->State();
     EXPECT_EQ(state.verbose, on);
     EXPECT_EQ(state.shortcutMenu, on);
     EXPECT_EQ(state.settings.gray, on);
     EXPECT_EQ(state.settings.invert, on);
   }
-  // Called on the control itself only 1 sets a flag; any other value clears it.
+  // Called on the control itself only 1 sets a flag; any other value clears the ones
+  // the last host value left on.
   control_->EnableVerbose(2);
+  control_->EnableShortcutMenu(-1);
   control_->GrayImage(2);
-  EXPECT_FALSE(editor().State().verbose);
-  EXPECT_FALSE(editor().State().settings.gray);
+  control_->InvertImage(-1);
+  const EditorState state = control_->State();
+  EXPECT_FALSE(state.verbose);
+  EXPECT_FALSE(state.shortcutMenu);
+  EXPECT_FALSE(state.settings.gray);
+  EXPECT_FALSE(state.settings.invert);
+}
+
+// A repaint composes only the part of the composition buffer that the window shows;
+// what a host writes out of it is the whole picture as composed now.
+TEST_F(ControlTest, CompositionBitmapIsComposedWholeForTheHost) {
+  Activate();
+  control_->SetImage(IE_TEST_DATA "/tools/wide_300x200.png");
+  control_->BrightenImage(150);
+  platform::FlushPaint(hostWindow_);
+  const EditorState state = control_->State();
+  ASSERT_GT(state.displayed.cx, state.view.cx);
+  const std::vector<COLORREF> image = BitmapColors(control_->SurfaceBitmap(SurfaceName::Image));
+  ASSERT_FALSE(image.empty());
+  EXPECT_EQ(BitmapColors(control_->SurfaceBitmap(SurfaceName::Composition)), image);
 }
 
 // Logs "sink:colour" for each ColorSelected it receives.
@@ -199,7 +227,7 @@ TEST_F(ControlTest, HostNeverSeesTheEditorKeysOnceTheControlIsActive) {
   EXPECT_EQ(target.keys, (std::vector<UINT>{'A', VK_RETURN}));
   target.DestroyWindow();
   // They stay the control's once the editor window is gone.
-  editor().DestroyWindow();
+  ASSERT_TRUE(DestroyWindow(EditorWindow()));
   msg.hwnd = control_->m_hWnd;
   EXPECT_TRUE(control_->PreTranslateMessage(&msg));
 }

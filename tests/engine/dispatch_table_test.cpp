@@ -1,6 +1,7 @@
-// The dispatch table's shape and the checks Invoke makes before anything is called.
-// Parameter and result types are deduced from the control's methods, so only what
-// deduction cannot know is checked here: order, DISPIDs and the flag parameters.
+// The dispatch table generated from the interface description, and the checks Invoke
+// makes before anything is called. What a host relies on and a slip in the description
+// would break is checked here once: the DISPIDs in order, the flag parameters and the
+// event names.
 #include "control/dispatch_table.h"
 
 #include <gtest/gtest.h>
@@ -36,6 +37,12 @@ TEST(DispatchTable, FiftySixMethodsInDispidOrderFoundByNameIgnoringCase) {
   for (const char* name : {"SetImag", "SetImageX", ""}) EXPECT_EQ(FindMethod(name), nullptr) << name;
   EXPECT_EQ(FindMethod(0), nullptr);
   EXPECT_EQ(FindMethod(56), nullptr);
+  EXPECT_STREQ(EventName(DISPID_COLORSELECTED), "ColorSelected");
+  EXPECT_STREQ(EventName(DISPID_IMAGESCALED), "ImageScaled");
+  EXPECT_EQ(DISPID_COLORSELECTED, 1);
+  EXPECT_EQ(DISPID_IMAGESCALED, 2);
+  EXPECT_EQ(EventName(0), nullptr);
+  EXPECT_EQ(EventName(3), nullptr);
 }
 
 // Calls that Invoke refuses never reach the control, so a control without a window

@@ -54,6 +54,25 @@ TEST_F(WindowTree, VisibilityFollowsTheParentChain) {
   EXPECT_FALSE(child.IsWindowVisible());
 }
 
+// Only children are found, never a grandchild with the id; of two siblings with one id,
+// the one above.
+TEST_F(WindowTree, GetDlgItemFindsAChildByIdTopmostFirst) {
+  CWnd parent, lower, upper, grandchild;
+  ASSERT_TRUE(parent.CreateInParent(nullptr, "", WS_CHILD, kChildRect, hostWindow_, 1));
+  ASSERT_TRUE(lower.Create(nullptr, "", WS_CHILD, RECT{0, 0, 5, 5}, &parent, 2));
+  ASSERT_TRUE(upper.Create(nullptr, "", WS_CHILD, RECT{0, 0, 5, 5}, &parent, 2));
+  ASSERT_TRUE(grandchild.Create(nullptr, "", WS_CHILD, RECT{0, 0, 5, 5}, &lower, 3));
+  EXPECT_EQ(GetDlgItem(hostWindow_, 1), parent.m_hWnd);
+  EXPECT_EQ(GetDlgItem(parent.m_hWnd, 2), upper.m_hWnd);
+  EXPECT_EQ(GetDlgItem(parent.m_hWnd, 3), nullptr);
+  EXPECT_EQ(GetDlgItem(lower.m_hWnd, 3), grandchild.m_hWnd);
+  upper.DestroyWindow();
+  EXPECT_EQ(GetDlgItem(parent.m_hWnd, 2), lower.m_hWnd);
+  HWND stale = parent.m_hWnd;
+  parent.DestroyWindow();
+  EXPECT_EQ(GetDlgItem(stale, 2), nullptr);
+}
+
 TEST_F(WindowTree, FocusMovesWithKillThenSetAndIsForgottenOnDestroy) {
   Log log;
   LoggingWnd a("a", &log);
