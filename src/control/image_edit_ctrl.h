@@ -91,10 +91,11 @@ class CImageEditCtrl : public CWnd, public EditorEvents {
   // composition buffer is composed whole first.
   HBITMAP SurfaceBitmap(SurfaceName surface);
 
-  CImageEditWnd m_editor;
-
  private:
   void OnActivateInPlace();
+
+  // The editor is reached only through the interface methods above.
+  CImageEditWnd m_editor;
 
   std::map<DWORD, IEventSink*> sinks_;
   DWORD nextCookie_ = 1;
