@@ -248,7 +248,8 @@ class Session : public platform::Host {
   void Scroll(UINT message) {
     const UINT code = data_.ConsumeIntegralInRange<UINT>(0, 9);
     const UINT pos = data_.ConsumeIntegral<std::uint16_t>();
-    SendMessageA(GetDlgItem(control_->m_hWnd, kEditorWindowId), message, static_cast<WPARAM>(code | (pos << 16)), 0);
+    SendMessageA(GetDlgItem(control_->m_hWnd, kEditorWindowId), message,
+                 static_cast<WPARAM>(code | (pos << 16)), 0);
   }
   // Timer ticks: the clock moves on and due timers fire.
   void Wait() { platform::AdvanceClock(data_.ConsumeIntegralInRange<unsigned>(0, 1000)); }

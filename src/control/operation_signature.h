@@ -1,7 +1,7 @@
 // What an editor operation takes and returns, as a plain function type: the generated
 // forwarding compares each operation the control calls with what the interface
-// description says the editor receives. Whether the operation is const or noexcept is
-// the editor's own affair.
+// description says the editor receives. Whether the operation is const is the editor's
+// own affair.
 #pragma once
 
 template <typename MemberFunction>
@@ -13,14 +13,6 @@ struct OperationSignatureOf<Result (Class::*)(Params...)> {
 };
 template <typename Class, typename Result, typename... Params>
 struct OperationSignatureOf<Result (Class::*)(Params...) const> {
-  using type = Result(Params...);
-};
-template <typename Class, typename Result, typename... Params>
-struct OperationSignatureOf<Result (Class::*)(Params...) noexcept> {
-  using type = Result(Params...);
-};
-template <typename Class, typename Result, typename... Params>
-struct OperationSignatureOf<Result (Class::*)(Params...) const noexcept> {
   using type = Result(Params...);
 };
 

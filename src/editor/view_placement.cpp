@@ -23,26 +23,14 @@ void ViewPlacement::RestoreLayout(const ViewPlacement& recorded) {
   viewHeight_ = recorded.viewHeight_;
 }
 
-void ViewPlacement::ShowBar(int bar, int viewLength) {
-  if (bar == SB_HORZ) {
-    hScrollShown_ = true;
-    viewWidth_ = viewLength;
-    hScrollPos_ = 0;
-  } else {
-    vScrollShown_ = true;
-    viewHeight_ = viewLength;
-    vScrollPos_ = 0;
-  }
+void ViewPlacement::ShowBar(int bar) {
+  (bar == SB_HORZ ? hScrollShown_ : vScrollShown_) = true;
+  (bar == SB_HORZ ? hScrollPos_ : vScrollPos_) = 0;
 }
 
 void ViewPlacement::HideBar(int bar) {
-  if (bar == SB_HORZ) {
-    hScrollShown_ = false;
-    hScrollPos_ = 0;
-  } else {
-    vScrollShown_ = false;
-    vScrollPos_ = 0;
-  }
+  (bar == SB_HORZ ? hScrollShown_ : vScrollShown_) = false;
+  (bar == SB_HORZ ? hScrollPos_ : vScrollPos_) = 0;
 }
 
 void ViewPlacement::ForgetScrolling() {

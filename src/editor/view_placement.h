@@ -23,8 +23,8 @@ class ViewPlacement {
   // ---- scrolling ----
   bool BarShown(int bar) const { return bar == SB_HORZ ? hScrollShown_ : vScrollShown_; }
   int ScrollPos(int bar) const { return bar == SB_HORZ ? hScrollPos_ : vScrollPos_; }
-  // A bar shown for a view `viewLength` long on its axis, scrolled to its start.
-  void ShowBar(int bar, int viewLength);
+  // A bar shown, scrolled to its start. The view is measured once both bars are set up.
+  void ShowBar(int bar);
   // A bar hidden, its position back at 0.
   void HideBar(int bar);
   // No bars, no positions and no measured view.

@@ -73,11 +73,12 @@ void AirbrushTool::SprayAirBrush(HDC dc, int cx, int cy, int radius, int density
 
 void AirbrushTool::SprayAt(POINT pointer, int density) {
   const int width = Width();
-  SprayAirBrush(Layer(), pointer.x - width / 2, pointer.y - width / 2, width / 2, density);
+  const POINT centre = ToolCorner(pointer, width);
+  SprayAirBrush(Layer(), centre.x, centre.y, width / 2, density);
 }
 
 RECT AirbrushTool::SprayArea(POINT pointer) const {
   const int width = Width();
-  const POINT centre{pointer.x - width / 2, pointer.y - width / 2};
+  const POINT centre = ToolCorner(pointer, width);
   return PaintedArea(centre, centre, std::abs(static_cast<long long>(width / 2)));
 }

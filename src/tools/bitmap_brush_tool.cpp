@@ -14,9 +14,9 @@ std::optional<RECT> BitmapBrushTool::Move(POINT point) {
   if (std::abs(last.x - point.x) <= width && std::abs(last.y - point.y) <= width) return RECT{0, 0, 0, 0};
   last = point;
   StampAt(point);
-  const long long left = point.x - width / 2;
-  const long long top = point.y - width / 2;
-  return ClampedRect(left, top, left + width, top + width);
+  const POINT corner = ToolCorner(point, width);
+  return ClampedRect(corner.x, corner.y, static_cast<long long>(corner.x) + width,
+                     static_cast<long long>(corner.y) + width);
 }
 
 void BitmapBrushTool::Release(POINT) {
@@ -36,5 +36,6 @@ void BitmapBrushTool::StampBitmapBrush(HDC dc, int left, int top, int width, int
 
 void BitmapBrushTool::StampAt(POINT pointer) {
   const int width = Width();
-  StampBitmapBrush(Layer(), pointer.x - width / 2, pointer.y - width / 2, width, width);
+  const POINT corner = ToolCorner(pointer, width);
+  StampBitmapBrush(Layer(), corner.x, corner.y, width, width);
 }

@@ -11,5 +11,10 @@ RECT SpannedRect(POINT a, POINT b);
 // The pixels from `a` to `b` (both included) and `margin` around them: what a stroke
 // or spray may have painted there.
 RECT PaintedArea(POINT a, POINT b, long long margin);
+// Where a tool of that width works around the pointer: the airbrush's disc is centred
+// and the bitmap brush's stamp has its corner half the width up and to the left.
+inline POINT ToolCorner(POINT pointer, int width) {
+  return POINT{pointer.x - width / 2, pointer.y - width / 2};
+}
 // (left, top, right, bottom) cut to the device space.
 RECT ClampedRect(long long left, long long top, long long right, long long bottom);

@@ -97,7 +97,7 @@ void CImageEditWnd::UpdateScrollBars(int contentWidth, int contentHeight) {
   const auto showBar = [this](int bar, int content, int available) {
     if (content <= available) return;
     ShowScrollBar(m_hWnd, bar, TRUE);
-    m_view.ShowBar(bar, available);
+    m_view.ShowBar(bar);
     const int overflow = content - available;
     const int maximum = overflow + overflow / 20;
     const SCROLLINFO info{
