@@ -3,6 +3,7 @@
 
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
+#include "platform/gdi_text.h"
 #include "platform/host.h"
 #include "platform/kernel.h"
 #include "platform/types.h"

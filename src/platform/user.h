@@ -320,6 +320,31 @@ struct CHOOSECOLORA {
 // chosen colour in rgbResult, FALSE when cancelled or without a custom-colour table.
 BOOL ChooseColorA(CHOOSECOLORA* choose);
 
+// ---- the font dialog ----
+inline constexpr DWORD CF_SCREENFONTS = 0x0001;
+inline constexpr DWORD CF_INITTOLOGFONTSTRUCT = 0x0040;
+inline constexpr DWORD CF_EFFECTS = 0x0100;
+struct CHOOSEFONTA {
+  DWORD lStructSize;
+  HWND hwndOwner;
+  HDC hDC;
+  LOGFONTA* lpLogFont;  // read with CF_INITTOLOGFONTSTRUCT, written when a font is chosen
+  INT iPointSize;       // tenths of a point, set when a font is chosen
+  DWORD Flags;
+  COLORREF rgbColors;   // read and written with CF_EFFECTS
+  LPARAM lCustData;
+  void* lpfnHook;
+  LPCSTR lpTemplateName;
+  HINSTANCE hInstance;
+  LPSTR lpszStyle;
+  WORD nFontType;
+  INT nSizeMin;
+  INT nSizeMax;
+};
+// Shown by the host. TRUE with the chosen font in *lpLogFont (and its colour with
+// CF_EFFECTS); FALSE when cancelled or without a font description to write.
+BOOL ChooseFontA(CHOOSEFONTA* choose);
+
 // The module's instance handle, for class registration and resources.
 HINSTANCE AfxGetInstanceHandle();
 

@@ -19,3 +19,16 @@ BOOL ChooseColorA(CHOOSECOLORA* choose) {
   choose->rgbResult = color;
   return TRUE;
 }
+
+BOOL ChooseFontA(CHOOSEFONTA* choose) {
+  if (choose == nullptr || choose->lpLogFont == nullptr) return FALSE;
+  // Without CF_INITTOLOGFONTSTRUCT the dialog starts from nothing of the caller's.
+  LOGFONTA font = (choose->Flags & CF_INITTOLOGFONTSTRUCT) != 0 ? *choose->lpLogFont : LOGFONTA{};
+  COLORREF color = (choose->Flags & CF_EFFECTS) != 0 ? choose->rgbColors : 0;
+  if (!platform::CurrentHost().ChooseFont(font, color)) return FALSE;
+  *choose->lpLogFont = font;
+  // Points in tenths, at the screen's 96 pixels an inch.
+  choose->iPointSize = (font.lfHeight < 0 ? -font.lfHeight : font.lfHeight) * 720 / 96;
+  if ((choose->Flags & CF_EFFECTS) != 0) choose->rgbColors = color;
+  return TRUE;
+}
