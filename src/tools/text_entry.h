@@ -23,7 +23,13 @@ class TextEntry {
   // The font, then the background brush.
   void Release();
 
+  // What was typed into the open box (UTF-16); empty when it is closed.
+  std::u16string Text() const { return box_.GetText(); }
+  // Where the box's edit control is, in screen coordinates; empty without one.
+  RECT EditScreenRect() const;
+
   HWND box() const { return box_.m_hWnd; }
+  HWND editWindow() const { return box_.EditWindow(); }
   const LOGFONTA& fontDescription() const { return fontDescription_; }
   HFONT font() const { return font_.get(); }
   HBRUSH backgroundBrush() const { return backgroundBrush_.get(); }
