@@ -87,3 +87,14 @@ void CTextEditWnd::ClearText() {
   m_edit.SetSel(0, -1);
   m_edit.Clear();
 }
+
+void CTextEditWnd::ChangeFont(HFONT font) {
+  if (m_shown && IsWindow(m_edit.m_hWnd))
+    m_edit.SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+}
+
+RECT CTextEditWnd::TextRect() const {
+  RECT rect{0, 0, 0, 0};
+  ::GetWindowRect(m_edit.m_hWnd, &rect);
+  return rect;
+}

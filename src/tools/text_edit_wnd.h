@@ -24,6 +24,11 @@ class CTextEditWnd : public CWnd {
   void Show(bool show);
   // Empties the edit control.
   void ClearText();
+  // An open box shows its text in `font` at once; a hidden one gets the font when it
+  // opens.
+  void ChangeFont(HFONT font);
+  // Where the typed text lies: the edit control, in screen coordinates.
+  RECT TextRect() const;
 
   bool IsShown() const { return m_shown; }
   HWND EditWindow() const { return m_edit.m_hWnd; }

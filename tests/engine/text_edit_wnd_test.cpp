@@ -38,14 +38,14 @@ TEST_F(TextEditWndTest, TheEditControlFillsTheBoxInsideItsFrame) {
   Entry().Open(RECT{10, 20, 60, 50});
   EXPECT_TRUE(Entry().IsShown());
   EXPECT_EQ(GetFocus(), Edit());
-  RECT edit = Entry().EditScreenRect();
+  RECT edit = Entry().TypedTextRect();
   EXPECT_EQ(edit.left, 14);
   EXPECT_EQ(edit.top, 24);
   EXPECT_EQ(edit.right, 56);
   EXPECT_EQ(edit.bottom, 46);
   EXPECT_EQ(SendMessageA(Edit(), WM_GETFONT, 0, 0), reinterpret_cast<LRESULT>(Entry().font()));
   MoveWindow(Entry().box(), 0, 0, 30, 15, TRUE);
-  edit = Entry().EditScreenRect();
+  edit = Entry().TypedTextRect();
   EXPECT_EQ(edit.right - edit.left, 22);
   EXPECT_EQ(edit.bottom - edit.top, 7);
 }
@@ -83,10 +83,10 @@ TEST_F(TextEditWndTest, WhatIsTypedIsTheBoxsTextUntilTextEntryCloses) {
   platform::KeyInput(live_.hostWindow, WM_KEYDOWN, VK_BACK);
   platform::KeyInput(live_.hostWindow, WM_KEYDOWN, VK_BACK);
   platform::CharInput(live_.hostWindow, '!');
-  EXPECT_EQ(Entry().Text(), u"Hi!");
+  EXPECT_EQ(Entry().TypedText(), u"Hi!");
   live_->SetPen(2);
   EXPECT_FALSE(Entry().IsShown());
-  EXPECT_EQ(Entry().Text(), u"");
+  EXPECT_EQ(Entry().TypedText(), u"");
   EXPECT_EQ(EditText(), u"");
 }
 
