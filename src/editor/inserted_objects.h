@@ -51,10 +51,11 @@ class InsertedObjects {
 
   // What SetTransparency stores (only while the drawing layer exists) for the objects
   // inserted after it: the key colour of icons and of balloons with a picture, and the
-  // transparency of balloons. Choosing a transparent text background also sets the
-  // transparency to 100. Not part of a history level.
-  COLORREF transparentColor = 0;
-  int transparency = 0;
+  // transparency of balloons (1 to 99 blends them with the picture). Choosing a
+  // transparent text background also sets the transparency to 100. Not part of a
+  // history level.
+  COLORREF storedTransparentColor = 0;
+  int storedTransparency = 0;
 
  private:
   // Where the selected slot stands in the z-order list.

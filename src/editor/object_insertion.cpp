@@ -38,6 +38,6 @@ void CImageEditWnd::InsertIcon(int nStartX, int nStartY, LPCSTR lpszFilePath) {
   platform::OwnedBitmap picture(imageio::LoadImage(lpszFilePath, m_messages.LoadContext(m_hWnd)));
   BITMAP size{};
   if (!picture || !GetObjectA(picture.get(), sizeof size, &size)) return;
-  m_objects.Object(slot).keyColor = m_objects.transparentColor;
+  m_objects.Object(slot).keyColor = m_objects.storedTransparentColor;
   PlaceInsertedObject(slot, ObjectKind::Icon, std::move(picture), nStartX, nStartY);
 }

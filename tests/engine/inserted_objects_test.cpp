@@ -123,7 +123,7 @@ TEST_F(ObjectsTest, ANegativeCoordinateCentresTheObject) {
 // An icon is keyed on the stored transparent colour: its pixels of that colour show
 // what lies below. Selected, it shows a frame and a white grip; a save shows it plain.
 TEST_F(ObjectsTest, IconsAreKeyedAndFramedWhileSelected) {
-  objects().transparentColor = kGreen;
+  objects().storedTransparentColor = kGreen;
   // 20 x 18: green (the key) in the left column, blue elsewhere.
   std::vector<COLORREF> colors(20 * 18, kBlue);
   for (int y = 0; y < 18; ++y) colors[static_cast<std::size_t>(y * 20)] = kGreen;
