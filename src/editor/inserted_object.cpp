@@ -16,13 +16,13 @@ platform::OwnedBitmap CopyBitmap(HBITMAP bitmap, int width = 0, int height = 0) 
       static_cast<HBITMAP>(CopyImage(bitmap, IMAGE_BITMAP, width, height, LR_CREATEDIBSECTION)));
 }
 
-platform::OwnedBrush CopyBrush(HBRUSH brush) {
+}  // namespace
+
+platform::OwnedBrush CopyOfBrush(HBRUSH brush) {
   LOGBRUSH description{};
   if (!brush || !GetObjectA(brush, sizeof description, &description)) return platform::OwnedBrush();
   return platform::OwnedBrush(CreateBrushIndirect(&description));
 }
-
-}  // namespace
 
 CInsertedObject::CInsertedObject() : language(static_cast<WORD>(GetUserDefaultLangID() & 0x3FF)) {}
 
@@ -60,7 +60,7 @@ void CInsertedObject::CopyFrom(const CInsertedObject& other) {
   resizable = other.resizable;
   language = other.language;
   textColor = other.textColor;
-  backgroundBrush = CopyBrush(other.backgroundBrush.get());
+  backgroundBrush = CopyOfBrush(other.backgroundBrush.get());
   transparency = other.transparency;
   borderColor = other.borderColor;
 }

@@ -15,6 +15,10 @@ inline constexpr COLORREF kObjectBorderColor = 0x0000FF;
 // The resize grip is a square of this side in the bottom-right corner.
 inline constexpr int kObjectGripSide = 15;
 
+// A new brush made from the description of `brush`; none without one, or when it
+// cannot be made.
+platform::OwnedBrush CopyOfBrush(HBRUSH brush);
+
 class CInsertedObject {
  public:
   // A free slot, speaking the user's language.

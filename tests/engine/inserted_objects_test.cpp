@@ -196,6 +196,163 @@ TEST_F(ObjectsTest, ARedBackgroundGetsAComplementFrame) {
   EXPECT_EQ(icon.borderColor, kRed);
 }
 
+// A balloon picture carries the text; the object is keyed on the stored transparent
+// colour and takes the stored transparency, the text colour and a brush of its own
+// like the text background's.
+TEST_F(ObjectsTest, ABalloonWithAPictureTakesTheStoredSettings) {
+  objects().storedTransparentColor = kGreen;
+  objects().storedTransparency = 40;
+  editor().SetTextFont("Arial,,,9,,,123456");
+  const int bitmaps = platform::LiveGdiObjects().bitmaps;
+  const int levels = editor().m_history.count();
+  editor().InsertBalloonText(3, 4, IconFile(12, 10, kBlue).c_str(), 1, 1, 11, 9, "Hi");
+  ASSERT_EQ(ZOrder(), (std::vector<int>{0}));
+  const CInsertedObject& balloon = object(0);
+  EXPECT_EQ(balloon.kind(), ObjectKind::Balloon);
+  EXPECT_EQ(balloon.x, 3);
+  EXPECT_EQ(balloon.y, 4);
+  EXPECT_EQ(balloon.width, 12);
+  EXPECT_EQ(balloon.height, 10);
+  EXPECT_EQ(balloon.keyColor, kGreen);
+  EXPECT_EQ(balloon.transparency, 40);
+  EXPECT_EQ(balloon.textColor, RGB(0x12, 0x34, 0x56));
+  LOGBRUSH brush{};
+  ASSERT_TRUE(GetObjectA(balloon.backgroundBrush.get(), sizeof brush, &brush));
+  EXPECT_EQ(brush.lbColor, kWhite);
+  EXPECT_NE(balloon.backgroundBrush.get(), editor().m_textEntry.backgroundBrush());
+  EXPECT_TRUE(balloon.resizable);
+  // The picture, its source copy and its selected picture, and the new level's copies
+  // of the three; the level has no snapshot.
+  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmaps + 6);
+  EXPECT_EQ(editor().m_history.count(), levels + 1);
+  EXPECT_FALSE(editor().m_history.Level(levels).snapshot);
+}
+
+// Without a picture (none given, or it cannot be loaded) the text gets a box of the
+// text box's size in the text background: opaque unless the background is
+// transparent.
+TEST_F(ObjectsTest, ABalloonWithoutAPictureGetsABoxInTheTextBackground) {
+  struct Case {
+    const char* background;
+    const char* picture;
+    RECT box;  // start and end corners, either way round
+    COLORREF key;
+    COLORREF shown;
+    int transparency;
+  };
+  const Case cases[] = {
+      {"FFFFFF", "", {2, 3, 12, 9}, 0x0F0F0F, kWhite, 0},
+      {"FFFFFF", "missing.bmp", {12, 9, 2, 3}, 0x0F0F0F, kWhite, 0},
+      {"0F0F0F", "", {2, 3, 12, 9}, 0x0F0F0F, kGrey, 0},  // a dark box of the key colour
+      {"FF0000", "", {0, 0, 10, 6}, 0x00000F, kRed, 0},
+      {"TRANSPARENT", "", {2, 3, 12, 9}, kRed, kGrey, 100},  // keyed on the background
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.background);
+    editor().SetTextBackgroundColor(c.background);
+    editor().InsertBalloonText(20, 10, c.picture, c.box.left, c.box.top, c.box.right, c.box.bottom, "");
+    ASSERT_EQ(objects().count(), 1);
+    const CInsertedObject& balloon = object(0);
+    EXPECT_EQ(balloon.width, 10);
+    EXPECT_EQ(balloon.height, 6);
+    EXPECT_EQ(balloon.keyColor, c.key);
+    EXPECT_EQ(balloon.transparency, c.transparency);
+    EXPECT_EQ(Shown(25, 12), c.shown);
+    EXPECT_EQ(Shown(19, 12), kGrey);
+    RightClick(25, 12);
+    editor().DeleteSelectedObject();
+  }
+}
+
+TEST_F(ObjectsTest, ABalloonOnARedBackgroundIsFramedInTheComplement) {
+  editor().SetTextBackgroundColor("FF0000");
+  editor().InsertBalloonText(-1, -1, "", 0, 0, 20, 10, "");
+  ASSERT_EQ(objects().count(), 1);
+  EXPECT_EQ(object(0).x, 10);  // centred in the 40 x 30 buffer
+  EXPECT_EQ(object(0).y, 10);
+  RightClick(15, 15);
+  EXPECT_EQ(object(0).borderColor, ~kRed);
+  EXPECT_EQ(Shown(10, 10), 0xFFFF00u);
+  EXPECT_EQ(Shown(11, 11), kRed);
+}
+
+// The editor's text font measured on a DC: one line's width of `text` and the height
+// of a line. False while the platform draws no text.
+bool MeasureText(HFONT font, const char* text, SIZE* extent, int* lineHeight) {
+  const platform::MemoryDC dc(nullptr);
+  const platform::SelectionGuard selected(dc.get(), font);
+  TEXTMETRICA metrics{};
+  if (!GetTextMetricsA(dc.get(), &metrics) ||
+      !GetTextExtentPoint32A(dc.get(), text, static_cast<int>(std::char_traits<char>::length(text)), extent))
+    return false;
+  *lineHeight = metrics.tmHeight;
+  return true;
+}
+
+#define REQUIRE_TEXT_DRAWING(font)                                                        \
+  do {                                                                                    \
+    SIZE extent{};                                                                        \
+    int height = 0;                                                                       \
+    if (!MeasureText(font, "A", &extent, &height)) GTEST_SKIP() << "no text drawing yet"; \
+  } while (false)
+
+// A hex-encoded text draws exactly what its plain form draws.
+TEST_F(ObjectsTest, HexEncodedTextDrawsItsBytes) {
+  REQUIRE_TEXT_DRAWING(editor().m_textEntry.font());
+  editor().InsertBalloonText(0, 0, "", 0, 0, 30, 12,
+                             "\x01\x01"
+                             "abcdefgh"
+                             "48656C6C6F");
+  editor().InsertBalloonText(0, 14, "", 0, 0, 30, 12, "Hello");
+  const std::vector<COLORREF> hex = PictureColors(object(0).picture.get());
+  EXPECT_EQ(hex, PictureColors(object(1).picture.get()));
+  EXPECT_NE(std::count(hex.begin(), hex.end(), kBlack), 0);
+}
+
+// A text without a box size gets a box that fits it on one line; one wider than the
+// picture allows (its displayed width less 6) wraps at that width and takes as many
+// line heights as the width needs.
+TEST_F(ObjectsTest, ATextWithoutABoxSizeIsMeasuredAndWrapped) {
+  const HFONT font = editor().m_textEntry.font();
+  REQUIRE_TEXT_DRAWING(font);
+  SIZE shortText{};
+  SIZE longText{};
+  SIZE sample{};
+  int lineHeight = 0;
+  const char* const wide = "a text that is much wider than the picture is";
+  ASSERT_TRUE(MeasureText(font, "Hi", &shortText, &lineHeight));
+  ASSERT_TRUE(MeasureText(font, wide, &longText, &lineHeight));
+  ASSERT_TRUE(MeasureText(font, "AaB", &sample, &lineHeight));
+  const int maxWidth = 40 - 6;
+  ASSERT_GT(longText.cx, 2 * maxWidth);
+
+  editor().InsertBalloonText(0, 0, "", 0, 0, 0, 0, "Hi");
+  EXPECT_EQ(object(0).width, shortText.cx + 2);
+  EXPECT_EQ(object(0).height, lineHeight);
+  editor().InsertBalloonText(0, 0, "", 0, 0, 0, 0, wide);
+  EXPECT_EQ(object(1).width, maxWidth + 2);
+  EXPECT_EQ(object(1).height, (longText.cx + maxWidth - 1) / maxWidth * sample.cy);
+}
+
+// Blended half and half with the grey picture, the white box turns light grey while
+// the glyphs keep the text colour.
+TEST_F(ObjectsTest, ABlendedBalloonKeepsItsTextUnblended) {
+  REQUIRE_TEXT_DRAWING(editor().m_textEntry.font());
+  objects().storedTransparency = 50;
+  editor().SetTextFont("Arial,,,12,,,0000FF");
+  editor().InsertBalloonText(0, 0, "", 0, 0, 40, 30, "Hello");
+  editor().ComposeView();
+  int glyphs = 0;
+  for (COLORREF color : SurfaceColors(editor().m_surfaces.composition.dc(), 40, 30)) {
+    if (color == kBlue) {
+      ++glyphs;
+    } else {
+      EXPECT_EQ(color, 0xBFBFBFu);  // trunc(0x80 / 2 + 0xFF / 2)
+    }
+  }
+  EXPECT_GT(glyphs, 0);
+}
+
 TEST_F(ObjectsTest, TheRightButtonSelectsAndShowsTheMenuOnlyOverAnObject) {
   InsertIcon(10, 10, kBlue, 8, 8);
   RightClick(30, 5);  // nothing there, nothing selected: no menu
