@@ -241,9 +241,11 @@ class CImageEditWnd : public CWnd {
   void ScrollAtEdge(POINT window);
   void StopAutoScroll();
   // Makes the free `slot`, whose kind-specific fields are set, a live object of that
-  // kind showing `picture`, placed at (startX, startY) or centred when either is
-  // negative, in front of the others; then repaints and records a history level.
-  void PlaceInsertedObject(int slot, ObjectKind kind, platform::OwnedBitmap picture, int startX, int startY);
+  // kind showing `picture` (of that description), placed at (startX, startY) or
+  // centred when either is negative, in front of the others; then repaints and
+  // records a history level.
+  void PlaceInsertedObject(int slot, ObjectKind kind, platform::OwnedBitmap picture, const BITMAP& size,
+                           int startX, int startY);
   // Draws the object's `drawn` picture, placed at `at`, blended over `part` of the
   // target by the object's transparency.
   void BlendObject(HDC target, const CInsertedObject& object, HBITMAP drawn, POINT at, const RECT& part);

@@ -1,9 +1,10 @@
 #include "editor/inserted_objects.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdint>
 #include <iterator>
+
+#include "editor/clamped_int.h"
 
 void InsertedObjects::CopyFrom(const InsertedObjects& other) {
   if (&other == this) return;
@@ -85,17 +86,9 @@ void InsertedObjects::MoveSelected(ZOrderMove move) {
   }
 }
 
-namespace {
-
-int ShiftedClamped(int value, int by) {
-  return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{value} + by, INT_MIN, INT_MAX));
-}
-
-}  // namespace
-
 void InsertedObjects::ShiftAll(int dx, int dy) {
   for (const int slot : FrontToBack()) {
-    objects_[slot].x = ShiftedClamped(objects_[slot].x, dx);
-    objects_[slot].y = ShiftedClamped(objects_[slot].y, dy);
+    objects_[slot].x = ClampedInt(std::int64_t{objects_[slot].x} + dx);
+    objects_[slot].y = ClampedInt(std::int64_t{objects_[slot].y} + dy);
   }
 }

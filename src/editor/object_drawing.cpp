@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "editor/clamped_int.h"
 #include "editor/image_edit_wnd.h"
 #include "pixels/pixel_buffer.h"
 
@@ -23,10 +24,6 @@ bool CoveredPart(POINT at, int width, int height, const RECT& bounds, RECT* part
   return true;
 }
 
-int Offset(int position, int offset) {
-  return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{position} + offset, INT32_MIN, INT32_MAX));
-}
-
 // A pixel of the buffer by its top-down position.
 BYTE* PixelAt(const PixelBuffer& pixels, int x, int y) {
   return pixels.data() + static_cast<std::ptrdiff_t>(pixels.height() - 1 - y) * pixels.stride() + 3 * x;
@@ -44,7 +41,8 @@ void CImageEditWnd::DrawObjects(HDC target, int offsetX, int offsetY, bool plain
   for (auto slot = order.rbegin(); slot != order.rend(); ++slot) {
     const CInsertedObject& object = m_objects.Object(*slot);
     HBITMAP drawn = object.DrawnPicture(plain);
-    const POINT at{Offset(object.x, offsetX), Offset(object.y, offsetY)};
+    const POINT at{ClampedInt(std::int64_t{object.x} + offsetX),
+                   ClampedInt(std::int64_t{object.y} + offsetY)};
     RECT part{};
     if (!drawn || !CoveredPart(at, object.width, object.height, bounds, &part)) continue;
     if (object.transparency > 0 && object.transparency < 100) {

@@ -1,12 +1,12 @@
 // Inserting objects: icons (a picture) and balloon texts (text drawn into a picture or
 // into a plain box). Both take the lowest free slot and go in front of the others.
-#include <algorithm>
-#include <climits>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
 #include "editor/balloon_text.h"
+#include "editor/clamped_int.h"
 #include "editor/image_edit_wnd.h"
 #include "editor/render_text_block.h"
 #include "imageio/image_loader.h"
@@ -14,16 +14,12 @@
 namespace {
 
 // The distance between two coordinates, which may be further apart than an int holds.
-int Distance(int from, int to) {
-  return static_cast<int>(std::min<std::int64_t>(std::abs(std::int64_t{to} - from), INT_MAX));
-}
+int Distance(int from, int to) { return ClampedInt(std::abs(std::int64_t{to} - from)); }
 
 }  // namespace
 
-void CImageEditWnd::PlaceInsertedObject(int slot, ObjectKind kind, platform::OwnedBitmap picture, int startX,
-                                        int startY) {
-  BITMAP size{};
-  GetObjectA(picture.get(), sizeof size, &size);
+void CImageEditWnd::PlaceInsertedObject(int slot, ObjectKind kind, platform::OwnedBitmap picture,
+                                        const BITMAP& size, int startX, int startY) {
   CInsertedObject& object = m_objects.Object(slot);
   if (startX < 0 || startY < 0) {
     // Centred in the composition buffer; each half truncated toward zero.
@@ -54,7 +50,7 @@ void CImageEditWnd::InsertIcon(int nStartX, int nStartY, LPCSTR lpszFilePath) {
   BITMAP size{};
   if (!picture || !GetObjectA(picture.get(), sizeof size, &size)) return;
   m_objects.Object(slot).keyColor = m_objects.storedTransparentColor;
-  PlaceInsertedObject(slot, ObjectKind::Icon, std::move(picture), nStartX, nStartY);
+  PlaceInsertedObject(slot, ObjectKind::Icon, std::move(picture), size, nStartX, nStartY);
 }
 
 // Without a balloon picture the text gets a box of its own in the text background:
@@ -84,5 +80,5 @@ void CImageEditWnd::InsertBalloonText(int nStartX, int nStartY, LPCSTR lpszFileP
   object.backgroundBrush = CopyOfBrush(m_textEntry.backgroundBrush());
   object.transparency = m_objects.storedTransparency;
   object.keyColor = withBalloon ? m_objects.storedTransparentColor : m_textEntry.StampKey();
-  PlaceInsertedObject(slot, ObjectKind::Balloon, std::move(picture), nStartX, nStartY);
+  PlaceInsertedObject(slot, ObjectKind::Balloon, std::move(picture), size, nStartX, nStartY);
 }

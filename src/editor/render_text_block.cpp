@@ -1,9 +1,8 @@
 #include "editor/render_text_block.h"
 
-#include <algorithm>
-#include <climits>
 #include <cstdint>
 
+#include "editor/clamped_int.h"
 #include "platform/gdi_handles.h"
 #include "resources/localized_text.h"
 
@@ -19,12 +18,6 @@ const char* LineSample(WORD language) {
   return language == kLanguageKorean || language == kLanguageChinese ? "A\xB0\xA1" : "AaBbCc";
 }
 
-// Edges and sizes worked out wide and kept within int: the rectangle comes from the
-// host's coordinates, which may lie anywhere.
-LONG Clamped(std::int64_t value) {
-  return static_cast<LONG>(std::clamp<std::int64_t>(value, INT_MIN, INT_MAX));
-}
-
 // The rectangle a text without a size of its own needs: measured on one line per
 // line break; when that is wider than the picture allows, as many sample lines as the
 // width needs, at the widest allowed width.
@@ -38,10 +31,10 @@ RECT MeasuredBlock(HDC dc, const char* text, RECT rect, const TextBlockLimits& l
     const std::int64_t measured = std::int64_t{rect.right} - rect.left;
     const std::int64_t lines = (measured + maxWidth - 1) / maxWidth;
     // The bottom edge itself becomes the height of those lines, whatever the top.
-    rect.bottom = Clamped(lines * (std::int64_t{sample.bottom} - sample.top));
-    rect.right = Clamped(std::int64_t{rect.left} + maxWidth);
+    rect.bottom = ClampedInt(lines * (std::int64_t{sample.bottom} - sample.top));
+    rect.right = ClampedInt(std::int64_t{rect.left} + maxWidth);
   }
-  rect.right = Clamped(std::int64_t{rect.right} + 2);
+  rect.right = ClampedInt(std::int64_t{rect.right} + 2);
   return rect;
 }
 
@@ -55,20 +48,20 @@ HBITMAP RenderTextBlock(HDC dc, HBITMAP picture, const char* text, HFONT font, C
   if (font) fontSelection = platform::SelectionGuard(memory.get(), font);
   SetTextColor(memory.get(), color);
   SetBkMode(memory.get(), TRANSPARENT);
-  RECT rect{left, top, Clamped(std::int64_t{left} + width), Clamped(std::int64_t{top} + height)};
+  RECT rect{left, top, ClampedInt(std::int64_t{left} + width), ClampedInt(std::int64_t{top} + height)};
 
   HBITMAP target = picture;
   if (!target) {
     if (width == 0 || height == 0) rect = MeasuredBlock(memory.get(), text, rect, limits);
-    target = CreateCompatibleBitmap(dc, Clamped(std::int64_t{rect.right} - rect.left),
-                                    Clamped(std::int64_t{rect.bottom} - rect.top));
+    target = CreateCompatibleBitmap(dc, ClampedInt(std::int64_t{rect.right} - rect.left),
+                                    ClampedInt(std::int64_t{rect.bottom} - rect.top));
     if (!target) return nullptr;
   }
   memory.Show(target);
   if (GetCurrentObject(memory.get(), OBJ_BITMAP) == target) {
     if (!picture) {
-      const RECT whole{0, 0, Clamped(std::int64_t{rect.right} - rect.left),
-                       Clamped(std::int64_t{rect.bottom} - rect.top)};
+      const RECT whole{0, 0, ClampedInt(std::int64_t{rect.right} - rect.left),
+                       ClampedInt(std::int64_t{rect.bottom} - rect.top)};
       FillRect(memory.get(), &whole, brush ? brush : static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     }
     DrawTextA(memory.get(), text, -1, &rect, kDrawFormat);
