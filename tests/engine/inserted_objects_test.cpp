@@ -277,7 +277,7 @@ TEST_F(ObjectsTest, ABalloonOnARedBackgroundIsFramedInTheComplement) {
 }
 
 // The editor's text font measured on a DC: one line's width of `text` and the height
-// of a line. False while the platform draws no text.
+// of a line.
 bool MeasureText(HFONT font, const char* text, SIZE* extent, int* lineHeight) {
   const platform::MemoryDC dc(nullptr);
   const platform::SelectionGuard selected(dc.get(), font);
@@ -289,16 +289,8 @@ bool MeasureText(HFONT font, const char* text, SIZE* extent, int* lineHeight) {
   return true;
 }
 
-#define REQUIRE_TEXT_DRAWING(font)                                                        \
-  do {                                                                                    \
-    SIZE extent{};                                                                        \
-    int height = 0;                                                                       \
-    if (!MeasureText(font, "A", &extent, &height)) GTEST_SKIP() << "no text drawing yet"; \
-  } while (false)
-
 // A hex-encoded text draws exactly what its plain form draws.
 TEST_F(ObjectsTest, HexEncodedTextDrawsItsBytes) {
-  REQUIRE_TEXT_DRAWING(editor().m_textEntry.font());
   editor().InsertBalloonText(0, 0, "", 0, 0, 30, 12,
                              "\x01\x01"
                              "abcdefgh"
@@ -314,7 +306,6 @@ TEST_F(ObjectsTest, HexEncodedTextDrawsItsBytes) {
 // line heights as the width needs.
 TEST_F(ObjectsTest, ATextWithoutABoxSizeIsMeasuredAndWrapped) {
   const HFONT font = editor().m_textEntry.font();
-  REQUIRE_TEXT_DRAWING(font);
   SIZE shortText{};
   SIZE longText{};
   SIZE sample{};
@@ -337,7 +328,6 @@ TEST_F(ObjectsTest, ATextWithoutABoxSizeIsMeasuredAndWrapped) {
 // Blended half and half with the grey picture, the white box turns light grey while
 // the glyphs keep the text colour.
 TEST_F(ObjectsTest, ABlendedBalloonKeepsItsTextUnblended) {
-  REQUIRE_TEXT_DRAWING(editor().m_textEntry.font());
   objects().storedTransparency = 50;
   editor().SetTextFont("Arial,,,12,,,0000FF");
   editor().InsertBalloonText(0, 0, "", 0, 0, 40, 30, "Hello");
