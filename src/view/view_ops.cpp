@@ -56,6 +56,13 @@ void CImageEditWnd::OnPaint() {
   const int h = m_view.hScrollPos();
   const int v = m_view.vScrollPos();
   BitBlt(windowDC, 0, 0, composition.width() - h, composition.height() - v, composition.dc(), h, v, SRCCOPY);
+  // Text typed while an object is selected goes over the object, just inside its
+  // frame's left and top edges.
+  if (m_objects.selected() >= 0 && m_textEntry.IsShown()) {
+    const CInsertedObject& object = m_objects.Object(m_objects.selected());
+    m_textEntry.MoveTo(
+        RECT{object.x - 1, object.y - 1, object.x + object.width + 1, object.y + object.height});
+  }
   if (m_selectionBox.IsShown()) {
     const RECT box = m_selectionBox.WindowRect();
     DrawRubberBand(windowDC, box.left, box.top, box.right, box.bottom, 0, 0, true, false);

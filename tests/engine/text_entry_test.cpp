@@ -278,4 +278,24 @@ TEST_F(TypedTextTest, KoreanTypedOnAKoreanKeyboardIsDrawnThroughItsCodePage) {
   EXPECT_NE(TypeAndClose(hangul), korean);
 }
 
+TEST_F(TypedTextTest, AnOpenBoxMovesOverTheSelectedObjectAtTheNextPaint) {
+  const std::string icon =
+      live_.files.Write("icon.bmp", BitmapFile(20, 10, std::vector<COLORREF>(200, 0xFF)));
+  live_->InsertIcon(40, 30, icon.c_str());
+  live_.Mouse(WM_RBUTTONDOWN, 45, 35);  // selects it; the menu is dismissed
+  ASSERT_EQ(live_->m_objects.selected(), 0);
+  live_->EnterText();
+  live_.Drag(100, 50, 180, 90);
+  ASSERT_TRUE(live_->m_textEntry.IsShown());
+  live_->RedrawWindow();
+  RECT box{};
+  GetWindowRect(live_->m_textEntry.box(), &box);
+  POINT topLeft{box.left, box.top};
+  ScreenToClient(live_->m_hWnd, &topLeft);
+  EXPECT_EQ(topLeft.x, 39);
+  EXPECT_EQ(topLeft.y, 29);
+  EXPECT_EQ(box.right - box.left, 22);
+  EXPECT_EQ(box.bottom - box.top, 11);
+}
+
 }  // namespace
