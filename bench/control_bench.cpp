@@ -214,10 +214,10 @@ struct Row {
 };
 
 void PrintTable(const std::vector<Row>& rows, double memcpyMs) {
-  std::printf("\n%-34s %10s %10s %7s %9s  %s\n", "operation", "ours ms", "peer ms", "ratio", "x memcpy",
+  std::printf("\n%-36s %10s %10s %7s %9s  %s\n", "operation", "ours ms", "peer ms", "ratio", "x memcpy",
               "peer");
   for (const Row& row : rows) {
-    std::printf("%-34s %10.1f ", row.operation.c_str(), row.ours);
+    std::printf("%-36s %10.1f ", row.operation.c_str(), row.ours);
     if (row.peer) {
       std::printf("%10.1f %7.2f ", *row.peer, row.ours / *row.peer);
     } else {
@@ -449,7 +449,7 @@ int main(int argc, char** argv) {
     const bool textOrObject = row.operation.find("text box") != std::string::npos ||
                               row.operation.rfind("Insert", 0) == 0 ||
                               row.operation.find("objects") != std::string::npos;
-    if (textOrObject) std::printf("  %-34s %5.2f\n", row.operation.c_str(), row.ours / brighten->ours);
+    if (textOrObject) std::printf("  %-36s %5.2f\n", row.operation.c_str(), row.ours / brighten->ours);
   }
   std::printf(
       "(a save writes a new file, syncs it and its folder to the disk and renames it over the old one;\n"

@@ -49,7 +49,7 @@ BOOL CWnd::CreateInParent(LPCSTR className, LPCSTR windowName, DWORD style, cons
   cs.lpszName = windowName;
   cs.lpszClass = className;
   if (!PreCreateWindow(cs)) return FALSE;
-  const platform::user::NewWindow spec{
+  const platform::user::NewWindow request{
       cs.hwndParent,
       cs.lpszClass == nullptr ? "" : cs.lpszClass,
       platform::user::WideFromUtf8(cs.lpszName == nullptr ? "" : cs.lpszName),
@@ -57,7 +57,7 @@ BOOL CWnd::CreateInParent(LPCSTR className, LPCSTR windowName, DWORD style, cons
       id,
       RECT{cs.x, cs.y, cs.x + cs.cx, cs.y + cs.cy},
       this};
-  return platform::user::CreateChildWindow(spec, reinterpret_cast<LPARAM>(&cs)) != nullptr ? TRUE : FALSE;
+  return platform::user::CreateChildWindow(request, reinterpret_cast<LPARAM>(&cs)) != nullptr ? TRUE : FALSE;
 }
 
 BOOL CWnd::DestroyWindow() { return ::DestroyWindow(m_hWnd); }

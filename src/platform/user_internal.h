@@ -27,7 +27,7 @@ struct NewWindow {
 // Makes the window under its live parent, sends WM_CREATE with `createStruct` and then
 // WM_SIZE. Null when the parent is gone or WM_CREATE refuses with -1 (the window is
 // then destroyed).
-HWND CreateChildWindow(const NewWindow& spec, LPARAM createStruct);
+HWND CreateChildWindow(const NewWindow& request, LPARAM createStruct);
 // A DC on the host frame with its origin at `origin` and every write clipped to `clip`,
 // both in the window's host's coordinates; null without a host frame.
 HDC HostFrameDC(const window::Window& window, POINT origin, const RECT& clip);

@@ -69,17 +69,18 @@ const WindowClass* FindClass(const std::string& name) {
 
 namespace platform::user {
 
-HWND CreateChildWindow(const NewWindow& spec, LPARAM createStruct) {
-  if (!IsWindow(spec.parent)) return nullptr;
-  const window::WindowClass* registered = window::FindClass(spec.className);
-  Window& window = window::Add(spec.parent, registered ? *registered : window::WindowClass{spec.className},
-                               spec.title, spec.style, spec.id,
-                               RECT{spec.rect.left, spec.rect.top, std::max(spec.rect.right, spec.rect.left),
-                                    std::max(spec.rect.bottom, spec.rect.top)});
+HWND CreateChildWindow(const NewWindow& request, LPARAM createStruct) {
+  if (!IsWindow(request.parent)) return nullptr;
+  const window::WindowClass* registered = window::FindClass(request.className);
+  Window& window =
+      window::Add(request.parent, registered ? *registered : window::WindowClass{request.className},
+                  request.title, request.style, request.id,
+                  RECT{request.rect.left, request.rect.top, std::max(request.rect.right, request.rect.left),
+                       std::max(request.rect.bottom, request.rect.top)});
   const HWND hwnd = window.handle;
   // The object hears WM_CREATE, so it must know its window by then.
-  window.object = spec.object;
-  if (spec.object != nullptr) spec.object->m_hWnd = hwnd;
+  window.object = request.object;
+  if (request.object != nullptr) request.object->m_hWnd = hwnd;
   if (SendMessageA(hwnd, WM_CREATE, 0, createStruct) == -1) {
     DestroyWindow(hwnd);
     return nullptr;
@@ -90,7 +91,7 @@ HWND CreateChildWindow(const NewWindow& spec, LPARAM createStruct) {
   SendMessageA(hwnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.right, client.bottom));
   Window* created = Find(hwnd);
   if (created == nullptr) return nullptr;
-  if (spec.style & WS_VISIBLE) {
+  if (request.style & WS_VISIBLE) {
     created->nonClientPending = true;
     InvalidateRect(hwnd, nullptr, TRUE);
   }

@@ -19,6 +19,8 @@ class TextEntry {
   // Opens the box at `rect` (editor window coordinates) for typing in the text font,
   // with the keyboard focus.
   void Open(const RECT& rect);
+  // Moves the open box to `rect` (editor window coordinates), repainting it.
+  void MoveTo(const RECT& rect);
   // Hides the box and empties it: what was typed is gone.
   void Discard();
   // The font, then the background brush.

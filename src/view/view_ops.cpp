@@ -56,6 +56,13 @@ void CImageEditWnd::OnPaint() {
   const int h = m_view.hScrollPos();
   const int v = m_view.vScrollPos();
   BitBlt(windowDC, 0, 0, composition.width() - h, composition.height() - v, composition.dc(), h, v, SRCCOPY);
+  // Text typed while an object is selected goes over the object, just inside its
+  // frame's left and top edges.
+  if (m_objects.selected() >= 0 && m_textEntry.IsShown()) {
+    const CInsertedObject& object = m_objects.Object(m_objects.selected());
+    m_textEntry.MoveTo(
+        RECT{object.x - 1, object.y - 1, object.x + object.width + 1, object.y + object.height});
+  }
   if (m_selectionBox.IsShown()) {
     const RECT box = m_selectionBox.WindowRect();
     DrawRubberBand(windowDC, box.left, box.top, box.right, box.bottom, 0, 0, true, false);
@@ -63,7 +70,7 @@ void CImageEditWnd::OnPaint() {
   EndPaint(m_hWnd, &paint);
 }
 
-void CImageEditWnd::ComposeView(const RECT* area) {
+void CImageEditWnd::ComposeView(const RECT* area, bool plain) {
   const Surface& composition = m_surfaces.composition;
   const Surface& image = m_surfaces.imageSurface;
   if (!composition.dc()) return;
@@ -75,7 +82,9 @@ void CImageEditWnd::ComposeView(const RECT* area) {
   }
   if (m_surfaces.drawingLayer.dc() && m_surfaces.drawingLayer.bitmap())
     CompositeDrawingLayer(composition.dc(), &part);
-  // Inserted objects and the frame join the composition here once they exist.
+  if (m_objects.count() > 0)
+    DrawObjects(composition.dc(), m_view.hScrollPos(), m_view.vScrollPos(), plain, &part);
+  // The frame joins the composition here once it exists.
 }
 
 COLORREF CImageEditWnd::ShownColorAt(POINT point) {
@@ -144,8 +153,14 @@ void CImageEditWnd::Scroll(int bar, UINT code, int position) {
       return;
   }
   if (code == SB_LINEUP || code == SB_PAGEUP) step = -step;
-  if (step != 0) SetScrollPos(m_hWnd, bar, m_view.ScrollBy(bar, step), TRUE);
-  // Inserted objects follow the scroll here once they exist.
+  if (step != 0) {
+    const int scrolled = m_view.ScrollBy(bar, step);
+    SetScrollPos(m_hWnd, bar, scrolled, TRUE);
+    // Objects keep window coordinates: they move against the scroll by as much as it
+    // really moved, so that they stay over the same spot of the picture.
+    const int moved = current - scrolled;
+    m_objects.ShiftAll(horizontal ? moved : 0, horizontal ? 0 : moved);
+  }
   RedrawWindow();
 }
 

@@ -3,15 +3,24 @@
 // selection messages, the text calls and their buffers, and the limit.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "platform/edit_text.h"
+#include "platform/gdi_handles.h"
 #include "user_test_support.h"
 
 namespace {
 
 using platform::EditText;
 using namespace user_test;
+
+platform::OwnedFont Arial16() {
+  LOGFONTA description{};
+  description.lfHeight = -16;
+  std::strcpy(description.lfFaceName, "Arial");
+  return platform::OwnedFont(CreateFontIndirectA(&description));
+}
 
 std::u16string TypedInto(EditText& content, std::u16string_view keys) {
   for (char16_t key : keys) {
@@ -273,6 +282,79 @@ TEST_F(EditControl, APasteIsHeldToTheLimitButSettingTheTextIsNot) {
   // Embedded NULs end what a message's text is.
   SetWindowTextW(edit_, u"ab\0cd");
   EXPECT_EQ(Text(), u"ab");
+}
+
+// Black text from the client area's corner in the control's font and, while it has
+// the focus, a caret one pixel wide and a line high where the next character goes;
+// the view follows the caret sideways and down.
+TEST_F(EditControl, PaintsItsTextAndACaretWhereTheNextCharacterGoes) {
+  platform::OwnedFont font = Arial16();
+  ASSERT_TRUE(font);
+  SendMessageW(edit_, WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);
+  platform::MemoryDC measuring(nullptr);
+  platform::SelectionGuard inFont(measuring.get(), font.get());
+  TEXTMETRICA metrics{};
+  ASSERT_TRUE(GetTextMetricsA(measuring.get(), &metrics));
+  const int line = metrics.tmHeight;
+  SIZE typed{};
+  ASSERT_TRUE(GetTextExtentPoint32W(measuring.get(), u"Hi", 2, &typed));
+  constexpr int kLeft = 14, kTop = 14;  // the edit control's client area on the host
+  constexpr std::uint32_t kBlack = 0;
+  const auto caretAt = [&](int x, int y) {
+    for (int row = y; row < y + line; ++row) EXPECT_EQ(FramePixel(x, row), kBlack) << x << "," << row;
+  };
+
+  Type(U"Hi");
+  platform::FlushPaint(hostWindow_);
+  int ink = 0;
+  for (int y = kTop; y < kTop + line; ++y) {
+    for (int x = kLeft; x < kLeft + typed.cx; ++x) ink += FramePixel(x, y) == kBlack ? 1 : 0;
+  }
+  EXPECT_GT(ink, 10);
+  EXPECT_EQ(FramePixel(kLeft + typed.cx + 1, kTop + line / 2), kWhite);
+  caretAt(kLeft + typed.cx, kTop);
+  EXPECT_EQ(FramePixel(kLeft + typed.cx, kTop + line), kWhite);
+  SetFocus(box_.m_hWnd);
+  platform::FlushPaint(hostWindow_);
+  EXPECT_EQ(FramePixel(kLeft + typed.cx, kTop), kWhite);
+
+  // Past the right edge the caret stays on the last column; a new line brings the
+  // view back to the left, and lines below the box scroll it down.
+  SetFocus(edit_);
+  Type(U" there, a line much longer than the box");
+  platform::FlushPaint(hostWindow_);
+  caretAt(kLeft + 72 - 1, kTop);
+  Type(U"\n\n\n");
+  platform::FlushPaint(hostWindow_);
+  const int lastRow = 42 / line - 1;
+  caretAt(kLeft, kTop + lastRow * line);
+  EXPECT_EQ(FramePixel(kLeft + 72 - 1, kTop + line / 2), kWhite);
+}
+
+// A press takes the focus and puts the caret at the character boundary nearest to it,
+// on the line under it (the last when it is below the text).
+TEST_F(EditControl, APressPutsTheCaretAtTheNearestBoundary) {
+  platform::OwnedFont font = Arial16();
+  SendMessageW(edit_, WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), FALSE);
+  SetWindowTextW(edit_, u"Hello\r\nab");
+  platform::MemoryDC measuring(nullptr);
+  platform::SelectionGuard inFont(measuring.get(), font.get());
+  SIZE he{}, hel{};
+  GetTextExtentPoint32W(measuring.get(), u"He", 2, &he);
+  GetTextExtentPoint32W(measuring.get(), u"Hel", 3, &hel);
+  SetFocus(nullptr);
+  const auto pressAt = [&](int x, int y) {
+    platform::MouseInput(hostWindow_, WM_LBUTTONDOWN, 14 + x, 14 + y);
+    platform::MouseInput(hostWindow_, WM_LBUTTONUP, 14 + x, 14 + y);
+    return Selection().second;
+  };
+  EXPECT_EQ(pressAt(he.cx + 1, 2), 2u);  // just after "He"
+  EXPECT_EQ(GetFocus(), edit_);
+  EXPECT_EQ(pressAt(hel.cx - 1, 2), 3u);  // just before the end of "Hel"
+  EXPECT_EQ(pressAt(0, 2), 0u);
+  EXPECT_EQ(pressAt(70, 2), 5u);   // past the end of the line
+  EXPECT_EQ(pressAt(1, 40), 7u);   // below the text: the last line, at "a"
+  EXPECT_EQ(pressAt(70, 40), 9u);  // and at its end
 }
 
 TEST_F(EditControl, KeepsTheFontItIsGivenAndGoesWithItsParent) {
