@@ -5,7 +5,9 @@
 # (image-edit-engine-threads.js/.wasm/.worker.js, build/wasm-threads), the custom
 # element image-edit-control.js with its method list image-edit-interface.js and its
 # TypeScript declaration image-edit-control.d.ts (both generated from the interface
-# description), and the demo page index.html with its sample pictures.
+# description), and the demo page index.html with its sample pictures. Each engine
+# carries the fonts text is drawn with inside its .wasm (src/platform/fonts) and
+# FreeType, compiled from the Debian source that scripts/setup.sh fetches.
 # Any static file server can serve it: the element loads the engine without threads.
 # A server that makes the page cross-origin isolated (it sends
 # Cross-Origin-Opener-Policy: same-origin and Cross-Origin-Embedder-Policy:
@@ -25,7 +27,9 @@ build_engine() {  # TREE IE_WASM_THREADS
 }
 build_engine build/wasm OFF
 build_engine build/wasm-threads ON
-cmake --build build/wasm --target image_edit_element_interface
+# The text sample for Node (build/wasm/hosts/web/text-sample.cjs), which
+# tests/web/fonts.test.mjs compares with its native build.
+cmake --build build/wasm --target image_edit_element_interface text_sample
 
 out=build/web
 rm -rf "$out"

@@ -8,7 +8,7 @@ packages=(
   cmake ninja-build g++ clang clang-14 libclang-rt-14-dev pkg-config zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libjpeg-dev libpng-dev libgif-dev libcurl4-openssl-dev
-  libfontconfig-dev libfreetype-dev fonts-liberation fonts-noto-cjk dpkg-dev fonttools
+  libfontconfig-dev libfreetype-dev fonts-liberation fonts-noto-cjk fontconfig dpkg-dev fonttools
   python3 python3-pil
   emscripten chromium
 )

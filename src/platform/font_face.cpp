@@ -38,6 +38,7 @@ class FontLibrary {
     faces_.emplace(key, face);
     return face;
   }
+  FT_Library library() const { return library_; }
 
  private:
   FontLibrary() {
@@ -211,6 +212,13 @@ Glyph SizedFace::Render(unsigned glyphIndex) {
   glyph.pitch = bitmap.pitch;
   glyph.bits.assign(bitmap.buffer, bitmap.buffer + static_cast<std::size_t>(bitmap.pitch) * bitmap.rows);
   return glyph;
+}
+
+std::string FreeTypeVersion() {
+  FT_Int major = 0, minor = 0, patch = 0;
+  if (FT_Library library = FontLibrary::Instance().library())
+    FT_Library_Version(library, &major, &minor, &patch);
+  return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch);
 }
 
 int FacesInFile(const std::string& path) {

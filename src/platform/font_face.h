@@ -104,6 +104,9 @@ class SizedFace {
   std::size_t cachedBytes_ = 0;
 };
 
+// FreeType's version, "MAJOR.MINOR.PATCH": what hinting depends on.
+std::string FreeTypeVersion();
+
 // What a catalogue of font files needs to know of them.
 // The number of faces in a font file; 0 when it is not a font FreeType reads.
 int FacesInFile(const std::string& path);

@@ -14,17 +14,28 @@ namespace {
 constexpr char16_t kReplacement = 0xFFFD;
 
 // The iconv name of a supported East Asian code page; null for UTF-8 and for code
-// pages that are not supported (told apart by IsUtf8).
+// pages that are not supported (told apart by IsUtf8). A web page's C library (musl)
+// knows 936 and 932 only by their standard names and uses those tables: they read
+// every character of KS X 1001 and GB 2312 as glibc does, but musl also reads the
+// user-defined areas (as private-use characters) that glibc refuses, and its Shift_JIS
+// differs from code page 932 in a few symbols.
 const char* IconvName(UINT codePage) {
+#ifdef __EMSCRIPTEN__
+  constexpr const char* kChinese = "GBK";
+  constexpr const char* kJapanese = "SHIFT_JIS";
+#else
+  constexpr const char* kChinese = "CP936";
+  constexpr const char* kJapanese = "CP932";
+#endif
   switch (codePage) {
     case 949:
       return "CP949";
     case 936:
-      return "CP936";
+      return kChinese;
     case 950:
       return "CP950";
     case 932:
-      return "CP932";
+      return kJapanese;
     default:
       return nullptr;
   }
