@@ -32,7 +32,7 @@ rm -rf "$out"
 mkdir -p "$out/samples"
 cp build/wasm/hosts/web/image-edit-engine.{js,wasm} build/wasm-threads/hosts/web/image-edit-engine-threads.{js,wasm,worker.js} \
   "$out/"
-cp hosts/web/image-edit-control.js build/wasm/hosts/web/image-edit-{interface.js,control.d.ts} hosts/web/demo/* "$out/"
+cp hosts/web/*.js build/wasm/hosts/web/image-edit-{interface.js,control.d.ts} hosts/web/demo/* "$out/"
 cp hosts/web/samples/*.jpg hosts/web/samples/*.png hosts/web/samples/*.bmp "$out/samples/"
 # The 12-megapixel sample is drawn once per build tree rather than kept in the repository.
 large=build/wasm/samples/landscape-12mp.jpg

@@ -91,6 +91,9 @@ class WebControl {
   WebControl(int width, int height, int language, val page) : host_(std::move(page)) {
     platform::SetHost(&host_);
     platform::SetUserDefaultLangID(static_cast<LANGID>(language));
+    // Typed text is converted in the code page of the keyboard layout when it is drawn:
+    // a page's keyboard is taken to be of the element's language.
+    platform::SetKeyboardLayout(static_cast<HKL>(language));
     hostWindow_ = platform::CreateHostWindow(width, height);
     // A control that cannot be created stays inert, as before its window exists.
     if (hostWindow_ != nullptr) control_.CreateControl(hostWindow_, width, height);
@@ -184,6 +187,29 @@ class WebControl {
     for (unsigned i = 0; i < count; ++i) answer.customColors[i] = customColors[i].as<COLORREF>();
     host_.QueueColorAnswer(answer);
   }
+  // The answer to the font dialog that the next call opens, as the person chose it in
+  // the page's dialog: {face, points, bold, italic, underline, strikeOut, color}.
+  void queueFontAnswer(const val& font) {
+    WebHost::FontAnswer answer;
+    answer.face = font["face"].as<std::string>();
+    answer.points = font["points"].as<int>();
+    answer.bold = font["bold"].as<bool>();
+    answer.italic = font["italic"].as<bool>();
+    answer.underline = font["underline"].as<bool>();
+    answer.strikeOut = font["strikeOut"].as<bool>();
+    answer.color = font["color"].as<COLORREF>();
+    host_.QueueFontAnswer(answer);
+  }
+
+  // The person closed the page's shortcut menu: `command` is the item they picked, 0
+  // when they dismissed it. A command the menu offered enabled reaches the editor
+  // window, the menu's owner, as the WM_COMMAND the menu would have sent.
+  void menuChosen(unsigned command) {
+    const UINT chosen = host_.TakeMenuChoice(command);
+    if (chosen != 0) SendMessageA(GetDlgItem(control_.m_hWnd, kEditorWindowId), WM_COMMAND, chosen & 0xFFFF, 0);
+    Flush();
+  }
+
   // Where a save of this name goes (a bare name goes into the temp folder).
   std::string savePath(const std::string& name) const { return imageio::ResolveSavePath(name); }
 
@@ -242,6 +268,8 @@ EMSCRIPTEN_BINDINGS(image_edit_engine) {
       .function("prepareFailure", &WebControl::prepareFailure)
       .function("forgetPictures", &WebControl::forgetPictures)
       .function("queueColorAnswer", &WebControl::queueColorAnswer)
+      .function("queueFontAnswer", &WebControl::queueFontAnswer)
+      .function("menuChosen", &WebControl::menuChosen)
       .function("savePath", &WebControl::savePath)
       .function("cursorArtwork", &WebControl::cursorArtwork);
 }
