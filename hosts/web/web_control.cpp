@@ -206,7 +206,8 @@ class WebControl {
   // window, the menu's owner, as the WM_COMMAND the menu would have sent.
   void menuChosen(unsigned command) {
     const UINT chosen = host_.TakeMenuChoice(command);
-    if (chosen != 0) SendMessageA(GetDlgItem(control_.m_hWnd, kEditorWindowId), WM_COMMAND, chosen & 0xFFFF, 0);
+    if (chosen != 0)
+      SendMessageA(GetDlgItem(control_.m_hWnd, kEditorWindowId), WM_COMMAND, chosen & 0xFFFF, 0);
     Flush();
   }
 

@@ -33,7 +33,8 @@ val DescribeMenu(HMENU menu, std::vector<UINT>* choices) {
 // The longest start of a UTF-8 `text` that fits a face name, cut between characters.
 std::size_t FaceNameLength(const std::string& text) {
   std::size_t length = std::min<std::size_t>(text.size(), LF_FACESIZE - 1);
-  while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
+  while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+    --length;
   return length;
 }
 
