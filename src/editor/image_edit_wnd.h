@@ -106,9 +106,12 @@ class CImageEditWnd : public CWnd {
 
   // ---- for the tools ----
   // When the text-entry window is shown and the drawing layer exists: stamps the
-  // typed text into the drawing layer (that step arrives with text entry), then hides
-  // and empties the window.
+  // typed text into the drawing layer, then hides and empties the window.
   void CloseTextEntry();
+  // Stamps the typed text into the layer of that DC where the box shows it: in the
+  // text font and colour on the text background, converted to the keyboard's code
+  // page, word-wrapped at the box's width, then repaints.
+  void CommitText(HDC drawingLayer);
   // The pen and the shape brush made again in the current colour, for the tool that
   // is chosen: SetPen with the pen size and SetShape with the shape style, which
   // leave the tool mode as it was.

@@ -6,6 +6,8 @@
 
 #include <span>
 
+#include "platform/types.h"
+
 inline constexpr int kMaxInsertedObjects = 5;
 
 class InsertedObjects {
@@ -17,6 +19,11 @@ class InsertedObjects {
   std::span<const int> FrontToBack() const;
   // The selected slot, -1 for none.
   int selected() const { return selected_; }
+
+  // What the next inserted object is drawn with: pixels of the transparent colour are
+  // left out, and a transparency of 1 to 99 blends it with the picture.
+  COLORREF storedTransparentColor = 0;
+  int storedTransparency = 0;
 
  private:
   int count_ = 0;

@@ -2,8 +2,6 @@
 // control can forward to it, and does nothing until its subsystem is built.
 #include "editor/image_edit_wnd.h"
 
-std::string CImageEditWnd::SetTextFont(LPCSTR) { return std::string(); }
-std::string CImageEditWnd::SetTextBackgroundColor(LPCSTR) { return std::string(); }
 void CImageEditWnd::SetTransparency(int, int) {}
 void CImageEditWnd::SetTexture(int) {}
 void CImageEditWnd::SetFrame(int, LPCSTR, int, int) {}

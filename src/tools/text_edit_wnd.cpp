@@ -21,3 +21,16 @@ void CTextEditWnd::HideAndClear() {
   ::SendMessageA(EditWindow(), EM_SCROLLCARET, 0, 0);
   ::SendMessageA(EditWindow(), WM_CLEAR, 0, 0);
 }
+
+void CTextEditWnd::ChangeFont(HFONT font) {
+  if (IsShown()) ::SendMessageA(EditWindow(), WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+}
+
+// Typing arrives with the edit control; until then the box holds no text.
+std::u16string CTextEditWnd::GetText() const { return std::u16string(); }
+
+RECT CTextEditWnd::TextRect() const {
+  RECT rect{0, 0, 0, 0};
+  ::GetWindowRect(EditWindow(), &rect);
+  return rect;
+}

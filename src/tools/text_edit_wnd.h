@@ -1,6 +1,8 @@
 // The hidden child window in which the user types text over the picture.
 #pragma once
 
+#include <string>
+
 #include "platform/platform.h"
 
 class CTextEditWnd : public CWnd {
@@ -13,6 +15,13 @@ class CTextEditWnd : public CWnd {
   void Open(const RECT& rect, HFONT font);
   // Hides the box and empties it.
   void HideAndClear();
+  // An open box shows its text in `font` at once; a hidden one gets the font when it
+  // opens.
+  void ChangeFont(HFONT font);
+  // What was typed, when the box is shown; empty otherwise.
+  std::u16string GetText() const;
+  // Where the typed text lies, in screen coordinates.
+  RECT TextRect() const;
 
  private:
   // The window that takes the typed text. The inner edit control arrives with text

@@ -30,14 +30,28 @@ TextEntry::TextEntry(WORD language) {
     ::ReleaseDC(nullptr, screen);
   }
   const DefaultFont font = DefaultFontFor(language);
-  fontDescription_.lfWeight = 400;
+  fontDescription_.lfWeight = FW_NORMAL;
   fontDescription_.lfCharSet = font.charSet;
   fontDescription_.lfOutPrecision = 3;
   fontDescription_.lfClipPrecision = 2;
   fontDescription_.lfQuality = 1;
   std::strncpy(fontDescription_.lfFaceName, font.faceName, LF_FACESIZE - 1);
   font_ = platform::OwnedFont(CreateFontIndirectA(&fontDescription_));
-  backgroundBrush_ = platform::OwnedBrush(CreateSolidBrush(backgroundColor_));
+  SetBackgroundColor(backgroundColor_);
+}
+
+bool TextEntry::RemakeFont() {
+  font_.reset();
+  font_ = platform::OwnedFont(CreateFontIndirectA(&fontDescription_));
+  if (!font_) return false;
+  box_.ChangeFont(font_.get());
+  return true;
+}
+
+void TextEntry::SetBackgroundColor(COLORREF color) {
+  backgroundColor_ = color;
+  backgroundBrush_.reset();
+  backgroundBrush_ = platform::OwnedBrush(CreateSolidBrush(color));
 }
 
 void TextEntry::Create(CWnd* editor) {

@@ -1,6 +1,6 @@
 // Choosing the tool: the tool-mode setters, the current colour, the pens and brushes
-// they select into the drawing layer, the selection box's size, closing text entry,
-// and the cursor that shows the tool.
+// they select into the drawing layer, the selection box's size and the cursor that
+// shows the tool.
 #include <span>
 
 #include "editor/image_edit_wnd.h"
@@ -20,12 +20,6 @@ std::span<COLORREF, 16> SetColorCustomColors() {
 int NegatedSize(int n) { return static_cast<int>(0u - static_cast<unsigned>(n)); }
 
 }  // namespace
-
-void CImageEditWnd::CloseTextEntry() {
-  if (!m_textEntry.IsShown() || !m_surfaces.drawingLayer.dc()) return;
-  // Stamping the typed text into the drawing layer arrives with text entry.
-  m_textEntry.Discard();
-}
 
 std::string CImageEditWnd::GetColor() { return ColorString(m_tools.color); }
 

@@ -3,6 +3,8 @@
 // popup menu with `menuAnswer`.
 #pragma once
 
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,21 @@ class RecordingHost : public platform::Host {
     return IDOK;
   }
   void ShowDialog(int dialogId, const std::string& title) override { dialogs.push_back({dialogId, title}); }
+  // The colour and font dialogs take their answer, if one is set, and are cancelled
+  // otherwise; what they were opened with is kept.
+  bool ChooseColor(COLORREF& color, std::span<COLORREF, 16>) override {
+    colorOpenedWith = color;
+    if (!colorAnswer) return false;
+    color = *colorAnswer;
+    return true;
+  }
+  bool ChooseFont(LOGFONTA& font, COLORREF& color) override {
+    fontOpenedWith = font;
+    if (!fontAnswer) return false;
+    font = fontAnswer->font;
+    color = fontAnswer->color;
+    return true;
+  }
 
   std::vector<Message> messages;
   std::vector<Dialog> dialogs;
@@ -44,6 +61,14 @@ class RecordingHost : public platform::Host {
   int menuX = 0;
   int menuY = 0;
   UINT menuAnswer = 0;
+  struct FontAnswer {
+    LOGFONTA font;
+    COLORREF color;
+  };
+  std::optional<COLORREF> colorAnswer;
+  std::optional<COLORREF> colorOpenedWith;
+  std::optional<FontAnswer> fontAnswer;
+  std::optional<LOGFONTA> fontOpenedWith;
 };
 
 // A recording host that is the platform's host for as long as it lives.

@@ -1,0 +1,171 @@
+// The text settings: the font string read and given back, the font and background
+// dialogs, and what each setting leaves in the editor.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "test_support.h"
+#include "tools/font_string.h"
+
+namespace {
+
+LOGFONTA FontNamed(const char* face, LONG height, LONG weight) {
+  LOGFONTA font{};
+  std::strncpy(font.lfFaceName, face, LF_FACESIZE - 1);
+  font.lfHeight = height;
+  font.lfWeight = weight;
+  return font;
+}
+
+TEST(FontStringTest, FieldsAreReadInPlaceWhateverTheirCaseOrLength) {
+  const FontString full = ReadFontString("Arial,,Bold,12,,,FF0000");
+  EXPECT_EQ(full.face, "Arial");
+  EXPECT_FALSE(full.italic);
+  EXPECT_TRUE(full.bold);
+  EXPECT_EQ(full.points, 12);
+  EXPECT_EQ(full.color, RGB(0xFF, 0, 0));
+  EXPECT_FALSE(full.charSetSelector.has_value());
+
+  // Missing fields are empty: no colour reads as black.
+  const FontString short_ = ReadFontString("Arial,italic,,10");
+  EXPECT_TRUE(short_.italic);
+  EXPECT_EQ(short_.points, 10);
+  EXPECT_EQ(short_.color, 0u);
+
+  // Words that are not the field's own word count as absent.
+  const FontString unknown = ReadFontString("Courier,slanted,BOLD,x9,strikeout,UNDERLINE,00ff00,18");
+  EXPECT_FALSE(unknown.italic);
+  EXPECT_TRUE(unknown.bold);
+  EXPECT_EQ(unknown.points, 0);
+  EXPECT_TRUE(unknown.strikeOut);
+  EXPECT_TRUE(unknown.underline);
+  EXPECT_EQ(unknown.color, RGB(0, 0xFF, 0));
+  EXPECT_EQ(unknown.charSetSelector, 18);
+
+  // A face longer than a font description holds keeps 31 bytes, and the fields after
+  // an over-long one stay in their places.
+  const std::string longFace(40, 'F');
+  const FontString longest = ReadFontString((longFace + "," + std::string(50, 'i') + ",Bold,7").c_str());
+  EXPECT_EQ(longest.face, std::string(31, 'F'));
+  EXPECT_FALSE(longest.italic);
+  EXPECT_TRUE(longest.bold);
+  EXPECT_EQ(longest.points, 7);
+
+  // The cut never splits a character: 30 bytes and a three-byte letter keep 30.
+  const FontString cut = ReadFontString((std::string(30, 'a') + "\xEA\xB5\xB4,,,5").c_str());
+  EXPECT_EQ(cut.face, std::string(30, 'a'));
+  EXPECT_EQ(cut.points, 5);
+
+  EXPECT_EQ(ReadFontString(nullptr).face, "");
+  EXPECT_EQ(ReadFontString(",,,99999999999999").points, 2147483647);
+  EXPECT_EQ(ReadFontString(",,,-99999999999999").points, -2147483647 - 1);
+}
+
+TEST(FontStringTest, SelectorsNameTheCharacterSetsOfKoreanAndChinese) {
+  EXPECT_EQ(CharSetForSelector(18), HANGEUL_CHARSET);
+  EXPECT_EQ(CharSetForSelector(4), GB2312_CHARSET);
+  EXPECT_EQ(CharSetForSelector(0x09), ANSI_CHARSET);
+  EXPECT_EQ(CharSetForSelector(-18), ANSI_CHARSET);
+}
+
+TEST(FontStringTest, FormatNamesOnlyWhatIsSet) {
+  LOGFONTA font = FontNamed("Arial", -16, FW_BOLD);
+  EXPECT_EQ(FormatFontString(font, 12, RGB(0xFF, 0, 0)), "Arial,,Bold,12,,,FF0000");
+  font.lfWeight = 600;  // heavier than normal, yet not the bold the string names
+  font.lfItalic = font.lfUnderline = font.lfStrikeOut = 1;
+  EXPECT_EQ(FormatFontString(font, -3, RGB(1, 2, 3)), "Arial,Italic,,-3,StrikeOut,Underline,010203");
+  // A face name that fills the description is read no further than it.
+  std::memset(font.lfFaceName, 'x', LF_FACESIZE);
+  EXPECT_EQ(FormatFontString(font, 0, 0).substr(0, LF_FACESIZE + 1), std::string(LF_FACESIZE, 'x') + ",");
+}
+
+class TextSettingsTest : public HostedTest {};
+
+TEST_F(TextSettingsTest, AFontStringSetsTheFontAndComesBackNormalised) {
+  LiveEditor live(200, 100);
+  EXPECT_EQ(live->SetTextFont("Arial,,Bold,12,,,FF0000"), "Arial,,Bold,12,,,FF0000");
+  const LOGFONTA& font = live->m_textEntry.fontDescription();
+  EXPECT_EQ(font.lfHeight, -16);  // 12 points at 96 pixels an inch
+  EXPECT_EQ(font.lfWeight, FW_BOLD);
+  EXPECT_EQ(font.lfCharSet, ANSI_CHARSET);
+  EXPECT_EQ(live->m_textEntry.textColor, RGB(0xFF, 0, 0));
+  ASSERT_NE(live->m_textEntry.font(), nullptr);
+  LOGFONTA made{};
+  ASSERT_EQ(GetObjectA(live->m_textEntry.font(), sizeof made, &made), static_cast<int>(sizeof made));
+  EXPECT_EQ(made.lfHeight, -16);
+  EXPECT_STREQ(made.lfFaceName, "Arial");
+
+  EXPECT_EQ(live->SetTextFont("Arial,italic,,10"), "Arial,Italic,,10,,,000000");
+  EXPECT_EQ(live->m_textEntry.textColor, 0u);
+  EXPECT_EQ(live->m_textEntry.fontDescription().lfWeight, FW_NORMAL);
+
+  // Making fonts again and again keeps one.
+  const int fonts = platform::LiveGdiObjects().fonts;
+  for (int i = 0; i < 5; ++i) live->SetTextFont("Arial,,,9");
+  EXPECT_EQ(platform::LiveGdiObjects().fonts, fonts);
+}
+
+TEST_F(TextSettingsTest, TheCharacterSetComesFromTheSelectorOrTheUsersLanguage) {
+  {
+    LiveEditor live(100, 100);
+    live->SetTextFont("Arial,,,9,,,000000,18");
+    EXPECT_EQ(live->m_textEntry.fontDescription().lfCharSet, HANGEUL_CHARSET);
+  }
+  platform::SetUserDefaultLangID(0x0804);  // Chinese (PRC)
+  LiveEditor chinese(100, 100);
+  chinese->SetTextFont("Arial,,,9");
+  EXPECT_EQ(chinese->m_textEntry.fontDescription().lfCharSet, GB2312_CHARSET);
+  chinese->SetTextFont("Arial,,,9,,,,0");
+  EXPECT_EQ(chinese->m_textEntry.fontDescription().lfCharSet, ANSI_CHARSET);
+}
+
+TEST_F(TextSettingsTest, TheFontDialogEditsTheDescriptionOrChangesNothing) {
+  LiveEditor live(100, 100);
+  live->SetTextFont("Arial,,,12,,,00FF00");
+  const LOGFONTA before = live->m_textEntry.fontDescription();
+
+  EXPECT_EQ(live->SetTextFont("dialog"), "");  // cancelled
+  ASSERT_TRUE(host_.fontOpenedWith.has_value());
+  EXPECT_STREQ(host_.fontOpenedWith->lfFaceName, "Arial");
+  EXPECT_EQ(std::memcmp(&live->m_textEntry.fontDescription(), &before, sizeof before), 0);
+  EXPECT_EQ(live->m_textEntry.textColor, RGB(0, 0xFF, 0));
+
+  host_.fontAnswer = RecordingHost::FontAnswer{FontNamed("Liberation Serif", -21, FW_BOLD), RGB(0, 0, 0x80)};
+  // 21 pixels are 15.75 points, rounded to the nearest.
+  EXPECT_EQ(live->SetTextFont(nullptr), "Liberation Serif,,Bold,16,,,000080");
+  EXPECT_EQ(live->m_textEntry.textColor, RGB(0, 0, 0x80));
+  EXPECT_EQ(live->SetTextFont(""), "Liberation Serif,,Bold,16,,,000080");
+}
+
+TEST_F(TextSettingsTest, TheBackgroundIsAColourTransparentOrWhatTheDialogGives) {
+  LiveEditor live(100, 100);
+  EXPECT_EQ(live->SetTextBackgroundColor("FFFF00"), "");
+  EXPECT_EQ(live->m_textEntry.backgroundColor(), RGB(0xFF, 0xFF, 0));
+  LOGBRUSH brush{};
+  ASSERT_EQ(GetObjectA(live->m_textEntry.backgroundBrush(), sizeof brush, &brush),
+            static_cast<int>(sizeof brush));
+  EXPECT_EQ(brush.lbColor, RGB(0xFF, 0xFF, 0));
+  EXPECT_EQ(live->m_textEntry.StampKey(), RGB(0x0F, 0x0F, 0));
+
+  EXPECT_EQ(live->SetTextBackgroundColor("transparent"), "");
+  EXPECT_TRUE(live->m_textEntry.backgroundTransparent);
+  EXPECT_EQ(live->m_objects.storedTransparency, 100);
+  EXPECT_EQ(live->m_textEntry.backgroundColor(), RGB(0xFF, 0xFF, 0));  // the colour stays
+  EXPECT_EQ(live->m_textEntry.StampKey(), RGB(0xFF, 0xFF, 0));
+
+  // A cancelled dialog changes nothing; a colour chosen ends transparency.
+  EXPECT_EQ(live->SetTextBackgroundColor("DIALOG"), "");
+  EXPECT_EQ(host_.colorOpenedWith, RGB(0xFF, 0xFF, 0));
+  EXPECT_TRUE(live->m_textEntry.backgroundTransparent);
+  host_.colorAnswer = RGB(0x12, 0x34, 0x56);
+  EXPECT_EQ(live->SetTextBackgroundColor(""), "123456");
+  EXPECT_FALSE(live->m_textEntry.backgroundTransparent);
+  EXPECT_EQ(live->m_textEntry.backgroundColor(), RGB(0x12, 0x34, 0x56));
+
+  const int brushes = platform::LiveGdiObjects().brushes;
+  for (int i = 0; i < 5; ++i) live->SetTextBackgroundColor("00FF00");
+  EXPECT_EQ(platform::LiveGdiObjects().brushes, brushes);
+}
+
+}  // namespace
