@@ -11,13 +11,15 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j2 --target fuzz_all
-for target in bitmap_file jpeg png gif image_source script_line control font_string; do
+for target in bitmap_file jpeg png gif image_source script_line control font_string draw_text; do
   work="build/fuzz/corpus/$target"
   mkdir -p "$work"
   # A sequence of control calls needs room for many steps from the first run on, and
   # one that does not end within 30 s is a hang.
   options=""
   [ "$target" = control ] && options="-len_control=0 -max_len=1024 -timeout=30"
+  # Every new character of a text may cost a glyph of up to 1024 pixels an em.
+  [ "$target" = draw_text ] && options="-max_len=512 -timeout=30"
   echo "fuzz_$target: $seconds s"
   # shellcheck disable=SC2086
   (cd build/fuzz && "./fuzz/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=2048 -print_final_stats=1 \

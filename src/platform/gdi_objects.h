@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <variant>
 
@@ -11,6 +12,10 @@
 #include "platform/gdi_draw.h"
 #include "platform/raster.h"
 #include "platform/raster_geometry.h"
+
+namespace platform::fonts {
+class FontInstance;
+}
 
 namespace platform::gdi {
 
@@ -28,6 +33,8 @@ struct BrushObject {
 
 struct FontObject {
   LOGFONTA font{};
+  // Made when text is first measured or drawn with the font (gdi_text.cpp).
+  std::shared_ptr<fonts::FontInstance> instance;
 };
 
 struct BitmapObject {
