@@ -122,6 +122,7 @@ std::vector<std::string> HostStrings(const std::string& folder) {
       "Arial,Italic,Bold,12,StrikeOut,Underline,FF0000",
       ",,,0,,,",
       "48656C6C6F",
+      "\x01\x01" "abcdefgh" "48656C6C6F",
       "out.bmp",
       folder + "saved.bmp",
       folder + "no/such/folder/out.bmp",

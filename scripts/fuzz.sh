@@ -11,7 +11,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j2 --target fuzz_all
-for target in bitmap_file jpeg png gif image_source script_line control font_string draw_text; do
+for target in bitmap_file jpeg png gif image_source script_line control font_string draw_text balloon_text; do
   work="build/fuzz/corpus/$target"
   mkdir -p "$work"
   # A sequence of control calls needs room for many steps from the first run on, and

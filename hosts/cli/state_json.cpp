@@ -70,8 +70,16 @@ const std::vector<Member>& Members() {
        [](JsonWriter& j, const EditorState& s) {
          j.BeginObject().Key("count").Value(s.historyCount).Key("index").Value(s.historyIndex).EndObject();
        }},
-      // Inserted objects carry no readable geometry yet; the list stays empty until they do.
-      {"objects", [](JsonWriter& j, const EditorState&) { j.BeginArray().EndArray(); }},
+      {"objects",
+       [](JsonWriter& j, const EditorState& s) {
+         j.BeginArray();
+         for (const ObjectState& o : s.objects) {
+           j.BeginObject().Key("slot").Value(o.slot).Key("kind").Value(o.kind);
+           j.Key("x").Value(o.x).Key("y").Value(o.y).Key("w").Value(o.width).Key("h").Value(o.height);
+           j.Key("selected").Value(o.selected).EndObject();
+         }
+         j.EndArray();
+       }},
       {"zorder",
        [](JsonWriter& j, const EditorState& s) {
          j.BeginArray();

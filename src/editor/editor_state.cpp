@@ -20,6 +20,12 @@ EditorState CImageEditWnd::State() const {
   state.view = SIZE{m_view.viewWidth(), m_view.viewHeight()};
   state.historyCount = m_history.count();
   state.historyIndex = m_history.index();
+  for (int slot = 0; slot < kMaxInsertedObjects; ++slot) {
+    const CInsertedObject& object = m_objects.Object(slot);
+    if (object.kind() == ObjectKind::Free) continue;
+    state.objects.push_back(ObjectState{slot, static_cast<int>(object.kind()), object.x, object.y,
+                                        object.width, object.height, object.selected()});
+  }
   const std::span<const int> zOrder = m_objects.FrontToBack();
   state.zOrder.assign(zOrder.begin(), zOrder.end());
   state.selectedObject = m_objects.selected();

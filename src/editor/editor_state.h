@@ -7,6 +7,17 @@
 #include "pixels/adjustment_settings.h"
 #include "platform/platform.h"
 
+// One live inserted object as a host reports it.
+struct ObjectState {
+  int slot = 0;
+  int kind = 0;  // 1 icon, 2 balloon text
+  int x = 0;     // window coordinates
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  bool selected = false;
+};
+
 struct EditorState {
   int toolMode = 0;
   int savedToolMode = 0;
@@ -26,7 +37,8 @@ struct EditorState {
   SIZE view{0, 0};
   int historyCount = 0;
   int historyIndex = -1;
-  std::vector<int> zOrder;  // live object slots, front first
+  std::vector<ObjectState> objects;  // the live ones, by slot
+  std::vector<int> zOrder;           // live object slots, front first
   int selectedObject = -1;
   RECT selectionBox{0, 0, 0, 0};  // x, y, width, height
   bool frame = false;

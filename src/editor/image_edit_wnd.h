@@ -155,11 +155,22 @@ class CImageEditWnd : public CWnd {
   void CommitHistoryLevel(HDC source, int width, int height);
 
   // ---- view ----
-  // Composes the picture as shown (image surface, then strokes) into the
-  // composition buffer at surface coordinates, over at least `area` (surface
+  // Composes the picture as shown (image surface, strokes, then inserted objects)
+  // into the composition buffer at surface coordinates, over at least `area` (surface
   // coordinates; null for the whole buffer). Whatever reads the composition buffer
   // composes the part it reads first: repaints the visible part, saves the saved part.
-  void ComposeView(const RECT* area = nullptr);
+  // `plain` shows a selected object as it is saved, without its frame and grip.
+  void ComposeView(const RECT* area = nullptr, bool plain = false);
+
+  // ---- inserted objects ----
+  // Frees the selected object and repaints; no history level (the shortcut menu's
+  // "Delete" adds one, the Delete key does not).
+  void DeleteSelectedObject();
+  // Draws the live objects back to front into `target`, each at its window position
+  // plus the offset (the scroll position, for a surface), keyed or blended as the
+  // object says. `plain` draws selected objects without their frame; `area` (target
+  // coordinates; null for the whole target) limits the drawing.
+  void DrawObjects(HDC target, int offsetX, int offsetY, bool plain, const RECT* area = nullptr);
 
   // ---- window ----
   BOOL PreCreateWindow(CREATESTRUCTA& cs) override;
@@ -175,6 +186,11 @@ class CImageEditWnd : public CWnd {
   void OnLButtonUp(UINT flags, POINT point) override;
   void OnTimer(UINT_PTR id) override;
   BOOL OnSetCursor(HWND hwnd, UINT hitTest, UINT message) override;
+  // The inserted objects' shortcut menu: shown by the right button, its items brought
+  // up to date before they show, its commands run.
+  void OnRButtonDown(UINT flags, POINT point) override;
+  void OnInitMenuPopup(HMENU popup, UINT index, BOOL systemMenu) override;
+  BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
 
   // Set by the control right after it has created the editor window.
   bool m_windowCreated = false;
@@ -224,6 +240,17 @@ class CImageEditWnd : public CWnd {
   // Scrolls by a pixel when a drag is near an edge with a scroll bar.
   void ScrollAtEdge(POINT window);
   void StopAutoScroll();
+  // Makes the free `slot`, whose kind-specific fields are set, a live object of that
+  // kind showing `picture` (of that description), placed at (startX, startY) or
+  // centred when either is negative, in front of the others; then repaints and
+  // records a history level.
+  void PlaceInsertedObject(int slot, ObjectKind kind, platform::OwnedBitmap picture, const BITMAP& size,
+                           int startX, int startY);
+  // Draws the object's `drawn` picture, placed at `at`, blended over `part` of the
+  // target by the object's transparency.
+  void BlendObject(HDC target, const CInsertedObject& object, HBITMAP drawn, POINT at, const RECT& part);
+  // One command of the shortcut menu, on the selected object.
+  void RunObjectCommand(UINT command);
 
   EditorEvents* m_control;
 };

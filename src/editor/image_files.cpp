@@ -55,7 +55,7 @@ void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
   CloseTextEntry();
   const RECT source = SavedImageArea(*this);  // left, top, width, height
   const RECT saved{source.left, source.top, source.left + source.right, source.top + source.bottom};
-  ComposeView(&saved);
+  ComposeView(&saved, true);
   const SIZE size = m_saveSize.Or(SIZE{source.right, source.bottom});
   const int width = size.cx;
   const int height = size.cy;
@@ -78,7 +78,7 @@ void CImageEditWnd::SaveSelectionBoxBitmap(LPCSTR lpcFilePath) {
   // The box keeps window coordinates; the picture under it on screen lies at the
   // box's position plus the scroll position in the composition buffer.
   const RECT under = m_view.ToSurface(m_selectionBox.WindowRect());
-  ComposeView(&under);
+  ComposeView(&under, true);
   BitBlt(output.dc.get(), 0, 0, width, height, composition, under.left, under.top, SRCCOPY);
   imageio::WriteBitmapFile(lpcFilePath, output.bitmap.get(), m_messages.WriteContext(m_hWnd));
 }

@@ -9,8 +9,6 @@ void CImageEditWnd::RotateImage(int) {}
 void CImageEditWnd::BlockImage() {}
 void CImageEditWnd::CheckImage() {}
 void CImageEditWnd::WaterDropImage() {}
-void CImageEditWnd::InsertBalloonText(int, int, LPCSTR, int, int, int, int, LPCSTR) {}
-void CImageEditWnd::InsertIcon(int, int, LPCSTR) {}
 void CImageEditWnd::FlipImage() {}
 void CImageEditWnd::ReverseImage() {}
 void CImageEditWnd::EmbossImage() {}

@@ -1,5 +1,8 @@
 #include "editor/render_text_block.h"
 
+#include <cstdint>
+
+#include "editor/clamped_int.h"
 #include "platform/gdi_handles.h"
 #include "resources/localized_text.h"
 
@@ -22,16 +25,16 @@ RECT MeasuredBlock(HDC dc, const char* text, RECT rect, const TextBlockLimits& l
   DrawTextA(dc, text, -1, &rect, kMeasureFormat);
   const int maxWidth = limits.displayedWidth - 6;
   // Without a picture wide enough to wrap at, the measured size stands.
-  if (maxWidth > 0 && rect.right - rect.left > maxWidth) {
+  if (maxWidth > 0 && std::int64_t{rect.right} - rect.left > maxWidth) {
     RECT sample{0, 0, 0, 0};
     DrawTextA(dc, LineSample(limits.language), 3, &sample, kMeasureFormat);
-    const int measured = rect.right - rect.left;
-    const int lines = (measured + maxWidth - 1) / maxWidth;
+    const std::int64_t measured = std::int64_t{rect.right} - rect.left;
+    const std::int64_t lines = (measured + maxWidth - 1) / maxWidth;
     // The bottom edge itself becomes the height of those lines, whatever the top.
-    rect.bottom = lines * (sample.bottom - sample.top);
-    rect.right = rect.left + maxWidth;
+    rect.bottom = ClampedInt(lines * (std::int64_t{sample.bottom} - sample.top));
+    rect.right = ClampedInt(std::int64_t{rect.left} + maxWidth);
   }
-  rect.right += 2;
+  rect.right = ClampedInt(std::int64_t{rect.right} + 2);
   return rect;
 }
 
@@ -45,18 +48,20 @@ HBITMAP RenderTextBlock(HDC dc, HBITMAP picture, const char* text, HFONT font, C
   if (font) fontSelection = platform::SelectionGuard(memory.get(), font);
   SetTextColor(memory.get(), color);
   SetBkMode(memory.get(), TRANSPARENT);
-  RECT rect{left, top, left + width, top + height};
+  RECT rect{left, top, ClampedInt(std::int64_t{left} + width), ClampedInt(std::int64_t{top} + height)};
 
   HBITMAP target = picture;
   if (!target) {
     if (width == 0 || height == 0) rect = MeasuredBlock(memory.get(), text, rect, limits);
-    target = CreateCompatibleBitmap(dc, rect.right - rect.left, rect.bottom - rect.top);
+    target = CreateCompatibleBitmap(dc, ClampedInt(std::int64_t{rect.right} - rect.left),
+                                    ClampedInt(std::int64_t{rect.bottom} - rect.top));
     if (!target) return nullptr;
   }
   memory.Show(target);
   if (GetCurrentObject(memory.get(), OBJ_BITMAP) == target) {
     if (!picture) {
-      const RECT whole{0, 0, rect.right - rect.left, rect.bottom - rect.top};
+      const RECT whole{0, 0, ClampedInt(std::int64_t{rect.right} - rect.left),
+                       ClampedInt(std::int64_t{rect.bottom} - rect.top)};
       FillRect(memory.get(), &whole, brush ? brush : static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     }
     DrawTextA(memory.get(), text, -1, &rect, kDrawFormat);

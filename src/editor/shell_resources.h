@@ -11,7 +11,8 @@ using TransparentBltEntry = BOOL (*)(HDC, int, int, int, int, HDC, int, int, int
 
 class ShellResources {
  public:
-  ShellResources();
+  // The menu texts are in `language`, the user's primary language.
+  explicit ShellResources(WORD language);
   ShellResources(const ShellResources&) = delete;
   ShellResources& operator=(const ShellResources&) = delete;
 
@@ -23,14 +24,17 @@ class ShellResources {
   HCURSOR Cursor(int resourceId) const;
   // The platform's transparent copy, or null when the library or the entry is missing.
   TransparentBltEntry transparentBlt() const { return transparentBlt_; }
+  // The inserted objects' shortcut menu and its "Z Order" submenu; null when they
+  // could not be made.
+  HMENU popupMenu() const { return popupMenu_.get(); }
+  HMENU zOrderMenu() const { return zOrderMenu_.get(); }
 
   // Whether a right click shows the popup menu: on once the menu exists.
   bool shortcutMenuEnabled = false;
 
  private:
-  // The object menu's items arrive with the inserted objects; until then the menus
-  // exist empty so that the shortcut-menu flag is already what it will be.
-  void BuildPopupMenu();
+  // Without the menu the flag stays off; without the submenu "Z Order" opens nothing.
+  void BuildPopupMenu(WORD language);
 
   platform::OwnedMenu popupMenu_;
   platform::OwnedMenu zOrderMenu_;

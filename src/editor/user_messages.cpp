@@ -4,6 +4,8 @@
 
 UserMessages::UserMessages() : language(static_cast<WORD>(GetUserDefaultLangID() & 0x3FF)) {}
 
+void ShowOutOfMemory(WORD language) { AfxMessageBox(kOutOfMemoryText.For(language), MB_ICONHAND | MB_OK, 0); }
+
 void UserMessages::ReportOutOfMemory() const {
-  if (verbose) AfxMessageBox(kOutOfMemoryText.For(language), MB_ICONHAND | MB_OK, 0);
+  if (verbose) ShowOutOfMemory(language);
 }

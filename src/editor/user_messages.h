@@ -6,6 +6,9 @@
 #include "imageio/image_loader.h"
 #include "platform/platform.h"
 
+// The out-of-memory message box in that language.
+void ShowOutOfMemory(WORD language);
+
 struct UserMessages {
   UserMessages();
 

@@ -1,5 +1,6 @@
 #include "platform/cwnd.h"
 
+#include "platform/user_internal.h"
 #include "platform/window_tree.h"
 
 namespace {
@@ -33,9 +34,7 @@ BOOL CWnd::Create(LPCSTR className, LPCSTR windowName, DWORD style, const RECT& 
   return CreateInParent(className, windowName, style, rect, parent == nullptr ? nullptr : parent->m_hWnd, id);
 }
 
-// Every window lives in a host's tree, so a window needs a live parent. Creation
-// sends WM_CREATE and then, as Windows does for a new window, WM_SIZE with the
-// client size.
+// Every window lives in a host's tree, so a window needs a live parent.
 BOOL CWnd::CreateInParent(LPCSTR className, LPCSTR windowName, DWORD style, const RECT& rect, HWND parent,
                           UINT id) {
   if (m_hWnd != nullptr) return FALSE;
@@ -49,31 +48,25 @@ BOOL CWnd::CreateInParent(LPCSTR className, LPCSTR windowName, DWORD style, cons
   cs.style = static_cast<LONG>(style);
   cs.lpszName = windowName;
   cs.lpszClass = className;
-  if (!PreCreateWindow(cs) || !::IsWindow(cs.hwndParent)) return FALSE;
-
-  std::string name = cs.lpszClass == nullptr ? "" : cs.lpszClass;
-  const platform::window::WindowClass* registered = platform::window::FindClass(name);
-  platform::window::WindowClass windowClass = registered ? *registered : platform::window::WindowClass{name};
-  platform::window::Window& window = platform::window::Add(
-      cs.hwndParent, windowClass, cs.lpszName == nullptr ? "" : cs.lpszName, static_cast<DWORD>(cs.style), id,
-      RECT{cs.x, cs.y, cs.x + std::max(cs.cx, 0), cs.y + std::max(cs.cy, 0)});
-  window.object = this;
-  HWND hwnd = window.handle;
-  m_hWnd = hwnd;
-
-  if (SendMessage(WM_CREATE, 0, reinterpret_cast<LPARAM>(&cs)) == -1) {
-    ::DestroyWindow(hwnd);
-    m_hWnd = nullptr;
-    return FALSE;
-  }
-  RECT client{};
-  if (!::GetClientRect(hwnd, &client)) return FALSE;
-  SendMessage(WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.right, client.bottom));
-  if (::IsWindow(hwnd) && (static_cast<DWORD>(cs.style) & WS_VISIBLE)) ::InvalidateRect(hwnd, nullptr, TRUE);
-  return ::IsWindow(hwnd) ? TRUE : FALSE;
+  if (!PreCreateWindow(cs)) return FALSE;
+  const platform::user::NewWindow spec{
+      cs.hwndParent,
+      cs.lpszClass == nullptr ? "" : cs.lpszClass,
+      platform::user::WideFromUtf8(cs.lpszName == nullptr ? "" : cs.lpszName),
+      static_cast<DWORD>(cs.style),
+      id,
+      RECT{cs.x, cs.y, cs.x + cs.cx, cs.y + cs.cy},
+      this};
+  return platform::user::CreateChildWindow(spec, reinterpret_cast<LPARAM>(&cs)) != nullptr ? TRUE : FALSE;
 }
 
 BOOL CWnd::DestroyWindow() { return ::DestroyWindow(m_hWnd); }
+
+BOOL CWnd::Attach(HWND hwnd) {
+  if (m_hWnd != nullptr || !::IsWindow(hwnd)) return FALSE;
+  m_hWnd = hwnd;
+  return TRUE;
+}
 
 BOOL CWnd::PreCreateWindow(CREATESTRUCTA& /*cs*/) { return TRUE; }
 
@@ -109,6 +102,9 @@ LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
       return 0;
     case WM_PAINT:
       OnPaint();
+      return 0;
+    case WM_NCPAINT:
+      OnNcPaint();
       return 0;
     case WM_ERASEBKGND:
       return OnEraseBkgnd(reinterpret_cast<HDC>(wParam));
@@ -173,6 +169,7 @@ void CWnd::OnDestroy() { Default(); }
 void CWnd::OnClose() { Default(); }
 void CWnd::OnSize(UINT /*type*/, int /*cx*/, int /*cy*/) { Default(); }
 void CWnd::OnPaint() { Default(); }
+void CWnd::OnNcPaint() { Default(); }
 BOOL CWnd::OnEraseBkgnd(HDC /*hdc*/) { return static_cast<BOOL>(Default()); }
 void CWnd::OnLButtonDown(UINT /*flags*/, POINT /*point*/) { Default(); }
 void CWnd::OnLButtonUp(UINT /*flags*/, POINT /*point*/) { Default(); }
@@ -228,4 +225,9 @@ void UseWindowClass(CREATESTRUCTA& cs, LPCSTR className, UINT classStyle) {
     AfxRegisterClass(&windowClass);
   }
   cs.lpszClass = className;
+}
+
+void CEdit::SetSel(int start, int end, BOOL noScroll) {
+  SendMessage(EM_SETSEL, static_cast<WPARAM>(start), end);
+  if (!noScroll) SendMessage(EM_SCROLLCARET);
 }

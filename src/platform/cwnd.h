@@ -3,6 +3,8 @@
 // route them. Handlers that a class does not override run the default handling.
 #pragma once
 
+#include <utility>
+
 #include "platform/types.h"
 #include "platform/user.h"
 
@@ -40,6 +42,8 @@ class CWnd {
   virtual void OnClose();
   virtual void OnSize(UINT type, int cx, int cy);
   virtual void OnPaint();
+  // The frame and scroll bars; the default draws them as the system does.
+  virtual void OnNcPaint();
   virtual BOOL OnEraseBkgnd(HDC hdc);
   virtual void OnLButtonDown(UINT flags, POINT point);
   virtual void OnLButtonUp(UINT flags, POINT point);
@@ -88,8 +92,13 @@ class CWnd {
 
   // Called by the USER layer: delivers one message to this object.
   LRESULT Dispatch(UINT message, WPARAM wParam, LPARAM lParam);
-  // Called by the USER layer when the window is gone.
-  void Detach() { m_hWnd = nullptr; }
+  // Lets this object stand for a window made elsewhere (by CreateWindowExW). Its
+  // messages still go to its class's procedure, not to this object's handlers. False
+  // when the object already has a window or the handle names none.
+  BOOL Attach(HWND hwnd);
+  // Gives the window up without destroying it; the USER layer calls it when the window
+  // of an object that receives its messages is gone.
+  HWND Detach() { return std::exchange(m_hWnd, nullptr); }
 
  private:
   struct CurrentMessage {
@@ -98,6 +107,17 @@ class CWnd {
     LPARAM lParam = 0;
   };
   CurrentMessage current_;
+};
+
+// A CWnd that stands for an edit control ("EDIT"), with the framework's shorthands for
+// the messages that select and clear its text.
+class CEdit : public CWnd {
+ public:
+  // Selects from `start` to `end` (0, -1: everything) and, unless told not to, scrolls
+  // the caret into view.
+  void SetSel(int start, int end, BOOL noScroll = FALSE);
+  // Deletes the selection.
+  void Clear() { SendMessage(WM_CLEAR); }
 };
 
 // The framework's message box: caption "Image Edit Control", the module's title.

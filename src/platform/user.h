@@ -1,14 +1,21 @@
-// USER over the software raster: a window tree with client rectangles, message
-// delivery to CWnd-derived objects, painting into the host's frame, timers on a
-// host-driven clock, mouse capture, cursor clipping, key state, cursors, popup menus,
-// scroll-bar geometry, message boxes and the colour dialog. Anything that needs a
-// person is answered through the host interface (platform/host.h).
+// USER over the software raster: a window tree with client rectangles and sizing
+// frames, message delivery to CWnd-derived objects and to class procedures, painting
+// into the host's frame, timers on a host-driven clock, mouse capture, cursor
+// clipping, key state, cursors, popup menus, scroll-bar geometry, the multi-line edit
+// control, message boxes and the colour and font dialogs. Anything that needs a person
+// is answered through the host interface (platform/host.h).
+//
+// Every window is a Unicode window: the text messages (WM_SETTEXT, WM_GETTEXT,
+// WM_GETTEXTLENGTH, EM_REPLACESEL) reach window procedures with UTF-16 text and
+// lengths in UTF-16 units. SendMessageA converts them from and to UTF-8, the ANSI code
+// page, as Windows does when an ANSI caller talks to a Unicode window.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "platform/kernel.h"
 #include "platform/types.h"
 
 // ---- messages ----
@@ -16,6 +23,9 @@ inline constexpr UINT WM_CREATE = 0x0001;
 inline constexpr UINT WM_DESTROY = 0x0002;
 inline constexpr UINT WM_SIZE = 0x0005;
 inline constexpr UINT WM_SETFOCUS = 0x0007;
+inline constexpr UINT WM_SETTEXT = 0x000C;
+inline constexpr UINT WM_GETTEXT = 0x000D;
+inline constexpr UINT WM_GETTEXTLENGTH = 0x000E;
 inline constexpr UINT WM_KILLFOCUS = 0x0008;
 inline constexpr UINT WM_PAINT = 0x000F;
 inline constexpr UINT WM_CLOSE = 0x0010;
@@ -24,6 +34,7 @@ inline constexpr UINT WM_SHOWWINDOW = 0x0018;
 inline constexpr UINT WM_SETCURSOR = 0x0020;
 inline constexpr UINT WM_MOUSEACTIVATE = 0x0021;
 inline constexpr UINT WM_NCDESTROY = 0x0082;
+inline constexpr UINT WM_NCPAINT = 0x0085;
 inline constexpr UINT WM_KEYDOWN = 0x0100;
 inline constexpr UINT WM_KEYUP = 0x0101;
 inline constexpr UINT WM_CHAR = 0x0102;
@@ -39,11 +50,15 @@ inline constexpr UINT WM_LBUTTONDBLCLK = 0x0203;
 inline constexpr UINT WM_RBUTTONDOWN = 0x0204;
 inline constexpr UINT WM_RBUTTONUP = 0x0205;
 inline constexpr UINT WM_USER = 0x0400;
+inline constexpr UINT WM_SETFONT = 0x0030;
+inline constexpr UINT WM_GETFONT = 0x0031;
 // edit-control messages
+inline constexpr UINT EM_GETSEL = 0x00B0;
 inline constexpr UINT EM_SETSEL = 0x00B1;
 inline constexpr UINT EM_SCROLLCARET = 0x00B7;
+inline constexpr UINT EM_REPLACESEL = 0x00C2;
+inline constexpr UINT EM_LIMITTEXT = 0x00C5;
 inline constexpr UINT WM_CLEAR = 0x0303;
-inline constexpr UINT WM_SETFONT = 0x0030;
 
 // mouse-message key flags
 inline constexpr UINT MK_LBUTTON = 0x0001;
@@ -76,7 +91,11 @@ inline constexpr DWORD WS_VISIBLE = 0x10000000;
 inline constexpr DWORD WS_THICKFRAME = 0x00040000;
 inline constexpr DWORD WS_HSCROLL = 0x00100000;
 inline constexpr DWORD WS_VSCROLL = 0x00200000;
+// edit-control styles
 inline constexpr DWORD ES_MULTILINE = 0x0004;
+inline constexpr DWORD ES_AUTOVSCROLL = 0x0040;
+inline constexpr DWORD ES_AUTOHSCROLL = 0x0080;
+inline constexpr DWORD ES_WANTRETURN = 0x1000;
 
 inline constexpr UINT CS_VREDRAW = 0x0001;
 inline constexpr UINT CS_HREDRAW = 0x0002;
@@ -102,6 +121,14 @@ inline constexpr UINT HTNOWHERE = 0;
 inline constexpr UINT HTCLIENT = 1;
 inline constexpr UINT HTHSCROLL = 6;
 inline constexpr UINT HTVSCROLL = 7;
+inline constexpr UINT HTLEFT = 10;
+inline constexpr UINT HTRIGHT = 11;
+inline constexpr UINT HTTOP = 12;
+inline constexpr UINT HTTOPLEFT = 13;
+inline constexpr UINT HTTOPRIGHT = 14;
+inline constexpr UINT HTBOTTOM = 15;
+inline constexpr UINT HTBOTTOMLEFT = 16;
+inline constexpr UINT HTBOTTOMRIGHT = 17;
 
 // scroll bars
 inline constexpr int SB_HORZ = 0;
@@ -209,6 +236,21 @@ struct CREATESTRUCTA {
   DWORD dwExStyle;
 };
 using LPCREATESTRUCTA = CREATESTRUCTA*;
+// What WM_CREATE carries for a window made by CreateWindowExW.
+struct CREATESTRUCTW {
+  LPVOID lpCreateParams;
+  HINSTANCE hInstance;
+  HMENU hMenu;
+  HWND hwndParent;
+  int cy;
+  int cx;
+  int y;
+  int x;
+  LONG style;
+  const WCHAR* lpszName;
+  const WCHAR* lpszClass;
+  DWORD dwExStyle;
+};
 
 using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 struct WNDCLASSA {
@@ -232,6 +274,12 @@ inline LPCSTR MAKEINTRESOURCEA(int id) {
 
 // ---- windows ----
 class CWnd;
+// A child window of a registered or built-in class ("EDIT", the multi-line edit
+// control). Every window lives in a host's tree, so `parent` must be a live window;
+// the id of a child window comes as `menu`. Sends WM_CREATE and then WM_SIZE. Null when
+// the class is unknown, the parent is missing or WM_CREATE refuses.
+HWND CreateWindowExW(DWORD exStyle, const WCHAR* className, const WCHAR* windowName, DWORD style, int x,
+                     int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance, LPVOID param);
 BOOL IsWindow(HWND hwnd);
 BOOL IsWindowVisible(HWND hwnd);
 BOOL ShowWindow(HWND hwnd, int command);
@@ -246,17 +294,26 @@ BOOL GetClientRect(HWND hwnd, RECT* rect);
 BOOL PtInRect(const RECT* rect, POINT point);
 // The overlap of two rectangles; an empty overlap gives (0, 0, 0, 0) and FALSE.
 BOOL IntersectRect(RECT* dst, const RECT* a, const RECT* b);
-BOOL GetWindowRect(HWND hwnd, RECT* rect);  // in the root window's coordinates
+BOOL GetWindowRect(HWND hwnd, RECT* rect);  // frame included, in the root window's coordinates
 BOOL MoveWindow(HWND hwnd, int x, int y, int width, int height, BOOL repaint);
 LRESULT SendMessageA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT SendMessageW(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT DefWindowProcA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 HWND SetFocus(HWND hwnd);
 HWND GetFocus();
 BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, WNDCLASSA* out);
 BOOL RegisterClassA(const WNDCLASSA* windowClass);
+// The window's text (an edit control's content): at most `size` - 1 units and a
+// terminating zero; returns the units copied.
+int GetWindowTextW(HWND hwnd, WCHAR* text, int size);
+int GetWindowTextLengthW(HWND hwnd);
+BOOL SetWindowTextW(HWND hwnd, const WCHAR* text);
 
 // ---- painting ----
 HDC GetDC(HWND hwnd);  // null hwnd: the screen DC
+// A DC over the whole window, frame included, with its origin at the window's top-left
+// corner; released with ReleaseDC.
+HDC GetWindowDC(HWND hwnd);
 int ReleaseDC(HWND hwnd, HDC hdc);
 HDC BeginPaint(HWND hwnd, PAINTSTRUCT* paint);
 BOOL EndPaint(HWND hwnd, const PAINTSTRUCT* paint);
@@ -331,7 +388,7 @@ struct CHOOSEFONTA {
   LOGFONTA* lpLogFont;  // read with CF_INITTOLOGFONTSTRUCT, written when a font is chosen
   INT iPointSize;       // tenths of a point, set when a font is chosen
   DWORD Flags;
-  COLORREF rgbColors;   // read and written with CF_EFFECTS
+  COLORREF rgbColors;  // read and written with CF_EFFECTS
   LPARAM lCustData;
   void* lpfnHook;
   LPCSTR lpTemplateName;
@@ -360,8 +417,13 @@ HWND CreateHostWindow(int width, int height);
 void MouseInput(HWND host, UINT message, int x, int y);
 // Key down or up with the virtual key; goes through the focus window's pre-translate
 // chain (CWnd::PreTranslateMessage from the focus up to the root) before delivery.
-// True when a window of the chain took the key, so the host must not act on it.
+// True when a window of the chain took the key, so the host must not act on it. A key
+// press that no window took and that types a control character (Backspace, Tab,
+// Return, Escape) is followed by that character, as the message loop's translation
+// would send it; other characters come from CharInput.
 bool KeyInput(HWND host, UINT message, int virtualKey, bool repeat = false);
+// A typed character, to the focus window: WM_CHAR with the UTF-16 unit, or two for a
+// character beyond U+FFFF. A value beyond U+10FFFF is ignored.
 void CharInput(HWND host, unsigned int codePoint);
 // Sets what GetKeyState reports for a key (down or up).
 void SetKeyDown(int virtualKey, bool down);

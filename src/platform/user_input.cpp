@@ -56,21 +56,20 @@ struct Hit {
 };
 
 // The deepest visible window under `point` (in `hwnd`'s client coordinates); later
-// siblings lie above earlier ones.
+// siblings lie above earlier ones. A point on a window's frame or bars hits that
+// window, not its client area.
 Hit HitTest(HWND hwnd, POINT point) {
   Window* window = Find(hwnd);
   RECT client = platform::window::ClientRect(*window);
-  if (PtInRect(&client, point)) {
-    for (auto it = window->children.rbegin(); it != window->children.rend(); ++it) {
-      Window* child = Find(*it);
-      if (child != nullptr && (child->style & WS_VISIBLE) && PtInRect(&child->rect, point)) {
-        return HitTest(*it, POINT{point.x - child->rect.left, point.y - child->rect.top});
-      }
+  if (!PtInRect(&client, point)) return Hit{hwnd, point, platform::user::NonClientHitTest(*window, point)};
+  for (auto it = window->children.rbegin(); it != window->children.rend(); ++it) {
+    Window* child = Find(*it);
+    if (child != nullptr && (child->style & WS_VISIBLE) && PtInRect(&child->rect, point)) {
+      const int frame = platform::window::FrameThickness(*child);
+      return HitTest(*it, POINT{point.x - child->rect.left - frame, point.y - child->rect.top - frame});
     }
-    return Hit{hwnd, point, HTCLIENT};
   }
-  UINT code = point.x >= client.right ? HTVSCROLL : HTHSCROLL;
-  return Hit{hwnd, point, code};
+  return Hit{hwnd, point, HTCLIENT};
 }
 
 HWND TopLevelBelowHost(HWND hwnd) {
@@ -97,6 +96,20 @@ HWND KeyTarget(HWND host) {
   if (focus != nullptr && platform::window::HostOf(focus) == Find(host)) return focus;
   Window* root = Find(host);
   return root->children.empty() ? host : root->children.front();
+}
+
+// The character a key types by itself, whatever the keyboard layout; 0 for keys whose
+// characters the host sends as typed text.
+WPARAM ControlCharacter(int virtualKey) {
+  switch (virtualKey) {
+    case VK_BACK:
+    case VK_TAB:
+    case VK_RETURN:
+    case VK_ESCAPE:
+      return static_cast<WPARAM>(virtualKey);
+    default:
+      return 0;
+  }
 }
 
 MSG MakeMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -198,9 +211,11 @@ void MouseInput(HWND host, UINT message, int x, int y) {
       if (activate == MA_ACTIVATEANDEAT || activate == MA_NOACTIVATEANDEAT) return;
     }
     SendMessageA(hit.hwnd, WM_SETCURSOR, reinterpret_cast<WPARAM>(hit.hwnd), hitAndMessage);
-    // Presses on a scroll bar belong to the bar, not to the client area.
+    // Presses on a scroll bar belong to the bar, and those on a frame to nobody: the
+    // client area hears neither.
     if (hit.code != HTCLIENT) {
-      if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
+      const bool onBar = hit.code == HTVSCROLL || hit.code == HTHSCROLL;
+      if (onBar && (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK)) {
         user::PressScrollBar(hit.hwnd, hit.code == HTVSCROLL ? SB_VERT : SB_HORZ, hit.local);
       }
       return;
@@ -218,13 +233,26 @@ bool KeyInput(HWND host, UINT message, int virtualKey, bool repeat) {
   DWORD flags = 1;
   if (repeat || up) flags |= 1u << 30;
   if (up) flags |= 1u << 31;
-  return DeliverQueued(
-      MakeMessage(KeyTarget(host), message, static_cast<WPARAM>(virtualKey), static_cast<LPARAM>(flags)));
+  const MSG key =
+      MakeMessage(KeyTarget(host), message, static_cast<WPARAM>(virtualKey), static_cast<LPARAM>(flags));
+  if (DeliverQueued(key)) return true;
+  if (const WPARAM typed = ControlCharacter(virtualKey); !up && typed != 0 && IsWindow(key.hwnd)) {
+    DeliverQueued(MakeMessage(key.hwnd, WM_CHAR, typed, static_cast<LPARAM>(flags)));
+  }
+  return false;
 }
 
 void CharInput(HWND host, unsigned int codePoint) {
-  if (!IsWindow(host)) return;
-  DeliverQueued(MakeMessage(KeyTarget(host), WM_CHAR, codePoint, 1));
+  if (!IsWindow(host) || codePoint > 0x10FFFF) return;
+  const HWND target = KeyTarget(host);
+  if (codePoint < 0x10000) {
+    DeliverQueued(MakeMessage(target, WM_CHAR, codePoint, 1));
+    return;
+  }
+  // Windows types a character beyond the first plane as its two surrogates.
+  const unsigned offset = codePoint - 0x10000;
+  DeliverQueued(MakeMessage(target, WM_CHAR, 0xD800 + (offset >> 10), 1));
+  if (IsWindow(target)) DeliverQueued(MakeMessage(target, WM_CHAR, 0xDC00 + (offset & 0x3FF), 1));
 }
 
 namespace user {

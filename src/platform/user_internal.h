@@ -1,9 +1,52 @@
 // Links between the USER translation units; not for the engine.
 #pragma once
 
+#include <string>
+#include <string_view>
+
+#include "platform/kernel.h"
 #include "platform/types.h"
+#include "platform/user.h"
+#include "platform/window_tree.h"
+
+class CWnd;
 
 namespace platform::user {
+
+// A child window to make: its messages go to `object` when there is one, else to its
+// class's procedure (a class not registered has none: the default procedure).
+struct NewWindow {
+  HWND parent = nullptr;
+  std::string className;
+  std::u16string title;
+  DWORD style = 0;
+  UINT id = 0;
+  RECT rect{};  // in the parent's client coordinates
+  CWnd* object = nullptr;
+};
+// Makes the window under its live parent, sends WM_CREATE with `createStruct` and then
+// WM_SIZE. Null when the parent is gone or WM_CREATE refuses with -1 (the window is
+// then destroyed).
+HWND CreateChildWindow(const NewWindow& spec, LPARAM createStruct);
+// A DC on the host frame with its origin at `origin` and every write clipped to `clip`,
+// both in the window's host's coordinates; null without a host frame.
+HDC HostFrameDC(const window::Window& window, POINT origin, const RECT& clip);
+// DefWindowProcA's WM_NCPAINT: the sizing frame and the scroll bars.
+void DrawNonClient(HWND hwnd);
+// What lies under `point` (the window's client coordinates) outside its client area:
+// the frame's sizing codes, then the scroll bars.
+UINT NonClientHitTest(const window::Window& window, POINT point);
+// DefWindowProcA's text messages: WM_SETTEXT, WM_GETTEXT and WM_GETTEXTLENGTH on the
+// window's title.
+LRESULT DefaultTextMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+// WM_GETTEXT's answer: at most `size` - 1 units of `text` and a terminating zero into
+// the caller's buffer; the units copied.
+LRESULT CopyTextOut(std::u16string_view text, WPARAM size, LPARAM buffer);
+// UTF-8 (the ANSI code page) and UTF-16; malformed input becomes U+FFFD.
+std::u16string WideFromUtf8(std::string_view text);
+std::string Utf8FromWide(std::u16string_view text);
+// The built-in class "EDIT".
+window::WindowClass EditClass();
 
 // A destroyed window takes the focus and the capture with it (no messages).
 void ForgetFocusAndCapture(HWND hwnd);

@@ -31,9 +31,11 @@ void PaintOne(HWND hwnd) {
     if (child == nullptr || !(child->style & WS_VISIBLE)) continue;
     RECT under = platform::window::Intersect(area, child->rect);
     if (platform::window::IsEmpty(under)) continue;
-    RECT inChild = platform::window::Offset(under, -child->rect.left, -child->rect.top);
+    const POINT origin = platform::window::ClientOrigin(*child);
+    const POINT parentOrigin = platform::window::ClientOrigin(*window);
+    RECT inChild = platform::window::Offset(under, parentOrigin.x - origin.x, parentOrigin.y - origin.y);
     InvalidateRect(childHandle, &inChild, TRUE);
-    child->barsPending = true;
+    child->nonClientPending = true;
   }
   SendMessageA(hwnd, WM_PAINT, 0, 0);
   // A handler that never validates is not asked again in the same pass.
@@ -46,10 +48,14 @@ void PaintOne(HWND hwnd) {
 void PaintTree(HWND hwnd) {
   Window* window = Find(hwnd);
   if (window == nullptr || !platform::window::IsShownOnHost(*window)) return;
-  // Scroll bars lie outside the client area: they are drawn whenever the window is
-  // painted and whenever its parent painted over them.
-  if (!platform::window::IsEmpty(window->update) || window->barsPending)
-    platform::user::RedrawScrollBars(hwnd);
+  // The frame and the scroll bars lie outside the client area: they are drawn whenever
+  // the window is painted, shown or moved, and whenever its parent painted over them.
+  if (!platform::window::IsEmpty(window->update) || window->nonClientPending) {
+    window->nonClientPending = false;
+    SendMessageA(hwnd, WM_NCPAINT, 1, 0);
+    window = Find(hwnd);
+    if (window == nullptr) return;
+  }
   if (!platform::window::IsEmpty(window->update)) PaintOne(hwnd);
   window = Find(hwnd);
   if (window == nullptr) return;
@@ -58,18 +64,14 @@ void PaintTree(HWND hwnd) {
 
 // A DC on the host frame at the window's client origin, clipped to `area` (client
 // coordinates) and to what of the client area its ancestors let through.
-HDC WindowDC(Window& window, const RECT& area) {
-  Window* host = platform::window::HostOf(window.handle);
-  if (host == nullptr || host->frame == nullptr) return nullptr;
+HDC ClientDC(Window& window, const RECT& area) {
   POINT origin = platform::window::ClientOrigin(window);
   RECT clip{};
   if (platform::window::IsShownOnHost(window)) {
     clip = platform::window::Intersect(platform::window::VisibleClientOnHost(window),
                                        platform::window::Offset(area, origin.x, origin.y));
   }
-  HDC dc = platform::CreateWindowDC(host->frame, origin.x, origin.y, clip);
-  if (dc != nullptr) host->frameChanged = true;
-  return dc;
+  return platform::user::HostFrameDC(window, origin, clip);
 }
 
 }  // namespace
@@ -106,7 +108,7 @@ HDC BeginPaint(HWND hwnd, PAINTSTRUCT* paint) {
   bool erase = window->erasePending;
   window->update = RECT{};
   window->erasePending = false;
-  HDC dc = WindowDC(*window, area);
+  HDC dc = ClientDC(*window, area);
   if (dc == nullptr) return nullptr;
   paint->hdc = dc;
   paint->rcPaint = area;
@@ -125,7 +127,16 @@ HDC GetDC(HWND hwnd) {
   if (hwnd == nullptr) return platform::CreateScreenDC();
   Window* window = Find(hwnd);
   if (window == nullptr) return nullptr;
-  return WindowDC(*window, platform::window::ClientRect(*window));
+  return ClientDC(*window, platform::window::ClientRect(*window));
+}
+
+HDC GetWindowDC(HWND hwnd) {
+  if (hwnd == nullptr) return platform::CreateScreenDC();
+  Window* window = Find(hwnd);
+  if (window == nullptr) return nullptr;
+  const RECT whole = platform::window::WindowRectOnHost(*window);
+  return platform::user::HostFrameDC(*window, POINT{whole.left, whole.top},
+                                     platform::window::VisibleOnHost(*window, whole));
 }
 
 int ReleaseDC(HWND /*hwnd*/, HDC hdc) { return hdc != nullptr && DeleteDC(hdc) ? 1 : 0; }
@@ -139,6 +150,14 @@ void FlushPaint(HWND host) {
 }
 
 namespace user {
+
+HDC HostFrameDC(const window::Window& window, POINT origin, const RECT& clip) {
+  Window* host = window::HostOf(window.handle);
+  if (host == nullptr || host->frame == nullptr) return nullptr;
+  HDC dc = CreateWindowDC(host->frame, origin.x, origin.y, clip);
+  if (dc != nullptr) host->frameChanged = true;
+  return dc;
+}
 
 void FlushAllPaint() {
   for (HWND host : window::HostRoots()) FlushPaint(host);

@@ -41,21 +41,16 @@ void ShowOrHide(HWND hwnd, int bar, bool show) {
   if (wasShown && !show) InvalidateRect(hwnd, nullptr, TRUE);
 }
 
-// The host-frame DC for a window's whole area (client and bars), as far as its
-// ancestors' client areas let it show; null when it does not show.
-HDC WholeWindowDC(const platform::window::Window& window) {
-  platform::window::Window* host = platform::window::HostOf(window.handle);
-  if (host == nullptr || host->frame == nullptr || !platform::window::IsShownOnHost(window)) return nullptr;
-  POINT origin = platform::window::ClientOrigin(window);
-  RECT whole = platform::window::Offset(
-      RECT{0, 0, window.rect.right - window.rect.left, window.rect.bottom - window.rect.top}, origin.x,
-      origin.y);
-  if (platform::window::Window* parent = platform::window::Find(window.parent)) {
-    whole = platform::window::Intersect(whole, platform::window::VisibleClientOnHost(*parent));
-  }
-  HDC dc = platform::CreateWindowDC(host->frame, origin.x, origin.y, whole);
-  if (dc != nullptr) host->frameChanged = true;
-  return dc;
+// The host-frame DC at a window's client origin for its client area and bars (inside
+// its frame), as far as its ancestors' client areas let it show; null when it does not
+// show.
+HDC ClientAndBarsDC(const platform::window::Window& window) {
+  if (!platform::window::IsShownOnHost(window)) return nullptr;
+  const POINT origin = platform::window::ClientOrigin(window);
+  const int frame = platform::window::FrameThickness(window);
+  const RECT whole = platform::window::WindowRectOnHost(window);
+  const RECT inside{whole.left + frame, whole.top + frame, whole.right - frame, whole.bottom - frame};
+  return platform::user::HostFrameDC(window, origin, platform::window::VisibleOnHost(window, inside));
 }
 
 void DrawBar(HDC dc, const platform::window::Window& window, int bar) {
@@ -141,11 +136,10 @@ namespace platform::user {
 void RedrawScrollBars(HWND hwnd) {
   window::Window* window = window::Find(hwnd);
   if (window == nullptr) return;
-  window->barsPending = false;
   bool horizontal = (window->style & WS_HSCROLL) != 0;
   bool vertical = (window->style & WS_VSCROLL) != 0;
   if (!horizontal && !vertical) return;
-  HDC dc = WholeWindowDC(*window);
+  HDC dc = ClientAndBarsDC(*window);
   if (dc == nullptr) return;
   if (horizontal) DrawBar(dc, *window, SB_HORZ);
   if (vertical) DrawBar(dc, *window, SB_VERT);

@@ -4,6 +4,7 @@
 
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
+#include "platform/text.h"
 #include "platform/user.h"
 #include "platform/user_internal.h"
 #include "platform/window_tree.h"
@@ -13,8 +14,19 @@ using platform::window::Window;
 
 namespace {
 
-std::map<std::string, platform::window::WindowClass>& Classes() {
-  static std::map<std::string, platform::window::WindowClass> classes;
+// Class names are compared without regard to case, as Windows compares them.
+struct ClassNameLess {
+  bool operator()(const std::string& a, const std::string& b) const {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+      return platform::AsciiLower(x) < platform::AsciiLower(y);
+    });
+  }
+};
+
+// The registered classes, starting with the built-in ones.
+std::map<std::string, platform::window::WindowClass, ClassNameLess>& Classes() {
+  static std::map<std::string, platform::window::WindowClass, ClassNameLess> classes{
+      {"EDIT", platform::user::EditClass()}};
   return classes;
 }
 
@@ -56,6 +68,34 @@ const WindowClass* FindClass(const std::string& name) {
 }  // namespace platform::window
 
 namespace platform::user {
+
+HWND CreateChildWindow(const NewWindow& spec, LPARAM createStruct) {
+  if (!IsWindow(spec.parent)) return nullptr;
+  const window::WindowClass* registered = window::FindClass(spec.className);
+  Window& window = window::Add(spec.parent, registered ? *registered : window::WindowClass{spec.className},
+                               spec.title, spec.style, spec.id,
+                               RECT{spec.rect.left, spec.rect.top, std::max(spec.rect.right, spec.rect.left),
+                                    std::max(spec.rect.bottom, spec.rect.top)});
+  const HWND hwnd = window.handle;
+  // The object hears WM_CREATE, so it must know its window by then.
+  window.object = spec.object;
+  if (spec.object != nullptr) spec.object->m_hWnd = hwnd;
+  if (SendMessageA(hwnd, WM_CREATE, 0, createStruct) == -1) {
+    DestroyWindow(hwnd);
+    return nullptr;
+  }
+  RECT client{};
+  if (!GetClientRect(hwnd, &client)) return nullptr;
+  // As Windows does for a new window, the size message follows creation.
+  SendMessageA(hwnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.right, client.bottom));
+  Window* created = Find(hwnd);
+  if (created == nullptr) return nullptr;
+  if (spec.style & WS_VISIBLE) {
+    created->nonClientPending = true;
+    InvalidateRect(hwnd, nullptr, TRUE);
+  }
+  return hwnd;
+}
 
 void ForgetFocusAndCapture(HWND hwnd) {
   if (IsSelfOrDescendant(FocusWindow(), hwnd)) FocusWindow() = nullptr;
@@ -106,6 +146,19 @@ HINSTANCE AfxGetInstanceHandle() {
   return reinterpret_cast<HINSTANCE>(static_cast<std::uintptr_t>(0x400000));
 }
 
+HWND CreateWindowExW(DWORD exStyle, const WCHAR* className, const WCHAR* windowName, DWORD style, int x,
+                     int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                     LPVOID param) {
+  const std::string name = className == nullptr ? "" : platform::user::Utf8FromWide(className);
+  if (platform::window::FindClass(name) == nullptr) return nullptr;
+  const std::u16string title = windowName == nullptr ? u"" : windowName;
+  CREATESTRUCTW cs{param,         instance,  menu,   parent, height, width, y, x, static_cast<LONG>(style),
+                   title.c_str(), className, exStyle};
+  const auto id = static_cast<UINT>(reinterpret_cast<std::uintptr_t>(menu));
+  return platform::user::CreateChildWindow(
+      {parent, name, title, style, id, RECT{x, y, x + width, y + height}}, reinterpret_cast<LPARAM>(&cs));
+}
+
 BOOL IsWindow(HWND hwnd) { return Find(hwnd) != nullptr; }
 
 BOOL IsWindowVisible(HWND hwnd) {
@@ -144,9 +197,7 @@ BOOL GetClientRect(HWND hwnd, RECT* rect) {
 BOOL GetWindowRect(HWND hwnd, RECT* rect) {
   Window* window = Find(hwnd);
   if (window == nullptr || rect == nullptr) return FALSE;
-  POINT origin = platform::window::ClientOrigin(*window);
-  *rect = RECT{origin.x, origin.y, origin.x + window->rect.right - window->rect.left,
-               origin.y + window->rect.bottom - window->rect.top};
+  *rect = platform::window::WindowRectOnHost(*window);
   return TRUE;
 }
 
@@ -161,6 +212,7 @@ BOOL ShowWindow(HWND hwnd, int command) {
   if (window == nullptr) return wasVisible ? TRUE : FALSE;
   if (show) {
     window->style |= WS_VISIBLE;
+    window->nonClientPending = true;
     InvalidateRect(hwnd, nullptr, TRUE);
   } else {
     InvalidateParentUnder(*window);
@@ -175,7 +227,10 @@ BOOL MoveWindow(HWND hwnd, int x, int y, int width, int height, BOOL repaint) {
   if (repaint) InvalidateParentUnder(*window);
   RECT oldClient = platform::window::ClientRect(*window);
   window->rect = RECT{x, y, x + std::max(width, 0), y + std::max(height, 0)};
-  if (repaint) InvalidateRect(hwnd, nullptr, TRUE);
+  if (repaint) {
+    window->nonClientPending = true;
+    InvalidateRect(hwnd, nullptr, TRUE);
+  }
   // As on Windows, the size message comes only when the client size really changed.
   SendSizeIfChanged(hwnd, oldClient);
   return TRUE;
@@ -220,7 +275,7 @@ HWND SetFocus(HWND hwnd) {
 
 HWND GetFocus() { return IsWindow(FocusWindow()) ? FocusWindow() : nullptr; }
 
-LRESULT SendMessageA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT SendMessageW(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
   Window* window = Find(hwnd);
   if (window == nullptr) return 0;
   if (window->object != nullptr) return window->object->Dispatch(message, wParam, lParam);
@@ -257,6 +312,13 @@ LRESULT DefWindowProcA(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
       if (BeginPaint(hwnd, &paint) != nullptr) EndPaint(hwnd, &paint);
       return 0;
     }
+    case WM_NCPAINT:
+      platform::user::DrawNonClient(hwnd);
+      return 0;
+    case WM_SETTEXT:
+    case WM_GETTEXT:
+    case WM_GETTEXTLENGTH:
+      return platform::user::DefaultTextMessage(hwnd, message, wParam, lParam);
     default:
       return 0;
   }
@@ -273,7 +335,7 @@ HWND CreateHostWindow(int width, int height) {
   // The host root shows white where no child covers it.
   window::WindowClass hostClass{"ImageEditHost", 0, nullptr, LoadCursorA(nullptr, IDC_ARROW),
                                 static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH))};
-  Window& root = window::Add(nullptr, hostClass, "", WS_VISIBLE, 0, RECT{0, 0, width, height});
+  Window& root = window::Add(nullptr, hostClass, u"", WS_VISIBLE, 0, RECT{0, 0, width, height});
   root.frame = frame;
   user::SetScreenSize(width, height);
   InvalidateRect(root.handle, nullptr, TRUE);

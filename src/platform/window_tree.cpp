@@ -29,7 +29,7 @@ Window* Find(HWND hwnd) {
   return it == windows.end() ? nullptr : it->second.get();
 }
 
-Window& Add(HWND parent, const WindowClass& windowClass, const std::string& title, DWORD style, UINT id,
+Window& Add(HWND parent, const WindowClass& windowClass, const std::u16string& title, DWORD style, UINT id,
             const RECT& rect) {
   Tree& tree = TheTree();
   auto window = std::make_unique<Window>();
@@ -69,21 +69,37 @@ Window* HostOf(HWND hwnd) {
   return window;
 }
 
+int FrameThickness(const Window& window) { return (window.style & WS_THICKFRAME) ? kThickFrame : 0; }
+
 RECT ClientRect(const Window& window) {
-  int width = window.rect.right - window.rect.left;
-  int height = window.rect.bottom - window.rect.top;
+  const int frame = FrameThickness(window);
+  int width = window.rect.right - window.rect.left - 2 * frame;
+  int height = window.rect.bottom - window.rect.top - 2 * frame;
   if (window.style & WS_VSCROLL) width -= SCROLLBAR_THICKNESS;
   if (window.style & WS_HSCROLL) height -= SCROLLBAR_THICKNESS;
   return RECT{0, 0, std::max(width, 0), std::max(height, 0)};
 }
 
-POINT ClientOrigin(const Window& window) {
+POINT WindowOrigin(const Window& window) {
   POINT origin{0, 0};
-  for (const Window* w = &window; w != nullptr && w->parent != nullptr; w = Find(w->parent)) {
-    origin.x += w->rect.left;
-    origin.y += w->rect.top;
+  if (const Window* parent = Find(window.parent)) origin = ClientOrigin(*parent);
+  if (window.parent != nullptr) {
+    origin.x += window.rect.left;
+    origin.y += window.rect.top;
   }
   return origin;
+}
+
+RECT WindowRectOnHost(const Window& window) {
+  const POINT origin = WindowOrigin(window);
+  return RECT{origin.x, origin.y, origin.x + window.rect.right - window.rect.left,
+              origin.y + window.rect.bottom - window.rect.top};
+}
+
+POINT ClientOrigin(const Window& window) {
+  POINT origin = WindowOrigin(window);
+  const int frame = FrameThickness(window);
+  return POINT{origin.x + frame, origin.y + frame};
 }
 
 bool IsShownOnHost(const Window& window) {
@@ -96,11 +112,14 @@ bool IsShownOnHost(const Window& window) {
 RECT VisibleClientOnHost(const Window& window) {
   POINT origin = ClientOrigin(window);
   RECT visible = Offset(ClientRect(window), origin.x, origin.y);
-  for (const Window* w = Find(window.parent); w != nullptr; w = Find(w->parent)) {
-    POINT o = ClientOrigin(*w);
-    visible = Intersect(visible, Offset(ClientRect(*w), o.x, o.y));
-  }
+  if (const Window* parent = Find(window.parent)) visible = Intersect(visible, VisibleClientOnHost(*parent));
   return visible;
+}
+
+RECT VisibleOnHost(const Window& window, const RECT& area) {
+  if (!IsShownOnHost(window)) return RECT{};
+  const Window* parent = Find(window.parent);
+  return parent == nullptr ? area : Intersect(area, VisibleClientOnHost(*parent));
 }
 
 int Count() { return static_cast<int>(TheTree().windows.size()); }

@@ -2,6 +2,7 @@
 // handle. Handles are never reused, so a stale handle simply finds nothing.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,12 @@ struct ScrollBarState {
   int pressedArrow = 0;
 };
 
+// What a built-in window class keeps for each of its windows (its window words on
+// Windows); it goes with the window.
+struct ClassData {
+  virtual ~ClassData() = default;
+};
+
 struct WindowClass {
   std::string name;
   UINT style = 0;
@@ -36,16 +43,18 @@ struct Window {
   HWND parent = nullptr;       // null for a host root
   std::vector<HWND> children;  // bottom to top: later siblings lie above earlier ones
   WindowClass windowClass;
-  std::string title;
+  std::u16string title;
   DWORD style = 0;
   UINT id = 0;
-  RECT rect{};  // in the parent's client coordinates (a host root: 0,0,width,height)
+  RECT rect{};  // the whole window, frame included, in the parent's client coordinates
+                // (a host root: 0,0,width,height)
   CWnd* object = nullptr;
+  std::unique_ptr<ClassData> classData;
   HBITMAP frame = nullptr;    // a host root's composed frame
   bool frameChanged = false;  // a host root's frame holds pixels not yet presented
   RECT update{};              // pending invalid area in client coordinates; empty when none
   bool erasePending = false;
-  bool barsPending = false;  // its scroll bars need drawing in the next paint pass
+  bool nonClientPending = false;  // its frame and scroll bars need drawing in the next paint pass
   ScrollBarState horizontal;
   ScrollBarState vertical;
   bool destroying = false;
@@ -53,7 +62,7 @@ struct Window {
 
 Window* Find(HWND hwnd);
 // Creates a window record and links it under `parent` (null: a new host root).
-Window& Add(HWND parent, const WindowClass& windowClass, const std::string& title, DWORD style, UINT id,
+Window& Add(HWND parent, const WindowClass& windowClass, const std::u16string& title, DWORD style, UINT id,
             const RECT& rect);
 // Unlinks and forgets a window whose destruction is complete.
 void Remove(HWND hwnd);
@@ -63,15 +72,27 @@ const WindowClass* FindClass(const std::string& name);
 
 // The host root at the top of the window's tree.
 Window* HostOf(HWND hwnd);
-// Client size: the window size less the shown scroll bars (never negative).
+// The width of the sizing frame round a window with WS_THICKFRAME (what Windows gives a
+// child window's sizing frame), 0 without one.
+inline constexpr int kThickFrame = 4;
+int FrameThickness(const Window& window);
+// Client size: the window size less the frame and the shown scroll bars (never
+// negative).
 RECT ClientRect(const Window& window);
-// Offset of the window's client origin from its host root's client origin.
+// Offset of the window's top-left corner, and of its client origin, from its host
+// root's client origin.
+POINT WindowOrigin(const Window& window);
 POINT ClientOrigin(const Window& window);
+// The whole window in its host root's client coordinates.
+RECT WindowRectOnHost(const Window& window);
 // Whether the window and every ancestor are visible (a host root always is).
 bool IsShownOnHost(const Window& window);
 // The part of the host frame the window's client area may touch: its client area
 // clipped by every ancestor's client area, in host coordinates.
 RECT VisibleClientOnHost(const Window& window);
+// The same for an area of the window given in host coordinates (its frame, its bars):
+// clipped by every ancestor's client area; empty when the window is not shown.
+RECT VisibleOnHost(const Window& window, const RECT& area);
 
 // How many windows are alive.
 int Count();

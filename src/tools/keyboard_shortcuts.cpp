@@ -1,4 +1,5 @@
-// The editor's keyboard shortcuts: Ctrl+Z undoes and Ctrl+Y redoes, once per press.
+// The editor's keyboard shortcuts: Ctrl+Z undoes and Ctrl+Y redoes, once per press;
+// Delete removes the selected inserted object.
 #include "editor/image_edit_wnd.h"
 
 namespace {
@@ -16,9 +17,10 @@ void CImageEditWnd::OnKeyDown(UINT virtualKey, UINT repeatCount, UINT flags) {
       Undo();
     } else if (ctrl && virtualKey == 'Y') {
       Redo();
+    } else if (virtualKey == VK_DELETE) {
+      // Unlike the shortcut menu's "Delete", the key records no history level.
+      DeleteSelectedObject();
     }
-    // Delete removes the selected inserted object (without a history level); it
-    // belongs here once the editor has inserted objects.
   }
   CWnd::OnKeyDown(virtualKey, repeatCount, flags);
 }

@@ -59,9 +59,17 @@ void TextEntry::Create(CWnd* editor) {
   box_.Create(nullptr, "Text Edit", kBoxStyle, none, editor, kBoxChildId);
 }
 
-void TextEntry::Open(const RECT& rect) { box_.Open(rect, font_.get()); }
+void TextEntry::Open(const RECT& rect) {
+  box_.Show(true);
+  MoveWindow(box_.m_hWnd, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, TRUE);
+  SendMessageA(box_.EditWindow(), WM_SETFONT, reinterpret_cast<WPARAM>(font_.get()), TRUE);
+  SetFocus(box_.EditWindow());
+}
 
-void TextEntry::Discard() { box_.HideAndClear(); }
+void TextEntry::Discard() {
+  box_.Show(false);
+  box_.ClearText();
+}
 
 void TextEntry::Release() {
   font_.reset();

@@ -25,6 +25,7 @@ class TextEntry {
   void Release();
 
   HWND box() const { return box_.m_hWnd; }
+  HWND editWindow() const { return box_.EditWindow(); }
   // What was typed (empty when the box is hidden) and where it lies on the screen.
   std::u16string TypedText() const { return box_.GetText(); }
   RECT TypedTextRect() const { return box_.TextRect(); }

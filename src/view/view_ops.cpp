@@ -63,7 +63,7 @@ void CImageEditWnd::OnPaint() {
   EndPaint(m_hWnd, &paint);
 }
 
-void CImageEditWnd::ComposeView(const RECT* area) {
+void CImageEditWnd::ComposeView(const RECT* area, bool plain) {
   const Surface& composition = m_surfaces.composition;
   const Surface& image = m_surfaces.imageSurface;
   if (!composition.dc()) return;
@@ -75,7 +75,9 @@ void CImageEditWnd::ComposeView(const RECT* area) {
   }
   if (m_surfaces.drawingLayer.dc() && m_surfaces.drawingLayer.bitmap())
     CompositeDrawingLayer(composition.dc(), &part);
-  // Inserted objects and the frame join the composition here once they exist.
+  if (m_objects.count() > 0)
+    DrawObjects(composition.dc(), m_view.hScrollPos(), m_view.vScrollPos(), plain, &part);
+  // The frame joins the composition here once it exists.
 }
 
 COLORREF CImageEditWnd::ShownColorAt(POINT point) {
@@ -144,8 +146,14 @@ void CImageEditWnd::Scroll(int bar, UINT code, int position) {
       return;
   }
   if (code == SB_LINEUP || code == SB_PAGEUP) step = -step;
-  if (step != 0) SetScrollPos(m_hWnd, bar, m_view.ScrollBy(bar, step), TRUE);
-  // Inserted objects follow the scroll here once they exist.
+  if (step != 0) {
+    const int scrolled = m_view.ScrollBy(bar, step);
+    SetScrollPos(m_hWnd, bar, scrolled, TRUE);
+    // Objects keep window coordinates: they move against the scroll by as much as it
+    // really moved, so that they stay over the same spot of the picture.
+    const int moved = current - scrolled;
+    m_objects.ShiftAll(horizontal ? moved : 0, horizontal ? 0 : moved);
+  }
   RedrawWindow();
 }
 

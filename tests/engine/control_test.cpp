@@ -232,4 +232,34 @@ TEST_F(ControlTest, HostNeverSeesTheEditorKeysOnceTheControlIsActive) {
   EXPECT_TRUE(control_->PreTranslateMessage(&msg));
 }
 
+// With the text box open and focused, the editor keys still go to the editor on the
+// way up from the edit control: they neither move its caret nor delete, while
+// Backspace and Return, which the control lets through, edit the text.
+TEST_F(ControlTest, TheEditorKeysNeverReachAnOpenTextBox) {
+  Activate();
+  control_->SetImage(IE_TEST_DATA "/tools/wide_300x200.png");
+  control_->EnterText();
+  platform::MouseInput(hostWindow_, WM_LBUTTONDOWN, 20, 20);
+  platform::MouseInput(hostWindow_, WM_MOUSEMOVE, 120, 80);
+  platform::MouseInput(hostWindow_, WM_LBUTTONUP, 120, 80);
+  const HWND edit = GetDlgItem(GetDlgItem(EditorWindow(), 1), 1);
+  ASSERT_NE(edit, nullptr);
+  ASSERT_EQ(GetFocus(), edit);
+  const auto text = [&] {
+    WCHAR buffer[16] = {};
+    return std::u16string(buffer, static_cast<std::size_t>(GetWindowTextW(edit, buffer, 16)));
+  };
+  for (char c : std::string("abc")) platform::CharInput(hostWindow_, static_cast<unsigned>(c));
+  for (int key : {VK_LEFT, VK_HOME, VK_UP, VK_DELETE, VK_END, VK_TAB, VK_ESCAPE}) {
+    EXPECT_TRUE(platform::KeyInput(hostWindow_, WM_KEYDOWN, key)) << key;
+    platform::KeyInput(hostWindow_, WM_KEYUP, key);
+  }
+  platform::CharInput(hostWindow_, 'X');
+  EXPECT_EQ(text(), u"abcX");
+  EXPECT_FALSE(platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_BACK));
+  EXPECT_FALSE(platform::KeyInput(hostWindow_, WM_KEYDOWN, VK_RETURN));
+  EXPECT_EQ(text(), u"abc\r\n");
+  EXPECT_EQ(GetFocus(), edit);
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 // dialogs, and what each setting leaves in the editor.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -166,6 +167,115 @@ TEST_F(TextSettingsTest, TheBackgroundIsAColourTransparentOrWhatTheDialogGives) 
   const int brushes = platform::LiveGdiObjects().brushes;
   for (int i = 0; i < 5; ++i) live->SetTextBackgroundColor("00FF00");
   EXPECT_EQ(platform::LiveGdiObjects().brushes, brushes);
+}
+
+// Typed text stamped into the drawing layer: a 200 x 100 picture in a 200 x 100
+// window, so surface and window points agree.
+class TypedTextTest : public HostedTest {
+ protected:
+  TypedTextTest() { live_.Show(200, 100, RGB(0x80, 0x80, 0x80)); }
+  ~TypedTextTest() override { platform::SetKeyboardLayout(0x0409); }
+
+  // Types into a box dragged from (10, 10) to (150, 60), then closes it by choosing
+  // the pen; the drawing layer's pixels afterwards.
+  std::vector<COLORREF> TypeAndClose(const std::u16string& text) {
+    live_->EnterText();
+    live_.Drag(10, 10, 150, 60);
+    for (char16_t c : text) platform::CharInput(live_.hostWindow, c);
+    live_->SetPen(3);
+    return Layer();
+  }
+  std::vector<COLORREF> Layer() { return SurfaceColors(live_->m_surfaces.drawingLayer.dc(), 200, 100); }
+  static int Count(const std::vector<COLORREF>& pixels, COLORREF color) {
+    return static_cast<int>(std::count(pixels.begin(), pixels.end(), color));
+  }
+
+  LiveEditor live_{200, 100};
+};
+
+TEST_F(TypedTextTest, ATransparentBackgroundStampsOnlyTheGlyphs) {
+  live_->SetTextFont("Arial,,Bold,12,,,FF0000");
+  live_->SetTextBackgroundColor("TRANSPARENT");
+  const std::vector<COLORREF> layer = TypeAndClose(u"Hi there");
+  const int red = Count(layer, RGB(0xFF, 0, 0));
+  EXPECT_GT(red, 40);
+  // Nothing but glyphs and the untouched layer: no smoothed edge, no background.
+  EXPECT_EQ(red + Count(layer, kDrawingLayerKeyColor), 200 * 100);
+  EXPECT_FALSE(live_->m_textEntry.IsShown());
+  EXPECT_TRUE(live_->m_textEntry.TypedText().empty());
+}
+
+TEST_F(TypedTextTest, AnOpaqueBackgroundStampsTheWholeBoxWhereItIsShown) {
+  live_->SetTextFont("Arial,,,10,,,0000FF");
+  live_->SetTextBackgroundColor("FFFF00");
+  const RECT box = live_->m_textEntry.TypedTextRect();  // closed: nothing
+  EXPECT_EQ(box.right - box.left, 0);
+  live_->EnterText();
+  live_.Drag(10, 10, 150, 60);
+  platform::CharInput(live_.hostWindow, 'W');
+  const RECT edit = live_->m_textEntry.TypedTextRect();
+  POINT topLeft{edit.left, edit.top};
+  ScreenToClient(live_->m_hWnd, &topLeft);
+  live_->SetPen(3);
+  const std::vector<COLORREF> layer = Layer();
+  const int width = edit.right - edit.left;
+  const int height = edit.bottom - edit.top;
+  ASSERT_GT(width, 0);
+  int yellow = 0;
+  int blue = 0;
+  for (int y = 0; y < 100; ++y) {
+    for (int x = 0; x < 200; ++x) {
+      const COLORREF pixel = layer[static_cast<std::size_t>(y * 200 + x)];
+      const bool inBox = x >= topLeft.x && x < topLeft.x + width && y >= topLeft.y && y < topLeft.y + height;
+      if (!inBox) {
+        ASSERT_EQ(pixel, kDrawingLayerKeyColor) << x << "," << y;
+      } else {
+        ASSERT_TRUE(pixel == RGB(0xFF, 0xFF, 0) || pixel == RGB(0, 0, 0xFF)) << x << "," << y;
+        (pixel == RGB(0, 0, 0xFF) ? blue : yellow)++;
+      }
+    }
+  }
+  EXPECT_GT(blue, 10);
+  EXPECT_EQ(yellow + blue, width * height);
+}
+
+TEST_F(TypedTextTest, AnEmptyBoxStampsNothingAndASmallClickOnlyClosesTheBox) {
+  EXPECT_EQ(Count(TypeAndClose(u""), kDrawingLayerKeyColor), 200 * 100);
+
+  live_->SetTextBackgroundColor("TRANSPARENT");
+  live_->EnterText();
+  live_.Drag(10, 10, 150, 60);
+  platform::CharInput(live_.hostWindow, 'A');
+  // A click while the box is open stamps it and opens nothing.
+  live_.Click(100, 80);
+  EXPECT_FALSE(live_->m_textEntry.IsShown());
+  EXPECT_LT(Count(Layer(), kDrawingLayerKeyColor), 200 * 100);
+  // A click with no box open opens the smallest box there.
+  live_.Click(100, 80);
+  ASSERT_TRUE(live_->m_textEntry.IsShown());
+  RECT shown{};
+  GetWindowRect(live_->m_textEntry.box(), &shown);
+  EXPECT_EQ(shown.right - shown.left, 30);
+  EXPECT_EQ(shown.bottom - shown.top, 15);
+}
+
+TEST_F(TypedTextTest, KoreanTypedOnAKoreanKeyboardIsDrawnThroughItsCodePage) {
+  const std::u16string hangul = u"\uD55C\uAE00 \uAC00";  // 한글 가
+  live_->SetTextBackgroundColor("TRANSPARENT");
+  // The Korean set's text arrives in code page 949; the same face draws the UTF-8
+  // text of the ANSI set identically.
+  platform::SetKeyboardLayout(1042);
+  live_->SetTextFont("\xEA\xB5\xB4\xEB\xA6\xBC\xEC\xB2\xB4,,,14,,,000000,18");
+  const std::vector<COLORREF> korean = TypeAndClose(hangul);
+  EXPECT_GT(Count(korean, 0), 60);
+  live_->Clear(0);
+  platform::SetKeyboardLayout(0x0409);
+  live_->SetTextFont("\xEA\xB5\xB4\xEB\xA6\xBC\xEC\xB2\xB4,,,14,,,000000,9");
+  EXPECT_EQ(TypeAndClose(hangul), korean);
+  // Code page 949 bytes read as UTF-8 are not Hangul.
+  live_->Clear(0);
+  platform::SetKeyboardLayout(1042);
+  EXPECT_NE(TypeAndClose(hangul), korean);
 }
 
 }  // namespace

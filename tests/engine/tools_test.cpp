@@ -189,7 +189,7 @@ TEST_F(ToolsTest, TheTextToolOpensABoxWhereItWasDragged) {
     EXPECT_EQ(shown.top - origin.y, expected.top);
     EXPECT_EQ(shown.right - shown.left, expected.right);
     EXPECT_EQ(shown.bottom - shown.top, expected.bottom);
-    EXPECT_EQ(GetFocus(), live_->m_textEntry.box());
+    EXPECT_EQ(GetFocus(), live_->m_textEntry.editWindow());
   };
   live_.Click(10, 10);
   boxAt(RECT{10, 10, 30, 15});

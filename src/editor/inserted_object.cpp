@@ -1,0 +1,140 @@
+#include "editor/inserted_object.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "editor/user_messages.h"
+#include "platform/gdi_draw.h"
+
+namespace {
+
+// An independent copy of the bitmap at its own size or at width x height; null
+// without a bitmap or when the copy cannot be made.
+platform::OwnedBitmap CopyBitmap(HBITMAP bitmap, int width = 0, int height = 0) {
+  if (!bitmap) return platform::OwnedBitmap();
+  return platform::OwnedBitmap(
+      static_cast<HBITMAP>(CopyImage(bitmap, IMAGE_BITMAP, width, height, LR_CREATEDIBSECTION)));
+}
+
+}  // namespace
+
+platform::OwnedBrush CopyOfBrush(HBRUSH brush) {
+  LOGBRUSH description{};
+  if (!brush || !GetObjectA(brush, sizeof description, &description)) return platform::OwnedBrush();
+  return platform::OwnedBrush(CreateBrushIndirect(&description));
+}
+
+CInsertedObject::CInsertedObject() : language(static_cast<WORD>(GetUserDefaultLangID() & 0x3FF)) {}
+
+CInsertedObject::~CInsertedObject() = default;
+
+void CInsertedObject::Reset() {
+  x = y = width = height = sourceWidth = sourceHeight = 0;
+  picture.reset();
+  sourcePicture.reset();
+  selectedPicture.reset();
+  keyColor = 0;
+  selected_ = false;
+  resizable = false;
+  textColor = 0;
+  backgroundBrush.reset();
+  transparency = 0;
+  borderColor = kObjectBorderColor;
+}
+
+void CInsertedObject::CopyFrom(const CInsertedObject& other) {
+  if (&other == this) return;
+  Reset();
+  kind_ = other.kind_;
+  x = other.x;
+  y = other.y;
+  width = other.width;
+  height = other.height;
+  sourceWidth = other.sourceWidth;
+  sourceHeight = other.sourceHeight;
+  picture = CopyBitmap(other.picture.get());
+  sourcePicture = CopyBitmap(other.sourcePicture.get());
+  selectedPicture = CopyBitmap(other.selectedPicture.get());
+  keyColor = other.keyColor;
+  selected_ = other.selected_;
+  resizable = other.resizable;
+  language = other.language;
+  textColor = other.textColor;
+  backgroundBrush = CopyOfBrush(other.backgroundBrush.get());
+  transparency = other.transparency;
+  borderColor = other.borderColor;
+}
+
+PixelBuffer CInsertedObject::ReadSurfacePixels(HDC dc, HBITMAP bitmap) const {
+  PixelBuffer buffer = ReadBitmapPixels(dc, bitmap);
+  if (!buffer && buffer.width() > 0) ShowOutOfMemory(language);
+  return buffer;
+}
+
+void CInsertedObject::RebuildSelectedPicture() {
+  selectedPicture = CopyBitmap(picture.get());
+  // A frame in the background's own colour would not show: it takes the complement.
+  LOGBRUSH background{};
+  const bool hasBackground =
+      backgroundBrush && GetObjectA(backgroundBrush.get(), sizeof background, &background) != 0;
+  borderColor = kObjectBorderColor;
+  if (hasBackground && background.lbColor == borderColor) borderColor = ~borderColor;
+  if (!selectedPicture) return;
+
+  const platform::MemoryDC dc(nullptr);
+  const platform::OwnedPen pen(CreatePen(PS_SOLID, 1, borderColor));
+  if (!dc || !pen) return;
+  const platform::SelectionGuard bitmapSelected(dc.get(), selectedPicture.get());
+  const platform::SelectionGuard penSelected(dc.get(), pen.get());
+  MoveToEx(dc.get(), 0, 0, nullptr);
+  LineTo(dc.get(), width - 1, 0);
+  LineTo(dc.get(), width - 1, height - 1);
+  LineTo(dc.get(), 0, height - 1);
+  LineTo(dc.get(), 0, 0);
+  // The grip is drawn with the DC's own brush, which is white.
+  if (resizable)
+    Rectangle(dc.get(), width - kObjectGripSide, height - kObjectGripSide, width - 1, height - 1);
+}
+
+namespace {
+
+// Each row's pixels in reverse order.
+void MirrorRows(PixelBuffer& pixels) {
+  const int width = pixels.width();
+  for (int row = 0; row < pixels.height(); ++row) {
+    BYTE* line = pixels.data() + static_cast<std::ptrdiff_t>(row) * pixels.stride();
+    for (int x = 0; x < width / 2; ++x) {
+      BYTE* left = line + 3 * x;
+      BYTE* right = line + 3 * (width - 1 - x);
+      std::swap(left[0], right[0]);
+      std::swap(left[1], right[1]);
+      std::swap(left[2], right[2]);
+    }
+  }
+}
+
+}  // namespace
+
+void CInsertedObject::Mirror(HDC dc) {
+  for (platform::OwnedBitmap* bitmap : {&picture, &sourcePicture}) {
+    PixelBuffer pixels = ReadSurfacePixels(dc, bitmap->get());
+    if (!pixels) continue;
+    MirrorRows(pixels);
+    WriteBitmapPixels(dc, bitmap->get(), pixels);
+  }
+}
+
+void CInsertedObject::RestoreOriginalSize() {
+  if (!sourcePicture) return;
+  picture = CopyBitmap(sourcePicture.get(), sourceWidth, sourceHeight);
+  width = sourceWidth;
+  height = sourceHeight;
+  RebuildSelectedPicture();
+}
+
+bool CInsertedObject::BodyContains(POINT window) const {
+  // Wide arithmetic: a position near the limits of int must not wrap around.
+  const std::int64_t px = window.x;
+  const std::int64_t py = window.y;
+  return px >= x && px < std::int64_t{x} + width && py >= y && py < std::int64_t{y} + height;
+}

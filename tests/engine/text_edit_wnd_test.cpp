@@ -1,0 +1,137 @@
+// The text box: its edit control, when it counts as shown, what it gives up as the
+// typed text, how it looks on the host, and that it leaves nothing behind.
+#include <string>
+
+#include "test_support.h"
+
+namespace {
+
+class TextEditWndTest : public HostedTest {
+ protected:
+  TextEditWndTest() { live_.Show(120, 90, RGB(0, 0, 255)); }
+
+  TextEntry& Entry() { return live_->m_textEntry; }
+  HWND Edit() { return Entry().editWindow(); }
+  CTextEditWnd& Box() { return *static_cast<CTextEditWnd*>(WindowObject(Entry().box())); }
+  std::u16string EditText() {
+    std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(Edit())) + 1, u'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(Edit(), text.data(), static_cast<int>(text.size()))));
+    return text;
+  }
+  // The host frame's pixel at a window point, 0x00RRGGBB.
+  std::uint32_t FramePixel(int x, int y) {
+    int width = 0, height = 0;
+    const std::uint32_t* pixels =
+        platform::BitmapPixels(platform::HostFrame(live_.hostWindow), &width, &height);
+    return pixels == nullptr ? 0xDEADBEEF : pixels[y * width + x];
+  }
+
+  LiveEditor live_{120, 90};
+};
+
+TEST_F(TextEditWndTest, TheEditControlFillsTheBoxInsideItsFrame) {
+  ASSERT_NE(Edit(), nullptr);
+  EXPECT_EQ(GetDlgItem(Entry().box(), 1), Edit());
+  EXPECT_FALSE(Entry().IsShown());
+  EXPECT_FALSE(IsWindowVisible(Entry().box()));
+
+  Entry().Open(RECT{10, 20, 60, 50});
+  EXPECT_TRUE(Entry().IsShown());
+  EXPECT_EQ(GetFocus(), Edit());
+  RECT edit = Entry().TypedTextRect();
+  EXPECT_EQ(edit.left, 14);
+  EXPECT_EQ(edit.top, 24);
+  EXPECT_EQ(edit.right, 56);
+  EXPECT_EQ(edit.bottom, 46);
+  EXPECT_EQ(SendMessageA(Edit(), WM_GETFONT, 0, 0), reinterpret_cast<LRESULT>(Entry().font()));
+  MoveWindow(Entry().box(), 0, 0, 30, 15, TRUE);
+  edit = Entry().TypedTextRect();
+  EXPECT_EQ(edit.right - edit.left, 22);
+  EXPECT_EQ(edit.bottom - edit.top, 7);
+}
+
+TEST_F(TextEditWndTest, TextIsGivenOnlyWhileShownAndClearingEmptiesTheEditControl) {
+  CTextEditWnd& box = Box();
+  SetWindowTextW(Edit(), u"typed\r\n\U0001F600");
+  EXPECT_EQ(box.GetText(), u"");  // hidden
+  box.Show(true);
+  EXPECT_TRUE(box.IsShown());
+  EXPECT_TRUE(IsWindowVisible(box.m_hWnd));
+  EXPECT_EQ(box.GetText(), u"typed\r\n\U0001F600");
+  box.ClearText();
+  EXPECT_EQ(EditText(), u"");
+  EXPECT_EQ(box.GetText(), u"");
+  box.Show(false);
+  EXPECT_FALSE(box.IsShown());
+  EXPECT_FALSE(IsWindowVisible(box.m_hWnd));
+
+  // Without its edit control the box never counts as shown and stays hidden.
+  ASSERT_TRUE(DestroyWindow(Edit()));
+  box.Show(true);
+  EXPECT_FALSE(box.IsShown());
+  EXPECT_FALSE(IsWindowVisible(box.m_hWnd));
+  box.ClearText();
+  EXPECT_EQ(box.GetText(), u"");
+}
+
+// Typed through the platform as a host types, closed by choosing another tool.
+TEST_F(TextEditWndTest, WhatIsTypedIsTheBoxsTextUntilTextEntryCloses) {
+  live_->EnterText();
+  live_.Drag(10, 10, 70, 50);
+  ASSERT_TRUE(Entry().IsShown());
+  for (char32_t c : std::u32string_view(U"Hi\n\U0001F600")) platform::CharInput(live_.hostWindow, c);
+  platform::KeyInput(live_.hostWindow, WM_KEYDOWN, VK_BACK);
+  platform::KeyInput(live_.hostWindow, WM_KEYDOWN, VK_BACK);
+  platform::CharInput(live_.hostWindow, '!');
+  EXPECT_EQ(Entry().TypedText(), u"Hi!");
+  live_->SetPen(2);
+  EXPECT_FALSE(Entry().IsShown());
+  EXPECT_EQ(Entry().TypedText(), u"");
+  EXPECT_EQ(EditText(), u"");
+}
+
+// White rectangle, then the grey dots as the GDI oracle draws them for a 40 x 30 box
+// (tests/data/gdi/draw/text_box_frame.txt); the rest of the frame stays white.
+TEST_F(TextEditWndTest, TheFrameIsADottedGreyOutlineOnWhite) {
+  Entry().Open(RECT{20, 30, 60, 60});
+  platform::FlushPaint(live_.hostWindow);
+  constexpr std::uint32_t g = 0x808080, w = 0xFFFFFF;
+  const struct {
+    int x, y;
+    std::uint32_t color;
+  } pixels[] = {{0, 0, w},  {1, 0, g},  {3, 0, g}, {4, 0, w}, {7, 0, g},   {39, 0, g}, {0, 1, w},  {39, 1, w},
+                {39, 2, g}, {0, 3, g},  {0, 5, g}, {0, 6, w}, {39, 5, w},  {0, 29, g}, {1, 29, w}, {4, 29, g},
+                {6, 29, g}, {7, 29, w}, {1, 1, w}, {3, 3, w}, {36, 26, w}, {2, 15, w}, {38, 15, w}};
+  for (const auto& [x, y, color] : pixels) EXPECT_EQ(FramePixel(20 + x, 30 + y), color) << x << "," << y;
+  EXPECT_EQ(FramePixel(19, 30), 0x0000FFu);  // the picture round it
+  EXPECT_EQ(FramePixel(60, 59), 0x0000FFu);
+}
+
+TEST_F(TextEditWndTest, NothingIsLeftBehindWhenTheEditorGoes) {
+  const platform::WindowCounts windows = platform::LiveWindowObjects();
+  const platform::GdiCounts gdi = platform::LiveGdiObjects();
+  {
+    LiveEditor other(80, 60);
+    other.Show(80, 60, RGB(255, 255, 255));
+    other->EnterText();
+    other.Drag(5, 5, 60, 40);
+    platform::CharInput(other.hostWindow, 'x');
+    platform::FlushPaint(other.hostWindow);
+    ASSERT_TRUE(other->m_textEntry.IsShown());
+  }
+  EXPECT_EQ(platform::LiveWindowObjects().windows, windows.windows);
+  EXPECT_EQ(platform::LiveGdiObjects().total(), gdi.total());
+
+  // A box whose window went with its parent still goes quietly.
+  HWND host = platform::CreateHostWindow(50, 50);
+  {
+    CTextEditWnd box;
+    ASSERT_TRUE(
+        box.CreateInParent(nullptr, "Text Edit", WS_CHILD | WS_THICKFRAME, RECT{0, 0, 0, 0}, host, 1));
+    ASSERT_NE(box.EditWindow(), nullptr);
+    DestroyWindow(host);
+  }
+  EXPECT_EQ(platform::LiveWindowObjects().windows, windows.windows);
+}
+
+}  // namespace
