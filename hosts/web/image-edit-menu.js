@@ -21,7 +21,7 @@ export const MENU_STYLE = `
   [role=menuitem][aria-disabled=true] { color: #9aa0a8; }
   [role=menuitem][aria-disabled=true]:focus { background: #e6e9ee; color: #9aa0a8; }
   [role=menuitem][aria-checked=true]::before { content: "\\2713"; position: absolute; margin-left: -14px; }
-  [role=menuitem] .arrow { font-size: 10px; }
+  [role=menuitem][aria-haspopup]::after { content: "\\25B6"; font-size: 10px; }
   [role=separator] { height: 1px; margin: 3px 0; background: #dde1e6; }
 `;
 
@@ -84,7 +84,7 @@ export class PopupMenu {
     const element = document.createElement('div');
     element.setAttribute('role', 'menu');
     element.setAttribute('aria-orientation', 'vertical');
-    if (opener) element.setAttribute('aria-label', opener.firstChild.textContent);
+    if (opener) element.setAttribute('aria-label', opener.textContent);
     const entries = [];
     for (const item of items) {
       if (item.separator) {
@@ -96,19 +96,12 @@ export class PopupMenu {
       const entry = document.createElement('div');
       entry.setAttribute('role', 'menuitem');
       entry.tabIndex = -1;
-      const label = document.createElement('span');
-      label.textContent = item.text;
-      entry.append(label);
+      entry.textContent = item.text;
       if (item.grayed) entry.setAttribute('aria-disabled', 'true');
       if (item.checked) entry.setAttribute('aria-checked', 'true');
       if (item.submenu) {
         entry.setAttribute('aria-haspopup', 'menu');
         entry.setAttribute('aria-expanded', 'false');
-        const arrow = document.createElement('span');
-        arrow.className = 'arrow';
-        arrow.setAttribute('aria-hidden', 'true');
-        arrow.textContent = '\u25B6';
-        entry.append(arrow);
       }
       entry.addEventListener('pointerenter', () => {
         this.#pointerOnItem = true;
