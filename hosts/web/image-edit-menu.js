@@ -17,6 +17,7 @@ export const MENU_STYLE = `
                 font: 13px/1.2 system-ui, sans-serif; white-space: nowrap; user-select: none; }
   [role=menuitem] { display: flex; justify-content: space-between; gap: 24px; padding: 4px 12px 4px 20px;
                     cursor: default; outline: none; }
+  [role=menuitem][aria-expanded=true] { background: #e6e9ee; }
   [role=menuitem]:focus { background: #3867d6; color: #fff; }
   [role=menuitem][aria-disabled=true] { color: #9aa0a8; }
   [role=menuitem][aria-disabled=true]:focus { background: #e6e9ee; color: #9aa0a8; }
