@@ -16,6 +16,7 @@
 import { askColor, askFont, DIALOG_STYLE, openDialog } from './image-edit-dialogs.js';
 import { EVENTS, METHODS } from './image-edit-interface.js';
 import { MENU_STYLE, PopupMenu } from './image-edit-menu.js';
+import { TEXT_BOX_STYLE, TextBoxOverlay } from './image-edit-text-box.js';
 
 // The dialog a call opens now: 'color', 'font' or 'about', or null for none. A method
 // that opens one for some values of its argument compares the argument in upper case,
@@ -86,7 +87,7 @@ const STYLE = `
   :host { display: inline-block; position: relative; outline: none; line-height: 0; }
   :host(:focus-visible) { box-shadow: 0 0 0 2px #4c8dff; }
   canvas { display: block; image-rendering: pixelated; touch-action: none; }
-${DIALOG_STYLE}${MENU_STYLE}`;
+${DIALOG_STYLE}${MENU_STYLE}${TEXT_BOX_STYLE}`;
 
 const MB_ICONMASK = 0x00F0, MB_ICONHAND = 0x0010;
 
@@ -105,6 +106,7 @@ export class ImageEditControl extends HTMLElement {
   #lastPress = null;
   #ticker = 0;
   #menu;                       // the shortcut menu, while the engine's popup menu is on the page
+  #textBox;                    // the page's text field over the engine's open text box
   #dialogStart = null;         // what the colour or font dialog the engine opened starts from
 
   constructor() {
@@ -114,8 +116,15 @@ export class ImageEditControl extends HTMLElement {
     const style = document.createElement('style');
     style.textContent = STYLE;
     this.#canvas = document.createElement('canvas');
-    root.append(style, this.#canvas);
+    const surface = document.createElement('div');
+    surface.className = 'surface';
+    surface.append(this.#canvas);
+    root.append(style, surface);
     this.#menu = new PopupMenu(root, (command) => this.#menuClosed(command));
+    this.#textBox = new TextBoxOverlay(surface, this.#canvas, {
+      setText: (text) => this.#control.setTextBoxText(text),
+      key: (message, event) => this.#sendKey(message, event, 0),
+    });
   }
 
   connectedCallback() {
@@ -335,6 +344,7 @@ export class ImageEditControl extends HTMLElement {
       askColor: (color, custom) => { this.#dialogStart = { color, custom }; },
       askFont: (start) => { this.#dialogStart = start; },
       // At the point of the control the engine gives, in the page's coordinates.
+      textBoxChanged: (box) => this.#textBox.update(box),
       showPopupMenu: (items, x, y) => {
         const box = this.#canvas.getBoundingClientRect();
         const scaleX = box.width / this.#canvas.width, scaleY = box.height / this.#canvas.height;
@@ -439,12 +449,18 @@ export class ImageEditControl extends HTMLElement {
     if (this.#control === null || event.composedPath()[0] !== this) return;
     const ctrl = event.ctrlKey || event.metaKey;
     const character = message === WM_KEYDOWN && !ctrl && [...event.key].length === 1 ? event.key.codePointAt(0) : 0;
-    const taken = this.#control.key(message, event.keyCode, ctrl, event.shiftKey, event.repeat, character);
-    this.#keepTime();
-    if (taken) {
+    if (this.#sendKey(message, event, character)) {
       event.preventDefault();
       event.stopPropagation();
     }
+  }
+
+  // A key to the engine; true when the control's key routing took it.
+  #sendKey(message, event, character) {
+    const taken = this.#control.key(message, event.keyCode, event.ctrlKey || event.metaKey, event.shiftKey,
+      event.repeat, character);
+    this.#keepTime();
+    return taken;
   }
 }
 

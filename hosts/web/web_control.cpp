@@ -16,6 +16,7 @@
 #include "control/image_edit_ctrl.h"
 #include "imageio/bitmap_file_writer.h"
 #include "imageio/prepared_pictures.h"
+#include "text_box_mirror.h"
 #include "web_host.h"
 
 namespace web {
@@ -88,7 +89,7 @@ val Outcome(const char* key, val value) {
 
 class WebControl {
  public:
-  WebControl(int width, int height, int language, val page) : host_(std::move(page)) {
+  WebControl(int width, int height, int language, val page) : host_(page), textBox_(page) {
     platform::SetHost(&host_);
     platform::SetUserDefaultLangID(static_cast<LANGID>(language));
     // Typed text is converted in the code page of the keyboard layout when it is drawn:
@@ -206,9 +207,16 @@ class WebControl {
   // window, the menu's owner, as the WM_COMMAND the menu would have sent.
   void menuChosen(unsigned command) {
     const UINT chosen = host_.TakeMenuChoice(command);
-    if (chosen != 0)
-      SendMessageA(GetDlgItem(control_.m_hWnd, kEditorWindowId), WM_COMMAND, chosen & 0xFFFF, 0);
+    if (chosen != 0) SendMessageA(EditorWindow(), WM_COMMAND, chosen & 0xFFFF, 0);
     Flush();
+  }
+
+  // What the person typed into the page's text field over the open text box: it
+  // replaces the box's text. False when no box is open.
+  bool setTextBoxText(const std::string& text) {
+    const bool open = textBox_.SetText(text);
+    Flush();
+    return open;
   }
 
   // Where a save of this name goes (a bare name goes into the temp folder).
@@ -236,15 +244,19 @@ class WebControl {
   }
 
  private:
+  HWND EditorWindow() const { return GetDlgItem(control_.m_hWnd, kEditorWindowId); }
+
   // Paints what is pending, as a message loop paints between two inputs, and hands a
   // changed frame to the page.
   void Flush(bool present = true) {
     if (hostWindow_ == nullptr) return;
     platform::FlushPaint(hostWindow_);
     if (present) host_.PresentPendingFrame();
+    textBox_.Update(EditorWindow());
   }
 
   WebHost host_;
+  TextBoxMirror textBox_;
   HWND hostWindow_ = nullptr;
   CImageEditCtrl control_;
   std::map<DWORD, std::unique_ptr<ScriptSink>> sinks_;
@@ -271,6 +283,7 @@ EMSCRIPTEN_BINDINGS(image_edit_engine) {
       .function("queueColorAnswer", &WebControl::queueColorAnswer)
       .function("queueFontAnswer", &WebControl::queueFontAnswer)
       .function("menuChosen", &WebControl::menuChosen)
+      .function("setTextBoxText", &WebControl::setTextBoxText)
       .function("savePath", &WebControl::savePath)
       .function("cursorArtwork", &WebControl::cursorArtwork);
 }

@@ -172,3 +172,100 @@ test('an object\'s shortcut menu is a page menu: what the keyboard and the mouse
   assert.deepEqual(page.errors, []);
   await page.close();
 });
+
+// How many pixels inside the rectangle of what the control shows are of the colour.
+function pixelsOf(shown, [r, g, b], [left, top, right, bottom]) {
+  let count = 0;
+  for (let y = top; y < bottom; y++) {
+    for (let x = left; x < right; x++) {
+      const at = (y * shown.width + x) * 3;
+      if (shown.rgb[at] === r && shown.rgb[at + 1] === g && shown.rgb[at + 2] === b) count++;
+    }
+  }
+  return count;
+}
+
+// A Korean page converts typed text through the Korean code page; any other page
+// types in its own and draws Hangul from the fallback face.
+for (const { lang, face, settings } of [
+  { lang: 'ko', face: '굴림체', settings: ['lang 0x0412', 'keyboard 0x0412'] },
+  { lang: 'en', face: 'Arial', settings: [] },
+]) {
+  test(`Korean composed with an input method on a page in ${lang} is stamped as the script host stamps it`,
+    async () => {
+      const page = await controlPage(200, 120, { lang });
+      await call(page, 'SetImage', 'samples/tiles.bmp');
+      const font = `${face},,,14,,,000080`;
+      assert.equal(await call(page, 'SetTextFont', font), font);
+      await openTextBox(page, [10, 10], [150, 60]);
+      const field = textField(page);
+      assert.equal(await field.evaluate((element) => element.getRootNode().activeElement === element), true,
+        'the text field has the focus');
+      const look = await field.evaluate((element) => {
+        const { fontFamily, fontSize } = getComputedStyle(element);
+        return { face: fontFamily.split(',')[0].replace(/"/g, ''), fontSize };
+      });
+      assert.deepEqual(look, { face, fontSize: `${Math.round((14 * 96) / 72)}px` }, 'the field has the box\'s font');
+
+      const cdp = await page.context().newCDPSession(page);
+      const compose = (text) => cdp.send('Input.imeSetComposition', { text, selectionStart: 1, selectionEnd: 1 });
+      for (const step of ['ㅎ', '하', '한']) await compose(step);
+      assert.equal(await field.inputValue(), '한', 'the composition shows in the field');
+      await cdp.send('Input.insertText', { text: '한' });
+      for (const step of ['ㄱ', '그', '글']) await compose(step);
+      await cdp.send('Input.insertText', { text: '글' });
+      await compose('ㅇ');  // still being composed when the box closes: not stamped
+      assert.equal(await field.inputValue(), '한글ㅇ');
+      await call(page, 'SetPen', 1);  // closes text entry: the text is stamped
+      assert.equal(await textField(page).count(), 0, 'the field goes with the box');
+
+      const shown = await canvasPixels(page);
+      assertSamePixels(shown, nativeShot(200, 120, [
+        'SetImage "build/web/samples/tiles.bmp"', `SetTextFont "${font}"`, ...dragSteps([10, 10], [150, 60]),
+        'type "한글"', 'SetPen 1',
+      ], settings), 'after the text is stamped');
+      assert.ok(pixelsOf(shown, [0, 0, 128], [10, 10, 150, 60]) > 30, 'Hangul is drawn in the text colour');
+      assert.deepEqual(page.errors, []);
+      await page.close();
+    });
+}
+
+test('keys typed into the text box stay in it: the page neither hears them nor scrolls', async () => {
+  const page = await controlPage(200, 120, { viewport: { width: 400, height: 300 } });
+  await page.evaluate(() => {
+    const field = Object.assign(document.createElement('input'), { id: 'field' });
+    field.style.cssText = 'position: absolute; top: 150px';
+    const tall = document.createElement('div');
+    tall.style.height = '3000px';
+    document.body.append(field, tall);
+    window.heard = [];
+    for (const type of ['keydown', 'keypress', 'keyup', 'input', 'beforeinput']) {
+      document.addEventListener(type, (event) => window.heard.push(`${type} ${event.key ?? ''}`));
+    }
+  });
+  await call(page, 'SetImage', 'samples/tiles.bmp');
+  await call(page, 'BrightenImage', 150);
+  await openTextBox(page, [20, 20], [180, 80]);
+  // Ctrl+Z belongs to the field: the brightening stays. The routed keys (arrows,
+  // Delete, Home, Page Down, Tab) neither move the caret nor delete nor leave the field.
+  await page.keyboard.press('Control+z');
+  await page.keyboard.type('ab c');
+  for (const key of ['Backspace', 'Enter', 'x', 'ArrowLeft', 'Delete', 'Home', 'PageDown', 'Space', 'Tab']) {
+    await page.keyboard.press(key);
+  }
+  assert.equal(await textField(page).inputValue(), 'ab \nx ');
+  assert.deepEqual(await page.evaluate(() => ({
+    heard: window.heard, scrolled: scrollY, field: document.getElementById('field').value,
+    focus: document.getElementById('editor').shadowRoot.activeElement?.tagName,
+  })), { heard: [], scrolled: 0, field: '', focus: 'TEXTAREA' });
+
+  await call(page, 'SetPen', 1);
+  assertSamePixels(await canvasPixels(page), nativeShot(200, 120, [
+    'SetImage "build/web/samples/tiles.bmp"', 'BrightenImage 150', ...dragSteps([20, 20], [180, 80]),
+    'type "ab c"', 'key 8', 'type "\\x0dx"', 'key 0x25', 'key 0x2E', 'key 0x24', 'key 0x22', 'type " "', 'key 9',
+    'SetPen 1',
+  ]), 'after the text is stamped');
+  assert.equal(await page.evaluate(() => document.activeElement.id), 'editor', 'the control keeps the focus');
+  assert.deepEqual(page.errors, []);
+  await page.close();
+});
