@@ -124,6 +124,7 @@ export class ImageEditControl extends HTMLElement {
     this.#textBox = new TextBoxOverlay(surface, this.#canvas, {
       setText: (text) => this.#control.setTextBoxText(text),
       key: (message, event) => this.#sendKey(message, event, 0),
+      readFont: (path) => this.#engine.FS.readFile(path),
     });
   }
 

@@ -20,6 +20,24 @@ export const TEXT_BOX_STYLE = `
                       overflow-wrap: normal; }
 `;
 
+// The engine's font files made the document's fonts, each a family of its own named
+// after its path (every engine of the page carries the same files).
+const pageFonts = new Map();  // path -> family
+function pageFont(file, readFont) {
+  let family = pageFonts.get(file.path);
+  if (family === undefined) {
+    family = `image-edit ${file.path}`;
+    const face = new FontFace(family, readFont(file.path), {
+      weight: file.bold ? '700' : '400', style: file.italic ? 'italic' : 'normal',
+    });
+    document.fonts.add(face);
+    // A file the browser cannot read leaves the field to the families after it.
+    face.load().catch(() => {});
+    pageFonts.set(file.path, family);
+  }
+  return family;
+}
+
 export class TextBoxOverlay {
   #surface;
   #canvas;
@@ -27,14 +45,13 @@ export class TextBoxOverlay {
   #field = null;
 
   // `engine.setText(text)` replaces the engine's box text; `engine.key(message,
-  // event)` sends a key to the engine and says whether its routing took it.
+  // event)` sends a key to the engine and says whether its routing took it;
+  // `engine.readFont(path)` gives the bytes of one of its font files.
   constructor(surface, canvas, engine) {
     this.#surface = surface;
     this.#canvas = canvas;
     this.#engine = engine;
   }
-
-  get field() { return this.#field; }
 
   // The engine's box as text_box_mirror.h describes it, or null once it is closed.
   update(box) {
@@ -47,11 +64,12 @@ export class TextBoxOverlay {
     // Canvas pixels to CSS pixels, should the page show the canvas at another size.
     const scaleX = this.#canvas.clientWidth / this.#canvas.width;
     const scaleY = this.#canvas.clientHeight / this.#canvas.height;
-    const quoted = box.face.replace(/["\\]/g, '\\$&');
+    const quote = (name) => `"${name.replace(/["\\]/g, '\\$&')}"`;
+    const families = [...box.fontFiles.map((file) => pageFont(file, this.#engine.readFont)), box.face];
     Object.assign(field.style, {
       left: `${box.left * scaleX}px`, top: `${box.top * scaleY}px`,
       width: `${box.width * scaleX}px`, height: `${box.height * scaleY}px`,
-      fontFamily: `"${quoted}", sans-serif`, fontSize: `${box.fontHeight * scaleY}px`,
+      fontFamily: `${families.map(quote).join(', ')}, sans-serif`, fontSize: `${box.fontHeight * scaleY}px`,
       lineHeight: box.lineHeight > 0 ? `${box.lineHeight * scaleY}px` : 'normal',
       fontWeight: box.bold ? '700' : '400', fontStyle: box.italic ? 'italic' : 'normal',
       textDecoration: [box.underline && 'underline', box.strikeOut && 'line-through'].filter(Boolean).join(' ')

@@ -1,7 +1,10 @@
 #include "text_box_mirror.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
+
+#include "platform/font_catalogue.h"
 
 namespace web {
 
@@ -38,6 +41,36 @@ std::string WithEditLineBreaks(const std::string& text) {
     out += text[i];
   }
   return out;
+}
+
+// The files that draw the font's face, then the Hangul and Han characters it may
+// lack, as the engine finds them; each once.
+val FontFiles(const LOGFONTA& font) {
+  platform::fonts::FontRequest request;
+  request.face.assign(font.lfFaceName, strnlen(font.lfFaceName, LF_FACESIZE));
+  request.bold = font.lfWeight >= FW_BOLD;
+  request.italic = font.lfItalic != 0;
+  const WORD language = GetUserDefaultLangID() & 0x3FF;
+  request.language = language == 0x12   ? platform::fonts::FontLanguage::Korean
+                     : language == 0x04 ? platform::fonts::FontLanguage::SimplifiedChinese
+                                        : platform::fonts::FontLanguage::None;
+  platform::fonts::FontCatalogue& fonts = platform::fonts::InstalledFonts();
+  std::vector<platform::fonts::FontFile> found;
+  for (const auto& file : {fonts.Find(request), fonts.FindCovering(request, U'\uAC00'),
+                           fonts.FindCovering(request, U'\u4E00')}) {
+    // A page font is one face of one file: a collection's later faces cannot be.
+    if (file && file->index == 0 && std::find(found.begin(), found.end(), *file) == found.end())
+      found.push_back(*file);
+  }
+  val files = val::array();
+  for (const platform::fonts::FontFile& file : found) {
+    val described = val::object();
+    described.set("path", file.path);
+    described.set("bold", file.bold);
+    described.set("italic", file.italic);
+    files.call<void>("push", described);
+  }
+  return files;
 }
 
 }  // namespace
@@ -94,6 +127,7 @@ val TextBoxMirror::Describe(const Look& look) const {
   box.set("italic", look.font.lfItalic != 0);
   box.set("underline", look.font.lfUnderline != 0);
   box.set("strikeOut", look.font.lfStrikeOut != 0);
+  box.set("fontFiles", FontFiles(look.font));
   return box;
 }
 

@@ -25,7 +25,10 @@ class TextBoxMirror {
   // After each input the engine has handled: tells the page `textBoxChanged` when the
   // box opened, closed, moved or changed its font, with where it is and how its text
   // looks ({left, top, width, height, text, face, fontHeight, lineHeight, bold,
-  // italic, underline, strikeOut}, in host-window pixels), or null once it is closed.
+  // italic, underline, strikeOut, fontFiles}, in host-window pixels), or null once it
+  // is closed. `fontFiles` are the engine's font files that draw the face and the
+  // Hangul and Han characters it lacks ({path, bold, italic} each, the style the file
+  // has itself), so that the page can type in the very glyphs the engine stamps.
   void Update(HWND editor);
 
   // Replaces the open box's text with what the person typed in the page (UTF-8, line

@@ -201,11 +201,16 @@ for (const { lang, face, settings } of [
       const field = textField(page);
       assert.equal(await field.evaluate((element) => element.getRootNode().activeElement === element), true,
         'the text field has the focus');
-      const look = await field.evaluate((element) => {
+      // The field types in the box's font, from the very font files the engine draws with.
+      const look = await field.evaluate(async (element) => {
+        await document.fonts.ready;
         const { fontFamily, fontSize } = getComputedStyle(element);
-        return { face: fontFamily.split(',')[0].replace(/"/g, ''), fontSize };
+        const families = fontFamily.split(',').map((family) => family.trim().replace(/"/g, ''));
+        return { families, fontSize, loaded: document.fonts.check(`12px "${families[0]}"`) };
       });
-      assert.deepEqual(look, { face, fontSize: `${Math.round((14 * 96) / 72)}px` }, 'the field has the box\'s font');
+      assert.match(look.families[0], /^image-edit \/fonts\//);
+      assert.ok(look.families.includes(face), look.families.join());
+      assert.deepEqual([look.fontSize, look.loaded], [`${Math.round((14 * 96) / 72)}px`, true]);
 
       const cdp = await page.context().newCDPSession(page);
       const compose = (text) => cdp.send('Input.imeSetComposition', { text, selectionStart: 1, selectionEnd: 1 });
