@@ -37,7 +37,8 @@ export const DIALOG_STYLE = `
 export function openDialog(root, title, text, iconHtml, buttons, extra = null) {
   const dialog = document.createElement('dialog');
   dialog.className = 'box';
-  dialog.setAttribute('role', 'alertdialog');
+  // A box that only tells something is an alert; one with fields to fill is not.
+  dialog.setAttribute('role', extra ? 'dialog' : 'alertdialog');
   dialog.setAttribute('aria-label', title);
   const header = document.createElement('header');
   header.textContent = title;
