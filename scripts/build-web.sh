@@ -3,7 +3,8 @@
 # by emscripten (optimised with -O3 and SIMD) twice, without threads
 # (image-edit-engine.js/.wasm, CMake tree build/wasm) and with them
 # (image-edit-engine-threads.js/.wasm/.worker.js, build/wasm-threads), the custom
-# element image-edit-control.js with its method list image-edit-interface.js and its
+# element image-edit-control.js with the modules it imports (hosts/web/*.js), its
+# method list image-edit-interface.js and its
 # TypeScript declaration image-edit-control.d.ts (both generated from the interface
 # description), and the demo page index.html with its sample pictures.
 # Any static file server can serve it: the element loads the engine without threads.
