@@ -4,9 +4,9 @@
 # (image-edit-engine.js/.wasm, CMake tree build/wasm) and with them
 # (image-edit-engine-threads.js/.wasm/.worker.js, build/wasm-threads), the custom
 # element image-edit-control.js with the modules it imports (hosts/web/*.js), its
-# method list image-edit-interface.js and its
-# TypeScript declaration image-edit-control.d.ts (both generated from the interface
-# description), and the demo page index.html with its sample pictures.
+# method list image-edit-interface.js and its TypeScript declaration
+# image-edit-control.d.ts (both generated from the interface description), and the
+# demo page index.html with its sample pictures.
 # Any static file server can serve it: the element loads the engine without threads.
 # A server that makes the page cross-origin isolated (it sends
 # Cross-Origin-Opener-Policy: same-origin and Cross-Origin-Embedder-Policy:
