@@ -201,12 +201,10 @@ document.getElementById('background-dialog').addEventListener('click', async () 
 
 // Inserting: the sample balloon and icons are drawn on magenta, which is left out.
 const MAGENTA = 0xFF00FF;
+// New objects go to the next of a few places spread over the editor.
+const PLACES = [[30, 30], [330, 50], [140, 190], [420, 250], [40, 300]];
 let inserted = 0;
-// Each new object a little below and right of the one before, so that they overlap.
-function nextPlace() {
-  const step = inserted++ % 5;
-  return [40 + step * 60, 40 + step * 45];
-}
+const nextPlace = () => PLACES[inserted++ % PLACES.length];
 async function insertBalloon(picture) {
   const text = document.getElementById('balloon-text').value;
   editor.SetTransparency(MAGENTA, 0);
