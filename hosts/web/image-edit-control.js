@@ -13,7 +13,10 @@
 // TypeScript declaration (image-edit-control.d.ts) are generated from the control's
 // interface description.
 
+import { askColor, askFont, DIALOG_STYLE, openDialog } from './image-edit-dialogs.js';
 import { EVENTS, METHODS } from './image-edit-interface.js';
+import { MENU_STYLE, PopupMenu } from './image-edit-menu.js';
+import { TEXT_BOX_STYLE, TextBoxOverlay } from './image-edit-text-box.js';
 
 // The dialog a call opens now: 'color', 'font' or 'about', or null for none. A method
 // that opens one for some values of its argument compares the argument in upper case,
@@ -41,6 +44,10 @@ const FETCH_TIMEOUT_MS = 60_000, MAX_FETCH_BYTES = 64 * 1024 * 1024;
 const LANGUAGES = { ko: 0x0412, zh: 0x0804 };
 const ENGLISH = 0x0409;
 const ABOUT_TEXT = { 1: 'Image Edit Control Version 1.1' };
+// The faces the font dialog offers: those the engine draws in a page.
+const FONT_FACES = ['Arial', '굴림체', '宋体'];
+// What the font dialog's sample shows, by the element's language.
+const FONT_SAMPLES = { ko: '가나다 AaBbYyZz', zh: '中文字体 AaBbYyZz' };
 
 // The engine a page gets. Threads share the engine's memory, which a page may only do
 // when it is cross-origin isolated (its server sends Cross-Origin-Opener-Policy:
@@ -80,21 +87,7 @@ const STYLE = `
   :host { display: inline-block; position: relative; outline: none; line-height: 0; }
   :host(:focus-visible) { box-shadow: 0 0 0 2px #4c8dff; }
   canvas { display: block; image-rendering: pixelated; touch-action: none; }
-  dialog { font: 13px/1.4 system-ui, sans-serif; border: 1px solid #8a8f98; border-radius: 6px; padding: 0;
-           min-width: 280px; box-shadow: 0 10px 30px rgba(0, 0, 0, .25); }
-  dialog::backdrop { background: rgba(0, 0, 0, .15); }
-  dialog header { background: #f1f3f6; padding: 6px 12px; font-weight: 600; border-bottom: 1px solid #dde1e6; }
-  dialog .body { padding: 14px 12px; white-space: pre-wrap; display: flex; gap: 10px; align-items: center; }
-  dialog .stop { color: #fff; background: #d93025; border-radius: 50%; width: 24px; height: 24px; flex: none;
-                 display: grid; place-items: center; font-weight: 700; }
-  dialog footer { padding: 0 12px 12px; display: flex; justify-content: flex-end; gap: 8px; }
-  dialog button { min-width: 72px; padding: 4px 10px; }
-  dialog input[type=color] { width: 64px; height: 32px; }
-  dialog .chooser { display: grid; gap: 8px; justify-items: start; }
-  dialog .custom-colors { display: grid; grid-template-columns: repeat(8, 18px); gap: 4px; }
-  dialog .custom-colors button { min-width: 0; width: 18px; height: 18px; padding: 0; border: 1px solid #8a8f98; }
-  dialog .custom-colors button.selected { outline: 2px solid #4c8dff; outline-offset: 1px; }
-`;
+${DIALOG_STYLE}${MENU_STYLE}${TEXT_BOX_STYLE}`;
 
 const MB_ICONMASK = 0x00F0, MB_ICONHAND = 0x0010;
 
@@ -112,9 +105,9 @@ export class ImageEditControl extends HTMLElement {
   #openDialogs = [];           // page dialogs a call opened, for its Promise to wait on
   #lastPress = null;
   #ticker = 0;
-  #textBackground = '#ffffff';  // the text background colour dialog starts with the last choice
-  // Each colour dialog's sixteen custom colours, as the person left them ("#rrggbb").
-  #customColors = { SetColor: Array(16).fill('#000000'), SetTextBackgroundColor: Array(16).fill('#000000') };
+  #menu;                       // the shortcut menu, while the engine's popup menu is on the page
+  #textBox;                    // the page's text field over the engine's open text box
+  #dialogStart = null;         // what the colour or font dialog the engine opened starts from
 
   constructor() {
     super();
@@ -123,7 +116,16 @@ export class ImageEditControl extends HTMLElement {
     const style = document.createElement('style');
     style.textContent = STYLE;
     this.#canvas = document.createElement('canvas');
-    root.append(style, this.#canvas);
+    const surface = document.createElement('div');
+    surface.className = 'surface';
+    surface.append(this.#canvas);
+    root.append(style, surface);
+    this.#menu = new PopupMenu(root, (command) => this.#menuClosed(command));
+    this.#textBox = new TextBoxOverlay(surface, this.#canvas, {
+      setText: (text) => this.#control.setTextBoxText(text),
+      key: (message, event) => this.#sendKey(message, event, 0),
+      readFont: (path) => this.#engine.FS.readFile(path),
+    });
   }
 
   connectedCallback() {
@@ -143,13 +145,15 @@ export class ImageEditControl extends HTMLElement {
     this.#canvas.style.width = `${width}px`;
     this.#canvas.style.height = `${height}px`;
     this.#context = this.#canvas.getContext('2d');
-    const lang = (this.getAttribute('lang') || navigator.language || '').toLowerCase().slice(0, 2);
-    this.#control = new engine.WebControl(width, height, LANGUAGES[lang] ?? ENGLISH, this.#pageSide());
+    this.#control = new engine.WebControl(width, height, LANGUAGES[this.#language()] ?? ENGLISH, this.#pageSide());
     this.#control.connectSink(Object.fromEntries(EVENTS.map((name) =>
       [name, (detail) => this.dispatchEvent(new CustomEvent(name, { detail }))])));
     this.#listen();
     this.#resolveReady(this);
   }
+
+  // The element's language: the two letters of its `lang` attribute or the browser's.
+  #language() { return (this.getAttribute('lang') || navigator.language || '').toLowerCase().slice(0, 2); }
 
   #sizeAttribute(name, fallback) {
     const value = Number.parseInt(this.getAttribute(name), 10);
@@ -175,14 +179,15 @@ export class ImageEditControl extends HTMLElement {
   #dispatch(method, args) {
     if (method.pictures) return this.#loadingCall(method, args);
     const dialog = dialogOf(method, args);
-    if (dialog === 'color') return this.#colorDialogCall(method.name, args);
-    // The About box is shown through the page side as the call runs; the font dialog
-    // is not a page element yet, so its calls are answered as cancelled.
-    if (dialog !== null) return this.#callLater(method.name, args, async () => {});
+    if (dialog === 'color' || dialog === 'font') return this.#dialogCall(method.name, args, dialog);
+    // The About box is shown through the page side as the call runs.
+    if (dialog !== null) return this.#callLater(method.name, args);
     return this.#call(method, args);
   }
 
   #invoke(name, args) {
+    // A popup menu is modal: anything else the engine is asked to do means it is gone.
+    this.#menu.close(0);
     const outcome = this.#control.invoke(name, args);
     this.#keepTime();
     if ('error' in outcome) throw new TypeError(outcome.error);
@@ -194,17 +199,16 @@ export class ImageEditControl extends HTMLElement {
     return method.savefile === undefined ? this.#invoke(method.name, args) : this.#save(method, args);
   }
 
-  // A Promise-returning call: after the calls before it, once the control exists,
-  // with its pictures fetched and its dialog answered; it resolves when the call and
-  // any page dialog it opened have finished.
-  #callLater(name, args, prepare) {
-    const run = async () => {
+  // A Promise-returning call: after the calls before it, once the control exists; it
+  // runs `run` (by default the call itself) and resolves with its result when any
+  // page dialog the call opened has closed too.
+  #callLater(name, args, run = () => this.#invoke(name, args)) {
+    const call = async () => {
       await this.ready;
       this.#setBusy(+1);
       try {
-        await prepare();
         this.#openDialogs = [];
-        const result = this.#invoke(name, args);
+        const result = await run();
         await Promise.all(this.#openDialogs);
         return result;
       } finally {
@@ -212,23 +216,54 @@ export class ImageEditControl extends HTMLElement {
         this.#setBusy(-1);
       }
     };
-    const result = this.#queue.then(run);
+    const result = this.#queue.then(call);
     this.#queue = result.catch(() => {});
     return result;
   }
 
+  // A call that loads pictures runs once they are fetched and decoded.
   #loadingCall(method, args) {
     const sources = method.pictures.map((i) => args[i]).filter((s) => typeof s === 'string');
-    return this.#callLater(method.name, args, () => Promise.all(sources.map((s) => this.#preparePicture(s))));
+    return this.#callLater(method.name, args, async () => {
+      await Promise.all(sources.map((s) => this.#preparePicture(s)));
+      return this.#invoke(method.name, args);
+    });
   }
 
-  #colorDialogCall(name, args) {
+  // A call that opens the colour or font dialog runs twice. The first time the engine
+  // opens its dialog with no answer waiting: the page side hears what it starts from
+  // (the engine's colour or font, and a colour dialog's custom colours) and the
+  // dialog is cancelled, which changes nothing. The person then answers the page's
+  // dialog, and the call runs again with that answer waiting, as the script host
+  // answers dialogs it was told of beforehand. A colour dialog's answer also carries
+  // the custom colours, which stay as the person left them even on Cancel.
+  #dialogCall(name, args, kind) {
     return this.#callLater(name, args, async () => {
-      const initial = name === 'SetColor' ? `#${this.#invoke('GetColor', [])}` : this.#textBackground;
-      const chosen = await this.#askColor(initial, this.#customColors[name]);
-      if (chosen !== null && name === 'SetTextBackgroundColor') this.#textBackground = chosen;
-      this.#control.queueColorAnswer(chosen === null ? -1 : colorref(chosen), this.#customColors[name].map(colorref));
+      this.#dialogStart = null;
+      const unanswered = this.#invoke(name, args);
+      const start = this.#dialogStart;
+      this.#dialogStart = null;
+      if (start === null) return unanswered;  // the call opened no dialog
+      if (kind === 'font') {
+        const lang = this.#language();
+        const chosen = await askFont(this.shadowRoot, { ...start, color: colorString(start.color) }, FONT_FACES,
+          FONT_SAMPLES[lang] ?? 'AaBbYyZz');
+        if (chosen === null) return unanswered;
+        this.#control.queueFontAnswer({ ...chosen, color: colorref(chosen.color) });
+      } else {
+        const custom = start.custom.map(colorString);
+        const chosen = await askColor(this.shadowRoot, colorString(start.color), custom);
+        this.#control.queueColorAnswer(chosen === null ? -1 : colorref(chosen), custom.map(colorref));
+      }
+      return this.#invoke(name, args);
     });
+  }
+
+  // The person closed the shortcut menu, with the command they picked or 0.
+  #menuClosed(command) {
+    this.#control.menuChosen(command);
+    this.#keepTime();
+    if (command !== 0) this.focus({ preventScroll: true });
   }
 
   // A save also hands the written file to the page: the `saved` event carries its
@@ -302,88 +337,21 @@ export class ImageEditControl extends HTMLElement {
       // person closes the box when they have read it.
       showMessageBox: (text, caption, type) => {
         const icon = (type & MB_ICONMASK) === MB_ICONHAND ? '<span class="stop" aria-hidden="true">&times;</span>' : '';
-        this.#openDialog(caption, text, icon, [['OK', true]]);
+        openDialog(this.shadowRoot, caption, text, icon, [['OK', true]]);
       },
       showDialog: (id, title) => {
-        this.#openDialogs.push(this.#openDialog(title, ABOUT_TEXT[id] ?? '', '', [['OK', true]]));
+        this.#openDialogs.push(openDialog(this.shadowRoot, title, ABOUT_TEXT[id] ?? '', '', [['OK', true]]));
+      },
+      askColor: (color, custom) => { this.#dialogStart = { color, custom }; },
+      askFont: (start) => { this.#dialogStart = start; },
+      // At the point of the control the engine gives, in the page's coordinates.
+      textBoxChanged: (box) => this.#textBox.update(box),
+      showPopupMenu: (items, x, y) => {
+        const box = this.#canvas.getBoundingClientRect();
+        const scaleX = box.width / this.#canvas.width, scaleY = box.height / this.#canvas.height;
+        this.#menu.open(items, box.left + x * scaleX, box.top + y * scaleY);
       },
     };
-  }
-
-  // A page dialog over the control, modal as the control's own dialogs are; resolves
-  // with the value of the button that closed it (false for Escape).
-  #openDialog(title, text, iconHtml, buttons, extra = null) {
-    const dialog = document.createElement('dialog');
-    dialog.setAttribute('role', 'alertdialog');
-    const header = document.createElement('header');
-    header.textContent = title;
-    const body = document.createElement('div');
-    body.className = 'body';
-    body.innerHTML = iconHtml;
-    const message = document.createElement('span');
-    message.className = 'text';
-    message.textContent = text;
-    body.append(message);
-    if (extra) body.append(extra);
-    const footer = document.createElement('footer');
-    const closed = new Promise((resolve) => {
-      for (const [label, value] of buttons) {
-        const button = document.createElement('button');
-        button.textContent = label;
-        button.addEventListener('click', () => { dialog.close(); resolve(value); });
-        footer.append(button);
-      }
-      dialog.addEventListener('cancel', () => resolve(false));
-      dialog.addEventListener('close', () => { dialog.remove(); resolve(false); });
-    });
-    dialog.append(header, body, footer);
-    this.shadowRoot.append(dialog);
-    dialog.showModal();
-    footer.querySelector('button').focus();
-    return closed;
-  }
-
-  // The colour dialog: resolves with the chosen colour as "#rrggbb", null on Cancel.
-  // Its sixteen custom colours (`custom`, changed in place) are boxes to pick from;
-  // "Add to Custom Colors" puts the colour being chosen into the selected box and
-  // selects the next, and what is added stays added, even on Cancel.
-  async #askColor(initial, custom) {
-    const chooser = document.createElement('div');
-    chooser.className = 'chooser';
-    const input = document.createElement('input');
-    input.type = 'color';
-    input.value = initial.toLowerCase();
-    const boxes = document.createElement('div');
-    boxes.className = 'custom-colors';
-    let selected = 0;
-    const swatches = custom.map((color, i) => {
-      const swatch = document.createElement('button');
-      swatch.type = 'button';
-      swatch.title = `Custom color ${i + 1}`;
-      swatch.style.background = color;
-      swatch.addEventListener('click', () => {
-        select(i);
-        input.value = custom[i];
-      });
-      return swatch;
-    });
-    const select = (i) => {
-      selected = i;
-      swatches.forEach((swatch, j) => swatch.classList.toggle('selected', j === i));
-    };
-    select(0);
-    const add = document.createElement('button');
-    add.type = 'button';
-    add.textContent = 'Add to Custom Colors';
-    add.addEventListener('click', () => {
-      custom[selected] = input.value;
-      swatches[selected].style.background = input.value;
-      select((selected + 1) % swatches.length);
-    });
-    boxes.append(...swatches);
-    chooser.append(input, boxes, add);
-    const ok = await this.#openDialog('Color', '', '', [['OK', true], ['Cancel', false]], chooser);
-    return ok ? input.value : null;
   }
 
   #cursorCss(id) {
@@ -449,9 +417,11 @@ export class ImageEditControl extends HTMLElement {
       if (!messages) return;
       event.preventDefault();
       this.focus({ preventScroll: true });
-      // The control holds the pointer until the release, as mouse capture does.
+      // The control holds the pointer until the release, as mouse capture does; a
+      // shortcut menu the press opened takes it over.
       canvas.setPointerCapture(event.pointerId);
       send(this.#isDoubleClick(event) ? messages[2] : messages[0], [event]);
+      if (this.#menu.isOpen) canvas.releasePointerCapture(event.pointerId);
     });
     canvas.addEventListener('pointermove', (event) => {
       const moves = event.getCoalescedEvents ? event.getCoalescedEvents() : [];
@@ -480,12 +450,18 @@ export class ImageEditControl extends HTMLElement {
     if (this.#control === null || event.composedPath()[0] !== this) return;
     const ctrl = event.ctrlKey || event.metaKey;
     const character = message === WM_KEYDOWN && !ctrl && [...event.key].length === 1 ? event.key.codePointAt(0) : 0;
-    const taken = this.#control.key(message, event.keyCode, ctrl, event.shiftKey, event.repeat, character);
-    this.#keepTime();
-    if (taken) {
+    if (this.#sendKey(message, event, character)) {
       event.preventDefault();
       event.stopPropagation();
     }
+  }
+
+  // A key to the engine; true when the control's key routing took it.
+  #sendKey(message, event, character) {
+    const taken = this.#control.key(message, event.keyCode, event.ctrlKey || event.metaKey, event.shiftKey,
+      event.repeat, character);
+    this.#keepTime();
+    return taken;
   }
 }
 
@@ -520,6 +496,12 @@ async function fetchBytes(source) {
 function colorref(color) {
   const rgb = Number.parseInt(color.slice(1), 16);
   return ((rgb & 0xFF) << 16) | (rgb & 0xFF00) | (rgb >> 16);
+}
+
+// A COLORREF (0x00BBGGRR) as "#rrggbb".
+function colorString(ref) {
+  const rgb = ((ref & 0xFF) << 16) | (ref & 0xFF00) | ((ref >> 16) & 0xFF);
+  return `#${rgb.toString(16).padStart(6, '0')}`;
 }
 
 const isBitmapFile = (bytes) => bytes.length >= 2 && bytes[0] === 0x42 && bytes[1] === 0x4D;

@@ -16,6 +16,7 @@
 #include "control/image_edit_ctrl.h"
 #include "imageio/bitmap_file_writer.h"
 #include "imageio/prepared_pictures.h"
+#include "text_box_mirror.h"
 #include "web_host.h"
 
 namespace web {
@@ -88,9 +89,12 @@ val Outcome(const char* key, val value) {
 
 class WebControl {
  public:
-  WebControl(int width, int height, int language, val page) : host_(std::move(page)) {
+  WebControl(int width, int height, int language, val page) : host_(page), textBox_(page) {
     platform::SetHost(&host_);
     platform::SetUserDefaultLangID(static_cast<LANGID>(language));
+    // Typed text is converted in the code page of the keyboard layout when it is drawn:
+    // a page's keyboard is taken to be of the element's language.
+    platform::SetKeyboardLayout(static_cast<HKL>(language));
     hostWindow_ = platform::CreateHostWindow(width, height);
     // A control that cannot be created stays inert, as before its window exists.
     if (hostWindow_ != nullptr) control_.CreateControl(hostWindow_, width, height);
@@ -184,6 +188,37 @@ class WebControl {
     for (unsigned i = 0; i < count; ++i) answer.customColors[i] = customColors[i].as<COLORREF>();
     host_.QueueColorAnswer(answer);
   }
+  // The answer to the font dialog that the next call opens, as the person chose it in
+  // the page's dialog: {face, points, bold, italic, underline, strikeOut, color}.
+  void queueFontAnswer(const val& font) {
+    WebHost::FontAnswer answer;
+    answer.face = font["face"].as<std::string>();
+    answer.points = font["points"].as<int>();
+    answer.bold = font["bold"].as<bool>();
+    answer.italic = font["italic"].as<bool>();
+    answer.underline = font["underline"].as<bool>();
+    answer.strikeOut = font["strikeOut"].as<bool>();
+    answer.color = font["color"].as<COLORREF>();
+    host_.QueueFontAnswer(answer);
+  }
+
+  // The person closed the page's shortcut menu: `command` is the item they picked, 0
+  // when they dismissed it. A command the menu offered enabled reaches the editor
+  // window, the menu's owner, as the WM_COMMAND the menu would have sent.
+  void menuChosen(unsigned command) {
+    const UINT chosen = host_.TakeMenuChoice(command);
+    if (chosen != 0) SendMessageA(EditorWindow(), WM_COMMAND, chosen & 0xFFFF, 0);
+    Flush();
+  }
+
+  // What the person typed into the page's text field over the open text box: it
+  // replaces the box's text. False when no box is open.
+  bool setTextBoxText(const std::string& text) {
+    const bool open = textBox_.SetText(text);
+    Flush();
+    return open;
+  }
+
   // Where a save of this name goes (a bare name goes into the temp folder).
   std::string savePath(const std::string& name) const { return imageio::ResolveSavePath(name); }
 
@@ -209,15 +244,19 @@ class WebControl {
   }
 
  private:
+  HWND EditorWindow() const { return GetDlgItem(control_.m_hWnd, kEditorWindowId); }
+
   // Paints what is pending, as a message loop paints between two inputs, and hands a
   // changed frame to the page.
   void Flush(bool present = true) {
     if (hostWindow_ == nullptr) return;
     platform::FlushPaint(hostWindow_);
     if (present) host_.PresentPendingFrame();
+    textBox_.Update(EditorWindow());
   }
 
   WebHost host_;
+  TextBoxMirror textBox_;
   HWND hostWindow_ = nullptr;
   CImageEditCtrl control_;
   std::map<DWORD, std::unique_ptr<ScriptSink>> sinks_;
@@ -242,6 +281,9 @@ EMSCRIPTEN_BINDINGS(image_edit_engine) {
       .function("prepareFailure", &WebControl::prepareFailure)
       .function("forgetPictures", &WebControl::forgetPictures)
       .function("queueColorAnswer", &WebControl::queueColorAnswer)
+      .function("queueFontAnswer", &WebControl::queueFontAnswer)
+      .function("menuChosen", &WebControl::menuChosen)
+      .function("setTextBoxText", &WebControl::setTextBoxText)
       .function("savePath", &WebControl::savePath)
       .function("cursorArtwork", &WebControl::cursorArtwork);
 }

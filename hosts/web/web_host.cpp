@@ -3,10 +3,53 @@
 #include <emscripten/val.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace web {
 
 using emscripten::val;
+
+namespace {
+
+// A menu as the page shows it: its items in order, each {text, id, grayed, checked,
+// separator, submenu (the submenu's items, or null)}; `choices` collects the commands
+// a person can pick (enabled items that open no submenu).
+val DescribeMenu(HMENU menu, std::vector<UINT>* choices) {
+  val items = val::array();
+  for (const platform::MenuItem& item : platform::MenuItems(menu)) {
+    val described = val::object();
+    described.set("text", item.text);
+    described.set("id", item.id);
+    described.set("grayed", item.grayed);
+    described.set("checked", item.checked);
+    described.set("separator", item.separator);
+    described.set("submenu", item.submenu == nullptr ? val::null() : DescribeMenu(item.submenu, choices));
+    if (!item.separator && !item.grayed && item.submenu == nullptr) choices->push_back(item.id);
+    items.call<void>("push", described);
+  }
+  return items;
+}
+
+// The longest start of a UTF-8 `text` that fits a face name, cut between characters.
+std::size_t FaceNameLength(const std::string& text) {
+  std::size_t length = std::min<std::size_t>(text.size(), LF_FACESIZE - 1);
+  while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+    --length;
+  return length;
+}
+
+}  // namespace
+
+void WebHost::ForgetAnswers() {
+  colorAnswers_.clear();
+  fontAnswers_.clear();
+}
+
+UINT WebHost::TakeMenuChoice(UINT id) {
+  const bool offered = std::find(menuChoices_.begin(), menuChoices_.end(), id) != menuChoices_.end();
+  menuChoices_.clear();
+  return offered ? id : 0;
+}
 
 void WebHost::PresentPendingFrame() {
   HWND hostWindow = pendingFrame_;
@@ -28,19 +71,64 @@ void WebHost::PresentPendingFrame() {
 
 void WebHost::ShowCursor(int resourceId) { page_.call<void>("showCursor", resourceId); }
 
+// The engine waits for a choice here, which a page cannot do: the menu is shown, this
+// answers "dismissed", and the person's pick arrives later through TakeMenuChoice.
+// The owner's update handlers have run before this call, so the grayed items are
+// those of this moment.
+UINT WebHost::ShowPopupMenu(HMENU menu, int x, int y) {
+  menuChoices_.clear();
+  page_.call<void>("showPopupMenu", DescribeMenu(menu, &menuChoices_), x, y);
+  return 0;
+}
+
 int WebHost::ShowMessageBox(const std::string& text, const std::string& caption, UINT type) {
   page_.call<void>("showMessageBox", text, caption, type);
   return IDOK;
 }
 
 bool WebHost::ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) {
-  if (colorAnswers_.empty()) return false;
+  if (colorAnswers_.empty()) {
+    val custom = val::array();
+    for (COLORREF entry : customColors) custom.call<void>("push", entry);
+    page_.call<void>("askColor", color, custom);
+    return false;
+  }
   const ColorAnswer answer = colorAnswers_.front();
   colorAnswers_.pop_front();
   // Custom colours a person added stay added, even when the dialog is cancelled.
   std::copy(answer.customColors.begin(), answer.customColors.end(), customColors.begin());
   if (!answer.color) return false;
   color = *answer.color;
+  return true;
+}
+
+bool WebHost::ChooseFont(LOGFONTA& font, COLORREF& color) {
+  if (fontAnswers_.empty()) {
+    val start = val::object();
+    start.set("face", std::string(font.lfFaceName, strnlen(font.lfFaceName, LF_FACESIZE)));
+    // Points at the screen's 96 pixels an inch, whether the height is the characters'
+    // (negative) or the cells' (positive).
+    start.set("points", MulDiv(font.lfHeight < 0 ? -font.lfHeight : font.lfHeight, 72, 96));
+    start.set("bold", font.lfWeight >= FW_BOLD);
+    start.set("italic", font.lfItalic != 0);
+    start.set("underline", font.lfUnderline != 0);
+    start.set("strikeOut", font.lfStrikeOut != 0);
+    start.set("color", color);
+    page_.call<void>("askFont", start);
+    return false;
+  }
+  const FontAnswer answer = fontAnswers_.front();
+  fontAnswers_.pop_front();
+  // The dialog edits the description it was given: only what a person picks in it
+  // changes (face, size, weight and effects).
+  std::memset(font.lfFaceName, 0, sizeof font.lfFaceName);
+  std::memcpy(font.lfFaceName, answer.face.data(), FaceNameLength(answer.face));
+  font.lfHeight = -MulDiv(answer.points, 96, 72);
+  font.lfWeight = answer.bold ? FW_BOLD : FW_NORMAL;
+  font.lfItalic = answer.italic ? 1 : 0;
+  font.lfUnderline = answer.underline ? 1 : 0;
+  font.lfStrikeOut = answer.strikeOut ? 1 : 0;
+  color = answer.color;
   return true;
 }
 

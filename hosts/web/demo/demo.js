@@ -69,6 +69,7 @@ const TOOLS = {
   select: () => editor.SelectRectangle(),
   cut: () => editor.CutImage(),
   mosaic: () => editor.MosaicImage(),
+  text: () => editor.EnterText(),
   none: () => editor.SetNothing(),
 };
 const toolButtons = [...document.querySelectorAll('#tools button')];
@@ -139,6 +140,114 @@ document.getElementById('apply-width').addEventListener('click', () => {
   note(`SetImageWidth(${value})`);
 });
 
+// Text: the controls make the font string the control takes, and show the one it
+// gives back (from the font dialog too).
+const fontFace = document.getElementById('font-face');
+const fontSize = document.getElementById('font-size');
+const textColor = document.getElementById('text-color');
+const fontStyles = Object.fromEntries([...document.querySelectorAll('[data-style]')]
+  .map((box) => [box.dataset.style, box]));
+function fontString() {
+  const { bold, italic, underline, strikeOut } = fontStyles;
+  const points = Math.max(1, fontSize.valueAsNumber || 1);
+  return [fontFace.value, italic.checked ? 'Italic' : '', bold.checked ? 'Bold' : '', points,
+    strikeOut.checked ? 'StrikeOut' : '', underline.checked ? 'Underline' : '', textColor.value.slice(1).toUpperCase(),
+  ].join(',');
+}
+function showFont(font) {
+  const [face, italic, bold, points, strikeOut, underline, color] = font.split(',');
+  if (![...fontFace.options].some((option) => option.value === face)) fontFace.add(new Option(face));
+  fontFace.value = face;
+  fontSize.value = points;
+  textColor.value = `#${color.toLowerCase()}`;
+  for (const [key, value] of Object.entries({ bold, italic, underline, strikeOut })) {
+    fontStyles[key].checked = value !== '';
+  }
+}
+async function applyFont() {
+  const font = await editor.SetTextFont(fontString());
+  if (font) showFont(font);
+  note(`SetTextFont("${fontString()}")`);
+}
+for (const input of [fontFace, fontSize, textColor, ...Object.values(fontStyles)]) {
+  input.addEventListener('change', applyFont);
+}
+document.getElementById('font').addEventListener('submit', (event) => { event.preventDefault(); applyFont(); });
+document.getElementById('font-dialog').addEventListener('click', async () => {
+  const font = await editor.SetTextFont('DIALOG');
+  note(`SetTextFont("DIALOG") -> "${font}"`);
+  if (font) showFont(font);
+});
+const textBackground = document.getElementById('text-background');
+const transparentText = document.getElementById('text-transparent');
+async function applyBackground() {
+  const background = transparentText.checked ? 'TRANSPARENT' : textBackground.value.slice(1).toUpperCase();
+  await editor.SetTextBackgroundColor(background);
+  note(`SetTextBackgroundColor("${background}")`);
+}
+textBackground.addEventListener('change', () => {
+  transparentText.checked = false;
+  applyBackground();
+});
+transparentText.addEventListener('change', applyBackground);
+document.getElementById('background-dialog').addEventListener('click', async () => {
+  const color = await editor.SetTextBackgroundColor('DIALOG');
+  note(`SetTextBackgroundColor("DIALOG") -> "${color}"`);
+  if (color) {
+    textBackground.value = `#${color.toLowerCase()}`;
+    transparentText.checked = false;
+  }
+});
+
+// Inserting: the sample balloon and icons are drawn on magenta, which is left out.
+const MAGENTA = 0xFF00FF;
+// New objects go to the next of a few places spread over the editor.
+const PLACES = [[30, 30], [330, 50], [140, 190], [420, 250], [40, 300]];
+let inserted = 0;
+const nextPlace = () => PLACES[inserted++ % PLACES.length];
+async function insertBalloon(picture) {
+  const text = document.getElementById('balloon-text').value;
+  editor.SetTransparency(MAGENTA, 0);
+  const [x, y] = nextPlace();
+  // The balloon's text goes inside its oval; a label is as large as its text.
+  await (picture ? editor.InsertBalloonText(x, y, picture, 30, 24, 170, 78, text)
+    : editor.InsertBalloonText(x, y, '', 0, 0, 0, 0, text));
+  note(`InsertBalloonText(${x}, ${y}, "${picture}", …, "${text}")`);
+}
+const BALLOON = 'samples/speech-balloon.png';
+document.getElementById('insert-balloon').addEventListener('click', () => insertBalloon(BALLOON));
+document.getElementById('insert-label').addEventListener('click', () => insertBalloon(''));
+for (const button of document.querySelectorAll('[data-icon]')) {
+  button.addEventListener('click', async () => {
+    editor.SetTransparency(MAGENTA, 0);
+    const [x, y] = nextPlace();
+    await editor.InsertIcon(x, y, button.dataset.icon);
+    note(`InsertIcon(${x}, ${y}, "${button.dataset.icon}")`);
+  });
+  // The button shows the icon as it will look: without its magenta.
+  const image = button.querySelector('img');
+  if (image.complete) withoutMagenta(image);
+  else image.addEventListener('load', () => withoutMagenta(image), { once: true });
+}
+function withoutMagenta(image) {
+  const canvas = document.createElement('canvas');
+  [canvas.width, canvas.height] = [image.naturalWidth, image.naturalHeight];
+  const context = canvas.getContext('2d');
+  context.drawImage(image, 0, 0);
+  const pixels = context.getImageData(0, 0, canvas.width, canvas.height);
+  for (let i = 0; i < pixels.data.length; i += 4) {
+    if (pixels.data[i] === 255 && pixels.data[i + 1] === 0 && pixels.data[i + 2] === 255) pixels.data[i + 3] = 0;
+  }
+  context.putImageData(pixels, 0, 0);
+  image.src = canvas.toDataURL();
+}
+const shortcutMenu = document.getElementById('shortcut-menu');
+function applyShortcutMenu() {
+  editor.EnableShortcutMenu(shortcutMenu.checked ? 1 : 0);
+  note(`EnableShortcutMenu(${shortcutMenu.checked ? 1 : 0})`);
+}
+shortcutMenu.addEventListener('change', applyShortcutMenu);
+
 document.getElementById('undo').addEventListener('click', () => { editor.Undo(); note('Undo()'); });
 document.getElementById('redo').addEventListener('click', () => { editor.Redo(); note('Redo()'); });
 document.getElementById('verbose').addEventListener('change', (event) => {
@@ -164,4 +273,7 @@ document.getElementById('save').addEventListener('click', () => {
 });
 editor.addEventListener('ColorSelected', (event) => note(`event ColorSelected "${event.detail}"`));
 
+applyShortcutMenu();
+applyFont();
+applyBackground();
 open('samples/landscape.jpg');

@@ -144,6 +144,71 @@ def brush(size):
     return picture
 
 
+# The colour the balloon and the icons leave out when they are inserted with it as the
+# transparent colour (SetTransparency), magenta, which none of them draws with.
+KEY = (255, 0, 255)
+
+
+def shrunk(triangle, by):
+    """The triangle with each side moved `by` pixels inwards."""
+    (ax, ay), (bx, by_), (cx, cy) = triangle
+    a, b, c = math.dist((bx, by_), (cx, cy)), math.dist((ax, ay), (cx, cy)), math.dist((ax, ay), (bx, by_))
+    ix, iy = (a * ax + b * bx + c * cx) / (a + b + c), (a * ay + b * by_ + c * cy) / (a + b + c)
+    s = (a + b + c) / 2
+    r = math.sqrt(s * (s - a) * (s - b) * (s - c)) / s
+    return [(ix + (x - ix) * (r - by) / r, iy + (y - iy) * (r - by) / r) for x, y in triangle]
+
+
+def speech_balloon(size):
+    """A speech balloon for balloon text: a white oval with a dark outline and a tail
+    at its lower left, on the key colour. Drawn without smoothing, so no pixel between
+    the balloon and the key colour is left half of each."""
+    w, h = size
+    picture = Image.new("RGB", size, KEY)
+    draw = ImageDraw.Draw(picture)
+    outline, inside = (40, 40, 40), (255, 255, 255)
+    body = (2, 2, w - 3, h * 3 // 4)
+    # The tail's root lies inside the oval, so the oval's inside covers it.
+    tail = [(w // 4, h * 3 // 4 - 16), (w // 8, h - 3), (w // 4 + 30, h * 3 // 4 - 10)]
+    draw.ellipse(body, fill=outline)
+    draw.polygon(tail, fill=outline)
+    draw.ellipse((body[0] + 2, body[1] + 2, body[2] - 2, body[3] - 2), fill=inside)
+    draw.polygon(shrunk(tail, 2), fill=inside)
+    return picture
+
+
+def heart_icon(size):
+    """An icon: a red heart with a darker outline, on the key colour."""
+    w, h = size
+    picture = Image.new("RGB", size, KEY)
+    draw = ImageDraw.Draw(picture)
+    for inset, colour in ((0, (150, 20, 40)), (2, (225, 45, 70))):
+        r = w // 4 - inset // 2
+        draw.ellipse((2 + inset, 4 + inset, 2 + 2 * r + inset, 4 + 2 * r + inset), fill=colour)
+        draw.ellipse((w - 3 - 2 * r - inset, 4 + inset, w - 3 - inset, 4 + 2 * r + inset), fill=colour)
+        draw.polygon([(2 + inset, 4 + r + inset), (w - 3 - inset, 4 + r + inset), (w // 2, h - 3 - inset)],
+                     fill=colour)
+    return picture
+
+
+def sun_icon(size):
+    """An icon: a yellow sun with twelve rays, on the key colour."""
+    w, h = size
+    picture = Image.new("RGB", size, KEY)
+    draw = ImageDraw.Draw(picture)
+    cx, cy = w / 2 - 0.5, h / 2 - 0.5
+    for i in range(12):
+        a = i * math.pi / 6
+        inner, outer, half = w * 0.30, w * 0.48, math.pi / 24
+        draw.polygon([(cx + inner * math.cos(a - half), cy + inner * math.sin(a - half)),
+                      (cx + outer * math.cos(a), cy + outer * math.sin(a)),
+                      (cx + inner * math.cos(a + half), cy + inner * math.sin(a + half))], fill=(240, 150, 20))
+    r = w * 0.3
+    draw.ellipse((cx - r, cy - r, cx + r, cy + r), fill=(240, 150, 20))
+    draw.ellipse((cx - r + 2, cy - r + 2, cx + r - 2, cy + r - 2), fill=(255, 215, 40))
+    return picture
+
+
 def main():
     out = Path(sys.argv[1])
     out.mkdir(parents=True, exist_ok=True)
@@ -155,6 +220,9 @@ def main():
     balloons((560, 420)).save(out / "balloons.png", optimize=True)
     tiles((256, 192)).save(out / "tiles.bmp")
     brush((24, 24)).save(out / "brush.bmp")
+    speech_balloon((200, 130)).save(out / "speech-balloon.png", optimize=True)
+    heart_icon((48, 44)).save(out / "icon-heart.png", optimize=True)
+    sun_icon((48, 48)).save(out / "icon-sun.png", optimize=True)
 
 
 if __name__ == "__main__":

@@ -9,25 +9,12 @@
     balloon_48x28.bmp  a speech balloon: a white rounded body with a grey outline and
                      a tail at the bottom left, on a light blue background
 """
-import struct
+import os
+import sys
 
-
-def write_bmp(path, width, height, pixel):
-    """pixel(x, y) -> (r, g, b); rows stored bottom-up, padded to 4 bytes."""
-    stride = (width * 3 + 3) & ~3
-    rows = []
-    for y in range(height - 1, -1, -1):
-        row = bytearray()
-        for x in range(width):
-            r, g, b = pixel(x, y)
-            row += bytes((b, g, r))
-        row += bytes(stride - len(row))
-        rows.append(bytes(row))
-    data = b"".join(rows)
-    header = struct.pack("<2sIHHI", b"BM", 54 + len(data), 0, 0, 54)
-    info = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, len(data), 2835, 2835, 0, 0)
-    with open(path, "wb") as out:
-        out.write(header + info + data)
+# The bitmap writer the tool scenarios' samples use.
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tools"))
+from make_samples import write_bmp  # noqa: E402
 
 
 def sun(x, y):

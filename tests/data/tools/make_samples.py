@@ -66,6 +66,7 @@ def wide(x, y):
     return (200 - y // 2, 180 + x // 6, 120 + y // 2)
 
 
-write_bmp("scene_80x60.bmp", 80, 60, scene)
-write_bmp("brush_16.bmp", 16, 16, brush)
-write_png("wide_300x200.png", 300, 200, wide)
+if __name__ == "__main__":
+    write_bmp("scene_80x60.bmp", 80, 60, scene)
+    write_bmp("brush_16.bmp", 16, 16, brush)
+    write_png("wide_300x200.png", 300, 200, wide)

@@ -1,0 +1,93 @@
+// What the browser tests share about one control on a page: opening a page with it,
+// reading what it shows, and what the native script host shows for the same calls.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
+
+import { ROOT } from './browser.mjs';
+
+const IMAGEEDIT = process.env.IMAGEEDIT ?? join(ROOT, 'build/release/hosts/cli/imageedit');
+
+// A fresh page of `browser` from `base` with one control of the given size and
+// language, id "editor"; `page.errors` collects the page's uncaught errors.
+export async function openControlPage(browser, base, width, height, { lang = 'en', viewport } = {}) {
+  const page = await browser.newPage({ viewport: viewport ?? { width: 800, height: 600 } });
+  const errors = [];
+  page.on('pageerror', (error) => errors.push(error.message));
+  await page.goto(`${base}fixture.html`);
+  await page.evaluate(async ([w, h, language]) => {
+    const element = document.createElement('image-edit-control');
+    element.id = 'editor';
+    element.setAttribute('width', w);
+    element.setAttribute('height', h);
+    element.setAttribute('lang', language);
+    document.body.append(element);
+    await element.ready;
+  }, [width, height, lang]);
+  page.errors = errors;
+  return page;
+}
+
+// What the control shows: RGB triples, top-down rows.
+export function canvasPixels(page) {
+  return page.evaluate(() => {
+    const canvas = document.getElementById('editor').shadowRoot.querySelector('canvas');
+    const { data, width, height } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
+    const rgb = [];
+    for (let i = 0; i < data.length; i += 4) rgb.push(data[i], data[i + 1], data[i + 2]);
+    return { width, height, rgb };
+  });
+}
+
+// A 24-bit bottom-up bitmap file as RGB triples, top-down rows.
+export function readBmp(bytes) {
+  assert.equal(bytes.toString('latin1', 0, 2), 'BM');
+  const offset = bytes.readUInt32LE(10);
+  const width = bytes.readInt32LE(18);
+  const height = bytes.readInt32LE(22);
+  assert.equal(bytes.readUInt16LE(28), 24);
+  const stride = Math.ceil((width * 3) / 4) * 4;
+  const rgb = [];
+  for (let y = height - 1; y >= 0; y--) {
+    for (let x = 0; x < width; x++) {
+      const at = offset + y * stride + x * 3;
+      rgb.push(bytes[at + 2], bytes[at + 1], bytes[at]);
+    }
+  }
+  return { width, height, rgb, fileSize: bytes.readUInt32LE(2), length: bytes.length };
+}
+
+// The bytes of the bitmap file the native script host writes with `write(path)` after
+// the script's statements (run with the repository's root as the working folder);
+// `settings` are the statements that must come before the control is created.
+export function nativeBitmapFile(width, height, statements, write, settings = []) {
+  const dir = mkdtempSync(join(tmpdir(), 'imageedit-web-'));
+  try {
+    const file = join(dir, 'out.bmp');
+    const script = [...settings, `create ${width} ${height}`, ...statements, write(file)].join('\n');
+    writeFileSync(join(dir, 'script.ies'), `${script}\n`);
+    execFileSync(IMAGEEDIT, ['run', join(dir, 'script.ies')], { cwd: ROOT, stdio: ['ignore', 'pipe', 'pipe'] });
+    return readFileSync(file);
+  } finally {
+    rmSync(dir, { recursive: true, force: true });
+  }
+}
+
+// The native script host's `shot` after the script's statements.
+export const nativeShot = (width, height, statements, settings = []) =>
+  readBmp(nativeBitmapFile(width, height, statements, (file) => `shot "${file}"`, settings));
+
+export function assertSamePixels(actual, expected, what) {
+  assert.equal(actual.width, expected.width, `${what}: width`);
+  assert.equal(actual.height, expected.height, `${what}: height`);
+  const at = actual.rgb.findIndex((value, i) => value !== expected.rgb[i]);
+  if (at >= 0) {
+    const pixel = Math.floor(at / 3);
+    const x = pixel % actual.width;
+    const y = Math.floor(pixel / actual.width);
+    assert.fail(`${what}: pixel ${x},${y} is ${actual.rgb.slice(pixel * 3, pixel * 3 + 3)}, ` +
+      `the script host shows ${expected.rgb.slice(pixel * 3, pixel * 3 + 3)}`);
+  }
+}
