@@ -314,3 +314,32 @@ test('the colour dialog keeps its custom colours for the next SetColor("DIALOG")
   assert.equal(await again, '00FF00');
   await page.close();
 });
+
+test('balloon texts in the page\'s fonts show the pixels the script host shows', async () => {
+  // Arial is Liberation Sans with its Hangul from the Korean subset the engine carries;
+  // 宋体 is the Chinese subset. Both engines and the script host must draw them alike.
+  const calls = [
+    ['SetTextFont', 'Arial,Italic,,12,,Underline,0000FF'],
+    ['InsertBalloonText', 4, 4, '', 0, 0, 0, 0, 'Hello, 한글'],
+    ['SetTextFont', '宋体,,,10,StrikeOut,,008000'],
+    ['InsertBalloonText', 4, 28, '', 0, 0, 0, 0, '宋体 中文 ABC'],
+  ];
+  const expected = nativeShot(160, 64, ['SetImage "build/web/samples/tiles.bmp"',
+    ...calls.map(([name, ...args]) => [name, ...args.map((a) => (typeof a === 'string' ? `"${a}"` : a))].join(' '))]);
+  const plain = await serve([WEB_ROOT, join(ROOT, 'tests/web')], { isolated: false });
+  try {
+    for (const base of [server.url, plain.url]) {
+      const page = await controlPage(160, 64, base);
+      await page.evaluate(async (list) => {
+        const editor = document.getElementById('editor');
+        await editor.SetImage('samples/tiles.bmp');
+        for (const [name, ...args] of list) await editor[name](...args);
+      }, calls);
+      assertSamePixels(await canvasPixels(page), expected, `balloon texts (${base === server.url ? 'threads' : 'one thread'})`);
+      assert.deepEqual(page.errors, []);
+      await page.close();
+    }
+  } finally {
+    await plain.close();
+  }
+});
