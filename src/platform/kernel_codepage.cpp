@@ -4,8 +4,12 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 #include <cstring>
+#include <map>
+#include <optional>
 #include <string>
+#include <unordered_map>
 
 #include "platform/kernel.h"
 
@@ -125,6 +129,8 @@ class Converter {
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
   bool ok() const { return cd_ != reinterpret_cast<iconv_t>(-1); }
+  // Back to the initial shift state, for input unrelated to the last.
+  void Reset() { iconv(cd_, nullptr, nullptr, nullptr, nullptr); }
 
   // Converts as much as possible into `out`; false when it stopped at input it
   // cannot convert (errno tells why), true when all input was used.
@@ -180,12 +186,77 @@ bool DecodeIconv(const char* charset, const char* src, std::size_t length, bool 
   return true;
 }
 
+// The encoding of a code page read off its decoding: each single byte and each pair
+// of a lead byte and a trail byte that decodes to one character gives that character
+// its bytes (the lowest code wins where two decode alike). For C libraries whose
+// iconv decodes the East Asian code pages but cannot encode them (a web page's).
+class DecodedEncodingTable {
+ public:
+  explicit DecodedEncodingTable(const char* charset) {
+    Converter converter("UTF-16LE", charset);
+    if (!converter.ok()) return;
+    for (unsigned code = 0x01; code <= 0xFF; ++code) Learn(converter, code, 1);
+    for (unsigned lead = 0x81; lead <= 0xFE; ++lead) {
+      for (unsigned trail = 0x40; trail <= 0xFE; ++trail) Learn(converter, lead << 8 | trail, 2);
+    }
+  }
+  bool empty() const { return codes_.empty(); }
+  // The bytes of one UTF-16 unit; none when the code page cannot hold it.
+  std::optional<std::uint16_t> Code(char16_t unit) const {
+    const auto found = codes_.find(unit);
+    if (found == codes_.end()) return std::nullopt;
+    return found->second;
+  }
+
+ private:
+  void Learn(Converter& converter, unsigned code, std::size_t length) {
+    const char bytes[2] = {static_cast<char>(length == 2 ? code >> 8 : code), static_cast<char>(code & 0xFF)};
+    const char* in = length == 2 ? bytes : bytes + 1;
+    std::size_t inLeft = length;
+    std::string out;
+    converter.Reset();
+    if (!converter.Run(in, inLeft, out) || out.size() != 2) return;
+    const auto unit = static_cast<char16_t>(static_cast<unsigned char>(out[0]) |
+                                            (static_cast<unsigned char>(out[1]) << 8));
+    if (unit != kReplacement) codes_.emplace(unit, static_cast<std::uint16_t>(code));
+  }
+
+  std::unordered_map<char16_t, std::uint16_t> codes_;
+};
+
+bool EncodeByTable(const char* charset, const WCHAR* src, std::size_t length, char defaultChar,
+                   bool* usedDefault, std::string& out) {
+  static std::map<std::string, DecodedEncodingTable> tables;
+  const DecodedEncodingTable& table = tables.try_emplace(charset, charset).first->second;
+  if (table.empty()) return false;
+  for (std::size_t i = 0; i < length; ++i) {
+    if (src[i] == 0) {
+      out.push_back('\0');
+      continue;
+    }
+    const auto code = table.Code(src[i]);
+    const bool pair = src[i] >= 0xD800 && src[i] <= 0xDBFF && i + 1 < length && src[i + 1] >= 0xDC00 &&
+                      src[i + 1] <= 0xDFFF;
+    if (!code) {
+      out.push_back(defaultChar);
+      *usedDefault = true;
+      if (pair) ++i;
+    } else if (*code > 0xFF) {
+      out.push_back(static_cast<char>(*code >> 8));
+      out.push_back(static_cast<char>(*code & 0xFF));
+    } else {
+      out.push_back(static_cast<char>(*code));
+    }
+  }
+  return true;
+}
+
 // A character the code page cannot hold (or an unpaired surrogate) becomes the
 // default character.
 bool EncodeIconv(const char* charset, const WCHAR* src, std::size_t length, char defaultChar,
                  bool* usedDefault, std::string& out) {
   Converter converter(charset, "UTF-16LE");
-  if (!converter.ok()) return false;
+  if (!converter.ok()) return EncodeByTable(charset, src, length, defaultChar, usedDefault, out);
   std::string units = ToUtf16Le(src, length);
   const char* in = units.data();
   std::size_t inLeft = units.size();
