@@ -82,3 +82,10 @@ void CImageEditWnd::InsertBalloonText(int nStartX, int nStartY, LPCSTR lpszFileP
   object.keyColor = withBalloon ? m_objects.storedTransparentColor : m_textEntry.StampKey();
   PlaceInsertedObject(slot, ObjectKind::Balloon, std::move(picture), size, nStartX, nStartY);
 }
+
+// Only objects inserted from now on take these; the ones already there keep theirs.
+void CImageEditWnd::SetTransparency(int nTransparentColor, int nTransparency) {
+  if (!m_surfaces.drawingLayer.dc() || nTransparency < 0 || nTransparency > 100) return;
+  m_objects.storedTransparentColor = static_cast<COLORREF>(nTransparentColor);
+  m_objects.storedTransparency = nTransparency;
+}

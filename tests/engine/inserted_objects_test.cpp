@@ -123,7 +123,7 @@ TEST_F(ObjectsTest, ANegativeCoordinateCentresTheObject) {
 // An icon is keyed on the stored transparent colour: its pixels of that colour show
 // what lies below. Selected, it shows a frame and a white grip; a save shows it plain.
 TEST_F(ObjectsTest, IconsAreKeyedAndFramedWhileSelected) {
-  objects().storedTransparentColor = kGreen;
+  editor().SetTransparency(static_cast<int>(kGreen), 0);
   // 20 x 18: green (the key) in the left column, blue elsewhere.
   std::vector<COLORREF> colors(20 * 18, kBlue);
   for (int y = 0; y < 18; ++y) colors[static_cast<std::size_t>(y * 20)] = kGreen;
@@ -200,8 +200,10 @@ TEST_F(ObjectsTest, ARedBackgroundGetsAComplementFrame) {
 // colour and takes the stored transparency, the text colour and a brush of its own
 // like the text background's.
 TEST_F(ObjectsTest, ABalloonWithAPictureTakesTheStoredSettings) {
-  objects().storedTransparentColor = kGreen;
-  objects().storedTransparency = 40;
+  // An out-of-range transparency stores nothing; a valid one stores both values.
+  editor().SetTransparency(0x123456, 101);
+  EXPECT_EQ(objects().storedTransparentColor, 0u);
+  editor().SetTransparency(static_cast<int>(kGreen), 40);
   editor().SetTextFont("Arial,,,9,,,123456");
   const int bitmaps = platform::LiveGdiObjects().bitmaps;
   const int levels = editor().m_history.count();
@@ -328,7 +330,7 @@ TEST_F(ObjectsTest, ATextWithoutABoxSizeIsMeasuredAndWrapped) {
 // Blended half and half with the grey picture, the white box turns light grey while
 // the glyphs keep the text colour.
 TEST_F(ObjectsTest, ABlendedBalloonKeepsItsTextUnblended) {
-  objects().storedTransparency = 50;
+  editor().SetTransparency(0, 50);
   editor().SetTextFont("Arial,,,12,,,0000FF");
   editor().InsertBalloonText(0, 0, "", 0, 0, 40, 30, "Hello");
   editor().ComposeView();
