@@ -89,12 +89,8 @@ val Outcome(const char* key, val value) {
 
 class WebControl {
  public:
-  WebControl(int width, int height, int language, val page) : host_(page), textBox_(page) {
-    platform::SetHost(&host_);
-    platform::SetUserDefaultLangID(static_cast<LANGID>(language));
-    // Typed text is converted in the code page of the keyboard layout when it is drawn:
-    // a page's keyboard is taken to be of the element's language.
-    platform::SetKeyboardLayout(static_cast<HKL>(language));
+  WebControl(int width, int height, int language, val page)
+      : host_(page), textBox_(page), platformSettings_(&host_, language) {
     hostWindow_ = platform::CreateHostWindow(width, height);
     // A control that cannot be created stays inert, as before its window exists.
     if (hostWindow_ != nullptr) control_.CreateControl(hostWindow_, width, height);
@@ -255,8 +251,22 @@ class WebControl {
     textBox_.Update(EditorWindow());
   }
 
+  // The platform as the control finds it while it is made: the control takes the
+  // user's language (its texts, its default font) when it is constructed, so these
+  // are set before it, not in the constructor's body.
+  struct PlatformSettings {
+    PlatformSettings(WebHost* host, int language) {
+      platform::SetHost(host);
+      platform::SetUserDefaultLangID(static_cast<LANGID>(language));
+      // Typed text is converted in the code page of the keyboard layout when it is
+      // drawn: a page's keyboard is taken to be of the element's language.
+      platform::SetKeyboardLayout(static_cast<HKL>(language));
+    }
+  };
+
   WebHost host_;
   TextBoxMirror textBox_;
+  PlatformSettings platformSettings_;
   HWND hostWindow_ = nullptr;
   CImageEditCtrl control_;
   std::map<DWORD, std::unique_ptr<ScriptSink>> sinks_;
