@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "editor/user_messages.h"
+#include "pixels/mirror.h"
 #include "platform/gdi_draw.h"
 
 namespace {
@@ -96,30 +97,11 @@ void CInsertedObject::RebuildSelectedPicture() {
     Rectangle(dc.get(), width - kObjectGripSide, height - kObjectGripSide, width - 1, height - 1);
 }
 
-namespace {
-
-// Each row's pixels in reverse order.
-void MirrorRows(PixelBuffer& pixels) {
-  const int width = pixels.width();
-  for (int row = 0; row < pixels.height(); ++row) {
-    BYTE* line = pixels.data() + static_cast<std::ptrdiff_t>(row) * pixels.stride();
-    for (int x = 0; x < width / 2; ++x) {
-      BYTE* left = line + 3 * x;
-      BYTE* right = line + 3 * (width - 1 - x);
-      std::swap(left[0], right[0]);
-      std::swap(left[1], right[1]);
-      std::swap(left[2], right[2]);
-    }
-  }
-}
-
-}  // namespace
-
 void CInsertedObject::Mirror(HDC dc) {
   for (platform::OwnedBitmap* bitmap : {&picture, &sourcePicture}) {
     PixelBuffer pixels = ReadSurfacePixels(dc, bitmap->get());
     if (!pixels) continue;
-    MirrorRows(pixels);
+    MirrorRows(pixels.Whole());
     WriteBitmapPixels(dc, bitmap->get(), pixels);
   }
 }
