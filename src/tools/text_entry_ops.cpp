@@ -6,6 +6,7 @@
 
 #include "editor/image_edit_wnd.h"
 #include "editor/render_text_block.h"
+#include "tools/color_dialog.h"
 #include "tools/color_string.h"
 #include "tools/font_string.h"
 
@@ -107,14 +108,9 @@ std::string CImageEditWnd::SetTextBackgroundColor(LPCSTR lpszColor) {
     color = ReadColorString(lpszColor);
     m_textEntry.backgroundTransparent = false;
   } else {
-    CHOOSECOLORA dialog{};
-    dialog.lStructSize = sizeof dialog;
-    dialog.hwndOwner = m_hWnd;
-    dialog.rgbResult = color;
-    dialog.lpCustColors = TextBackgroundCustomColors().data();
-    dialog.Flags = CC_RGBINIT | CC_ANYCOLOR;
-    if (!ChooseColorA(&dialog)) return std::string();
-    color = dialog.rgbResult;
+    const std::optional<COLORREF> chosen = ChooseColorFrom(m_hWnd, color, TextBackgroundCustomColors());
+    if (!chosen) return std::string();
+    color = *chosen;
     m_textEntry.backgroundTransparent = false;
     result = ColorString(color);
   }

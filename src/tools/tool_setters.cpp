@@ -5,6 +5,7 @@
 
 #include "editor/image_edit_wnd.h"
 #include "platform/gdi_draw.h"
+#include "tools/color_dialog.h"
 #include "tools/color_string.h"
 
 namespace {
@@ -26,14 +27,9 @@ std::string CImageEditWnd::GetColor() { return ColorString(m_tools.color); }
 std::string CImageEditWnd::SetColor(LPCSTR lpszColor) {
   COLORREF color = 0;
   if (lpszColor != nullptr && lstrcmpiA(lpszColor, "DIALOG") == 0) {
-    CHOOSECOLORA dialog{};
-    dialog.lStructSize = sizeof dialog;
-    dialog.hwndOwner = m_hWnd;
-    dialog.rgbResult = m_tools.color;
-    dialog.lpCustColors = SetColorCustomColors().data();
-    dialog.Flags = CC_RGBINIT | CC_ANYCOLOR;
-    if (!ChooseColorA(&dialog)) return GetColor();
-    color = dialog.rgbResult;
+    const std::optional<COLORREF> chosen = ChooseColorFrom(m_hWnd, m_tools.color, SetColorCustomColors());
+    if (!chosen) return GetColor();
+    color = *chosen;
   } else {
     color = ReadColorString(lpszColor);
   }
