@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/font_catalogue.h"
+#include "platform/font_instance.h"
 
 namespace web {
 
@@ -46,18 +47,15 @@ std::string WithEditLineBreaks(const std::string& text) {
 // The files that draw the font's face, then the Hangul and Han characters it may
 // lack, as the engine finds them; each once.
 val FontFiles(const LOGFONTA& font) {
-  platform::fonts::FontRequest request;
-  request.face.assign(font.lfFaceName, strnlen(font.lfFaceName, LF_FACESIZE));
-  request.bold = font.lfWeight >= FW_BOLD;
-  request.italic = font.lfItalic != 0;
-  const WORD language = GetUserDefaultLangID() & 0x3FF;
-  request.language = language == 0x12   ? platform::fonts::FontLanguage::Korean
-                     : language == 0x04 ? platform::fonts::FontLanguage::SimplifiedChinese
-                                        : platform::fonts::FontLanguage::None;
+  const platform::fonts::FontRequest request = platform::fonts::RequestFor(font);
   platform::fonts::FontCatalogue& fonts = platform::fonts::InstalledFonts();
+  const auto covering = [&](char32_t c) {
+    platform::fonts::FontRequest fallback = request;
+    fallback.language = platform::fonts::FallbackLanguage(request, c);
+    return fonts.FindCovering(fallback, c);
+  };
   std::vector<platform::fonts::FontFile> found;
-  for (const auto& file : {fonts.Find(request), fonts.FindCovering(request, U'\uAC00'),
-                           fonts.FindCovering(request, U'\u4E00')}) {
+  for (const auto& file : {fonts.Find(request), covering(U'\uAC00'), covering(U'\u4E00')}) {
     // A page font is one face of one file: a collection's later faces cannot be.
     if (file && file->index == 0 && std::find(found.begin(), found.end(), *file) == found.end())
       found.push_back(*file);
@@ -120,11 +118,13 @@ val TextBoxMirror::Describe(const Look& look) const {
   box.set("width", look.rect.right - look.rect.left);
   box.set("height", look.rect.bottom - look.rect.top);
   box.set("text", Utf8(WindowText(look.edit)));
-  box.set("face", std::string(look.font.lfFaceName, strnlen(look.font.lfFaceName, LF_FACESIZE)));
+  // The face, weight and slant as the engine reads them from the font.
+  const platform::fonts::FontRequest request = platform::fonts::RequestFor(look.font);
+  box.set("face", request.face);
   box.set("fontHeight", look.fontHeight);
   box.set("lineHeight", look.lineHeight);
-  box.set("bold", look.font.lfWeight >= FW_BOLD);
-  box.set("italic", look.font.lfItalic != 0);
+  box.set("bold", request.bold);
+  box.set("italic", request.italic);
   box.set("underline", look.font.lfUnderline != 0);
   box.set("strikeOut", look.font.lfStrikeOut != 0);
   box.set("fontFiles", FontFiles(look.font));

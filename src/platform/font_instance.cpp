@@ -55,6 +55,11 @@ FontLanguage LanguageOfCharset(BYTE charset) {
   }
 }
 
+FontRequest RequestFor(const LOGFONTA& font) {
+  return FontRequest{FaceName(font), font.lfWeight >= 600, font.lfItalic != 0,
+                     LanguageOfCharset(font.lfCharSet)};
+}
+
 std::shared_ptr<FontInstance> FontInstance::For(const LOGFONTA& font) {
   // Descriptions that differ only after the face name's terminator are one font.
   LOGFONTA normal = font;
@@ -66,8 +71,7 @@ std::shared_ptr<FontInstance> FontInstance::For(const LOGFONTA& font) {
   if (auto shared = instances[key].lock()) return shared;
   std::erase_if(instances, [](const auto& entry) { return entry.second.expired(); });
 
-  const FontRequest request{face, font.lfWeight >= 600, font.lfItalic != 0,
-                            LanguageOfCharset(font.lfCharSet)};
+  const FontRequest request = RequestFor(font);
   const std::optional<FontFile> file = InstalledFonts().Find(request);
   if (!file) return nullptr;
   const int em = SizedFace::EmPixelsFor(*file, font.lfHeight);
@@ -79,7 +83,7 @@ std::shared_ptr<FontInstance> FontInstance::For(const LOGFONTA& font) {
 }
 
 FontInstance::FontInstance(const LOGFONTA& font, std::shared_ptr<SizedFace> primary, int em)
-    : request_{FaceName(font), font.lfWeight >= 600, font.lfItalic != 0, LanguageOfCharset(font.lfCharSet)},
+    : request_(RequestFor(font)),
       primary_(std::move(primary)),
       em_(em),
       codePage_(CodePageOfCharset(font.lfCharSet)),
@@ -120,7 +124,7 @@ SizedFace& FontInstance::FallbackFor(char32_t c) {
   if (found == fallbacks_.end()) {
     SizedFace* face = nullptr;
     FontRequest request = request_;
-    request.language = FallbackLanguage(c);
+    request.language = FallbackLanguage(request_, c);
     if (const std::optional<FontFile> file = InstalledFonts().FindCovering(request, c)) {
       if (auto opened =
               SizedFace::Open(*file, {em_, request.bold && !file->bold, request.italic && !file->italic})) {
@@ -134,10 +138,8 @@ SizedFace& FontInstance::FallbackFor(char32_t c) {
   return found->second ? *found->second : *primary_;
 }
 
-// The font's own language; else the one a Hangul or kana character shows; else the
-// user's, for Han characters that several languages share.
-FontLanguage FontInstance::FallbackLanguage(char32_t c) const {
-  if (request_.language != FontLanguage::None) return request_.language;
+FontLanguage FallbackLanguage(const FontRequest& request, char32_t c) {
+  if (request.language != FontLanguage::None) return request.language;
   if (IsHangul(c)) return FontLanguage::Korean;
   if (IsKana(c)) return FontLanguage::Japanese;
   const LANGID language = GetUserDefaultLangID();

@@ -19,6 +19,13 @@ namespace platform::fonts {
 UINT CodePageOfCharset(BYTE charset);
 // The language a character set implies; None for the others.
 FontLanguage LanguageOfCharset(BYTE charset);
+// What a LOGFONTA asks the catalogue for: its face, bold from a weight of 600 up, its
+// slant and the language of its character set.
+FontRequest RequestFor(const LOGFONTA& font);
+// The language whose face draws a character that the font `request` finds lacks: the
+// font's own language; else the one a Hangul or kana character shows; else the
+// user's, for Han characters that several languages share.
+FontLanguage FallbackLanguage(const FontRequest& request, char32_t c);
 
 class FontInstance {
  public:
@@ -41,7 +48,6 @@ class FontInstance {
  private:
   FontInstance(const LOGFONTA& font, std::shared_ptr<SizedFace> primary, int em);
   SizedFace& FallbackFor(char32_t c);
-  FontLanguage FallbackLanguage(char32_t c) const;
 
   FontRequest request_;
   std::shared_ptr<SizedFace> primary_;
