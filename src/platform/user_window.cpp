@@ -225,9 +225,17 @@ BOOL ShowWindow(HWND hwnd, int command) {
 BOOL MoveWindow(HWND hwnd, int x, int y, int width, int height, BOOL repaint) {
   Window* window = Find(hwnd);
   if (window == nullptr || window->parent == nullptr) return FALSE;
+  // As on Windows, a window moved to where it already is neither moves nor repaints:
+  // a paint handler may place a child this way on every paint without painting again.
+  const RECT wanted{x, y, x + std::max(width, 0), y + std::max(height, 0)};
+  const RECT& now = window->rect;
+  if (now.left == wanted.left && now.top == wanted.top && now.right == wanted.right &&
+      now.bottom == wanted.bottom) {
+    return TRUE;
+  }
   if (repaint) InvalidateParentUnder(*window);
   RECT oldClient = platform::window::ClientRect(*window);
-  window->rect = RECT{x, y, x + std::max(width, 0), y + std::max(height, 0)};
+  window->rect = wanted;
   if (repaint) {
     window->nonClientPending = true;
     InvalidateRect(hwnd, nullptr, TRUE);

@@ -67,16 +67,6 @@ void TextEntry::Open(const RECT& rect) {
 }
 
 void TextEntry::MoveTo(const RECT& rect) {
-  RECT now{};
-  GetWindowRect(box_.m_hWnd, &now);
-  POINT topLeft{now.left, now.top};
-  ScreenToClient(GetParent(box_.m_hWnd), &topLeft);
-  // A box already in place is left alone: the paint that places it would otherwise
-  // paint again for ever.
-  if (topLeft.x == rect.left && topLeft.y == rect.top && now.right - now.left == rect.right - rect.left &&
-      now.bottom - now.top == rect.bottom - rect.top) {
-    return;
-  }
   MoveWindow(box_.m_hWnd, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, TRUE);
 }
 

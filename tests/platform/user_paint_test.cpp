@@ -49,6 +49,23 @@ TEST_F(Painting, HidingAChildRepaintsTheParentBeneathAndRedrawUpdatesAtOnce) {
   EXPECT_EQ(FramePixel(15, 15), kGreen);
 }
 
+// A paint handler may place a child on every paint; only a real move paints again.
+TEST_F(Painting, MovingAChildWhereItIsPaintsNothingAndAMovePaintsBoth) {
+  platform::FlushPaint(hostWindow_);
+  const int parentPaints = parent_.paints;
+  const int childPaints = child_.paints;
+  EXPECT_TRUE(MoveWindow(child_.m_hWnd, 5, 5, 10, 10, TRUE));
+  platform::FlushPaint(hostWindow_);
+  EXPECT_EQ(host_.presented, 1);
+  EXPECT_EQ(parent_.paints, parentPaints);
+  EXPECT_EQ(child_.paints, childPaints);
+  EXPECT_TRUE(MoveWindow(child_.m_hWnd, 6, 5, 10, 10, TRUE));
+  platform::FlushPaint(hostWindow_);
+  EXPECT_GT(parent_.paints, parentPaints);
+  EXPECT_GT(child_.paints, childPaints);
+  ExpectFramePixels({{15, 15, kRed}, {16, 15, kBlue}});
+}
+
 TEST_F(Painting, WindowDcsDrawInsideTheClientAreaAndLeakNothing) {
   platform::FlushPaint(hostWindow_);
   platform::GdiCounts before = platform::LiveGdiObjects();
