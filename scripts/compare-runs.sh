@@ -9,7 +9,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
-rev=${1:-HEAD}
+# Named here, not in the worktree: there HEAD would be the worktree's own.
+rev=$(git rev-parse --verify "${1:-HEAD}^{commit}")
 
 scripts/setup.sh
 cmake --preset release >/dev/null
