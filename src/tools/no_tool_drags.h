@@ -10,7 +10,8 @@
 
 class NoToolDrags {
  public:
-  explicit NoToolDrags(CImageEditWnd& editor) : editor_(editor), box_(editor), object_(editor), pan_(editor) {}
+  explicit NoToolDrags(CImageEditWnd& editor)
+      : editor_(editor), box_(editor), object_(editor), pan_(editor) {}
   NoToolDrags(const NoToolDrags&) = delete;
   NoToolDrags& operator=(const NoToolDrags&) = delete;
 

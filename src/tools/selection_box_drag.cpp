@@ -56,7 +56,4 @@ RECT SelectionBoxDrag::Move(POINT window) {
   return BoundingRect(before, box.WindowRect());
 }
 
-void SelectionBoxDrag::Release() {
-  last_ = POINT{-1, -1};
-  ShowCursorOf(kOpenHandMoveCursor);
-}
+void SelectionBoxDrag::Release() { ShowCursorOf(kOpenHandMoveCursor); }

@@ -18,5 +18,5 @@ class SelectionBoxDrag : public WindowDrag {
 
  private:
   // The pointer at the box's last step, on each axis the step moved along.
-  POINT last_{-1, -1};
+  POINT last_{0, 0};
 };

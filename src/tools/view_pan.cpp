@@ -26,7 +26,6 @@ RECT ViewPan::Move(POINT window) {
 }
 
 void ViewPan::Release() {
-  last_ = POINT{-1, -1};
   ShowCursorOf(kOpenHandPanCursor);
   editor_.RedrawWindow();
 }

@@ -17,5 +17,6 @@ class ViewPan : public WindowDrag {
   void Release() override;
 
  private:
-  POINT last_{-1, -1};
+  // The pointer at the pan's last step.
+  POINT last_{0, 0};
 };
