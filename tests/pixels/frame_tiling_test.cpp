@@ -1,0 +1,164 @@
+// Frame tiling: where each piece lands around an image rectangle, and that cutting the
+// placements to an area changes nothing inside it (against a plain walk over every
+// whole tile), even when the offsets are as far out as an int goes.
+#include "pixels/frame_tiling.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <random>
+#include <utility>
+#include <vector>
+
+namespace {
+
+FrameGeometry Squares(int side, int offset) {
+  FrameGeometry pieces;
+  for (FramePieceGeometry& piece : pieces) piece = FramePieceGeometry{true, side, side, offset};
+  return pieces;
+}
+
+using Point = std::pair<int, int>;
+using Points = std::vector<Point>;
+
+// The whole tiles' left-top corners of one piece, in order.
+Points Corners(const std::vector<FramePlacement>& placements, int piece) {
+  Points corners;
+  for (const FramePlacement& p : placements) {
+    if (p.piece == piece) corners.emplace_back(p.target.left - p.source.x, p.target.top - p.source.y);
+  }
+  return corners;
+}
+
+TEST(FrameTilingTest, SquarePiecesMeetAtTheCornersOffsetInsideTheImage) {
+  const RECT image{100, 50, 300, 250};
+  const std::vector<FramePlacement> placements = FramePlacements(Squares(10, 3), image, RECT{0, 0, 400, 300});
+
+  // The top edge: from x = 103 at y = 43, a tile every 10 while x < 297.
+  Points top;
+  for (int x = 103; x < 297; x += 10) top.emplace_back(x, 43);
+  EXPECT_EQ(Corners(placements, kTopEdge), top);
+  // The right edge from y = 53 while y < 247, at x = 297; the left one at x = 93.
+  const Points right = Corners(placements, kRightEdge);
+  ASSERT_EQ(right.size(), 20u);
+  EXPECT_EQ(right.front(), Point(297, 53));
+  EXPECT_EQ(right.back(), Point(297, 243));
+  EXPECT_EQ(Corners(placements, kLeftEdge).front(), Point(93, 53));
+  EXPECT_EQ(Corners(placements, kBottomEdge).front(), Point(103, 247));
+  EXPECT_EQ(Corners(placements, kTopRightCorner), Points{Point(297, 43)});
+  EXPECT_EQ(Corners(placements, kTopLeftCorner), Points{Point(93, 43)});
+  EXPECT_EQ(Corners(placements, kBottomLeftCorner), Points{Point(93, 247)});
+  EXPECT_EQ(Corners(placements, kBottomRightCorner), Points{Point(297, 247)});
+  EXPECT_EQ(Corners(placements, kFrameOverlay), Points{Point(0, 0)});
+
+  // Drawing order: the edges 0, 2, 4, 6, then the corners 1, 3, 5, 7, then the overlay.
+  std::vector<int> order;
+  for (const FramePlacement& p : placements) {
+    if (order.empty() || order.back() != p.piece) order.push_back(p.piece);
+  }
+  EXPECT_EQ(order, (std::vector<int>{0, 2, 4, 6, 1, 3, 5, 7, 8}));
+}
+
+// Each pixel as the pieces leave it: which piece, and which of its pixels, drew last.
+class Canvas {
+ public:
+  static constexpr int kOrigin = -64;
+  static constexpr int kSide = 256;
+
+  void Paint(const FramePlacement& p) {
+    for (int y = p.target.top; y < p.target.bottom; ++y) {
+      for (int x = p.target.left; x < p.target.right; ++x) {
+        const int sx = p.source.x + x - p.target.left;
+        const int sy = p.source.y + y - p.target.top;
+        At(x, y) = 1 + p.piece + 10 * (sx + 100 * sy);
+      }
+    }
+  }
+  bool operator==(const Canvas&) const = default;
+  int& At(int x, int y) { return cells_[static_cast<std::size_t>((y - kOrigin) * kSide + (x - kOrigin))]; }
+
+ private:
+  std::vector<int> cells_ = std::vector<int>(kSide * kSide, 0);
+};
+
+// The frame drawn as written down: every tile whole, walked from the edge's start.
+Canvas PaintedWhole(const FrameGeometry& g, const RECT& image) {
+  Canvas canvas;
+  const auto place = [&](int piece, int x, int y) {
+    if (!g[piece].drawn) return;
+    canvas.Paint(FramePlacement{piece, RECT{x, y, x + g[piece].width, y + g[piece].height}, POINT{0, 0}});
+  };
+  const int l = image.left, t = image.top, r = image.right, b = image.bottom;
+  const auto o = [&](int i) { return g[i].offset; };
+  for (int y = t + o(1); g[0].drawn && y < b - o(7); y += g[0].height) place(0, r - o(0), y);
+  for (int x = l + o(3); g[2].drawn && x < r - o(1); x += g[2].width) place(2, x, t + o(2) - g[2].height);
+  for (int y = t + o(3); g[4].drawn && y < b - o(5); y += g[4].height) place(4, l + o(4) - g[4].width, y);
+  for (int x = l + o(5); g[6].drawn && x < r - o(7); x += g[6].width) place(6, x, b - o(6));
+  place(1, r - o(1), t + o(1) - g[1].height);
+  place(3, l + o(3) - g[3].width, t + o(3) - g[3].height);
+  place(5, l + o(5) - g[5].width, b - o(5));
+  place(7, r - o(7), b - o(7));
+  place(8, 0, 0);
+  return canvas;
+}
+
+// Random pieces (some missing, offsets reaching in or out) around random images, cut
+// to random areas: inside the area every pixel is what the whole frame leaves there,
+// and nothing outside it is touched.
+TEST(FrameTilingTest, CuttingToAnAreaMatchesTheWholeFrameInsideIt) {
+  std::mt19937 random(20240611);
+  const auto between = [&](int low, int high) {
+    return std::uniform_int_distribution<int>(low, high)(random);
+  };
+  for (int round = 0; round < 300; ++round) {
+    FrameGeometry g;
+    for (FramePieceGeometry& piece : g) {
+      piece.drawn = between(0, 5) > 0;
+      piece.width = between(1, 12);
+      piece.height = between(1, 12);
+      piece.offset = between(-15, 15);
+    }
+    const int left = between(0, 60);
+    const int top = between(0, 60);
+    const RECT image{left, top, left + between(0, 70), top + between(0, 70)};
+    const int areaLeft = between(-40, 150);
+    const int areaTop = between(-40, 150);
+    const RECT area{areaLeft, areaTop, areaLeft + between(1, 40), areaTop + between(1, 40)};
+
+    Canvas whole = PaintedWhole(g, image);
+    Canvas cut;
+    for (const FramePlacement& p : FramePlacements(g, image, area)) {
+      ASSERT_TRUE(p.target.left >= area.left && p.target.top >= area.top && p.target.right <= area.right &&
+                  p.target.bottom <= area.bottom)
+          << "round " << round;
+      cut.Paint(p);
+    }
+    Canvas expected;
+    for (int y = area.top; y < area.bottom; ++y) {
+      for (int x = area.left; x < area.right; ++x) expected.At(x, y) = whole.At(x, y);
+    }
+    ASSERT_TRUE(cut == expected) << "round " << round;
+  }
+}
+
+// Offsets at int's limits put edges billions of pixels long around a large picture;
+// only the tiles inside the area are visited, and none wraps around.
+TEST(FrameTilingTest, FarOffsetsVisitOnlyTheTilesInsideTheArea) {
+  FrameGeometry g = Squares(1, 0);
+  g[kTopLeftCorner].offset = INT_MIN;
+  g[kTopRightCorner].offset = INT_MIN;
+  g[kBottomLeftCorner].offset = INT_MAX;
+  g[kTopEdge].offset = 1;
+  const RECT image{0, 0, 4000, 3000};
+  const RECT area{100, -50, 164, 50};
+  const std::vector<FramePlacement> placements = FramePlacements(g, image, area);
+  // The top edge runs at y = 0 from far left to far right: 64 one-pixel tiles.
+  EXPECT_EQ(Corners(placements, kTopEdge).size(), 64u);
+  EXPECT_EQ(Corners(placements, kTopEdge).front(), Point(100, 0));
+  EXPECT_EQ(placements.size(), 64u);
+  // The right edge starts far above the picture and runs down to its bottom.
+  const std::vector<FramePlacement> right = FramePlacements(g, image, RECT{3990, -50, 4010, 50});
+  EXPECT_EQ(Corners(right, kRightEdge).size(), 100u);
+}
+
+}  // namespace
