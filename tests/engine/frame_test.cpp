@@ -220,6 +220,21 @@ TEST_F(FrameTest, EachSideWidensTheSaveByItsSizeLessItsOffset) {
   EXPECT_EQ(saved.height, 208);
 }
 
+// Offsets from the host may be anything an int holds: pieces thrown far outside the
+// picture are drawn nowhere, and a save's area, out beyond int's reach, keeps the
+// size its pieces give it without wrapping around: 200 + 10 + 10 less the offsets of
+// two opposite sides, which add up to -1.
+TEST_F(FrameTest, OffsetsAtTheLimitsOfIntAreWorkedOutWithoutWrappingAround) {
+  const int offsets[8] = {INT_MIN, INT_MAX, INT_MIN, INT_MAX, INT_MAX, INT_MIN, INT_MAX, INT_MIN};
+  for (int i = 0; i < 8; ++i) editor().SetFrame(i, PieceFile(i, 10, 10).c_str(), offsets[i], 0);
+  ASSERT_TRUE(frame().present());
+  EXPECT_EQ(Shown(150, 100), kGrey);
+  EXPECT_EQ(Shown(95, 45), kWhite);
+  const Saved saved = Save();
+  EXPECT_EQ(saved.width, 221);
+  EXPECT_EQ(saved.height, 221);
+}
+
 // Undo to the level before the frame hides it and gives back its pieces; redo brings
 // copies back. Nothing leaks, and the editor gives back every piece and copy.
 TEST_F(FrameTest, UndoAndRedoTakeTheFrameAwayAndBringItBack) {
