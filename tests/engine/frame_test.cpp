@@ -50,70 +50,57 @@ class FrameTest : public HostedTest {
     editor().ComposeView();
     return GetPixel(editor().m_surfaces.composition.dc(), x, y);
   }
-  // What the host window shows at a window point, as a COLORREF.
-  COLORREF Painted(int x, int y) {
-    int width = 0, height = 0;
-    const std::uint32_t* pixels =
-        platform::BitmapPixels(platform::HostFrame(live_.hostWindow), &width, &height);
-    const std::uint32_t pixel = pixels[y * width + x];
-    return RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
-  }
-  // A whole save, read back: its size and pixels, top row first.
+  // A whole save read back: width, height and pixels, top row first.
   struct Saved {
-    int width = 0, height = 0;
+    int width, height;
     std::vector<COLORREF> colors;
     COLORREF At(int x, int y) const { return colors[static_cast<std::size_t>(y * width + x)]; }
   };
   Saved Save() {
     const std::string path = live_.files.Write("saved.bmp", {});
     editor().SaveEditedBitmap(path.c_str());
-    HBITMAP bitmap = imageio::LoadImage(path.c_str(), {});
+    const platform::OwnedBitmap bitmap(imageio::LoadImage(path.c_str(), {}));
     BITMAP info{};
-    GetObjectA(bitmap, sizeof info, &info);
-    Saved saved{info.bmWidth, info.bmHeight, BitmapColors(bitmap)};
-    DeleteObject(bitmap);
-    return saved;
+    GetObjectA(bitmap.get(), sizeof info, &info);
+    return Saved{info.bmWidth, info.bmHeight, BitmapColors(bitmap.get())};
   }
 
   LiveEditor live_{400, 300};
 };
 
 // Square pieces of side 10 and offset 3: the top edge's tiles start at x = 103 and
-// y = 43, the top-left corner sits at (93, 43), and every corner meets its edges 3
-// pixels inside the picture. Until the eighth piece nothing shows or is recorded.
+// y = 43 and stop before 297, the top-left corner sits at (93, 43), and every corner
+// meets its edges 3 pixels inside the picture. Until the eighth piece nothing shows
+// or is recorded.
 TEST_F(FrameTest, TheBorderShowsWithItsEighthPieceAndMeetsAtTheCorners) {
   const int before = levels();
-  const ToolMode tool = editor().m_tools.mode;
   for (int i = 0; i < 7; ++i) {
     editor().SetFrame(i, PieceFile(i, 10, 10).c_str(), 3, 0);
     EXPECT_FALSE(frame().present()) << i;
     EXPECT_EQ(levels(), before) << i;
-    EXPECT_EQ(editor().m_tools.mode, tool) << i;
+    EXPECT_EQ(editor().m_tools.mode, ToolMode::None) << i;
   }
   EXPECT_EQ(Shown(103, 43), kWhite);
-
   editor().SetFrame(7, PieceFile(7, 10, 10).c_str(), 3, 0);
   EXPECT_TRUE(frame().present());
   EXPECT_EQ(levels(), before + 1);
   EXPECT_EQ(editor().m_tools.mode, ToolMode::Frame);
-  struct Pixel {
+  const struct {
     int x, y;
     COLORREF color;
+  } pixels[] = {
+      {103, 43, Marker(2)},  {113, 43, Marker(2)},      {293, 43, Marker(2)},     {296, 52, PieceColor(2)},
+      {150, 53, kGrey},      {93, 43, Marker(3)},       {102, 52, PieceColor(3)}, {92, 43, kWhite},
+      {297, 43, Marker(1)},  {306, 52, PieceColor(1)},  {297, 53, Marker(0)},     {297, 63, Marker(0)},
+      {296, 60, kGrey},      {93, 53, Marker(4)},       {103, 247, Marker(6)},    {93, 247, Marker(5)},
+      {297, 247, Marker(7)}, {306, 256, PieceColor(7)}, {307, 256, kWhite},
   };
-  const Pixel pixels[] = {
-      {103, 43, Marker(2)},      {104, 43, PieceColor(2)}, {113, 43, Marker(2)},     {293, 43, Marker(2)},
-      {296, 52, PieceColor(2)},  {150, 53, kGrey},         {93, 43, Marker(3)},      {102, 52, PieceColor(3)},
-      {92, 43, kWhite},          {297, 43, Marker(1)},     {306, 52, PieceColor(1)}, {307, 43, kWhite},
-      {297, 53, Marker(0)},      {297, 63, Marker(0)},     {296, 60, kGrey},         {93, 53, Marker(4)},
-      {103, 60, kGrey},          {103, 247, Marker(6)},    {93, 247, Marker(5)},     {297, 247, Marker(7)},
-      {306, 256, PieceColor(7)}, {307, 256, kWhite},
-  };
-  for (const Pixel& p : pixels) EXPECT_EQ(Shown(p.x, p.y), p.color) << p.x << "," << p.y;
+  for (const auto& p : pixels) EXPECT_EQ(Shown(p.x, p.y), p.color) << p.x << "," << p.y;
 }
 
 // The overlay shows at once, keyed, at the surfaces' origin, with whatever border
-// pieces there are; their last tiles run whole past the edge's end. A border piece
-// set after it hides the frame again until the border is complete.
+// pieces there are, whose last tiles run whole past the edge's end. A border piece
+// set after it hides the frame again, unrecorded, until the border is complete.
 TEST_F(FrameTest, TheOverlayShowsAtOnceWithTheBorderPiecesThereAre) {
   const int before = levels();
   editor().SetFrame(2, PieceFile(2, 7, 10).c_str(), 0, 0);  // a top edge only
@@ -122,19 +109,13 @@ TEST_F(FrameTest, TheOverlayShowsAtOnceWithTheBorderPiecesThereAre) {
   EXPECT_TRUE(frame().present());
   EXPECT_EQ(levels(), before + 1);
   EXPECT_EQ(editor().m_tools.mode, ToolMode::Frame);
-  const FramePiece& overlay = frame().piece(8);
-  EXPECT_EQ(overlay.width, 6);
-  EXPECT_EQ(overlay.height, 4);
-  EXPECT_EQ(overlay.offset, 5);
-  EXPECT_EQ(overlay.keyColor, static_cast<int>(kKey));
-
+  EXPECT_EQ(frame().piece(8).offset, 5);
+  EXPECT_EQ(frame().piece(8).keyColor, static_cast<int>(kKey));
   EXPECT_EQ(Shown(0, 0), kWhite);  // the key column
   EXPECT_EQ(Shown(1, 0), kOverlay);
   EXPECT_EQ(Shown(5, 3), kOverlay);
   EXPECT_EQ(Shown(6, 0), kWhite);
-  // Tiles every 7 pixels from x = 100 at y = 40 while x < 300: the last, at 296, ends
-  // at 303.
-  EXPECT_EQ(Shown(100, 40), Marker(2));
+  // Tiles every 7 pixels from x = 100 at y = 40 while x < 300: the last, at 296, ends at 303.
   EXPECT_EQ(Shown(296, 40), Marker(2));
   EXPECT_EQ(Shown(302, 49), PieceColor(2));
   EXPECT_EQ(Shown(303, 49), kWhite);
@@ -144,11 +125,11 @@ TEST_F(FrameTest, TheOverlayShowsAtOnceWithTheBorderPiecesThereAre) {
   EXPECT_EQ(levels(), before + 1);
 }
 
-// Orientations outside -1..8 change nothing, but typed text is put on the picture
+// Orientations outside -1..8 change nothing, but typed text goes onto the picture
 // first all the same.
 TEST_F(FrameTest, OrientationsOutsideTheNinePiecesAreIgnored) {
   SetBorder(10, 3);
-  live_->EnterText();
+  editor().EnterText();
   live_.Drag(150, 100, 250, 150);
   platform::CharInput(live_.hostWindow, 'A');
   const int before = levels();
@@ -161,9 +142,8 @@ TEST_F(FrameTest, OrientationsOutsideTheNinePiecesAreIgnored) {
   }
 }
 
-// A border piece that does not load hides the frame without a level; an overlay
-// that does not load hides it too, but that is recorded. The loader says why while
-// the editor is verbose.
+// A border piece that does not load hides the frame without a level; an overlay that
+// does not load hides it too, recorded. The loader says why while verbose.
 TEST_F(FrameTest, APieceThatDoesNotLoadHidesTheFrame) {
   SetBorder(10, 3);
   editor().EnableVerbose(1);
@@ -175,11 +155,7 @@ TEST_F(FrameTest, APieceThatDoesNotLoadHidesTheFrame) {
   EXPECT_EQ(levels(), before);
   EXPECT_EQ(host_.messages.size(), 1u);
   const FramePiece& top = frame().piece(2);
-  EXPECT_EQ(top.bitmap.get(), nullptr);
-  EXPECT_EQ(top.width, 0);
-  EXPECT_EQ(top.offset, 0);
-  EXPECT_EQ(top.keyColor, -1);
-  EXPECT_EQ(Shown(103, 43), kWhite);
+  EXPECT_TRUE(top.bitmap.get() == nullptr && top.width == 0 && top.offset == 0 && top.keyColor == -1);
   EXPECT_EQ(Shown(93, 43), kWhite);
 
   editor().SetFrame(2, PieceFile(2, 10, 10).c_str(), 3, 0);
@@ -190,45 +166,35 @@ TEST_F(FrameTest, APieceThatDoesNotLoadHidesTheFrame) {
 }
 
 // Pieces of 20 pixels with offset 0 make a whole save 40 pixels wider and higher,
-// the top-left corner at its origin.
+// the top-left corner at its origin. With other sizes and offsets each side reaches
+// out by its piece's size less its offset.
 TEST_F(FrameTest, AWholeSaveTakesInTheFrame) {
   SetBorder(20, 0);
   const Saved saved = Save();
   EXPECT_EQ(saved.width, 240);
   EXPECT_EQ(saved.height, 240);
   EXPECT_EQ(saved.At(0, 0), Marker(3));
-  EXPECT_EQ(saved.At(20, 0), Marker(2));
   EXPECT_EQ(saved.At(20, 20), kGrey);
   EXPECT_EQ(saved.At(239, 239), PieceColor(7));
-}
 
-// Different sizes and offsets on each side: the saved area reaches out by each side
-// piece's size less its offset.
-TEST_F(FrameTest, EachSideWidensTheSaveByItsSizeLessItsOffset) {
-  const int sizes[8][2] = {{7, 1}, {1, 1}, {1, 5}, {1, 1}, {6, 1}, {1, 1}, {1, 4}, {1, 1}};
-  const int offsets[8] = {2, 0, 1, 0, 3, 0, 0, 0};
-  for (int i = 0; i < 8; ++i)
-    editor().SetFrame(i, PieceFile(i, sizes[i][0], sizes[i][1]).c_str(), offsets[i], 0);
-  const RECT image{100, 50, 200, 200};  // x, y, width, height
-  const RECT area = frame().Around(image);
+  editor().SetFrame(kRightEdge, PieceFile(0, 7, 1).c_str(), 2, 0);
+  editor().SetFrame(kTopEdge, PieceFile(2, 1, 5).c_str(), 1, 0);
+  editor().SetFrame(kLeftEdge, PieceFile(4, 6, 1).c_str(), 3, 0);
+  editor().SetFrame(kBottomEdge, PieceFile(6, 1, 4).c_str(), 0, 0);
+  const RECT area = frame().Around(RECT{100, 50, 200, 200});  // x, y, width, height
   EXPECT_EQ(area.left, 100 - 3);
   EXPECT_EQ(area.top, 50 - 4);
   EXPECT_EQ(area.right, 200 + 5 + 3);
   EXPECT_EQ(area.bottom, 200 + 4 + 4);
-  const Saved saved = Save();
-  EXPECT_EQ(saved.width, 208);
-  EXPECT_EQ(saved.height, 208);
 }
 
-// Offsets from the host may be anything an int holds: pieces thrown far outside the
-// picture are drawn nowhere, and a save's area, out beyond int's reach, keeps the
-// size its pieces give it without wrapping around: 200 + 10 + 10 less the offsets of
-// two opposite sides, which add up to -1.
+// Offsets may be anything an int holds: pieces thrown far off are drawn nowhere, and
+// a save's area, out beyond int's reach, keeps the size its pieces give it without
+// wrapping around: 200 + 10 + 10 less two opposite offsets, which add up to -1.
 TEST_F(FrameTest, OffsetsAtTheLimitsOfIntAreWorkedOutWithoutWrappingAround) {
   const int offsets[8] = {INT_MIN, INT_MAX, INT_MIN, INT_MAX, INT_MAX, INT_MIN, INT_MAX, INT_MIN};
   for (int i = 0; i < 8; ++i) editor().SetFrame(i, PieceFile(i, 10, 10).c_str(), offsets[i], 0);
   ASSERT_TRUE(frame().present());
-  EXPECT_EQ(Shown(150, 100), kGrey);
   EXPECT_EQ(Shown(95, 45), kWhite);
   const Saved saved = Save();
   EXPECT_EQ(saved.width, 221);
@@ -244,35 +210,40 @@ TEST_F(FrameTest, UndoAndRedoTakeTheFrameAwayAndBringItBack) {
     live.Show(200, 200, kGrey);
     for (int i = 0; i < 8; ++i) live->SetFrame(i, PieceFile(i, 10, 10).c_str(), 3, 0);
     const int bitmaps = platform::LiveGdiObjects().bitmaps;
+    const auto shown = [&] {
+      live->ComposeView();
+      return GetPixel(live->m_surfaces.composition.dc(), 103, 43);
+    };
     live->Undo();
     EXPECT_FALSE(live->m_frame.present());
     EXPECT_EQ(live->m_frame.piece(2).bitmap.get(), nullptr);
-    live->ComposeView();
-    EXPECT_EQ(GetPixel(live->m_surfaces.composition.dc(), 103, 43), kWhite);
+    EXPECT_EQ(shown(), kWhite);
     live->Redo();
     EXPECT_TRUE(live->m_frame.present());
-    EXPECT_EQ(live->m_frame.piece(2).offset, 3);
-    live->ComposeView();
-    EXPECT_EQ(GetPixel(live->m_surfaces.composition.dc(), 103, 43), Marker(2));
+    EXPECT_EQ(shown(), Marker(2));
     EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmaps);
   }
   EXPECT_EQ(platform::LiveGdiObjects().total(), before);
 }
 
 // The frame is drawn last: over an object and a stroke near the picture's edge, on
-// the screen and in a save.
+// the screen and in a save (which starts at (93, 43)).
 TEST_F(FrameTest, TheFrameLiesOverObjectsAndStrokes) {
   SetPixel(editor().m_surfaces.drawingLayer.dc(), 150, 51, RGB(0xFF, 0, 0));
-  const std::string icon =
-      live_.files.Write("icon.bmp", BitmapFile(20, 10, std::vector<COLORREF>(200, 0xFF0000)));
-  editor().InsertIcon(140, 40, icon.c_str());
-  EXPECT_EQ(Shown(150, 51), RGB(0xFF, 0, 0));
+  const std::vector<COLORREF> blue(200, 0xFF0000);
+  editor().InsertIcon(140, 40, live_.files.Write("icon.bmp", BitmapFile(20, 10, blue)).c_str());
   SetBorder(10, 3);
-  editor().RedrawWindow();
-  EXPECT_EQ(Painted(150, 51), PieceColor(2));
-  EXPECT_EQ(Painted(145, 45), PieceColor(2));
-  EXPECT_EQ(Painted(145, 41), 0xFF0000u);  // the icon above the frame
-  const Saved saved = Save();              // from (93, 43)
+  int width = 0, height = 0;
+  const std::uint32_t* painted =
+      platform::BitmapPixels(platform::HostFrame(live_.hostWindow), &width, &height);
+  const auto at = [&](int x, int y) {
+    const std::uint32_t pixel = painted[y * width + x];  // 0x00RRGGBB
+    return RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
+  };
+  EXPECT_EQ(at(150, 51), PieceColor(2));
+  EXPECT_EQ(at(145, 45), PieceColor(2));
+  EXPECT_EQ(at(145, 41), blue[0]);  // the icon above the frame
+  const Saved saved = Save();
   EXPECT_EQ(saved.At(150 - 93, 51 - 43), PieceColor(2));
   EXPECT_EQ(saved.At(145 - 93, 45 - 43), PieceColor(2));
 }
@@ -296,9 +267,10 @@ TEST_F(FrameTest, ComposingInPartsGivesTheWholeFrame) {
   EXPECT_EQ(SurfaceColors(composition, 320, 70), whole);
 }
 
-// Both settings need the drawing layer and a percentage of 0 to 100; the host reads
-// back what they stored.
-TEST_F(FrameTest, TransparencyAndTextureTakeOnlyPercentagesOnceThereIsADrawingLayer) {
+// Both settings need the drawing layer and a percentage of 0 to 100. A plain balloon
+// (a white box) inserted at 100 is keyed, its box whole; one inserted at 50 is mixed
+// half and half with the grey below, and the first keeps its own.
+TEST_F(FrameTest, TransparencyAndTextureTakePercentagesAndBalloonsTakeTheTransparency) {
   {
     CImageEditWnd unmade;
     unmade.SetTexture(50);
@@ -306,25 +278,15 @@ TEST_F(FrameTest, TransparencyAndTextureTakeOnlyPercentagesOnceThereIsADrawingLa
     EXPECT_EQ(unmade.State().texture, 0);
     EXPECT_EQ(unmade.State().transparency, 0);
   }
-  editor().SetTexture(101);
-  editor().SetTransparency(0xFFFFFF, 101);
-  EXPECT_EQ(editor().State().texture, 0);
-  EXPECT_EQ(editor().State().transparentColor, 0u);
-  editor().SetTexture(100);
-  editor().SetTransparency(0xFFFFFF, 100);
-  editor().SetTexture(-1);
-  editor().SetTransparency(0x123456, -1);
-  const EditorState state = editor().State();
-  EXPECT_EQ(state.texture, 100);
-  EXPECT_EQ(state.transparentColor, 0xFFFFFFu);
-  EXPECT_EQ(state.transparency, 100);
-}
+  for (int percent : {101, 100, -1}) {
+    editor().SetTexture(percent);
+    editor().SetTransparency(percent == 100 ? 0xFFFFFF : 0x123456, percent);
+  }
+  EXPECT_EQ(editor().State().texture, 100);
+  EXPECT_EQ(editor().State().transparentColor, 0xFFFFFFu);
+  EXPECT_EQ(editor().State().transparency, 100);
 
-// A plain balloon (white box) inserted at 100 is drawn keyed, the box whole; one
-// inserted at 50 is mixed half and half with the grey below. The first keeps its own.
-TEST_F(FrameTest, BalloonsTakeTheTransparencyOfTheirInsertion) {
   editor().SetTextFont("Arial,,,12,,,0000FF");
-  editor().SetTransparency(0, 100);
   editor().InsertBalloonText(150, 100, "", 0, 0, 40, 30, "Hi");
   editor().SetTransparency(0, 50);
   editor().InsertBalloonText(200, 100, "", 0, 0, 40, 30, "Hi");
