@@ -73,11 +73,14 @@ struct MoveTimes {
   double slowestProcessorMs = 0;
 };
 
+// The processor time this thread has used: what a move costs itself, without the time
+// slices other processes take meanwhile.
 double ThreadProcessorMs() {
   timespec now{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
   return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
 }
+
 std::map<std::string, MoveTimes>& Results() {
   static std::map<std::string, MoveTimes> results;
   return results;

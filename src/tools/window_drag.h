@@ -1,8 +1,8 @@
 // A drag of the left button with no tool chosen: of the selection box, of an inserted
 // object, or of the view. Unlike a tool's, its points are window points: the box and
-// the objects keep window coordinates, and a pan moves the picture under a pointer
-// that stays where it is on the window. The press may land anywhere in the window,
-// and while the drag lasts the editor holds the mouse, kept inside the window.
+// the objects keep window coordinates, and a pan follows the pointer across the window
+// while the picture moves under it. The press may land anywhere in the window, and
+// while the drag lasts the editor holds the mouse, kept inside the window.
 #pragma once
 
 #include "platform/platform.h"

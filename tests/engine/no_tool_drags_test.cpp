@@ -4,7 +4,7 @@
 // scales the picture the object was inserted with; and an object that goes mid-drag
 // (deleted, or taken back by the history) ends its drag. The dragging rules
 // themselves are in tests/cli/drag_*.ies.
-#include <cstring>
+#include <cstdint>
 #include <vector>
 
 #include "test_support.h"
@@ -30,7 +30,8 @@ class NoToolDragsTest : public HostedTest {
   void InsertIcon(int x, int y, int width, int height) {
     std::vector<COLORREF> colors;
     for (int j = 0; j < height; ++j) {
-      for (int i = 0; i < width; ++i) colors.push_back(RGB(255 - i * 7, j * 9, (i + j) * 5));
+      for (int i = 0; i < width; ++i)
+        colors.push_back(RGB((i * 37) & 0xFF, (j * 53) & 0xFF, ((i + j) * 11) & 0xFF));
     }
     editor().InsertIcon(x, y, live_.files.Write("icon.bmp", BitmapFile(width, height, colors)).c_str());
   }
