@@ -4,12 +4,3 @@
 
 void CImageEditWnd::SetTexture(int) {}
 void CImageEditWnd::SetFrame(int, LPCSTR, int, int) {}
-void CImageEditWnd::RotateImage(int) {}
-void CImageEditWnd::BlockImage() {}
-void CImageEditWnd::CheckImage() {}
-void CImageEditWnd::WaterDropImage() {}
-void CImageEditWnd::FlipImage() {}
-void CImageEditWnd::ReverseImage() {}
-void CImageEditWnd::EmbossImage() {}
-void CImageEditWnd::EqualizeHistogram() {}
-void CImageEditWnd::BlendImage(LPCSTR, int) {}
