@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
 
 #include "pixels/pixel_buffer.h"
@@ -60,6 +61,15 @@ struct SmallKernel {
   std::int16_t offset;
 };
 
+// The emboss's own, known when compiled: its zero weights cost nothing and its others
+// are additions and subtractions.
+struct EmbossKernel {
+  static constexpr std::int16_t weight[9] = {1, 1, 0, 1, 0, -1, 0, -1, -1};
+  static constexpr std::int16_t offset = kEmbossOffset;
+};
+static_assert(std::equal(std::begin(EmbossKernel::weight), std::end(EmbossKernel::weight),
+                         std::begin(kEmbossKernel)));
+
 bool FitsSmallKernel(std::span<const int> kernel, int n, int divisor, int offset) {
   if (n != 3 || divisor != 1) return false;
   long long reach = std::llabs(offset);
@@ -67,8 +77,14 @@ bool FitsSmallKernel(std::span<const int> kernel, int n, int divisor, int offset
   return reach <= INT16_MAX;
 }
 
-void ConvolveRowSmall(const SmallKernel& k, const BYTE* below, const BYTE* level, const BYTE* above,
-                      BYTE* out, int count) {
+bool IsEmboss(std::span<const int> kernel, int n, int divisor, int offset) {
+  return n == 3 && divisor == 1 && offset == kEmbossOffset &&
+         std::equal(kernel.begin(), kernel.end(), std::begin(kEmbossKernel));
+}
+
+template <typename Kernel>
+void ConvolveRowSmall(const Kernel& k, const BYTE* below, const BYTE* level, const BYTE* above, BYTE* out,
+                      int count) {
   for (int i = 0; i < count; ++i) {
     const auto sum = static_cast<std::int16_t>(
         k.weight[0] * below[i] + k.weight[1] * below[i + 3] + k.weight[2] * below[i + 6] +
@@ -106,11 +122,11 @@ void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, i
   }
   const int border = n / 2;
   const int count = rect.width() * 3;
+  const bool emboss = IsEmboss(kernel, n, divisor, offset);
   const bool small = FitsSmallKernel(kernel, n, divisor, offset);
   SmallKernel smallKernel{};
   if (small) {
-    for (int i = 0; i < 9; ++i)
-      smallKernel.weight[i] = static_cast<std::int16_t>(kernel[static_cast<std::size_t>(i)]);
+    for (std::size_t i = 0; i < 9; ++i) smallKernel.weight[i] = static_cast<std::int16_t>(kernel[i]);
     smallKernel.offset = static_cast<std::int16_t>(offset);
   }
   // Row y is written once the row `border` above it is kept: every row an output row
@@ -119,7 +135,9 @@ void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, i
   for (int y = 0; y < rect.height(); ++y) {
     rows.Load(y + border);
     BYTE* out = rect.At(0, y);
-    if (small) {
+    if (emboss) {
+      ConvolveRowSmall(EmbossKernel{}, rows.Row(y - 1), rows.Row(y), rows.Row(y + 1), out, count);
+    } else if (small) {
       ConvolveRowSmall(smallKernel, rows.Row(y - 1), rows.Row(y), rows.Row(y + 1), out, count);
     } else {
       ConvolveRowAny(kernel, n, divisor, offset, rows, y, out, count);

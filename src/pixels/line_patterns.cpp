@@ -59,8 +59,9 @@ void DrawCheckLines(const PixelRect& surface, const RECT& image) {
   if (at.empty()) return;
   static const Table line = Transform(0.8, 51.0);
   for (int r = at.top - 10; r >= 0; r -= 10) ApplyRunsBetween(line, surface, r, at.left, at.right, 10);
-  for (int x = at.left + 10; x < at.right; x += 10) {
-    for (int r = at.top; r >= 0; --r) Apply(line, surface.At(x, r));
+  // Row by row rather than line by line: the same pixels, read in memory order.
+  for (int r = at.top; r >= 0; --r) {
+    for (int x = at.left + 10; x < at.right; x += 10) Apply(line, surface.At(x, r));
   }
 }
 
@@ -74,9 +75,10 @@ void DrawBlockGrooves(const PixelRect& surface, const RECT& image) {
     ApplyRunsBetween(light, surface, r + 2, at.left, at.right, 30);
     ApplyRun(middle, surface, r + 1, at.left, at.right);
   }
-  for (int x = at.left + 30; x < at.right; x += 30) {
-    for (int r = at.top; r >= 0; --r) {
-      if ((r - at.bottom + 1) % 30 != 0) {
+  for (int r = at.top; r >= 0; --r) {
+    const bool outerLines = (r - at.bottom + 1) % 30 != 0;
+    for (int x = at.left + 30; x < at.right; x += 30) {
+      if (outerLines) {
         Apply(light, surface.At(x, r));
         Apply(light, surface.At(x - 2, r));
       }

@@ -8,23 +8,31 @@
 
 namespace {
 
-// Four pixels (12 bytes) in reverse order, from `from` to `to`, through one 64-bit and
-// one 32-bit word: the compiler keeps them in registers, where three single-byte
-// exchanges a pixel would go through memory.
-void ReverseFourPixels(const BYTE* from, BYTE* to) {
+// Four pixels (12 bytes) as one 64-bit and one 32-bit word, which the compiler keeps
+// in registers, where three single-byte exchanges a pixel would go through memory.
+struct FourPixels {
   std::uint64_t low;
   std::uint32_t high;
-  std::memcpy(&low, from, 8);
-  std::memcpy(&high, from + 8, 4);
-  const std::uint64_t a = low & 0xFFFFFF;
-  const std::uint64_t b = (low >> 24) & 0xFFFFFF;
-  const std::uint64_t c = (low >> 48) | (static_cast<std::uint64_t>(high & 0xFF) << 16);
-  const std::uint64_t d = high >> 8;
-  const std::uint64_t outLow = d | (c << 24) | (b << 48);
-  const auto outHigh = static_cast<std::uint32_t>((b >> 16) | (a << 8));
-  std::memcpy(to, &outLow, 8);
-  std::memcpy(to + 8, &outHigh, 4);
-}
+
+  static FourPixels Load(const BYTE* from) {
+    FourPixels p;
+    std::memcpy(&p.low, from, 8);
+    std::memcpy(&p.high, from + 8, 4);
+    return p;
+  }
+  void Store(BYTE* to) const {
+    std::memcpy(to, &low, 8);
+    std::memcpy(to + 8, &high, 4);
+  }
+  // The same four pixels in reverse order.
+  FourPixels Reversed() const {
+    const std::uint64_t a = low & 0xFFFFFF;
+    const std::uint64_t b = (low >> 24) & 0xFFFFFF;
+    const std::uint64_t c = (low >> 48) | (static_cast<std::uint64_t>(high & 0xFF) << 16);
+    const std::uint64_t d = high >> 8;
+    return FourPixels{d | (c << 24) | (b << 48), static_cast<std::uint32_t>((b >> 16) | (a << 8))};
+  }
+};
 
 void SwapPixels(BYTE* a, BYTE* b) {
   std::swap(a[0], b[0]);
@@ -41,10 +49,10 @@ void MirrorRows(const PixelRect& rect) {
     BYTE* right = rect.At(rect.width(), y);  // just past the row
     // Four pixels from each end at a time while the two blocks do not meet.
     while (right - left >= 24) {
-      BYTE leftBlock[12];
-      std::memcpy(leftBlock, left, 12);
-      ReverseFourPixels(right - 12, left);
-      ReverseFourPixels(leftBlock, right - 12);
+      const FourPixels first = FourPixels::Load(left);
+      const FourPixels last = FourPixels::Load(right - 12);
+      last.Reversed().Store(left);
+      first.Reversed().Store(right - 12);
       left += 12;
       right -= 12;
     }
