@@ -21,6 +21,7 @@
 #include "platform/gdi_handles.h"
 #include "platform/platform.h"
 #include "tools/captured_pixels.h"
+#include "tools/no_tool_drags.h"
 #include "tools/pointer_hover.h"
 #include "tools/stroke_state.h"
 #include "tools/text_entry.h"
@@ -216,6 +217,7 @@ class CImageEditWnd : public CWnd {
   ToolBox m_toolBox;              // one interaction per tool
   StrokeState m_stroke;           // the stroke under way
   PointerHover m_hover;           // what the pointer is over, for the cursor of no tool
+  NoToolDrags m_noToolDrags;      // the drags of the box, the objects and the view with no tool
   CapturedPixels m_captured;      // what the rectangle selection captured
 
  private:
