@@ -5,6 +5,7 @@
 // undo, redo or new width); a history level records the settings, not those pixels.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -15,32 +16,69 @@
 #include "pixels/line_patterns.h"
 #include "pixels/mirror.h"
 #include "pixels/pixel_buffer.h"
+#include "pixels/pixel_rows.h"
 #include "pixels/rotate.h"
 
 namespace {
 
-// The image surface's pixels, changed by `effect` (given the buffer and the image
-// rectangle) and written back, shown at once and recorded by a history level without
-// a drawing-layer snapshot. The surface is not rebuilt first: the effect works on what
-// it shows, adjustments and earlier effects included. Nothing happens when the pixels
-// cannot be read.
+// The surface's rows of `area` (kept inside the surface) as an effect works on them,
+// bottom row first as a 24-bit buffer holds them. Where the platform maps the image
+// surface's own rows they are changed in place, four bytes a pixel; otherwise they
+// are read into a buffer of the whole surface and written back. The mapped rows are
+// taken only when such a buffer could be had, so that a surface beyond the pixel
+// limit fails as the buffer's reading fails. False when the pixels could not be read.
 template <typename Effect>
-void RewriteImageSurface(CImageEditWnd& editor, Effect&& effect) {
+bool ChangeSurfaceRows(CImageEditWnd& editor, const RECT& area, Effect&& effect) {
   const Surface& surface = editor.m_surfaces.imageSurface;
+  platform::BitmapRows mapped;
+  if (PixelBufferWouldFit(surface.bitmap()) &&
+      platform::MapBitmapRows(surface.bitmap(), surface.bitmap(), area, &mapped)) {
+    PixelRows rows = RowsOf(mapped);
+    rows.TurnOver();
+    effect(rows);
+    return true;
+  }
   PixelBuffer pixels = editor.ReadSurfacePixels(surface.dc(), surface.bitmap());
-  if (!pixels) return;
-  effect(pixels, editor.m_view.imageRect());
+  if (!pixels) return false;
+  effect(RowsOf(pixels.Area(area)));
   editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(pixels));
+  return true;
+}
+
+// The image surface's pixels of `area` changed by `effect`, shown at once and
+// recorded by a history level without a drawing-layer snapshot. The surface is not
+// rebuilt first: the effect works on what it shows, adjustments and earlier effects
+// included. Nothing happens when the pixels cannot be read.
+template <typename Effect>
+void RewriteImageSurface(CImageEditWnd& editor, const RECT& area, Effect&& effect) {
+  if (!ChangeSurfaceRows(editor, area, std::forward<Effect>(effect))) return;
   editor.RedrawWindow();
   editor.CommitHistoryLevel(nullptr, 0, 0);
 }
 
 // Every surface effect closes text entry first and needs the image surface.
 template <typename Effect>
-void RunSurfaceEffect(CImageEditWnd& editor, Effect&& effect) {
+void RunSurfaceEffect(CImageEditWnd& editor, const RECT& area, Effect&& effect) {
   editor.CloseTextEntry();
   if (!editor.m_surfaces.imageSurface.dc()) return;
-  RewriteImageSurface(editor, std::forward<Effect>(effect));
+  RewriteImageSurface(editor, area, std::forward<Effect>(effect));
+}
+
+// An edge beyond every surface: the area reaches the surface's own edge there.
+constexpr LONG kBeyondTheSurface = std::numeric_limits<LONG>::max();
+
+// The image rectangle's rows across the whole width of the surface. The surface is
+// white outside the image rectangle after every refill, so exchanging only the
+// rectangle's columns would show the same picture in most layouts; but when a
+// surface's new bitmap cannot be made the old one stays, pixels of an earlier layout
+// and all, and those are turned over with the rows as a 24-bit buffer's whole rows
+// would be. The picture filling the surface, it costs nothing more.
+RECT FullWidthRows(const RECT& image) { return RECT{0, image.top, kBeyondTheSurface, image.bottom}; }
+
+// The image rectangle's columns from its top edge to the bottom of the surface: the
+// line patterns run on below the picture.
+RECT DownToTheBottom(const RECT& image) {
+  return RECT{image.left, image.top, image.right, kBeyondTheSurface};
 }
 
 // A new bitmap compatible with `dc` holding `bitmap` turned a quarter; null (and
@@ -96,37 +134,32 @@ void CentreOver(CInsertedObject& object, PicturePoint point, const ViewPlacement
 }  // namespace
 
 void CImageEditWnd::FlipImage() {
-  RunSurfaceEffect(*this, [this](const PixelBuffer& pixels, const RECT& image) {
-    FlipRows(pixels.Area(image), m_messages.OutOfMemoryReporter());
-  });
+  RunSurfaceEffect(*this, FullWidthRows(m_view.imageRect()),
+                   [this](const PixelRows& rows) { FlipRows(rows, m_messages.OutOfMemoryReporter()); });
 }
 
 void CImageEditWnd::ReverseImage() {
-  RunSurfaceEffect(*this,
-                   [](const PixelBuffer& pixels, const RECT& image) { MirrorRows(pixels.Area(image)); });
+  RunSurfaceEffect(*this, m_view.imageRect(), [](const PixelRows& rows) { MirrorRows(rows); });
 }
 
 void CImageEditWnd::EmbossImage() {
-  RunSurfaceEffect(*this, [this](const PixelBuffer& pixels, const RECT& image) {
-    EmbossPixels(pixels.Area(image), m_messages.OutOfMemoryReporter());
-  });
+  RunSurfaceEffect(*this, m_view.imageRect(),
+                   [this](const PixelRows& rows) { EmbossPixels(rows, m_messages.OutOfMemoryReporter()); });
 }
 
 void CImageEditWnd::EqualizeHistogram() {
-  RunSurfaceEffect(*this,
-                   [](const PixelBuffer& pixels, const RECT& image) { EqualizePixels(pixels.Area(image)); });
+  RunSurfaceEffect(*this, m_view.imageRect(), [](const PixelRows& rows) { EqualizePixels(rows); });
 }
 
-// The two line patterns are laid out from the image rectangle but run on below it to
-// the bottom of the surface, so they take the whole buffer.
 void CImageEditWnd::CheckImage() {
-  RunSurfaceEffect(
-      *this, [](const PixelBuffer& pixels, const RECT& image) { DrawCheckLines(pixels.Whole(), image); });
+  RunSurfaceEffect(*this, DownToTheBottom(m_view.imageRect()),
+                   [](const PixelRows& rows) { DrawCheckLines(rows); });
 }
 
 void CImageEditWnd::BlockImage() {
-  RunSurfaceEffect(
-      *this, [](const PixelBuffer& pixels, const RECT& image) { DrawBlockGrooves(pixels.Whole(), image); });
+  const RECT image = m_view.imageRect();
+  RunSurfaceEffect(*this, DownToTheBottom(image),
+                   [&image](const PixelRows& rows) { DrawBlockGrooves(rows, image); });
 }
 
 // The second picture is only loaded, to check that it can be, and the factor kept
@@ -138,7 +171,7 @@ void CImageEditWnd::BlendImage(LPCSTR lpszFilePath, int nAlpha) {
   const int alpha = std::clamp(nAlpha, 0, 200);
   const platform::OwnedBitmap blended(imageio::LoadImage(lpszFilePath, m_messages.LoadContext(m_hWnd)));
   if (blended) m_settings.blend = alpha * 0.01;
-  RewriteImageSurface(*this, [](const PixelBuffer&, const RECT&) {});
+  RewriteImageSurface(*this, m_view.imageRect(), [](const PixelRows&) {});
 }
 
 // No pattern is drawn: the operation marks a history level.

@@ -16,26 +16,30 @@ namespace {
 // pixels repeated `border` times on either side.
 class RowRing {
  public:
-  RowRing(const PixelRect& rect, int n)
-      : rect_(rect),
+  RowRing(const PixelRows& rows, int n)
+      : rows_(rows),
         n_(n),
         border_(n / 2),
-        rowBytes_(static_cast<std::size_t>(rect.width() + 2 * border_) * 3) {
-    const std::size_t whole = rowBytes_ * static_cast<std::size_t>(rect.height() + 2 * border_);
+        pixelBytes_(static_cast<std::size_t>(rows.bytesPerPixel)),
+        rowBytes_(static_cast<std::size_t>(rows.width + 2 * border_) * pixelBytes_) {
+    const std::size_t whole = static_cast<std::size_t>(rows.width + 2 * border_) * 3 *
+                              static_cast<std::size_t>(rows.height() + 2 * border_);
     if (WithinPixelLimit(whole)) memory_ = AllocatePixels(rowBytes_ * static_cast<std::size_t>(n));
   }
   bool valid() const { return memory_ != nullptr; }
 
-  // Keeps rectangle row j (rows beyond the rectangle repeat its first or last one) in
-  // the slot of the row n rows below it, which no output row needs any more.
+  // Keeps row j (rows beyond the rectangle repeat its first or last one) in the slot
+  // of the row n rows below it, which no output row needs any more.
   void Load(int j) {
     BYTE* row = Slot(j);
-    const std::size_t inside = static_cast<std::size_t>(border_) * 3;
-    const std::size_t pixels = static_cast<std::size_t>(rect_.width()) * 3;
-    std::memcpy(row + inside, rect_.At(0, std::clamp(j, 0, rect_.height() - 1)), pixels);
+    const std::size_t inside = static_cast<std::size_t>(border_) * pixelBytes_;
+    const std::size_t pixels = static_cast<std::size_t>(rows_.width) * pixelBytes_;
+    std::memcpy(row + inside, rows_.out[static_cast<std::size_t>(std::clamp(j, 0, rows_.height() - 1))],
+                pixels);
     for (int b = 0; b < border_; ++b) {
-      std::memcpy(row + static_cast<std::size_t>(b) * 3, row + inside, 3);
-      std::memcpy(row + inside + pixels + static_cast<std::size_t>(b) * 3, row + inside + pixels - 3, 3);
+      std::memcpy(row + static_cast<std::size_t>(b) * pixelBytes_, row + inside, pixelBytes_);
+      std::memcpy(row + inside + pixels + static_cast<std::size_t>(b) * pixelBytes_,
+                  row + inside + pixels - pixelBytes_, pixelBytes_);
     }
   }
   // Row j as kept, from its first border pixel.
@@ -47,9 +51,10 @@ class RowRing {
     return memory_.get() + static_cast<std::size_t>(slot) * rowBytes_;
   }
 
-  PixelRect rect_;
+  const PixelRows& rows_;
   int n_;
   int border_;
+  std::size_t pixelBytes_;
   std::size_t rowBytes_;
   std::unique_ptr<BYTE[]> memory_;
 };
@@ -82,19 +87,20 @@ bool IsEmboss(std::span<const int> kernel, int n, int divisor, int offset) {
          std::equal(kernel.begin(), kernel.end(), std::begin(kEmbossKernel));
 }
 
-template <typename Kernel>
+template <int Bpp, typename Kernel>
 void ConvolveRowSmall(const Kernel& k, const BYTE* below, const BYTE* level, const BYTE* above, BYTE* out,
                       int count) {
   for (int i = 0; i < count; ++i) {
     const auto sum = static_cast<std::int16_t>(
-        k.weight[0] * below[i] + k.weight[1] * below[i + 3] + k.weight[2] * below[i + 6] +
-        k.weight[3] * level[i] + k.weight[4] * level[i + 3] + k.weight[5] * level[i + 6] +
-        k.weight[6] * above[i] + k.weight[7] * above[i + 3] + k.weight[8] * above[i + 6] + k.offset);
+        k.weight[0] * below[i] + k.weight[1] * below[i + Bpp] + k.weight[2] * below[i + 2 * Bpp] +
+        k.weight[3] * level[i] + k.weight[4] * level[i + Bpp] + k.weight[5] * level[i + 2 * Bpp] +
+        k.weight[6] * above[i] + k.weight[7] * above[i + Bpp] + k.weight[8] * above[i + 2 * Bpp] + k.offset);
     out[i] = static_cast<BYTE>(std::clamp<std::int16_t>(sum, 0, 255));
   }
 }
 
 // Any kernel: 64-bit sums, so that no weight can overflow them.
+template <int Bpp>
 void ConvolveRowAny(std::span<const int> kernel, int n, int divisor, int offset, const RowRing& rows, int y,
                     BYTE* out, int count) {
   const int border = n / 2;
@@ -103,25 +109,20 @@ void ConvolveRowAny(std::span<const int> kernel, int n, int divisor, int offset,
     for (int j = 0; j < n; ++j) {
       const BYTE* row = rows.Row(y - border + j) + i;
       for (int k = 0; k < n; ++k)
-        sum += static_cast<long long>(kernel[static_cast<std::size_t>(j * n + k)]) * row[3 * k];
+        sum += static_cast<long long>(kernel[static_cast<std::size_t>(j * n + k)]) * row[Bpp * k];
     }
     out[i] = static_cast<BYTE>(std::clamp<long long>(sum / divisor + offset, 0, 255));
   }
 }
 
-}  // namespace
-
-void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, int divisor, int offset,
-                    const OutOfMemoryHandler& outOfMemory) {
-  if (rect.empty() || n < 1 || n % 2 == 0 || kernel.size() != static_cast<std::size_t>(n) * n || divisor == 0)
-    return;
-  RowRing rows(rect, n);
-  if (!rows.valid()) {
-    if (outOfMemory) outOfMemory();
-    return;
-  }
+// Every byte of a row is computed, the fourth of a 32-bit pixel too (the rule makes
+// it the offset), and then put back to 0: the loop stays one plain run of bytes that
+// the compiler turns into vector code.
+template <int Bpp>
+void Convolve(const PixelRows& rows, std::span<const int> kernel, int n, int divisor, int offset,
+              RowRing& ring) {
   const int border = n / 2;
-  const int count = rect.width() * 3;
+  const int count = rows.width * Bpp;
   const bool emboss = IsEmboss(kernel, n, divisor, offset);
   const bool small = FitsSmallKernel(kernel, n, divisor, offset);
   SmallKernel smallKernel{};
@@ -131,20 +132,48 @@ void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, i
   }
   // Row y is written once the row `border` above it is kept: every row an output row
   // reads is kept before it is overwritten.
-  for (int j = -border; j < border; ++j) rows.Load(j);
-  for (int y = 0; y < rect.height(); ++y) {
-    rows.Load(y + border);
-    BYTE* out = rect.At(0, y);
+  for (int j = -border; j < border; ++j) ring.Load(j);
+  for (int y = 0; y < rows.height(); ++y) {
+    ring.Load(y + border);
+    BYTE* out = rows.out[static_cast<std::size_t>(y)];
     if (emboss) {
-      ConvolveRowSmall(EmbossKernel{}, rows.Row(y - 1), rows.Row(y), rows.Row(y + 1), out, count);
+      ConvolveRowSmall<Bpp>(EmbossKernel{}, ring.Row(y - 1), ring.Row(y), ring.Row(y + 1), out, count);
     } else if (small) {
-      ConvolveRowSmall(smallKernel, rows.Row(y - 1), rows.Row(y), rows.Row(y + 1), out, count);
+      ConvolveRowSmall<Bpp>(smallKernel, ring.Row(y - 1), ring.Row(y), ring.Row(y + 1), out, count);
     } else {
-      ConvolveRowAny(kernel, n, divisor, offset, rows, y, out, count);
+      ConvolveRowAny<Bpp>(kernel, n, divisor, offset, ring, y, out, count);
     }
+    if constexpr (Bpp == 4) ClearFourthBytes(out, rows.width);
+  }
+}
+
+}  // namespace
+
+void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, int divisor, int offset,
+                    const OutOfMemoryHandler& outOfMemory) {
+  ConvolvePixels(RowsOf(rect), kernel, n, divisor, offset, outOfMemory);
+}
+
+void ConvolvePixels(const PixelRows& rows, std::span<const int> kernel, int n, int divisor, int offset,
+                    const OutOfMemoryHandler& outOfMemory) {
+  if (rows.empty() || n < 1 || n % 2 == 0 || kernel.size() != static_cast<std::size_t>(n) * n || divisor == 0)
+    return;
+  RowRing ring(rows, n);
+  if (!ring.valid()) {
+    if (outOfMemory) outOfMemory();
+    return;
+  }
+  if (rows.bytesPerPixel == 4) {
+    Convolve<4>(rows, kernel, n, divisor, offset, ring);
+  } else {
+    Convolve<3>(rows, kernel, n, divisor, offset, ring);
   }
 }
 
 void EmbossPixels(const PixelRect& rect, const OutOfMemoryHandler& outOfMemory) {
   ConvolvePixels(rect, kEmbossKernel, 3, 1, kEmbossOffset, outOfMemory);
+}
+
+void EmbossPixels(const PixelRows& rows, const OutOfMemoryHandler& outOfMemory) {
+  ConvolvePixels(rows, kEmbossKernel, 3, 1, kEmbossOffset, outOfMemory);
 }

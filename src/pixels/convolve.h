@@ -4,7 +4,7 @@
 
 #include <span>
 
-#include "pixels/pixel_rect.h"
+#include "pixels/pixel_rows.h"
 
 // Every byte of the rectangle becomes clamp(sum / divisor + offset) to 0..255, where
 // sum adds weight * byte over the n x n neighbourhood of the same byte position as it
@@ -18,6 +18,12 @@
 // another size or a divisor of 0 changes nothing either.
 void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, int divisor, int offset,
                     const OutOfMemoryHandler& outOfMemory = {});
+// The same in place on the rows' `out` side, which run bottom row first as a buffer's
+// do. The working copy is asked for at its size in three-byte pixels whatever the
+// rows hold, so that a picture fails alike on a buffer and on bitmap rows; the fourth
+// byte of a 32-bit pixel stays 0.
+void ConvolvePixels(const PixelRows& rows, std::span<const int> kernel, int n, int divisor, int offset,
+                    const OutOfMemoryHandler& outOfMemory = {});
 
 // The emboss kernel in buffer-row order. On the screen it reads, rows top to bottom:
 // 0 -1 -1 / 1 0 -1 / 1 1 0, so that with the offset of 128 a uniform area becomes 128,
@@ -26,3 +32,4 @@ inline constexpr int kEmbossKernel[9] = {1, 1, 0, 1, 0, -1, 0, -1, -1};
 inline constexpr int kEmbossOffset = 128;
 
 void EmbossPixels(const PixelRect& rect, const OutOfMemoryHandler& outOfMemory = {});
+void EmbossPixels(const PixelRows& rows, const OutOfMemoryHandler& outOfMemory = {});

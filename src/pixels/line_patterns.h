@@ -3,7 +3,7 @@
 // and both run on below it to the bottom of the surface.
 #pragma once
 
-#include "pixels/pixel_rect.h"
+#include "pixels/pixel_rows.h"
 
 // `surface` is a whole buffer (its rows are the surface's, bottom-up) and `image` the
 // image rectangle in surface coordinates (top-down), kept inside the surface. With L,
@@ -13,6 +13,10 @@
 // columns L + 10, L + 20, ... before R from row T to the bottom of the surface. White
 // stays white; black becomes 51.
 void DrawCheckLines(const PixelRect& surface, const RECT& image);
+// The same on the rows that the lines can touch, in place (their `out` side): the
+// columns L .. R - 1 of the surface rows from its bottom row up to row T, bottom row
+// first, three or four bytes a pixel (the fourth left alone).
+void DrawCheckLines(const PixelRows& area);
 
 // Grooves every 30 pixels, each three pixels wide: the outer two lines lightened,
 // trunc(v * 0.7 + 60.0), the middle one less, trunc(v * 0.9 + 20.0). Horizontal
@@ -24,3 +28,6 @@ void DrawCheckLines(const PixelRect& surface, const RECT& image);
 // rectangle's bottom edge). Where grooves cross, a pixel takes both transforms in
 // that order.
 void DrawBlockGrooves(const PixelRect& surface, const RECT& image);
+// The same on the rows the grooves can touch, taken as for the check lines; `image`
+// gives the rectangle's bottom edge, kept between T and the bottom of the surface.
+void DrawBlockGrooves(const PixelRows& area, const RECT& image);

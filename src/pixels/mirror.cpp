@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 #include "pixels/pixel_buffer.h"
 
@@ -71,7 +72,7 @@ struct RowCopy {
   }
 };
 
-void MirrorRow(BYTE* row, int width) {
+void MirrorRow3(BYTE* row, int width) {
   constexpr std::ptrdiff_t kChunkBytes = kChunk * 3;
   RowCopy<kChunk> low;
   RowCopy<kChunk> high;
@@ -91,27 +92,62 @@ void MirrorRow(BYTE* row, int width) {
   ReverseInto(middle.Take(left, rest), static_cast<int>(rest / 3), left);
 }
 
-}  // namespace
-
-void MirrorRows(const PixelRect& rect) {
-  if (rect.empty()) return;
-  for (int y = 0; y < rect.height(); ++y) MirrorRow(rect.At(0, y), rect.width());
+// Four-byte pixels are words: exchanged from both ends, which the compiler does with
+// whole vectors of words reversed.
+void MirrorRow4(BYTE* row, int width) {
+  for (int i = 0, j = width - 1; i < j; ++i, --j) {
+    std::uint32_t a, b;
+    std::memcpy(&a, row + 4 * i, 4);
+    std::memcpy(&b, row + 4 * j, 4);
+    std::memcpy(row + 4 * i, &b, 4);
+    std::memcpy(row + 4 * j, &a, 4);
+  }
 }
 
-void FlipRows(const PixelRect& rect, const OutOfMemoryHandler& outOfMemory) {
-  if (!rect.buffer || rect.stride <= 0) return;
-  const auto rowBytes = static_cast<std::size_t>(rect.stride);
-  const std::unique_ptr<BYTE[]> row = AllocatePixels(rowBytes);
+// Rows in reverse order, each `bytes` long, through one row of memory.
+template <typename RowAt>
+void ExchangeRows(int count, std::size_t bytes, RowAt&& rowAt, const OutOfMemoryHandler& outOfMemory) {
+  if (count < 2) return;
+  const std::unique_ptr<BYTE[]> row = AllocatePixels(bytes);
   if (!row) {
     if (outOfMemory) outOfMemory();
     return;
   }
-  const auto rowAt = [&](int y) { return rect.buffer + static_cast<std::ptrdiff_t>(y) * rect.stride; };
-  for (int k = 0; k < rect.height() / 2; ++k) {
-    BYTE* low = rowAt(rect.y0 + k);
-    BYTE* high = rowAt(rect.y1 - 1 - k);
-    std::memcpy(row.get(), low, rowBytes);
-    std::memcpy(low, high, rowBytes);
-    std::memcpy(high, row.get(), rowBytes);
+  for (int k = 0; k < count / 2; ++k) {
+    BYTE* low = rowAt(k);
+    BYTE* high = rowAt(count - 1 - k);
+    std::memcpy(row.get(), low, bytes);
+    std::memcpy(low, high, bytes);
+    std::memcpy(high, row.get(), bytes);
   }
+}
+
+}  // namespace
+
+void MirrorRows(const PixelRect& rect) { MirrorRows(RowsOf(rect)); }
+
+void MirrorRows(const PixelRows& rows) {
+  if (rows.empty()) return;
+  for (BYTE* row : rows.out) {
+    if (rows.bytesPerPixel == 4) {
+      MirrorRow4(row, rows.width);
+    } else {
+      MirrorRow3(row, rows.width);
+    }
+  }
+}
+
+void FlipRows(const PixelRect& rect, const OutOfMemoryHandler& outOfMemory) {
+  if (!rect.buffer || rect.stride <= 0) return;
+  ExchangeRows(
+      rect.height(), static_cast<std::size_t>(rect.stride),
+      [&](int k) { return rect.buffer + static_cast<std::ptrdiff_t>(rect.y0 + k) * rect.stride; },
+      outOfMemory);
+}
+
+void FlipRows(const PixelRows& rows, const OutOfMemoryHandler& outOfMemory) {
+  if (rows.empty()) return;
+  ExchangeRows(
+      rows.height(), static_cast<std::size_t>(rows.rowBytes()),
+      [&](int k) { return rows.out[static_cast<std::size_t>(k)]; }, outOfMemory);
 }

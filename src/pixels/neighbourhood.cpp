@@ -99,16 +99,6 @@ struct Sharpen {
   }
 };
 
-// The fourth byte of a 32-bit pixel stays 0 whatever a rule made of it.
-void ClearFourthBytes(BYTE* row, int pixels) {
-  for (int x = 0; x < pixels; ++x) {
-    std::uint32_t p;
-    std::memcpy(&p, row + 4 * x, 4);
-    p &= 0x00FFFFFF;
-    std::memcpy(row + 4 * x, &p, 4);
-  }
-}
-
 // The working rows: for each part of the rows, three rows in turn, the rows just
 // above and below the part, and a row of bytes with the edge pixels repeated that
 // each is loaded from. Cells are at most 16 bits; every working row has room for

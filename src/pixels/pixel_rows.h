@@ -3,9 +3,14 @@
 // (four bytes a pixel, the fourth 0) read from one bitmap and written to another, so
 // that a rebuild goes from the original picture to the image surface with no buffer
 // between. Bytes 0, 1 and 2 of a pixel are blue, green and red either way. The rows
-// may run top-down or bottom-up: every pass is the same read either way up.
+// may run top-down or bottom-up: every adjustment pass is the same read either way
+// up. The effects that tell up from down (the convolution, the line patterns) take
+// their rows bottom row first, as a 24-bit buffer holds them (`TurnOver`).
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "pixels/pixel_rect.h"
@@ -33,7 +38,22 @@ struct PixelRows {
   // Rows never written yet get the pixels they were to be read from: after this every
   // row of `out` holds its picture, whether or not a pass ran.
   void FillUnwritten();
+  // The same rows in the opposite order.
+  void TurnOver() {
+    std::reverse(in.begin(), in.end());
+    std::reverse(out.begin(), out.end());
+  }
 };
+
+// The fourth byte of a 32-bit pixel stays 0 whatever a rule made of it.
+inline void ClearFourthBytes(BYTE* row, int pixels) {
+  for (int x = 0; x < pixels; ++x) {
+    std::uint32_t p;
+    std::memcpy(&p, row + 4 * x, 4);
+    p &= 0x00FFFFFF;
+    std::memcpy(row + 4 * x, &p, 4);
+  }
+}
 
 PixelRows RowsOf(const PixelRect& rect);
 PixelRows RowsOf(const platform::BitmapRows& rows);
