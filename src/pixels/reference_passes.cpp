@@ -31,6 +31,22 @@ void RunNeighbourhoodFilter(const PixelRect& rect, int steps, NewByte&& newByte,
   }
 }
 
+// trunc(v * scale + lift) for each byte of a pixel.
+void Lighten(BYTE* pixel, double scale, double lift) {
+  for (int i = 0; i < 3; ++i) pixel[i] = ClampByte(static_cast<int>(pixel[i] * scale + lift));
+}
+
+// The image rectangle's edges kept inside the surface.
+struct Edges {
+  int left, top, right, bottom;
+};
+Edges EdgesOf(const PixelRect& surface, const RECT& image) {
+  const int left = std::clamp(static_cast<int>(image.left), 0, surface.width());
+  const int top = std::clamp(static_cast<int>(image.top), 0, surface.height());
+  return Edges{left, top, std::clamp(static_cast<int>(image.right), left, surface.width()),
+               std::clamp(static_cast<int>(image.bottom), top, surface.height())};
+}
+
 void LiftTowardsWhite(const PixelRect& rect) {
   ForEachPixel(rect, [](BYTE* pixel, int, int) {
     for (int i = 0; i < 3; ++i)
@@ -148,6 +164,44 @@ void EqualizePixels(const PixelRect& rect) {
   ForEachPixel(rect, [&](BYTE* pixel, int, int) {
     for (int i = 0; i < 3; ++i) pixel[i] = table[i][pixel[i]];
   });
+}
+
+void DrawCheckLines(const PixelRect& surface, const RECT& image) {
+  if (surface.empty()) return;
+  const Edges e = EdgesOf(surface, image);
+  const int hs = surface.height();
+  for (int r = hs - e.top - 11; r >= 0; r -= 10) {
+    for (int x = e.left; x < e.right; ++x) {
+      if ((x - e.left) % 10 != 0) Lighten(surface.At(x, r), 0.8, 51.0);
+    }
+  }
+  for (int x = e.left + 10; x < e.right; x += 10) {
+    for (int r = hs - e.top - 1; r >= 0; --r) Lighten(surface.At(x, r), 0.8, 51.0);
+  }
+}
+
+void DrawBlockGrooves(const PixelRect& surface, const RECT& image) {
+  if (surface.empty()) return;
+  const Edges e = EdgesOf(surface, image);
+  const int hs = surface.height();
+  for (int r = hs - e.top - 31; r >= 0; r -= 30) {
+    for (int x = e.left; x < e.right; ++x) {
+      if ((x - e.left) % 30 != 0) {
+        Lighten(surface.At(x, r), 0.7, 60.0);
+        Lighten(surface.At(x, r + 2), 0.7, 60.0);
+      }
+      Lighten(surface.At(x, r + 1), 0.9, 20.0);
+    }
+  }
+  for (int x = e.left + 30; x < e.right; x += 30) {
+    for (int r = hs - e.top - 1; r >= 0; --r) {
+      if ((r - e.bottom + 1) % 30 != 0) {
+        Lighten(surface.At(x, r), 0.7, 60.0);
+        Lighten(surface.At(x - 2, r), 0.7, 60.0);
+      }
+      Lighten(surface.At(x - 1, r), 0.9, 20.0);
+    }
+  }
 }
 
 }  // namespace reference

@@ -23,5 +23,9 @@ void FlipRows(const PixelRect& rect);
 void RotateQuarter(const PixelRect& source, int angle, const PixelRect& destination);
 void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, int divisor, int offset);
 void EqualizePixels(const PixelRect& rect);
+// The line patterns column by column over a whole buffer, each touched pixel's bytes
+// computed by the transform itself rather than a table.
+void DrawCheckLines(const PixelRect& surface, const RECT& image);
+void DrawBlockGrooves(const PixelRect& surface, const RECT& image);
 
 }  // namespace reference

@@ -250,5 +250,9 @@ struct BitmapRows {
   int width = 0;  // pixels of each row in the area
 };
 bool MapBitmapRows(HBITMAP source, HBITMAP target, const RECT& area, BitmapRows* rows);
+// Whether MapBitmapRows maps rows at all (the default). Off, it refuses every bitmap,
+// as a platform without direct row access would, so that tests can hold the callers'
+// way through 24-bit buffers to the same pixels.
+void OfferBitmapRows(bool offered);
 
 }  // namespace platform

@@ -473,7 +473,14 @@ const std::uint32_t* BitmapPixels(HBITMAP bitmap, int* width, int* height) {
   return object->raster.Pin();
 }
 
+namespace {
+bool g_bitmapRowsOffered = true;
+}  // namespace
+
+void OfferBitmapRows(bool offered) { g_bitmapRowsOffered = offered; }
+
 bool MapBitmapRows(HBITMAP source, HBITMAP target, const RECT& area, BitmapRows* rows) {
+  if (!g_bitmapRowsOffered) return false;
   const auto* from = Lookup<BitmapObject>(source);
   auto* to = Lookup<BitmapObject>(target);
   if (!from || !to || !rows || from->raster.mono || to->raster.mono ||

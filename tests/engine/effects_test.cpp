@@ -3,6 +3,7 @@
 // gone again at the next rebuild), their history levels, the blend factor, and what
 // running out of memory does.
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <set>
 #include <string>
@@ -33,6 +34,7 @@ class EffectsTest : public HostedTest {
   void TearDown() override {
     SetPixelBufferLimit(kDefaultPixelBufferLimit);
     platform::FailNthCreation(platform::GdiKind::Bitmap, 0);
+    platform::OfferBitmapRows(true);
     HostedTest::TearDown();
   }
 
@@ -314,26 +316,85 @@ TEST_F(EffectsTest, WaterDropRecordsALevelAndNothingElse) {
 // written back unchanged and the level recorded all the same. A surface whose pixels
 // cannot be read at all stops the effect before any of that.
 TEST_F(EffectsTest, OutOfMemory) {
-  // A picture larger than the window fills its surface, so its working copy of 42 x 32
-  // pixels needs more than the 40 x 30 x 3 bytes of the surface's buffer.
-  const std::vector<COLORREF> colors = RandomColors(40 * 30, 7);
-  LiveEditor small(20, 10);
-  small.Show(40, 30, colors);
-  small->EnableVerbose(1);
-  const int levels = small->m_history.count();
-  SetPixelBufferLimit(40 * 30 * 3);
-  small->EmbossImage();
-  ASSERT_EQ(host_.messages.size(), 1u);
-  EXPECT_EQ(host_.messages[0].text, "Out of Memory.");
-  EXPECT_EQ(host_.messages[0].type, static_cast<UINT>(MB_ICONHAND));
-  EXPECT_EQ(small->m_history.count(), levels + 1);
-  EXPECT_EQ(BitmapColors(small->m_surfaces.imageSurface.bitmap()), colors);
+  // Alike whether the effect works on the surface's own rows or on a buffer of them.
+  for (const bool mapped : {true, false}) {
+    SCOPED_TRACE(mapped ? "mapped rows" : "24-bit buffer");
+    platform::OfferBitmapRows(mapped);
+    host_.messages.clear();
+    // A picture larger than the window fills its surface, so its working copy of 42 x
+    // 32 pixels needs more than the 40 x 30 x 3 bytes of the surface's buffer.
+    const std::vector<COLORREF> colors = RandomColors(40 * 30, 7);
+    LiveEditor small(20, 10);
+    small.Show(40, 30, colors);
+    small->EnableVerbose(1);
+    const int levels = small->m_history.count();
+    SetPixelBufferLimit(40 * 30 * 3);
+    small->EmbossImage();
+    ASSERT_EQ(host_.messages.size(), 1u);
+    EXPECT_EQ(host_.messages[0].text, "Out of Memory.");
+    EXPECT_EQ(host_.messages[0].type, static_cast<UINT>(MB_ICONHAND));
+    EXPECT_EQ(small->m_history.count(), levels + 1);
+    EXPECT_EQ(BitmapColors(small->m_surfaces.imageSurface.bitmap()), colors);
 
-  SetPixelBufferLimit(100);
-  small->EnableVerbose(0);
-  small->FlipImage();
-  EXPECT_EQ(small->m_history.count(), levels + 1);
-  EXPECT_EQ(BitmapColors(small->m_surfaces.imageSurface.bitmap()), colors);
+    SetPixelBufferLimit(100);
+    small->EnableVerbose(0);
+    small->FlipImage();
+    EXPECT_EQ(small->m_history.count(), levels + 1);
+    EXPECT_EQ(BitmapColors(small->m_surfaces.imageSurface.bitmap()), colors);
+    SetPixelBufferLimit(kDefaultPixelBufferLimit);
+  }
+}
+
+// Each effect changes the image surface's own rows where the platform maps them and
+// goes through a 24-bit buffer of the surface where it does not: the whole surface
+// must come out the same either way. Pictures filling the surface, centred in a
+// larger one (white around them, the lines running on below), shown scaled down, and
+// adjusted first; each effect on its own and then all of them one after another.
+TEST_F(EffectsTest, MappedRowsAndTheBufferGiveTheSameSurface) {
+  struct Layout {
+    const char* what;
+    int width, height, clientWidth, clientHeight;
+    int imageWidth;  // SetImageWidth's argument; 0 leaves it at 100 %
+  };
+  const Layout layouts[] = {{"filling the surface", 75, 67, 40, 30, 0},
+                            {"centred in it", 37, 33, 90, 100, 0},
+                            {"scaled down", 97, 71, 110, 90, -65}};
+  using Effect = void (CImageEditWnd::*)();
+  const std::pair<const char*, Effect> effects[] = {
+      {"FlipImage", &CImageEditWnd::FlipImage},     {"ReverseImage", &CImageEditWnd::ReverseImage},
+      {"EmbossImage", &CImageEditWnd::EmbossImage}, {"EqualizeHistogram", &CImageEditWnd::EqualizeHistogram},
+      {"CheckImage", &CImageEditWnd::CheckImage},   {"BlockImage", &CImageEditWnd::BlockImage}};
+  unsigned seed = 20;
+  for (const Layout& layout : layouts) {
+    SCOPED_TRACE(layout.what);
+    const std::vector<COLORREF> colors = RandomColors(layout.width * layout.height, ++seed);
+    // The surface after `run`, and the levels it recorded, the rows mapped or not.
+    const auto surfaceAfter = [&](bool mapped, const std::function<void(CImageEditWnd&)>& run) {
+      platform::OfferBitmapRows(mapped);
+      LiveEditor live(layout.clientWidth, layout.clientHeight);
+      live.Show(layout.width, layout.height, colors);
+      if (layout.imageWidth != 0) live->SetImageWidth(layout.imageWidth);
+      live->BrightenImage(120);
+      const int levels = live->m_history.count();
+      run(*live.editor);
+      std::vector<COLORREF> surface = BitmapColors(live->m_surfaces.imageSurface.bitmap());
+      surface.push_back(static_cast<COLORREF>(live->m_history.count() - levels));
+      platform::OfferBitmapRows(true);
+      return surface;
+    };
+    const std::vector<COLORREF> untouched = surfaceAfter(true, [](CImageEditWnd&) {});
+    for (const auto& [name, effect] : effects) {
+      const auto run = [effect = effect](CImageEditWnd& e) { (e.*effect)(); };
+      const std::vector<COLORREF> mapped = surfaceAfter(true, run);
+      EXPECT_NE(mapped, untouched) << name;
+      EXPECT_EQ(mapped.back(), 1u) << name;
+      EXPECT_EQ(surfaceAfter(false, run), mapped) << name;
+    }
+    const auto all = [&](CImageEditWnd& e) {
+      for (const auto& [name, effect] : effects) (e.*effect)();
+    };
+    EXPECT_EQ(surfaceAfter(false, all), surfaceAfter(true, all)) << "all of them";
+  }
 }
 
 }  // namespace

@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <functional>
 #include <random>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -126,6 +129,125 @@ TEST(EffectsDifferential, EqualisationMatchesTheReference) {
     EqualizePixels(fast.Rect());
     reference::EqualizePixels(plain.Rect());
     ASSERT_EQ(fast.picture.bytes, plain.picture.bytes) << "round " << round;
+  }
+}
+
+// A picture's pixels as a 32-bit bitmap keeps them, 0x00RRGGBB words in the buffer's
+// row order, and rows of them in place, as the image surface's mapped rows come.
+struct Words {
+  int width;
+  std::vector<std::uint32_t> words;
+  explicit Words(const Picture& p) : width(p.width) {
+    for (int y = 0; y < p.height; ++y) {
+      for (int x = 0; x < p.width; ++x)
+        words.push_back(p.At(x, y, 0) | (p.At(x, y, 1) << 8) |
+                        (static_cast<std::uint32_t>(p.At(x, y, 2)) << 16));
+    }
+  }
+  PixelRows Rows(int x0, int y0, int x1, int y1) {
+    PixelRows rows;
+    rows.width = x1 - x0;
+    rows.bytesPerPixel = 4;
+    for (int y = y0; y < y1; ++y)
+      rows.out.push_back(reinterpret_cast<BYTE*>(&words[static_cast<std::size_t>(y * width + x0)]));
+    rows.in.assign(rows.out.begin(), rows.out.end());
+    return rows;
+  }
+};
+
+// Buffer columns x0 .. x1 - 1 of rows y0 .. y1 - 1.
+struct Span {
+  int x0, y0, x1, y1;
+};
+
+// An effect on rows over `span` of a picture, three bytes a pixel in its buffer and
+// four in a bitmap's words, against the plain reference on the 24-bit buffer: every
+// byte must agree, outside the span too, and every fourth byte stay 0.
+void ExpectRowsMatchTheReference(const Picture& picture, Span span,
+                                 const std::function<void(const PixelRows&)>& effect,
+                                 const std::function<void(Picture&)>& plain, const std::string& what) {
+  Picture expected = picture;
+  plain(expected);
+  Picture three = picture;
+  effect(RowsOf(three.Rect(span.x0, span.y0, span.x1, span.y1)));
+  ASSERT_EQ(three.bytes, expected.bytes) << what << ", three bytes a pixel";
+  Words four(picture);
+  effect(four.Rows(span.x0, span.y0, span.x1, span.y1));
+  ASSERT_EQ(four.words, Words(expected).words) << what << ", four bytes a pixel";
+}
+
+TEST(EffectsDifferential, EachEffectOnRowsOfThreeOrFourBytesMatchesTheReference) {
+  std::mt19937 random(13);
+  for (int round = 0; round < 240; ++round) {
+    Case c = RandomCase(random, round < 200 ? 40 : 140);
+    const std::string what = "round " + std::to_string(round);
+    const Span rect{c.x0, c.y0, c.x1, c.y1};
+    ExpectRowsMatchTheReference(
+        c.picture, rect, [](const PixelRows& rows) { MirrorRows(rows); },
+        [&](Picture& p) { reference::MirrorRows(p.Rect(c.x0, c.y0, c.x1, c.y1)); }, "mirror, " + what);
+    // The flip's rows span the buffer's width, as the editor maps them; the
+    // reference moves the padding after each row too, which a surface's buffer holds
+    // as 0.
+    Picture unpadded = c.picture;
+    for (int y = 0; y < unpadded.height; ++y) {
+      std::fill(unpadded.bytes.begin() + y * unpadded.stride + unpadded.width * 3,
+                unpadded.bytes.begin() + (y + 1) * unpadded.stride, BYTE{0});
+    }
+    ExpectRowsMatchTheReference(
+        unpadded, Span{0, c.y0, c.picture.width, c.y1}, [](const PixelRows& rows) { FlipRows(rows); },
+        [&](Picture& p) { reference::FlipRows(p.Rect(c.x0, c.y0, c.x1, c.y1)); }, "flip, " + what);
+    ExpectRowsMatchTheReference(
+        c.picture, rect, [](const PixelRows& rows) { EmbossPixels(rows); },
+        [&](Picture& p) {
+          reference::ConvolvePixels(p.Rect(c.x0, c.y0, c.x1, c.y1), kEmbossKernel, 3, 1, kEmbossOffset);
+        },
+        "emboss, " + what);
+    // Other kernels: 16-bit sums, and any size with 64-bit ones.
+    const int n = round % 3 == 0 ? 5 : 3;
+    std::vector<int> kernel(static_cast<std::size_t>(n * n));
+    for (int& w : kernel) w = static_cast<int>(random() % 9) - 4;
+    const int divisor = round % 2 ? 1 : 3;
+    ExpectRowsMatchTheReference(
+        c.picture, rect, [&](const PixelRows& rows) { ConvolvePixels(rows, kernel, n, divisor, 7); },
+        [&](Picture& p) { reference::ConvolvePixels(p.Rect(c.x0, c.y0, c.x1, c.y1), kernel, n, divisor, 7); },
+        "convolution, " + what);
+    ExpectRowsMatchTheReference(
+        c.picture, rect, [](const PixelRows& rows) { EqualizePixels(rows); },
+        [&](Picture& p) { reference::EqualizePixels(p.Rect(c.x0, c.y0, c.x1, c.y1)); }, "equalise, " + what);
+
+    // The line patterns: the image rectangle (top-down) over the buffer's rectangle,
+    // sometimes reaching beyond the surface; their rows are its columns from the
+    // surface's bottom row up to its top row.
+    const int hs = c.picture.height;
+    RECT image{c.x0, hs - c.y1, c.x1, hs - c.y0};
+    if (round % 4 == 1) image.top -= 5;
+    if (round % 4 == 2) image.bottom += 9;
+    const Span lines{c.x0, 0, c.x1, hs - std::max(0, static_cast<int>(image.top))};
+    ExpectRowsMatchTheReference(
+        c.picture, lines, [](const PixelRows& rows) { DrawCheckLines(rows); },
+        [&](Picture& p) { reference::DrawCheckLines(p.Whole(), image); }, "check lines, " + what);
+    ExpectRowsMatchTheReference(
+        c.picture, lines, [&](const PixelRows& rows) { DrawBlockGrooves(rows, image); },
+        [&](Picture& p) { reference::DrawBlockGrooves(p.Whole(), image); }, "block grooves, " + what);
+  }
+}
+
+// The buffer forms of the line patterns against their plain references, the image
+// rectangle anywhere, partly or wholly off the surface.
+TEST(EffectsDifferential, LinePatternsOnBuffersMatchTheReference) {
+  std::mt19937 random(14);
+  for (int round = 0; round < 150; ++round) {
+    Case fast = RandomCase(random, round < 100 ? 50 : 130);
+    std::uniform_int_distribution<int> edge(-20, 150);
+    const int a = edge(random), b = edge(random), t = edge(random), u = edge(random);
+    const RECT image{std::min(a, b), std::min(t, u), std::max(a, b), std::max(t, u)};
+    Case plain = fast;
+    DrawCheckLines(fast.picture.Whole(), image);
+    reference::DrawCheckLines(plain.picture.Whole(), image);
+    ASSERT_EQ(fast.picture.bytes, plain.picture.bytes) << "check lines, round " << round;
+    DrawBlockGrooves(fast.picture.Whole(), image);
+    reference::DrawBlockGrooves(plain.picture.Whole(), image);
+    ASSERT_EQ(fast.picture.bytes, plain.picture.bytes) << "block grooves, round " << round;
   }
 }
 
