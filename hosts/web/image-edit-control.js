@@ -412,6 +412,8 @@ export class ImageEditControl extends HTMLElement {
       });
       this.#keepTime();
     };
+    // The button whose press the control heard and whose release it has not.
+    let held = null;
     canvas.addEventListener('pointerdown', (event) => {
       const messages = BUTTON_MESSAGES[event.button];
       if (!messages) return;
@@ -420,8 +422,12 @@ export class ImageEditControl extends HTMLElement {
       // The control holds the pointer until the release, as mouse capture does; a
       // shortcut menu the press opened takes it over.
       canvas.setPointerCapture(event.pointerId);
+      held = event.button;
       send(this.#isDoubleClick(event) ? messages[2] : messages[0], [event]);
-      if (this.#menu.isOpen) canvas.releasePointerCapture(event.pointerId);
+      if (this.#menu.isOpen) {
+        canvas.releasePointerCapture(event.pointerId);
+        held = null;
+      }
     });
     canvas.addEventListener('pointermove', (event) => {
       const moves = event.getCoalescedEvents ? event.getCoalescedEvents() : [];
@@ -429,7 +435,18 @@ export class ImageEditControl extends HTMLElement {
     });
     canvas.addEventListener('pointerup', (event) => {
       const messages = BUTTON_MESSAGES[event.button];
-      if (messages) send(messages[1], [event]);
+      if (!messages) return;
+      if (event.button === held) held = null;
+      send(messages[1], [event]);
+    });
+    // A pointer the browser takes away (a touch that becomes a scroll, a system
+    // gesture) is never released: the control hears its button let go where it is,
+    // so that a drag, a pan or a stroke ends rather than waiting for a release.
+    canvas.addEventListener('pointercancel', (event) => {
+      if (held === null) return;
+      const release = BUTTON_MESSAGES[held][1];
+      held = null;
+      send(release, [event]);
     });
     canvas.addEventListener('contextmenu', (event) => event.preventDefault());
     this.addEventListener('keydown', (event) => this.#key(WM_KEYDOWN, event));
