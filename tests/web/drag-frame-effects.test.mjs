@@ -63,9 +63,13 @@ async function release(page, [x, y]) {
   await page.mouse.up();
   return [`up ${x} ${y}`];
 }
+// The editor chooses the cursor before it hears the move (as Windows asks for the
+// cursor before it delivers the move), so the cursor of a place shows from the second
+// move onto it: the pointer arrives from a pixel to the left.
 async function hover(page, [x, y]) {
+  await page.mouse.move(x - 1, y);
   await page.mouse.move(x, y);
-  return [`hover ${x} ${y}`];
+  return [`hover ${x - 1} ${y}`, `hover ${x} ${y}`];
 }
 
 // The hot spot of the cursor the control shows, or the CSS cursor when it is none of
