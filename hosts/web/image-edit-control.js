@@ -108,6 +108,7 @@ export class ImageEditControl extends HTMLElement {
   #menu;                       // the shortcut menu, while the engine's popup menu is on the page
   #textBox;                    // the page's text field over the engine's open text box
   #dialogStart = null;         // what the colour or font dialog the engine opened starts from
+  #frameCopy = null;           // the frames of the engine with threads, copied out of shared memory
 
   constructor() {
     super();
@@ -325,9 +326,7 @@ export class ImageEditControl extends HTMLElement {
     return {
       presentFrame: (address, width, height) => {
         const frame = new Uint8ClampedArray(this.#memory.buffer, address, width * height * 4);
-        // ImageData takes no view of shared memory: the engine with threads hands a copy.
-        const rgba = frame.buffer instanceof ArrayBuffer ? frame : frame.slice();
-        this.#context.putImageData(new ImageData(rgba, width, height), 0, 0);
+        this.#context.putImageData(this.#frameImage(frame, width, height), 0, 0);
       },
       showCursor: (id) => {
         this.#cursor = this.#cursorCss(id);
@@ -352,6 +351,19 @@ export class ImageEditControl extends HTMLElement {
         this.#menu.open(items, box.left + x * scaleX, box.top + y * scaleY);
       },
     };
+  }
+
+  // The frame as ImageData. ImageData takes no view of shared memory, so the engine
+  // with threads has its frames copied, into one ImageData kept for them: a drag
+  // presents a frame for every move, and a new one each time would leave the
+  // collector megabytes to sweep.
+  #frameImage(frame, width, height) {
+    if (frame.buffer instanceof ArrayBuffer) return new ImageData(frame, width, height);
+    if (this.#frameCopy?.width !== width || this.#frameCopy.height !== height) {
+      this.#frameCopy = new ImageData(width, height);
+    }
+    this.#frameCopy.data.set(frame);
+    return this.#frameCopy;
   }
 
   #cursorCss(id) {
