@@ -72,6 +72,7 @@ const TOOLS = {
   text: () => editor.EnterText(),
   none: () => editor.SetNothing(),
 };
+const SIZED = new Set(['pen', 'brush', 'eraser', 'airbrush', 'shape']);
 const toolButtons = [...document.querySelectorAll('#tools button')];
 // The control starts with no tool.
 let activeTool = toolButtons.find((button) => button.dataset.tool === 'none');
@@ -79,7 +80,7 @@ async function chooseTool(button) {
   activeTool = button;
   for (const other of toolButtons) other.setAttribute('aria-pressed', String(other === button));
   await TOOLS[button.dataset.tool](button);
-  note(`${button.textContent} (size ${size()})`);
+  note(SIZED.has(button.dataset.tool) ? `${button.textContent} (size ${size()})` : button.textContent);
 }
 for (const button of toolButtons) button.addEventListener('click', () => chooseTool(button));
 sizeInput.addEventListener('change', () => chooseTool(activeTool));
