@@ -413,6 +413,20 @@ int main(int argc, char** argv) {
                   ours([&] { control.Scroll(SB_LINEUP); }, [&] { control.Scroll(SB_LINEDOWN); }),
                   {},
                   ""});
+  // A frame of 16-pixel pieces reaching 8 pixels over the picture: a repaint draws
+  // only the tiles the window shows, and setting a piece repaints and records a level.
+  const std::string piece = BenchFile("piece.bmp");
+  WriteSmallPicture(piece, 16, 16);
+  const auto setFrame = [&](int orientation) {
+    control.Call("SetFrame",
+                 {Variant::Int(orientation), Variant::String(piece), Variant::Int(8), Variant::Int(0)});
+  };
+  for (int orientation = 0; orientation < 8; ++orientation) setFrame(orientation);
+  rows.push_back({"repaint with objects and a frame",
+                  ours([&] { control.Scroll(SB_LINEUP); }, [&] { control.Scroll(SB_LINEDOWN); }),
+                  {},
+                  ""});
+  rows.push_back({"SetFrame (one piece)", ours(nullptr, [&] { setFrame(2); }), {}, ""});
 
 #ifdef IE_HAVE_OPENCV
   cv::setNumThreads(1);
@@ -467,6 +481,7 @@ int main(int argc, char** argv) {
   std::remove(saved.c_str());
   std::remove(icon.c_str());
   std::remove(balloon.c_str());
+  std::remove(piece.c_str());
   std::remove(BenchFile("opencv.bmp").c_str());
   return 0;
 }

@@ -92,6 +92,12 @@ const std::vector<Member>& Members() {
          Ints(j, {s.selectionBox.left, s.selectionBox.top, s.selectionBox.right, s.selectionBox.bottom});
        }},
       {"frame", [](JsonWriter& j, const EditorState& s) { j.Value(s.frame); }},
+      {"transparency",
+       [](JsonWriter& j, const EditorState& s) {
+         j.BeginObject().Key("color").Value(FormatRgbHex(s.transparentColor));
+         j.Key("percent").Value(s.transparency).EndObject();
+       }},
+      {"texture", [](JsonWriter& j, const EditorState& s) { j.Value(s.texture); }},
       {"textShown", [](JsonWriter& j, const EditorState& s) { j.Value(s.textShown); }},
       {"settings", [](JsonWriter& j, const EditorState& s) { Settings(j, s.settings); }},
       {"scalingAllowed", [](JsonWriter& j, const EditorState& s) { j.Value(s.scalingAllowed); }},

@@ -31,7 +31,10 @@ EditorState CImageEditWnd::State() const {
   state.selectedObject = m_objects.selected();
   const RECT box = m_selectionBox.WindowRect();
   state.selectionBox = RECT{box.left, box.top, m_selectionBox.width(), m_selectionBox.height()};
-  state.frame = m_frame.present;
+  state.frame = m_frame.present();
+  state.transparentColor = m_objects.storedTransparentColor;
+  state.transparency = m_objects.storedTransparency;
+  state.texture = m_texture;
   state.textShown = m_textEntry.IsShown();
   state.settings = m_settings;
   state.scalingAllowed = m_view.scalingAllowed;

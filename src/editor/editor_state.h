@@ -42,6 +42,10 @@ struct EditorState {
   int selectedObject = -1;
   RECT selectionBox{0, 0, 0, 0};  // x, y, width, height
   bool frame = false;
+  // What SetTransparency and SetTexture stored.
+  COLORREF transparentColor = 0;
+  int transparency = 0;
+  int texture = 0;
   bool textShown = false;
   AdjustmentSettings settings;
   bool scalingAllowed = false;

@@ -7,7 +7,11 @@ constexpr char kEditorClassName[] = "OstrelImageEdit";
 }  // namespace
 
 CImageEditWnd::CImageEditWnd(EditorEvents* control)
-    : m_textEntry(m_messages.language), m_shell(m_messages.language), m_toolBox(*this), m_control(control) {}
+    : m_textEntry(m_messages.language),
+      m_shell(m_messages.language),
+      m_toolBox(*this),
+      m_noToolDrags(*this),
+      m_control(control) {}
 
 // Everything the editor holds goes back in this order, whatever order the parts are
 // declared in: each DC gives back what was selected into it before it goes (the

@@ -21,6 +21,7 @@
 #include "platform/gdi_handles.h"
 #include "platform/platform.h"
 #include "tools/captured_pixels.h"
+#include "tools/no_tool_drags.h"
 #include "tools/pointer_hover.h"
 #include "tools/stroke_state.h"
 #include "tools/text_entry.h"
@@ -155,12 +156,15 @@ class CImageEditWnd : public CWnd {
   void CommitHistoryLevel(HDC source, int width, int height);
 
   // ---- view ----
-  // Composes the picture as shown (image surface, strokes, then inserted objects)
+  // Composes the picture as shown (image surface, strokes, objects, then the frame)
   // into the composition buffer at surface coordinates, over at least `area` (surface
   // coordinates; null for the whole buffer). Whatever reads the composition buffer
   // composes the part it reads first: repaints the visible part, saves the saved part.
   // `plain` shows a selected object as it is saved, without its frame and grip.
   void ComposeView(const RECT* area = nullptr, bool plain = false);
+  // Draws the frame around the image rectangle into `target` (a surface), only inside
+  // `area` (surface coordinates).
+  void DrawFrame(HDC target, const RECT& area);
 
   // ---- inserted objects ----
   // Frees the selected object and repaints; no history level (the shortcut menu's
@@ -204,6 +208,7 @@ class CImageEditWnd : public CWnd {
   ViewPlacement m_view;           // scale, image rectangle, scrolling
   EditHistory m_history;          // ten levels of undo
   PictureFrame m_frame;           // the decorative frame
+  int m_texture = 0;              // the texture percentage, 0..100; nothing draws with it
   InsertedObjects m_objects;      // balloon texts and icons over the picture
   SelectionBox m_selectionBox;    // the box whose content can be saved on its own
   AdjustmentSettings m_settings;  // the stored tonal and filter settings
@@ -212,6 +217,7 @@ class CImageEditWnd : public CWnd {
   ToolBox m_toolBox;              // one interaction per tool
   StrokeState m_stroke;           // the stroke under way
   PointerHover m_hover;           // what the pointer is over, for the cursor of no tool
+  NoToolDrags m_noToolDrags;      // the drags of the box, the objects and the view with no tool
   CapturedPixels m_captured;      // what the rectangle selection captured
 
  private:

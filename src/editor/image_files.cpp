@@ -1,5 +1,8 @@
 // The editor's image-file operations: loading the picture to edit and writing the
 // edited picture (whole or under the selection box) as a bitmap file.
+#include <cstdint>
+
+#include "editor/clamped_int.h"
 #include "editor/image_edit_wnd.h"
 #include "imageio/bitmap_file_writer.h"
 #include "imageio/image_loader.h"
@@ -54,7 +57,9 @@ void CImageEditWnd::SaveEditedBitmap(LPCSTR lpszFilePath) {
   if (!composition) return;
   CloseTextEntry();
   const RECT source = SavedImageArea(*this);  // left, top, width, height
-  const RECT saved{source.left, source.top, source.left + source.right, source.top + source.bottom};
+  // A frame's offsets can put the area's far sides beyond int's reach.
+  const RECT saved{source.left, source.top, ClampedInt(std::int64_t{source.left} + source.right),
+                   ClampedInt(std::int64_t{source.top} + source.bottom)};
   ComposeView(&saved, true);
   const SIZE size = m_saveSize.Or(SIZE{source.right, source.bottom});
   const int width = size.cx;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "editor/clamped_int.h"
 #include "editor/user_messages.h"
 #include "pixels/mirror.h"
 #include "platform/gdi_draw.h"
@@ -108,15 +109,38 @@ void CInsertedObject::Mirror(HDC dc) {
 
 void CInsertedObject::RestoreOriginalSize() {
   if (!sourcePicture) return;
-  picture = CopyBitmap(sourcePicture.get(), sourceWidth, sourceHeight);
-  width = sourceWidth;
-  height = sourceHeight;
+  ScaleFromSource(sourceWidth, sourceHeight);
   RebuildSelectedPicture();
 }
 
+bool CInsertedObject::ScaleFromSource(int newWidth, int newHeight) {
+  if (!sourcePicture) return true;
+  platform::OwnedBitmap scaled = CopyBitmap(sourcePicture.get(), newWidth, newHeight);
+  if (!scaled) return false;
+  picture = std::move(scaled);
+  width = newWidth;
+  height = newHeight;
+  return true;
+}
+
+namespace {
+
+// Wide arithmetic: a position near the limits of int must not wrap around.
+bool InSpan(std::int64_t at, std::int64_t from, std::int64_t to) { return at >= from && at < to; }
+
+}  // namespace
+
 bool CInsertedObject::BodyContains(POINT window) const {
-  // Wide arithmetic: a position near the limits of int must not wrap around.
-  const std::int64_t px = window.x;
-  const std::int64_t py = window.y;
-  return px >= x && px < std::int64_t{x} + width && py >= y && py < std::int64_t{y} + height;
+  return InSpan(window.x, x, std::int64_t{x} + width) && InSpan(window.y, y, std::int64_t{y} + height);
+}
+
+bool CInsertedObject::GripContains(POINT window) const {
+  const std::int64_t right = std::int64_t{x} + width - 1;
+  const std::int64_t bottom = std::int64_t{y} + height - 1;
+  return resizable && InSpan(window.x, right - kObjectGripSide + 1, right) &&
+         InSpan(window.y, bottom - kObjectGripSide + 1, bottom);
+}
+
+RECT CInsertedObject::WindowRect() const {
+  return RECT{x, y, ClampedInt(std::int64_t{x} + width), ClampedInt(std::int64_t{y} + height)};
 }

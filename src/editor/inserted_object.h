@@ -46,10 +46,21 @@ class CInsertedObject {
   void Mirror(HDC dc);
   // The picture made again from the source at the size it was inserted with.
   void RestoreOriginalSize();
+  // The picture made again from the source at width x height, which becomes the
+  // object's size; the selected picture is left to the caller. Without a source the
+  // object keeps its picture and size. False, with nothing changed, when the copy
+  // cannot be made.
+  bool ScaleFromSource(int width, int height);
 
   // Whether the object's rectangle holds the window point (left and top edges in,
   // right and bottom out). Says nothing about whether the slot is live.
   bool BodyContains(POINT window) const;
+  // Whether the window point lies on the resize grip, the square of kObjectGripSide
+  // whose right and bottom edges lie one pixel inside the object's; a fixed-size object
+  // has none.
+  bool GripContains(POINT window) const;
+  // The object's rectangle in window coordinates, cut to the range of int.
+  RECT WindowRect() const;
   // What a repaint shows: the selected picture while selected, unless `plain` asks for
   // the object as it is saved.
   HBITMAP DrawnPicture(bool plain) const {

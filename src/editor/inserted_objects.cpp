@@ -56,6 +56,7 @@ bool InsertedObjects::DeleteSelected() {
   const int position = SelectedPosition();
   std::copy(zOrder_ + position + 1, zOrder_ + count_, zOrder_ + position);
   --count_;
+  if (dragged_ == selected_) EndDrag();
   selected_ = -1;
   return true;
 }
@@ -84,6 +85,11 @@ void InsertedObjects::MoveSelected(ZOrderMove move) {
       std::rotate(entry, entry + 1, zOrder_ + count_);
       break;
   }
+}
+
+void InsertedObjects::StartDrag(int slot, POINT at) {
+  dragged_ = slot;
+  SetDragPoint(at);
 }
 
 void InsertedObjects::ShiftAll(int dx, int dy) {

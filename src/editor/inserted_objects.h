@@ -41,13 +41,26 @@ class InsertedObjects {
   int HitTest(POINT window) const;
   // Selects the live `slot`, deselecting the one selected before; -1 only deselects.
   void Select(int slot);
-  // Frees the selected slot and takes it out of the z-order. False when no object is
-  // selected.
+  // Frees the selected slot and takes it out of the z-order, ending a drag of it.
+  // False when no object is selected.
   bool DeleteSelected();
   // Moves the selected object in the z-order; a move past either end changes nothing.
   void MoveSelected(ZOrderMove move);
   // Moves every live object by (dx, dy), stopping at the limits of int.
   void ShiftAll(int dx, int dy);
+
+  // The object under a drag of the mouse, -1 for none, and the window point of the
+  // drag's last accepted step. They are part of what the history records, so a level
+  // given back mid-drag decides which object the drag goes on with, if any.
+  int dragged() const { return dragged_; }
+  POINT dragPoint() const { return POINT{dragX_, dragY_}; }
+  // The drag of the live `slot` starts at `at`.
+  void StartDrag(int slot, POINT at);
+  void SetDragPoint(POINT at) {
+    dragX_ = at.x;
+    dragY_ = at.y;
+  }
+  void EndDrag() { StartDrag(-1, POINT{-1, -1}); }
 
   // What SetTransparency stores (only while the drawing layer exists) for the objects
   // inserted after it: the key colour of icons and of balloons with a picture, and the

@@ -2,8 +2,6 @@
 // control can forward to it, and does nothing until its subsystem is built.
 #include "editor/image_edit_wnd.h"
 
-void CImageEditWnd::SetTexture(int) {}
-void CImageEditWnd::SetFrame(int, LPCSTR, int, int) {}
 void CImageEditWnd::RotateImage(int) {}
 void CImageEditWnd::BlockImage() {}
 void CImageEditWnd::CheckImage() {}

@@ -12,11 +12,7 @@ void CImageEditWnd::OnRButtonDown(UINT flags, POINT point) {
     CWnd::OnRButtonDown(flags, point);
     return;
   }
-  const int hit = m_objects.HitTest(point);
-  if (hit >= 0 ? hit != m_objects.selected() : m_objects.selected() >= 0) {
-    m_objects.Select(hit);
-    RedrawWindow();
-  }
+  SelectInsertedObject(*this, m_objects.HitTest(point));
   RECT client{0, 0, 0, 0};
   GetClientRect(&client);
   if (!PtInRect(&client, point) || m_objects.selected() < 0) return;

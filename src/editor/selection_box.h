@@ -1,6 +1,6 @@
 // The selection box: a rectangle in window coordinates that the person drags over the
 // picture and whose content can be saved on its own. It has either a positive width
-// and height or none at all (0 x 0), so it is placed only through Place.
+// and height or none at all (0 x 0), so it is sized only through Place.
 #pragma once
 
 #include "platform/platform.h"
@@ -10,6 +10,11 @@ class SelectionBox {
   // A box of that size, or none when either side is below 1, centred in `client`
   // (each half truncated on its own).
   void Place(int width, int height, const RECT& client);
+  // Dragged by (dx, dy); its size stays.
+  void MoveBy(int dx, int dy) {
+    x_ += dx;
+    y_ += dy;
+  }
 
   // A box exists once it has a width and a height.
   bool IsShown() const { return width_ > 0 && height_ > 0; }

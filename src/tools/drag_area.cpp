@@ -18,3 +18,8 @@ RECT ClampedRect(long long left, long long top, long long right, long long botto
   };
   return RECT{clamp(left), clamp(top), clamp(right), clamp(bottom)};
 }
+
+RECT BoundingRect(const RECT& a, const RECT& b) {
+  return RECT{std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+              std::max(a.bottom, b.bottom)};
+}

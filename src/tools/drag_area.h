@@ -18,3 +18,6 @@ inline POINT ToolCorner(POINT pointer, int width) {
 }
 // (left, top, right, bottom) cut to the device space.
 RECT ClampedRect(long long left, long long top, long long right, long long bottom);
+// The smallest rectangle holding both: what a drag that moved something from `a` to
+// `b` repaints.
+RECT BoundingRect(const RECT& a, const RECT& b);

@@ -1,10 +1,11 @@
-// What is common to every drag of the left button: the press that starts it on the
-// picture (the stroke state, the history level, mouse capture and the cursor kept over
-// the image), the moves (auto-scrolling at the window's edge, the point kept inside the
-// picture, the repaint of what changed) and the release (closing text entry, letting
-// the mouse go), with the two timers. What a drag does is the chosen tool's
-// interaction's; with no tool, the press drags the selection box, an object or the
-// view, and those drags arrive with the objects.
+// What is common to every drag of the left button: the press that starts it (for a
+// tool on the picture, with the stroke state, the history level, mouse capture and the
+// cursor kept over the image; with no tool anywhere in the window, which then holds
+// the cursor), the moves (auto-scrolling at the window's edge, for a tool the point
+// kept inside the picture, the repaint of what changed) and the release (closing text
+// entry, letting the mouse go), with the two timers. What a drag does is the chosen
+// tool's interaction's; with no tool, the press drags the selection box, an object or
+// the view (NoToolDrags).
 #include <algorithm>
 
 #include "editor/image_edit_wnd.h"
@@ -54,7 +55,15 @@ void CImageEditWnd::OnLButtonDown(UINT flags, POINT point) {
       m_surfaces.composition.dc() && m_surfaces.drawingLayer.dc() && m_surfaces.imageSurface.dc();
   const RECT visible = VisibleImageRect();
   Interaction* tool = ActiveTool();
-  if (tool != nullptr && surfaces && PtInRect(&visible, point)) {
+  if (m_tools.mode == ToolMode::None) {
+    if (surfaces && m_noToolDrags.Press(point)) {
+      SetCapture();
+      RECT client{0, 0, 0, 0};
+      GetClientRect(&client);
+      const RECT clip = ToScreen(m_hWnd, client);
+      ClipCursor(&clip);
+    }
+  } else if (tool != nullptr && surfaces && PtInRect(&visible, point)) {
     m_stroke.buttonDown = true;
     m_stroke.downPoint = m_stroke.lastPoint = m_view.ToSurface(point);
     m_view.scalingAllowed = false;
@@ -73,11 +82,16 @@ void CImageEditWnd::OnLButtonDown(UINT flags, POINT point) {
 
 // ---- drag ----
 
-// Each step goes to the tool chosen at that moment, which is the one pressed unless a
-// setter ran in between.
+// Each step of a tool's drag goes to the tool chosen at that moment, which is the one
+// pressed unless a setter ran in between. A drag begun with no tool runs to its
+// release whatever tool is chosen meanwhile.
 void CImageEditWnd::OnMouseMove(UINT flags, POINT point) {
   if ((flags & MK_LBUTTON) == 0) {
-    m_hover.Update(point, m_selectionBox);
+    m_hover.Update(point, m_selectionBox, m_objects);
+  } else if (m_noToolDrags.Active()) {
+    StopAutoScroll();
+    ScrollAtEdge(point);
+    m_noToolDrags.Move(point);
   } else if (m_stroke.buttonDown) {
     StopAutoScroll();
     ScrollAtEdge(point);
@@ -126,14 +140,16 @@ void CImageEditWnd::StopAutoScroll() {
 // ---- release ----
 
 void CImageEditWnd::OnLButtonUp(UINT flags, POINT point) {
-  if (m_stroke.buttonDown) {
+  if (m_stroke.buttonDown || m_noToolDrags.Active()) {
     m_stroke.releaseClosedText = m_textEntry.IsShown();
     CloseTextEntry();
     ClipCursor(nullptr);
     ReleaseCapture();
     StopAutoScroll();
     m_stroke.buttonDown = false;
-    if (Interaction* tool = ActiveTool()) {
+    if (m_noToolDrags.Active()) {
+      m_noToolDrags.Release();
+    } else if (Interaction* tool = ActiveTool()) {
       tool->Release(m_view.ToSurface(point));
     } else {
       RedrawWindow();

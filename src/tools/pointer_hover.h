@@ -3,13 +3,14 @@
 // changes only on moves without a button, so a drag keeps the cursor it started with.
 #pragma once
 
+#include "editor/inserted_objects.h"
 #include "editor/selection_box.h"
 #include "platform/platform.h"
 
 struct PointerHover {
-  // Over the box, the other flags keep what they were; elsewhere no object is hit
-  // until objects carry their rectangles.
-  void Update(POINT window, const SelectionBox& box);
+  // The box comes first: over it, the other flags keep what they were. Elsewhere the
+  // front-most object under the pointer decides between its body and its grip.
+  void Update(POINT window, const SelectionBox& box, const InsertedObjects& objects);
   // The hand that says what a drag would do there: move the box or an object, resize
   // an object at its grip, or pan a picture that scrolls; else the window's own
   // cursor (kWindowClassCursor).

@@ -84,7 +84,7 @@ void CImageEditWnd::ComposeView(const RECT* area, bool plain) {
     CompositeDrawingLayer(composition.dc(), &part);
   if (m_objects.count() > 0)
     DrawObjects(composition.dc(), m_view.hScrollPos(), m_view.vScrollPos(), plain, &part);
-  // The frame joins the composition here once it exists.
+  if (m_frame.present()) DrawFrame(composition.dc(), part);
 }
 
 COLORREF CImageEditWnd::ShownColorAt(POINT point) {

@@ -1,5 +1,5 @@
-// Saving what only the engine can set up (strokes, frame pieces, a placed selection
-// box); loading and saving as a host sees them is the scenario tests/cli/image_files.ies.
+// Saving what only the engine can set up (strokes, a placed selection box); loading
+// and saving as a host sees them is the scenario tests/cli/image_files.ies.
 #include <fstream>
 
 #include "imageio/bmp_builder.h"
@@ -50,23 +50,6 @@ TEST_F(ImageFilesTest, SaveEditedBitmapWritesTheDisplayedImageWithItsStrokes) {
   Colors expected = colors;
   expected[1] = 0x0000AA;
   EXPECT_EQ(written.colors, expected);
-}
-
-// A whole save takes in the frame: the left and top pieces reach out by their size
-// less their offset, the right and bottom ones likewise.
-TEST(PictureFrameTest, AShownFrameWidensTheSavedArea) {
-  PictureFrame frame;
-  const RECT image{10, 20, 40, 30};                                    // x, y, width, height
-  frame.pieces[0] = FramePiece{platform::OwnedBitmap(), 7, 0, 2, -1};  // right
-  frame.pieces[2] = FramePiece{platform::OwnedBitmap(), 0, 5, 1, -1};  // top
-  frame.pieces[4] = FramePiece{platform::OwnedBitmap(), 6, 0, 3, -1};  // left
-  frame.pieces[6] = FramePiece{platform::OwnedBitmap(), 0, 4, 0, -1};  // bottom
-  const auto same = [](const RECT& a, const RECT& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-  };
-  EXPECT_TRUE(same(frame.Around(image), image)) << "a frame not shown takes nothing";
-  frame.present = true;
-  EXPECT_TRUE(same(frame.Around(image), RECT{10 - 3, 20 - 4, 40 + 5 + 3, 30 + 4 + 4}));
 }
 
 TEST_F(ImageFilesTest, SelectionBoxSaveTakesThePixelsSeenInTheBoxWhenScrolledAndNeedsABox) {
