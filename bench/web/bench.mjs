@@ -9,10 +9,10 @@
 //   the calls after a few that warm up; BrightenImage's first call after the load is
 //   printed on its own. The native time is the script host's run time with the calls
 //   less its run time without them, per call;
-// - the time a pointer move takes while an inserted object is dragged and while the
-//   view is panned, real mouse moves over the control, each timed in the page from
-//   the pointer event to the frame put on the canvas (median and slowest); natively
-//   the mean of a move, found as above;
+// - the time a pointer move takes while the view is panned and while an inserted
+//   256 x 192 object is dragged: real mouse moves over the control, each timed in the
+//   page from the pointer event to the frame put on the canvas (median and slowest),
+//   beside the native tools benchmark's times of the same drags, run here;
 // - the time from SetImage of a 12-megapixel JPEG to the first frame that shows it,
 //   and the gzip size of the scripts and wasm each page loaded.
 import { execFileSync } from 'node:child_process';
@@ -23,6 +23,7 @@ import { gzipSync } from 'node:zlib';
 import { launchChromium, ROOT, serve, WEB_ROOT } from '../../tests/web/browser.mjs';
 
 const IMAGEEDIT = process.env.IMAGEEDIT ?? join(ROOT, 'build/release/hosts/cli/imageedit');
+const TOOLS_BENCH = process.env.TOOLS_BENCH ?? join(ROOT, 'build/release/bench/tools_bench');
 const LARGE = 'samples/landscape-12mp.jpg';
 const CONTROL = [1024, 768];
 const LOADS = 3;
@@ -48,22 +49,23 @@ const TIMED = 5;
 // time per call.
 const NATIVE_CALLS = 6;
 
-// The pointer moves: the button pressed at `press`, then moves back and forth
-// between two points, so that each move drags or pans by 20 pixels across and 15 down
-// or back. The object is the sun icon (48 x 48) inserted at 500,360; the pan starts
-// on the picture away from it.
-const ICON = [500, 360, 'samples/icon-sun.png'];
+// The drags of the native tools benchmark (bench/tools_bench.cpp), each under the
+// name of its row there: a press at `from`, moves by `step` and the release. The first
+// moves warm up, the next 200 are timed (natively three drags of 200 moves). The pan
+// comes first, with no object on the picture, as natively. Each move waits for the
+// page's next frame, as a mouse's moves come.
 const DRAGS = [
-  { what: 'dragging an inserted object', press: [524, 384], there: [544, 399] },
-  { what: 'panning the view', press: [300, 300], there: [280, 285] },
+  { row: 'view pan, 1024 x 768 control, 4000 x 3000', what: 'panning the view', from: [900, 700], step: [-3, -2] },
+  {
+    row: 'object drag, 1024 x 768 control, 4000 x 3000', what: 'dragging a 256 x 192 object',
+    icon: [200, 150, 'samples/tiles.bmp'], from: [300, 250], step: [2, 1],
+  },
 ];
-const WARM_UP_MOVES = 10;
-const MOVES = 60;
-const NATIVE_MOVES = 200;
+const WARM_UP_MOVES = 40;
+const MOVES = 200;
 
 const median = (values) => [...values].sort((a, b) => a - b)[Math.floor(values.length / 2)];
 const argsOf = ([, ...turns], i) => turns[i % turns.length];
-const moveTarget = ({ press, there }, i) => (i % 2 === 0 ? there : press);
 
 // The times in a page served with (`isolated`) or without the headers of cross-origin
 // isolation, with the files of the element the page loaded.
@@ -111,17 +113,22 @@ async function webTimes(isolated) {
       return { threads: crossOriginIsolated, firstPaint, callTimes, files };
     }, [LARGE, CONTROL, LOADS, CALLS, WARM_UP + TIMED]);
 
-    await page.evaluate(async ([x, y, icon]) => {
+    // The drags start from the picture as loaded, as natively: what the effects left
+    // (a turned drawing layer, say) would make every repaint do more.
+    await page.evaluate(async (source) => {
       const editor = document.getElementById('editor');
+      await editor.SetImage(source);
       editor.SetNothing();
-      await editor.InsertIcon(x, y, icon);
-    }, ICON);
+    }, LARGE);
     times.moves = [];
-    for (const drag of DRAGS) {
-      await page.mouse.move(...drag.press);
+    for (const { icon, from, step } of DRAGS) {
+      if (icon) await page.evaluate((args) => document.getElementById('editor').InsertIcon(...args), icon);
+      await page.mouse.move(...from);
       await page.mouse.down();
       await page.evaluate(() => { window.moveTimes = []; });
-      for (let i = 0; i < WARM_UP_MOVES + MOVES; i++) await page.mouse.move(...moveTarget(drag, i));
+      for (let i = 1; i <= WARM_UP_MOVES + MOVES; i++) {
+        await page.mouse.move(from[0] + i * step[0], from[1] + i * step[1]);
+      }
       await page.mouse.up();
       const moves = await page.evaluate(() => window.moveTimes);
       if (moves.length !== WARM_UP_MOVES + MOVES) throw new Error(`${moves.length} pointer moves were heard`);
@@ -151,22 +158,30 @@ function nativeRunMs(statements, runs = 3) {
 const statement = (name, args) => [name, ...args.map((arg) =>
   (typeof arg === 'string' ? `"${join(WEB_ROOT, arg)}"` : arg))].join(' ');
 
-function nativeTimes() {
+function nativeCallTimes() {
   const loaded = nativeRunMs([], 5);
-  const calls = Object.fromEntries(CALLS.map((call) => {
+  return Object.fromEntries(CALLS.map((call) => {
     const statements = Array.from({ length: NATIVE_CALLS }, (_, i) => statement(call[0], argsOf(call, i)));
     return [call[0], (nativeRunMs(statements) - loaded) / NATIVE_CALLS];
   }));
-  const icon = ['SetNothing', statement('InsertIcon', ICON)];
-  const moves = DRAGS.map((drag) => {
-    const [x, y] = drag.press;
-    const pressed = [...icon, `hover ${x} ${y}`, `down ${x} ${y}`];
-    const moved = Array.from({ length: NATIVE_MOVES }, (_, i) => `move ${moveTarget(drag, i).join(' ')}`);
-    const last = moveTarget(drag, NATIVE_MOVES - 1).join(' ');
-    return (nativeRunMs([...pressed, ...moved, `up ${last}`]) - nativeRunMs([...pressed, `up ${x} ${y}`])) /
-      NATIVE_MOVES;
-  });
-  return { calls, moves };
+}
+
+// The tools benchmark's median and slowest move of each drag, by row name; missing
+// rows (or the benchmark itself) leave the native column empty.
+function nativeMoveTimes() {
+  let printed = '';
+  try {
+    printed = execFileSync(TOOLS_BENCH, ['--benchmark_filter=ObjectDrag|ViewPan'],
+      { encoding: 'utf8', stdio: ['ignore', 'pipe', 'ignore'] });
+  } catch {
+    return {};
+  }
+  const rows = {};
+  const printedRow = /^ {2}(.+?)\s+median\s+([\d.]+) ms.*?slowest\s+([\d.]+) ms/gm;
+  for (const [, row, median, slowest] of printed.matchAll(printedRow)) {
+    rows[row] = { median: Number(median), slowest: Number(slowest) };
+  }
+  return rows;
 }
 
 // ---- the report ----
@@ -176,32 +191,37 @@ const gzipBytes = (files) => files
   .reduce((a, b) => a + b, 0);
 
 const webs = [await webTimes(true), await webTimes(false)];
-const native = nativeTimes();
+const native = { calls: nativeCallTimes(), moves: nativeMoveTimes() };
 const engine = (web) => (web.threads ? 'threads' : 'one thread');
 const ms = (value) => `${value.toFixed(1)} ms`;
+const NATIVE_WIDTH = 18;
 const cell = (text, width = 24) => text.padStart(width);
 const ratio = (web, base) => `${(web / base).toFixed(2)} x`;
 const line = (what, ...cells) => console.log(`${what.padEnd(44)}${cells.join('')}`);
 
-line(`${CONTROL.join(' x ')} control, 4000 x 3000 at 100 %`, cell('native', 12),
+line(`${CONTROL.join(' x ')} control, 4000 x 3000 at 100 %`, cell('native', NATIVE_WIDTH),
   ...webs.map((web) => cell(`web, ${engine(web)}`)));
 for (const call of CALLS) {
   const name = call[0] === 'WaterDropImage' ? 'WaterDropImage, HeartImage' : call[0];
   const base = native.calls[call[0]];
-  line(name, cell(ms(base), 12), ...webs.map((web) => {
+  line(name, cell(ms(base), NATIVE_WIDTH), ...webs.map((web) => {
     const time = median(web.callTimes[call[0]].slice(WARM_UP));
-    return cell(`${ms(time)}  ${ratio(time, base)}`);
+    return cell(base > 0.1 ? `${ms(time)}  ${ratio(time, base)}` : ms(time));
   }));
   if (call[0] === 'BrightenImage') {
-    line('  its first call after the load', cell('', 12), ...webs.map((web) => cell(ms(web.callTimes.BrightenImage[0]))));
+    line('  its first call after the load', cell('', NATIVE_WIDTH),
+      ...webs.map((web) => cell(ms(web.callTimes.BrightenImage[0]))));
   }
 }
 console.log('(target for BrightenImage with threads: within 2 x native)');
-line('pointer move: median / slowest', cell('native mean', 12));
-DRAGS.forEach(({ what }, i) => {
-  line(`  ${what}`, cell(ms(native.moves[i]), 12), ...webs.map((web) =>
-    cell(`${web.moves[i].length > 0 ? median(web.moves[i]).toFixed(1) : '-'} / ${ms(Math.max(...web.moves[i]))}`)));
+const medianSlowest = (times) => `${median(times).toFixed(2)} / ${ms(Math.max(...times))}`;
+line('pointer move: median / slowest');
+DRAGS.forEach(({ row, what }, i) => {
+  const base = native.moves[row];
+  line(`  ${what}`, cell(base ? `${base.median.toFixed(2)} / ${ms(base.slowest)}` : '-', NATIVE_WIDTH),
+    ...webs.map((web) => cell(medianSlowest(web.moves[i]))));
 });
+console.log('(natively as bench/tools_bench prints the same drags; target: median 2 ms, slowest 8 ms)');
 console.log();
 const row = (what, value, note = '') => console.log(`${what.padEnd(60)} ${value.padStart(9)}   ${note}`);
 for (const web of webs) {
