@@ -34,6 +34,12 @@
 #include "control/dispatch_table.h"
 #include "control/image_edit_ctrl.h"
 #include "imageio/bitmap_file_writer.h"
+#include "pixels/convolve.h"
+#include "pixels/equalize.h"
+#include "pixels/line_patterns.h"
+#include "pixels/mirror.h"
+#include "pixels/pixel_buffer.h"
+#include "pixels/rotate.h"
 #include "platform/platform.h"
 
 #ifdef IE_HAVE_OPENCV
@@ -278,6 +284,83 @@ std::optional<double> ChildPeak(const char* self, const char* scenario) {
   return std::atof(text);
 }
 
+// The destructive effects on the picture at 100 %: each control call (the surface's
+// pixels read, the effect, written back, the repaint and a history level; for the
+// quarter turn the original turned and the layout set anew), then the pixel routine
+// alone on a 24-bit buffer of the picture, each against OpenCV's nearest operation
+// (none for the line patterns, which lighten a tenth or a fifth of the pixels).
+void AddEffectRows(HostedControl& control, const std::vector<std::uint8_t>& photo, int runs,
+                   std::vector<Row>& rows) {
+  const auto none = std::vector<Variant>{};
+  const auto call = [&](const char* name) {
+    return MedianOf(runs, nullptr, [&] { control.Call(name, none); });
+  };
+  PixelBuffer pixels(kWidth, kHeight);
+  PixelBuffer turned(kHeight, kWidth);
+  if (!pixels || !turned) {
+    std::fprintf(stderr, "control_bench: no memory for the effects' buffers\n");
+    std::exit(1);
+  }
+  for (int y = 0; y < kHeight; ++y) {
+    std::memcpy(pixels.data() + static_cast<std::size_t>(kHeight - 1 - y) * pixels.stride(),
+                photo.data() + static_cast<std::size_t>(y) * kWidth * 3,
+                static_cast<std::size_t>(kWidth) * 3);
+  }
+  const auto routine = [&](const std::function<void()>& work) { return MedianOf(runs, nullptr, work); };
+  const RECT whole{0, 0, kWidth, kHeight};
+  struct Effect {
+    const char* call;
+    double callMs;
+    const char* routineName;
+    double routineMs;
+    const char* peerName;
+  };
+  const Effect effects[] = {
+      {"FlipImage", call("FlipImage"), "  FlipRows (pixels)", routine([&] { FlipRows(pixels.Whole()); }),
+       "cv::flip vertical"},
+      {"ReverseImage", call("ReverseImage"), "  MirrorRows (pixels)",
+       routine([&] { MirrorRows(pixels.Whole()); }), "cv::flip horizontal"},
+      // Each timed turn by 90 follows an untimed one by -90, so it ends as it started.
+      {"RotateImage(90)",
+       MedianOf(
+           runs, [&] { control.Call("RotateImage", -90); }, [&] { control.Call("RotateImage", 90); }),
+       "  RotateQuarter (pixels)", routine([&] { RotateQuarter(pixels.Whole(), 90, turned.Whole()); }),
+       "cv::rotate"},
+      {"EmbossImage", call("EmbossImage"), "  ConvolvePixels 3x3 (pixels)",
+       routine([&] { EmbossPixels(pixels.Whole()); }), "cv::filter2D 3x3 emboss"},
+      {"EqualizeHistogram", call("EqualizeHistogram"), "  EqualizePixels (pixels)",
+       routine([&] { EqualizePixels(pixels.Whole()); }), "cv::equalizeHist x3"},
+      {"CheckImage", call("CheckImage"), "  DrawCheckLines (pixels)",
+       routine([&] { DrawCheckLines(pixels.Whole(), whole); }), ""},
+      {"BlockImage", call("BlockImage"), "  DrawBlockGrooves (pixels)",
+       routine([&] { DrawBlockGrooves(pixels.Whole(), whole); }), ""},
+  };
+
+  std::optional<double> peers[std::size(effects)];
+#ifdef IE_HAVE_OPENCV
+  cv::setNumThreads(1);
+  const cv::Mat image(kHeight, kWidth, CV_8UC3, const_cast<std::uint8_t*>(photo.data()));
+  cv::Mat out;
+  const cv::Mat emboss = (cv::Mat_<float>(3, 3) << 0, -1, -1, 1, 0, -1, 1, 1, 0);
+  peers[0] = routine([&] { cv::flip(image, out, 0); });
+  peers[1] = routine([&] { cv::flip(image, out, 1); });
+  peers[2] = routine([&] { cv::rotate(image, out, cv::ROTATE_90_COUNTERCLOCKWISE); });
+  peers[3] =
+      routine([&] { cv::filter2D(image, out, -1, emboss, cv::Point(-1, -1), 128, cv::BORDER_REPLICATE); });
+  peers[4] = routine([&] {
+    std::vector<cv::Mat> channels;
+    cv::split(image, channels);
+    for (cv::Mat& channel : channels) cv::equalizeHist(channel, channel);
+    cv::merge(channels, out);
+  });
+#endif
+  for (std::size_t i = 0; i < std::size(effects); ++i) {
+    const Effect& e = effects[i];
+    rows.push_back({e.call, e.callMs, peers[i], e.peerName});
+    rows.push_back({e.routineName, e.routineMs, peers[i], e.peerName});
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -370,6 +453,7 @@ int main(int argc, char** argv) {
   }
   rows.push_back({"SaveEditedBitmap (without fsync)", Median(saves), {}, "cv::imwrite BMP"});
   rows.push_back({"  its fsync of file and folder", Median(syncs), {}, ""});
+  AddEffectRows(control, photo, runs, rows);
   rows.push_back(
       {"repaint (scroll by one line)", ours(nullptr, [&] { control.Scroll(SB_LINEDOWN); }), {}, ""});
 
@@ -396,9 +480,10 @@ int main(int argc, char** argv) {
     return ours([&] { control.Call("Undo", none); }, [&] { control.Call(name, args); });
   };
   const auto balloonArgs = [](const std::string& path) {
-    return std::vector<Variant>{Variant::Int(200), Variant::Int(150), Variant::String(path), Variant::Int(20),
-                                Variant::Int(20), Variant::Int(220), Variant::Int(100),
-                                Variant::String("A balloon with a few words in it")};
+    return std::vector<Variant>{Variant::Int(200),     Variant::Int(150),
+                                Variant::String(path), Variant::Int(20),
+                                Variant::Int(20),      Variant::Int(220),
+                                Variant::Int(100),     Variant::String("A balloon with a few words in it")};
   };
   rows.push_back({"InsertBalloonText (picture)", insert("InsertBalloonText", balloonArgs(balloon)), {}, ""});
   rows.push_back({"InsertBalloonText (plain box)", insert("InsertBalloonText", balloonArgs("")), {}, ""});
@@ -458,7 +543,8 @@ int main(int argc, char** argv) {
   PrintTable(rows, memcpyMs);
   const auto brighten = std::find_if(rows.begin(), rows.end(),
                                      [](const Row& row) { return row.operation == "BrightenImage(150)"; });
-  std::printf("\ntext and objects against BrightenImage(150) (%.1f ms): each must be below 1\n", brighten->ours);
+  std::printf("\ntext and objects against BrightenImage(150) (%.1f ms): each must be below 1\n",
+              brighten->ours);
   for (const Row& row : rows) {
     const bool textOrObject = row.operation.find("text box") != std::string::npos ||
                               row.operation.rfind("Insert", 0) == 0 ||

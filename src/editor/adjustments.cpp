@@ -17,10 +17,6 @@ int ClampSetterArgument(int value) { return std::clamp(value, 0, 200); }
 
 double GammaOf(int argument) { return ClampSetterArgument(argument) * kGammaStep + 0.004; }
 
-OutOfMemoryHandler ReportOutOfMemory(const CImageEditWnd& editor) {
-  return [&editor] { editor.m_messages.ReportOutOfMemory(); };
-}
-
 // The passes straight from the source bitmap's rows into the image surface's: no
 // 24-bit buffer is read or written back, and the bytes are the same. Taken only when
 // such a buffer could be had, so that a picture beyond the pixel limit fails as the
@@ -32,7 +28,7 @@ bool RunOnSurfaceRows(CImageEditWnd& editor, HBITMAP source, const PassPlan& pla
       !platform::MapBitmapRows(source, surface.bitmap(), editor.m_view.imageRect(), &bitmapRows))
     return false;
   PixelRows rows = RowsOf(bitmapRows);
-  plan.Run(rows, ReportOutOfMemory(editor));
+  plan.Run(rows, editor.m_messages.OutOfMemoryReporter());
   return true;
 }
 
@@ -54,7 +50,7 @@ bool RebuildImagePixels(CImageEditWnd& editor, const AdjustmentSettings& applied
     if (source != surface.bitmap()) editor.RebuildImageSurface();
     return false;
   }
-  plan.Run(buffer.Area(editor.m_view.imageRect()), ReportOutOfMemory(editor));
+  plan.Run(buffer.Area(editor.m_view.imageRect()), editor.m_messages.OutOfMemoryReporter());
   editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(buffer));
   return true;
 }

@@ -67,6 +67,14 @@ void CImageEditWnd::OnClose() {
   CWnd::OnClose();
 }
 
+// Capture ends with the window, but the pointer's confinement is the whole screen's:
+// an editor that goes away in the middle of a drag must not leave the pointer held
+// inside the rectangle it no longer shows.
+void CImageEditWnd::OnDestroy() {
+  if (m_stroke.buttonDown || m_noToolDrags.Active()) ClipCursor(nullptr);
+  CWnd::OnDestroy();
+}
+
 void CImageEditWnd::EnableShortcutMenu(long bShortcutMenu) {
   m_shell.shortcutMenuEnabled = (bShortcutMenu == 1);
 }

@@ -181,6 +181,7 @@ class CImageEditWnd : public CWnd {
   int OnCreate(LPCREATESTRUCTA cs) override;
   void OnSize(UINT type, int cx, int cy) override;
   void OnClose() override;
+  void OnDestroy() override;
   void OnPaint() override;
   void OnHScroll(UINT code, UINT pos, HWND scrollBar) override;
   void OnVScroll(UINT code, UINT pos, HWND scrollBar) override;

@@ -4,6 +4,7 @@
 
 #include "imageio/bitmap_file_writer.h"
 #include "imageio/image_loader.h"
+#include "pixels/pixel_rect.h"
 #include "platform/platform.h"
 
 // The out-of-memory message box in that language.
@@ -14,6 +15,11 @@ struct UserMessages {
 
   // The out-of-memory message box, while verbose.
   void ReportOutOfMemory() const;
+  // The same for the pixel passes, which call it when their working memory cannot be
+  // had.
+  OutOfMemoryHandler OutOfMemoryReporter() const {
+    return [this] { ReportOutOfMemory(); };
+  }
   // What the image loader and the bitmap writer need to report their failures, for
   // an editor whose window is `window`.
   imageio::LoadContext LoadContext(HWND window) const { return {window, verbose, language}; }

@@ -1,6 +1,7 @@
 #include "editor/view_placement.h"
 
 #include <algorithm>
+#include <utility>
 
 void ViewPlacement::SizeToScale() {
   displayedWidth_ = static_cast<int>(originalWidth * scale);
@@ -21,6 +22,18 @@ void ViewPlacement::RestoreLayout(const ViewPlacement& recorded) {
   PlaceAt(recorded.imageRect_.left, recorded.imageRect_.top);
   viewWidth_ = recorded.viewWidth_;
   viewHeight_ = recorded.viewHeight_;
+}
+
+void ViewPlacement::TurnQuarter(bool counterClockwise, int width, int height) {
+  const RECT before = imageRect_;
+  std::swap(displayedWidth_, displayedHeight_);
+  // A point (x, y) goes to (y, width - x) counter-clockwise and to (height - y, x)
+  // clockwise.
+  if (counterClockwise) {
+    PlaceAt(before.top, width - before.right);
+  } else {
+    PlaceAt(height - before.bottom, before.left);
+  }
 }
 
 void ViewPlacement::ShowBar(int bar) {

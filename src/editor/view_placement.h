@@ -19,6 +19,10 @@ class ViewPlacement {
   // Takes what a history level gives back: the displayed size and image position,
   // and the view size. The scroll positions are restored by scrolling.
   void RestoreLayout(const ViewPlacement& recorded);
+  // Follows a quarter turn of surfaces of width x height (their size before the
+  // turn), counter-clockwise on the screen or clockwise: the displayed width and
+  // height are exchanged and the image rectangle goes where the turn takes it.
+  void TurnQuarter(bool counterClockwise, int width, int height);
 
   // ---- scrolling ----
   bool BarShown(int bar) const { return bar == SB_HORZ ? hScrollShown_ : vScrollShown_; }

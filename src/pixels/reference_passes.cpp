@@ -1,7 +1,10 @@
 #include "pixels/reference_passes.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "pixels/adjust_colors.h"
@@ -30,7 +33,8 @@ void RunNeighbourhoodFilter(const PixelRect& rect, int steps, NewByte&& newByte,
 
 void LiftTowardsWhite(const PixelRect& rect) {
   ForEachPixel(rect, [](BYTE* pixel, int, int) {
-    for (int i = 0; i < 3; ++i) pixel[i] = static_cast<BYTE>(255 - ((255 - pixel[i]) * (255 - pixel[i])) / 255);
+    for (int i = 0; i < 3; ++i)
+      pixel[i] = static_cast<BYTE>(255 - ((255 - pixel[i]) * (255 - pixel[i])) / 255);
   });
 }
 
@@ -78,6 +82,71 @@ void SmoothPixels(const PixelRect& rect, int steps) {
     int sum = 0;
     for (std::ptrdiff_t dy : {-row, std::ptrdiff_t{0}, row}) sum += c[dy - 3] + c[dy] + c[dy + 3];
     return static_cast<BYTE>(sum / 9);
+  });
+}
+
+void MirrorRows(const PixelRect& rect) {
+  ForEachPixel(rect, [&](BYTE* pixel, int x, int y) {
+    if (2 * x + 1 >= rect.width()) return;
+    BYTE* other = rect.At(rect.width() - 1 - x, y);
+    for (int i = 0; i < 3; ++i) std::swap(pixel[i], other[i]);
+  });
+}
+
+void FlipRows(const PixelRect& rect) {
+  if (!rect.buffer) return;
+  for (int k = 0; k < rect.height() / 2; ++k) {
+    BYTE* low = rect.buffer + static_cast<std::ptrdiff_t>(rect.y0 + k) * rect.stride;
+    BYTE* high = rect.buffer + static_cast<std::ptrdiff_t>(rect.y1 - 1 - k) * rect.stride;
+    for (int i = 0; i < rect.stride; ++i) std::swap(low[i], high[i]);
+  }
+}
+
+void RotateQuarter(const PixelRect& source, int angle, const PixelRect& destination) {
+  const int w = source.width();
+  const int h = source.height();
+  if (destination.empty() || destination.width() != h || destination.height() != w) return;
+  ForEachPixel(source, [&](BYTE* pixel, int x, int y) {
+    BYTE* to = angle == 90 ? destination.At(h - 1 - y, x) : destination.At(y, w - 1 - x);
+    for (int i = 0; i < 3; ++i) to[i] = pixel[i];
+  });
+}
+
+void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, int divisor, int offset) {
+  if (n < 1 || n % 2 == 0 || kernel.size() != static_cast<std::size_t>(n * n) || divisor == 0) return;
+  WorkingCopy copy(rect, n / 2);
+  if (!copy.valid()) return;
+  copy.Refill();
+  ForEachPixel(rect, [&](BYTE* pixel, int x, int y) {
+    for (int i = 0; i < 3; ++i) {
+      long long sum = 0;
+      for (int j = 0; j < n; ++j) {
+        for (int k = 0; k < n; ++k) {
+          const BYTE* neighbour = copy.Around(x + k - n / 2, y + j - n / 2);
+          sum += static_cast<long long>(kernel[static_cast<std::size_t>(j * n + k)]) * neighbour[i];
+        }
+      }
+      pixel[i] = static_cast<BYTE>(std::clamp(sum / divisor + offset, 0LL, 255LL));
+    }
+  });
+}
+
+void EqualizePixels(const PixelRect& rect) {
+  std::array<std::uint32_t, 256> counts[3] = {};
+  ForEachPixel(rect, [&](BYTE* pixel, int, int) {
+    for (int i = 0; i < 3; ++i) ++counts[i][pixel[i]];
+  });
+  const double f = 255.0 / (rect.width() * rect.height());
+  std::array<BYTE, 256> table[3];
+  for (int i = 0; i < 3; ++i) {
+    double sum = 0;
+    for (int v = 0; v < 256; ++v) {
+      sum += counts[i][static_cast<std::size_t>(v)];
+      table[i][static_cast<std::size_t>(v)] = ClampByte(static_cast<int>(sum * f));
+    }
+  }
+  ForEachPixel(rect, [&](BYTE* pixel, int, int) {
+    for (int i = 0; i < 3; ++i) pixel[i] = table[i][pixel[i]];
   });
 }
 

@@ -4,6 +4,8 @@
 // give the same bytes for every picture and setting.
 #pragma once
 
+#include <span>
+
 #include "pixels/adjustment_settings.h"
 #include "pixels/pixel_rect.h"
 
@@ -13,5 +15,13 @@ void AdjustColors(const PixelRect& rect, const AdjustmentSettings& settings);
 void WhitenPixels(const PixelRect& rect, int steps);
 void SharpenPixels(const PixelRect& rect, int steps);
 void SmoothPixels(const PixelRect& rect, int steps);
+
+// The effects, pixel by pixel: exchanges byte by byte, the rotation without tiles, the
+// convolution reading a whole working copy, the histogram counted in one pass.
+void MirrorRows(const PixelRect& rect);
+void FlipRows(const PixelRect& rect);
+void RotateQuarter(const PixelRect& source, int angle, const PixelRect& destination);
+void ConvolvePixels(const PixelRect& rect, std::span<const int> kernel, int n, int divisor, int offset);
+void EqualizePixels(const PixelRect& rect);
 
 }  // namespace reference

@@ -4,6 +4,7 @@
 #include "tools/color_pick_tool.h"
 #include "tools/cut_tool.h"
 #include "tools/fill_tool.h"
+#include "tools/frame_mode_tool.h"
 #include "tools/freehand_tool.h"
 #include "tools/irregular_selection_tool.h"
 #include "tools/mosaic_tool.h"
@@ -28,6 +29,7 @@ ToolBox::ToolBox(CImageEditWnd& editor) {
   Register<SelectionMoveTool>({ToolMode::RectangleSelectionHeld}, editor, rectangle);
   Register<CutTool>({ToolMode::Cut}, editor);
   Register<MosaicTool>({ToolMode::Mosaic}, editor);
+  Register<FrameModeTool>({ToolMode::Frame}, editor);
 }
 
 Interaction* ToolBox::For(ToolMode mode, ShapeStyle style) const {

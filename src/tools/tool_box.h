@@ -21,7 +21,7 @@ class ToolBox {
   ToolBox& operator=(const ToolBox&) = delete;
 
   // The tool of that mode: the one registered for the shape style too, else the
-  // mode's own; null for the modes without one (no tool, the frame).
+  // mode's own; null for no tool, whose drags are the editor's own.
   Interaction* For(ToolMode mode, ShapeStyle style) const;
 
   // The airbrush keeps spraying on its timer whichever tool is chosen meanwhile, and

@@ -1,3 +1,5 @@
+#include <tuple>
+
 #include "resources/cursor_table.h"
 #include "test_support.h"
 
@@ -105,6 +107,8 @@ TEST_F(EditorLifecycleTest, CloseStopsRunningTimersAndClosesTheWindow) {
   LiveEditor live(40, 30);
   live.Show(80, 60, 0xFFFFFF);
   const int timersBefore = platform::LiveWindowObjects().timers;
+  RECT unclipped{};
+  GetClipCursor(&unclipped);
   live->SetAirBrush(10);
   live.Mouse(WM_LBUTTONDOWN, 10, 10);
   live.Mouse(WM_MOUSEMOVE, 2, 10);
@@ -112,6 +116,11 @@ TEST_F(EditorLifecycleTest, CloseStopsRunningTimersAndClosesTheWindow) {
   live->SendMessage(WM_CLOSE);
   EXPECT_EQ(platform::LiveWindowObjects().timers, timersBefore);
   EXPECT_FALSE(IsWindow(live->m_hWnd));  // the default handling destroys it
+  // The drag the close cut short no longer holds the pointer.
+  RECT clip{};
+  GetClipCursor(&clip);
+  EXPECT_EQ(std::tie(clip.left, clip.top, clip.right, clip.bottom),
+            std::tie(unclipped.left, unclipped.top, unclipped.right, unclipped.bottom));
 }
 
 }  // namespace

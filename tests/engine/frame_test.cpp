@@ -98,6 +98,20 @@ TEST_F(FrameTest, TheBorderShowsWithItsEighthPieceAndMeetsAtTheCorners) {
   for (const auto& p : pixels) EXPECT_EQ(Shown(p.x, p.y), p.color) << p.x << "," << p.y;
 }
 
+// The mode the frame leaves paints nothing, yet each press on the picture still
+// records a level, as every tool's press does, and a press beside it none.
+TEST_F(FrameTest, APressInTheFramesModeRecordsALevelAndChangesNoPixel) {
+  SetBorder(10, 3);
+  ASSERT_EQ(editor().m_tools.mode, ToolMode::Frame);
+  const COLORREF before = Shown(150, 120);
+  const int recorded = levels();
+  live_.Drag(150, 120, 170, 130);
+  EXPECT_EQ(levels(), recorded + 1);
+  EXPECT_EQ(Shown(150, 120), before);
+  live_.Click(20, 20);
+  EXPECT_EQ(levels(), recorded + 1);
+}
+
 // The overlay shows at once, keyed, at the surfaces' origin, with whatever border
 // pieces there are, whose last tiles run whole past the edge's end. A border piece
 // set after it hides the frame again, unrecorded, until the border is complete.

@@ -61,14 +61,6 @@ class ObjectsTest : public HostedTest {
     editor().ComposeView();
     return GetPixel(editor().m_surfaces.composition.dc(), x, y);
   }
-  std::vector<COLORREF> PictureColors(HBITMAP bitmap) {
-    BITMAP size{};
-    GetObjectA(bitmap, sizeof size, &size);
-    const platform::MemoryDC dc(nullptr);
-    const platform::SelectionGuard selected(dc.get(), bitmap);
-    return SurfaceColors(dc.get(), size.bmWidth, size.bmHeight);
-  }
-
   LiveEditor live_{40, 30};
 };
 
@@ -189,7 +181,7 @@ TEST_F(ObjectsTest, ARedBackgroundGetsAComplementFrame) {
   for (int round = 0; round < 2; ++round) {
     icon.RebuildSelectedPicture();
     EXPECT_EQ(icon.borderColor, ~kRed);
-    EXPECT_EQ(PictureColors(icon.selectedPicture.get())[0], 0xFFFF00u);
+    EXPECT_EQ(BitmapColors(icon.selectedPicture.get())[0], 0xFFFF00u);
   }
   icon.backgroundBrush = platform::OwnedBrush(CreateSolidBrush(kBlue));
   icon.RebuildSelectedPicture();
@@ -298,8 +290,8 @@ TEST_F(ObjectsTest, HexEncodedTextDrawsItsBytes) {
                              "abcdefgh"
                              "48656C6C6F");
   editor().InsertBalloonText(0, 14, "", 0, 0, 30, 12, "Hello");
-  const std::vector<COLORREF> hex = PictureColors(object(0).picture.get());
-  EXPECT_EQ(hex, PictureColors(object(1).picture.get()));
+  const std::vector<COLORREF> hex = BitmapColors(object(0).picture.get());
+  EXPECT_EQ(hex, BitmapColors(object(1).picture.get()));
   EXPECT_NE(std::count(hex.begin(), hex.end(), kBlack), 0);
 }
 
@@ -386,11 +378,11 @@ TEST_F(ObjectsTest, MirrorTwiceGivesThePicturesBack) {
   editor().InsertIcon(1, 1, IconFile(3, 2, colors).c_str());
   RightClick(2, 2, kObjectReverse);
   const std::vector<COLORREF> mirrored{kBlue, kGreen, kRed, kGrey, kWhite, kBlack};
-  EXPECT_EQ(PictureColors(object(0).picture.get()), mirrored);
-  EXPECT_EQ(PictureColors(object(0).sourcePicture.get()), mirrored);
+  EXPECT_EQ(BitmapColors(object(0).picture.get()), mirrored);
+  EXPECT_EQ(BitmapColors(object(0).sourcePicture.get()), mirrored);
   RightClick(2, 2, kObjectReverse);
-  EXPECT_EQ(PictureColors(object(0).picture.get()), colors);
-  EXPECT_EQ(PictureColors(object(0).sourcePicture.get()), colors);
+  EXPECT_EQ(BitmapColors(object(0).picture.get()), colors);
+  EXPECT_EQ(BitmapColors(object(0).sourcePicture.get()), colors);
 }
 
 TEST_F(ObjectsTest, OriginalGivesBackTheSizeAtInsertion) {
@@ -403,8 +395,8 @@ TEST_F(ObjectsTest, OriginalGivesBackTheSizeAtInsertion) {
   RightClick(3, 3, kObjectOriginal);
   EXPECT_EQ(icon.width, 6);
   EXPECT_EQ(icon.height, 4);
-  EXPECT_EQ(PictureColors(icon.picture.get()), std::vector<COLORREF>(24, kBlue));
-  EXPECT_EQ(PictureColors(icon.selectedPicture.get()).size(), 24u);
+  EXPECT_EQ(BitmapColors(icon.picture.get()), std::vector<COLORREF>(24, kBlue));
+  EXPECT_EQ(BitmapColors(icon.selectedPicture.get()).size(), 24u);
 }
 
 TEST_F(ObjectsTest, ZOrderCommandsMoveTheSelectedObject) {
@@ -463,21 +455,21 @@ TEST_F(ObjectsTest, UndoAndRedoGiveBackTheObjects) {
   EXPECT_EQ(ZOrder(), (std::vector<int>{1}));
   EXPECT_EQ(object(0).kind(), ObjectKind::Free);
   EXPECT_EQ(object(1).x, 10);
-  EXPECT_EQ(PictureColors(object(1).picture.get()), std::vector<COLORREF>(12, kGreen));
+  EXPECT_EQ(BitmapColors(object(1).picture.get()), std::vector<COLORREF>(12, kGreen));
   EXPECT_EQ(Shown(1, 1), kGrey);
   EXPECT_EQ(Shown(11, 11), kGreen);
 
   editor().Undo();  // both, as inserted
   EXPECT_EQ(ZOrder(), (std::vector<int>{1, 0}));
-  EXPECT_EQ(PictureColors(object(0).picture.get()), std::vector<COLORREF>(12, kRed));
+  EXPECT_EQ(BitmapColors(object(0).picture.get()), std::vector<COLORREF>(12, kRed));
   EXPECT_EQ(objects().selected(), -1);
 
   editor().Redo();
   editor().Redo();
   EXPECT_EQ(ZOrder(), (std::vector<int>{0, 1}));
   EXPECT_EQ(object(0).x, 20);
-  EXPECT_EQ(PictureColors(object(0).picture.get()), std::vector<COLORREF>(12, kBlue));
-  EXPECT_EQ(PictureColors(object(0).sourcePicture.get()), std::vector<COLORREF>(12, kBlue));
+  EXPECT_EQ(BitmapColors(object(0).picture.get()), std::vector<COLORREF>(12, kBlue));
+  EXPECT_EQ(BitmapColors(object(0).sourcePicture.get()), std::vector<COLORREF>(12, kBlue));
   EXPECT_EQ(Shown(21, 21), kBlue);
   // The live objects own their copies: changing them leaves the level alone.
   const HistoryLevel& level = editor().m_history.Level(editor().m_history.index());

@@ -54,14 +54,6 @@ class NoToolDragsTest : public HostedTest {
     EXPECT_TRUE(shown == Frame()) << "after the move to " << x << "," << y;
   }
 
-  std::vector<COLORREF> PictureColors(HBITMAP bitmap) {
-    BITMAP size{};
-    GetObjectA(bitmap, sizeof size, &size);
-    const platform::MemoryDC dc(nullptr);
-    const platform::SelectionGuard selected(dc.get(), bitmap);
-    return SurfaceColors(dc.get(), size.bmWidth, size.bmHeight);
-  }
-
   void TearDown() override {
     platform::FailNthCreation(platform::GdiKind::Bitmap, 0);
     HostedTest::TearDown();
@@ -124,7 +116,7 @@ TEST_F(NoToolDragsTest, ADragHoldsTheMouseInsideTheWindow) {
 TEST_F(NoToolDragsTest, AResizeScalesThePictureAsInserted) {
   InsertIcon(10, 10, 40, 30);
   CInsertedObject& icon = objects().Object(0);
-  const std::vector<COLORREF> inserted = PictureColors(icon.picture.get());
+  const std::vector<COLORREF> inserted = BitmapColors(icon.picture.get());
   live_.Mouse(WM_LBUTTONDOWN, 45, 35);  // on the grip
   live_.Mouse(WM_MOUSEMOVE, 21, 21);
   ASSERT_EQ(icon.width, 16);
@@ -132,15 +124,15 @@ TEST_F(NoToolDragsTest, AResizeScalesThePictureAsInserted) {
   platform::FailNthCreation(platform::GdiKind::Bitmap, 1);
   live_.Mouse(WM_MOUSEMOVE, 30, 25);
   EXPECT_EQ(icon.width, 16) << "the scaled picture could not be made";
-  EXPECT_EQ(PictureColors(icon.picture.get()).size(), 16u * 16u);
+  EXPECT_EQ(BitmapColors(icon.picture.get()).size(), 16u * 16u);
   // The refused step's point is the last one all the same: from there, 24 across and
   // 14 down give back 40 x 30.
   live_.Mouse(WM_MOUSEMOVE, 54, 39);
   live_.Mouse(WM_LBUTTONUP, 54, 39);
   EXPECT_EQ(icon.width, 40);
   EXPECT_EQ(icon.height, 30);
-  EXPECT_EQ(PictureColors(icon.picture.get()), inserted);
-  EXPECT_EQ(PictureColors(icon.selectedPicture.get()).size(), inserted.size());
+  EXPECT_EQ(BitmapColors(icon.picture.get()), inserted);
+  EXPECT_EQ(BitmapColors(icon.selectedPicture.get()).size(), inserted.size());
 }
 
 // The Delete key mid-drag frees the dragged slot: the drag goes on with nothing, and

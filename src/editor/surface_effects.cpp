@@ -1,0 +1,194 @@
+// The destructive effects: pixels changed once, when the operation is called, instead
+// of a setting that every rebuild applies again. The quarter turn changes the original
+// picture itself and so lasts. The others change the image surface as it shows now
+// and last until the surface is next refilled from the original (by any adjustment,
+// undo, redo or new width); a history level records the settings, not those pixels.
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "editor/image_edit_wnd.h"
+#include "imageio/image_loader.h"
+#include "pixels/convolve.h"
+#include "pixels/equalize.h"
+#include "pixels/line_patterns.h"
+#include "pixels/mirror.h"
+#include "pixels/pixel_buffer.h"
+#include "pixels/rotate.h"
+
+namespace {
+
+// The image surface's pixels, changed by `effect` (given the buffer and the image
+// rectangle) and written back, shown at once and recorded by a history level without
+// a drawing-layer snapshot. The surface is not rebuilt first: the effect works on what
+// it shows, adjustments and earlier effects included. Nothing happens when the pixels
+// cannot be read.
+template <typename Effect>
+void RewriteImageSurface(CImageEditWnd& editor, Effect&& effect) {
+  const Surface& surface = editor.m_surfaces.imageSurface;
+  PixelBuffer pixels = editor.ReadSurfacePixels(surface.dc(), surface.bitmap());
+  if (!pixels) return;
+  effect(pixels, editor.m_view.imageRect());
+  editor.WriteSurfacePixels(surface.dc(), surface.bitmap(), std::move(pixels));
+  editor.RedrawWindow();
+  editor.CommitHistoryLevel(nullptr, 0, 0);
+}
+
+// Every surface effect closes text entry first and needs the image surface.
+template <typename Effect>
+void RunSurfaceEffect(CImageEditWnd& editor, Effect&& effect) {
+  editor.CloseTextEntry();
+  if (!editor.m_surfaces.imageSurface.dc()) return;
+  RewriteImageSurface(editor, std::forward<Effect>(effect));
+}
+
+// A new bitmap compatible with `dc` holding `bitmap` turned a quarter; null (and
+// `bitmap` untouched) when the new bitmap or either buffer cannot be had.
+platform::OwnedBitmap TurnedBitmap(CImageEditWnd& editor, HDC dc, HBITMAP bitmap, int angle) {
+  const PixelBuffer source = editor.ReadSurfacePixels(dc, bitmap);
+  if (!source) return platform::OwnedBitmap();
+  platform::OwnedBitmap turned(CreateCompatibleBitmap(dc, source.height(), source.width()));
+  if (!turned) return turned;
+  // The new bitmap's pixels are all about to be written: a buffer of its size will do,
+  // without reading them first.
+  PixelBuffer pixels(source.height(), source.width());
+  if (!pixels) {
+    editor.m_messages.ReportOutOfMemory();
+    return platform::OwnedBitmap();
+  }
+  RotateQuarter(source.Whole(), angle, pixels.Whole());
+  editor.WriteSurfacePixels(dc, turned.get(), std::move(pixels));
+  return turned;
+}
+
+// A point of the picture as fractions of the displayed width and height from the
+// image rectangle's left-top corner.
+struct PicturePoint {
+  double u, v;
+
+  // Where a quarter turn of the picture takes it.
+  PicturePoint Turned(bool counterClockwise) const {
+    return counterClockwise ? PicturePoint{v, 1.0 - u} : PicturePoint{1.0 - v, u};
+  }
+};
+
+// The point of the picture under an inserted object's centre; a centre beyond the
+// picture counts from the picture's nearest edge.
+PicturePoint PictureUnder(const CInsertedObject& object, const ViewPlacement& view) {
+  const POINT centre = view.ToSurface(POINT{object.x + object.width / 2, object.y + object.height / 2});
+  const RECT& image = view.imageRect();
+  const auto fraction = [](double offset, int length) {
+    return length > 0 ? std::clamp(offset / length, 0.0, 1.0) : 0.5;
+  };
+  return PicturePoint{fraction(static_cast<double>(centre.x - image.left), view.displayedWidth()),
+                      fraction(static_cast<double>(centre.y - image.top), view.displayedHeight())};
+}
+
+// Puts an inserted object's centre over that point of the picture as the view now
+// shows it.
+void CentreOver(CInsertedObject& object, PicturePoint point, const ViewPlacement& view) {
+  const RECT image = view.ToWindow(view.imageRect());
+  object.x = image.left + static_cast<int>(std::lround(point.u * view.displayedWidth())) - object.width / 2;
+  object.y = image.top + static_cast<int>(std::lround(point.v * view.displayedHeight())) - object.height / 2;
+}
+
+}  // namespace
+
+void CImageEditWnd::FlipImage() {
+  RunSurfaceEffect(*this, [this](const PixelBuffer& pixels, const RECT& image) {
+    FlipRows(pixels.Area(image), m_messages.OutOfMemoryReporter());
+  });
+}
+
+void CImageEditWnd::ReverseImage() {
+  RunSurfaceEffect(*this,
+                   [](const PixelBuffer& pixels, const RECT& image) { MirrorRows(pixels.Area(image)); });
+}
+
+void CImageEditWnd::EmbossImage() {
+  RunSurfaceEffect(*this, [this](const PixelBuffer& pixels, const RECT& image) {
+    EmbossPixels(pixels.Area(image), m_messages.OutOfMemoryReporter());
+  });
+}
+
+void CImageEditWnd::EqualizeHistogram() {
+  RunSurfaceEffect(*this,
+                   [](const PixelBuffer& pixels, const RECT& image) { EqualizePixels(pixels.Area(image)); });
+}
+
+// The two line patterns are laid out from the image rectangle but run on below it to
+// the bottom of the surface, so they take the whole buffer.
+void CImageEditWnd::CheckImage() {
+  RunSurfaceEffect(
+      *this, [](const PixelBuffer& pixels, const RECT& image) { DrawCheckLines(pixels.Whole(), image); });
+}
+
+void CImageEditWnd::BlockImage() {
+  RunSurfaceEffect(
+      *this, [](const PixelBuffer& pixels, const RECT& image) { DrawBlockGrooves(pixels.Whole(), image); });
+}
+
+// The second picture is only loaded, to check that it can be, and the factor kept
+// with the settings (and so in the history); no pixels are combined with it yet. The
+// surface is still written back, shown and recorded whether or not it loaded.
+void CImageEditWnd::BlendImage(LPCSTR lpszFilePath, int nAlpha) {
+  CloseTextEntry();
+  if (!m_surfaces.imageSurface.dc()) return;
+  const int alpha = std::clamp(nAlpha, 0, 200);
+  const platform::OwnedBitmap blended(imageio::LoadImage(lpszFilePath, m_messages.LoadContext(m_hWnd)));
+  if (blended) m_settings.blend = alpha * 0.01;
+  RewriteImageSurface(*this, [](const PixelBuffer&, const RECT&) {});
+}
+
+// No pattern is drawn: the operation marks a history level.
+void CImageEditWnd::WaterDropImage() {
+  CloseTextEntry();
+  if (m_surfaces.imageSurface.dc()) CommitHistoryLevel(nullptr, 0, 0);
+}
+
+// A quarter turn of the picture: the original itself is replaced by its turned copy,
+// so the turn outlasts every rebuild; no history level is recorded, and undo does not
+// turn it back. Turning by 90 and then by -90 gives back the very same pixels.
+//
+// The strokes of the drawing layer turn with the picture: the layer is replaced by its
+// turned copy, and the image rectangle is turned with it, so that the refit of the
+// layer onto the new layout starts from where the turned picture now lies and each
+// stroke stays on the feature it was drawn over. They turn only together with the
+// picture: without a picture, or when it cannot be turned, they stay as they are; when
+// the picture turns but the layer cannot, the layer is refitted unturned.
+//
+// Inserted objects are upright overlays in window coordinates (a balloon's text, an
+// icon), so they are not turned: each keeps its size and its upright look, and its
+// centre moves to where the turn takes the point of the picture under it (a centre
+// beyond the picture counts from the picture's nearest edge), in the new layout. So an
+// icon placed on a feature stays on it, and every object still lies on the picture.
+void CImageEditWnd::RotateImage(int nDegree) {
+  CloseTextEntry();
+  if (nDegree != 90 && nDegree != -90) return;
+  Surface& layer = m_surfaces.drawingLayer;
+  HDC composition = m_surfaces.composition.dc();
+  if (!composition || !layer.dc()) return;
+  const bool counterClockwise = nDegree == 90;
+
+  platform::OwnedBitmap original;
+  if (m_surfaces.original) original = TurnedBitmap(*this, composition, m_surfaces.original.get(), nDegree);
+  std::vector<std::pair<int, PicturePoint>> objects;
+  if (original) {
+    m_surfaces.original = std::move(original);
+    std::swap(m_view.originalWidth, m_view.originalHeight);
+    for (const int slot : m_objects.FrontToBack())
+      objects.emplace_back(slot, PictureUnder(m_objects.Object(slot), m_view).Turned(counterClockwise));
+    if (platform::OwnedBitmap strokes = TurnedBitmap(*this, layer.dc(), layer.bitmap(), nDegree)) {
+      const int width = layer.width();
+      const int height = layer.height();
+      layer.Adopt(std::move(strokes), height, width);
+      m_view.TurnQuarter(counterClockwise, width, height);
+    }
+  }
+
+  SetImageWidth(m_view.requestedImageWidth >= 1 ? m_view.requestedImageWidth : -100);
+  if (objects.empty()) return;
+  for (const auto& [slot, point] : objects) CentreOver(m_objects.Object(slot), point, m_view);
+  RedrawWindow();
+}
