@@ -206,7 +206,7 @@ for (const call of CALLS) {
   const base = native.calls[call[0]];
   line(name, cell(ms(base), NATIVE_WIDTH), ...webs.map((web) => {
     const time = median(web.callTimes[call[0]].slice(WARM_UP));
-    return cell(base > 0.1 ? `${ms(time)}  ${ratio(time, base)}` : ms(time));
+    return cell(base > 0.5 && time > 0.5 ? `${ms(time)}  ${ratio(time, base)}` : ms(time));
   }));
   if (call[0] === 'BrightenImage') {
     line('  its first call after the load', cell('', NATIVE_WIDTH),
