@@ -45,8 +45,7 @@ const CALLS = [
 ];
 const WARM_UP = 3;
 const TIMED = 5;
-// Natively more calls and moves are made, so that the run time's noise shrinks in the
-// time per call.
+// Natively the calls are timed together, in one run of the script host.
 const NATIVE_CALLS = 6;
 
 // The drags of the native tools benchmark (bench/tools_bench.cpp), each under the
@@ -113,8 +112,8 @@ async function webTimes(isolated) {
       return { threads: crossOriginIsolated, firstPaint, callTimes, files };
     }, [LARGE, CONTROL, LOADS, CALLS, WARM_UP + TIMED]);
 
-    // The drags start from the picture as loaded, as natively: what the effects left
-    // (a turned drawing layer, say) would make every repaint do more.
+    // The drags start from the picture as loaded, as natively: after the effects'
+    // quarter turns every repaint of a pan does about twice the work.
     await page.evaluate(async (source) => {
       const editor = document.getElementById('editor');
       await editor.SetImage(source);

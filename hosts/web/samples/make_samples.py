@@ -303,7 +303,7 @@ def frame_corner(moulding, joint):
 
 def rosette(draw):
     """A gold rosette over the crossing of the bead rows."""
-    c = 12
+    c = FRAME_SIDE // 2
     draw.ellipse((c - 6, c - 6, c + 6, c + 6), fill=GOLD[0])
     draw.ellipse((c - 5, c - 5, c + 5, c + 5), fill=GOLD[2])
     for dx, dy in ((-3, 0), (3, 0), (0, -3), (0, 3)):
@@ -331,7 +331,7 @@ def frame(out, name, moulding, joint):
     """The eight pieces of a frame as out/NAME-PLACE.png."""
     corner, edge = frame_corner(moulding, joint), frame_edge(moulding)
     for place, turn in FRAME_PIECES:
-        piece = corner if "-" in place else edge
+        piece = corner if "-" in place else edge  # a corner's place names two sides
         piece.rotate(turn).save(out / f"{name}-{place}.png", optimize=True)
 
 
