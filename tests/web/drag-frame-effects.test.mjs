@@ -303,7 +303,8 @@ test('the demo: an inserted icon dragged with Move, the picture flipped and fram
   const opened = ['SetImage "build/web/samples/landscape.jpg"', 'SetImage "build/web/samples/tiles.bmp"'];
   assertSamePixels(shown, nativeShot(640, 480, [
     ...opened, 'SetTransparency 0xFF00FF 0', 'InsertIcon 200 150 "build/web/samples/icon-heart.png"', ...drag,
-    'FlipImage', ...FRAME_PLACES.map((place, i) => `SetFrame ${i} "build/web/samples/frames/gilded-${place}.png" 24 -1`),
+    'FlipImage',
+    ...FRAME_PLACES.map((place, i) => `SetFrame ${i} "build/web/samples/frames/gilded-${place}.png" 24 -1`),
     // The frame leaves the control with no tool at all; the demo chooses Move again.
     'SetNothing',
   ]), 'the demo after the session');
