@@ -6,9 +6,10 @@
 # element image-edit-control.js with the modules it imports (hosts/web/*.js), its
 # method list image-edit-interface.js and its TypeScript declaration
 # image-edit-control.d.ts (both generated from the interface description), and the
-# demo page index.html with its sample pictures. Each engine carries the fonts text is
-# drawn with inside its .wasm (src/platform/fonts) and FreeType, compiled from the
-# Debian source that scripts/setup.sh fetches.
+# demo page index.html with its sample pictures and frame pieces (samples/frames/).
+# Each engine carries the fonts text is drawn with inside its .wasm
+# (src/platform/fonts) and FreeType, compiled from the Debian source that
+# scripts/setup.sh fetches.
 # Any static file server can serve it: the element loads the engine without threads.
 # A server that makes the page cross-origin isolated (it sends
 # Cross-Origin-Opener-Policy: same-origin and Cross-Origin-Embedder-Policy:
@@ -29,16 +30,18 @@ build_engine() {  # TREE IE_WASM_THREADS
 build_engine build/wasm OFF
 build_engine build/wasm-threads ON
 # The text sample for Node (build/wasm/hosts/web/text-sample.cjs), which
-# tests/web/fonts.test.mjs compares with its native build.
-cmake --build build/wasm --target image_edit_element_interface text_sample
+# tests/web/fonts.test.mjs compares with its native build, and the check of the
+# engine's memcpy (block-copy-check.cjs), which tests/web/block-copy.test.mjs runs.
+cmake --build build/wasm --target image_edit_element_interface text_sample block_copy_check
 
 out=build/web
 rm -rf "$out"
-mkdir -p "$out/samples"
+mkdir -p "$out/samples/frames"
 cp build/wasm/hosts/web/image-edit-engine.{js,wasm} build/wasm-threads/hosts/web/image-edit-engine-threads.{js,wasm,worker.js} \
   "$out/"
 cp hosts/web/*.js build/wasm/hosts/web/image-edit-{interface.js,control.d.ts} hosts/web/demo/* "$out/"
 cp hosts/web/samples/*.jpg hosts/web/samples/*.png hosts/web/samples/*.bmp "$out/samples/"
+cp hosts/web/samples/frames/*.png "$out/samples/frames/"
 # The 12-megapixel sample is drawn once per build tree rather than kept in the repository.
 large=build/wasm/samples/landscape-12mp.jpg
 [ -f "$large" ] || /usr/bin/python3 hosts/web/samples/make_samples.py build/wasm/samples --large

@@ -108,6 +108,7 @@ export class ImageEditControl extends HTMLElement {
   #menu;                       // the shortcut menu, while the engine's popup menu is on the page
   #textBox;                    // the page's text field over the engine's open text box
   #dialogStart = null;         // what the colour or font dialog the engine opened starts from
+  #frameCopy = null;           // the frames of the engine with threads, copied out of shared memory
 
   constructor() {
     super();
@@ -325,9 +326,7 @@ export class ImageEditControl extends HTMLElement {
     return {
       presentFrame: (address, width, height) => {
         const frame = new Uint8ClampedArray(this.#memory.buffer, address, width * height * 4);
-        // ImageData takes no view of shared memory: the engine with threads hands a copy.
-        const rgba = frame.buffer instanceof ArrayBuffer ? frame : frame.slice();
-        this.#context.putImageData(new ImageData(rgba, width, height), 0, 0);
+        this.#context.putImageData(this.#frameImage(frame, width, height), 0, 0);
       },
       showCursor: (id) => {
         this.#cursor = this.#cursorCss(id);
@@ -352,6 +351,19 @@ export class ImageEditControl extends HTMLElement {
         this.#menu.open(items, box.left + x * scaleX, box.top + y * scaleY);
       },
     };
+  }
+
+  // The frame as ImageData. ImageData takes no view of shared memory, so the engine
+  // with threads has its frames copied, into one ImageData kept for them: a drag
+  // presents a frame for every move, and a new one each time would leave the
+  // collector megabytes to sweep.
+  #frameImage(frame, width, height) {
+    if (frame.buffer instanceof ArrayBuffer) return new ImageData(frame, width, height);
+    if (this.#frameCopy?.width !== width || this.#frameCopy.height !== height) {
+      this.#frameCopy = new ImageData(width, height);
+    }
+    this.#frameCopy.data.set(frame);
+    return this.#frameCopy;
   }
 
   #cursorCss(id) {
@@ -412,6 +424,8 @@ export class ImageEditControl extends HTMLElement {
       });
       this.#keepTime();
     };
+    // The button whose press the control heard and whose release it has not.
+    let held = null;
     canvas.addEventListener('pointerdown', (event) => {
       const messages = BUTTON_MESSAGES[event.button];
       if (!messages) return;
@@ -420,8 +434,12 @@ export class ImageEditControl extends HTMLElement {
       // The control holds the pointer until the release, as mouse capture does; a
       // shortcut menu the press opened takes it over.
       canvas.setPointerCapture(event.pointerId);
+      held = event.button;
       send(this.#isDoubleClick(event) ? messages[2] : messages[0], [event]);
-      if (this.#menu.isOpen) canvas.releasePointerCapture(event.pointerId);
+      if (this.#menu.isOpen) {
+        canvas.releasePointerCapture(event.pointerId);
+        held = null;
+      }
     });
     canvas.addEventListener('pointermove', (event) => {
       const moves = event.getCoalescedEvents ? event.getCoalescedEvents() : [];
@@ -429,7 +447,18 @@ export class ImageEditControl extends HTMLElement {
     });
     canvas.addEventListener('pointerup', (event) => {
       const messages = BUTTON_MESSAGES[event.button];
-      if (messages) send(messages[1], [event]);
+      if (!messages) return;
+      if (event.button === held) held = null;
+      send(messages[1], [event]);
+    });
+    // A pointer the browser takes away (a touch that becomes a scroll, a system
+    // gesture) is never released: the control hears its button let go where it is,
+    // so that a drag, a pan or a stroke ends rather than waiting for a release.
+    canvas.addEventListener('pointercancel', (event) => {
+      if (held === null) return;
+      const release = BUTTON_MESSAGES[held][1];
+      held = null;
+      send(release, [event]);
     });
     canvas.addEventListener('contextmenu', (event) => event.preventDefault());
     this.addEventListener('keydown', (event) => this.#key(WM_KEYDOWN, event));

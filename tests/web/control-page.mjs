@@ -75,11 +75,32 @@ export function nativeBitmapFile(width, height, statements, write, settings = []
   }
 }
 
+// The native script host's `state` report (only `keys`, when given) after the
+// script's statements.
+export function nativeState(width, height, statements, keys = []) {
+  const script = [`create ${width} ${height}`, ...statements, ['state', ...keys].join(' ')].join('\n');
+  const printed = execFileSync(IMAGEEDIT, ['run', '-'], { cwd: ROOT, input: `${script}\n` }).toString();
+  return JSON.parse(printed.trim().split('\n').pop());
+}
+
+// How many pixels inside the rectangle of what the control shows are of the colour.
+export function pixelsOf(shown, [r, g, b], [left, top, right, bottom]) {
+  let count = 0;
+  for (let y = top; y < bottom; y++) {
+    for (let x = left; x < right; x++) {
+      const at = (y * shown.width + x) * 3;
+      if (shown.rgb[at] === r && shown.rgb[at + 1] === g && shown.rgb[at + 2] === b) count++;
+    }
+  }
+  return count;
+}
+
 // The native script host's `shot` after the script's statements.
 export const nativeShot = (width, height, statements, settings = []) =>
   readBmp(nativeBitmapFile(width, height, statements, (file) => `shot "${file}"`, settings));
 
-export function assertSamePixels(actual, expected, what) {
+// `expected` is what the script host shows unless `source` says where it comes from.
+export function assertSamePixels(actual, expected, what, source = 'the script host shows') {
   assert.equal(actual.width, expected.width, `${what}: width`);
   assert.equal(actual.height, expected.height, `${what}: height`);
   const at = actual.rgb.findIndex((value, i) => value !== expected.rgb[i]);
@@ -88,6 +109,6 @@ export function assertSamePixels(actual, expected, what) {
     const x = pixel % actual.width;
     const y = Math.floor(pixel / actual.width);
     assert.fail(`${what}: pixel ${x},${y} is ${actual.rgb.slice(pixel * 3, pixel * 3 + 3)}, ` +
-      `the script host shows ${expected.rgb.slice(pixel * 3, pixel * 3 + 3)}`);
+      `${source} ${expected.rgb.slice(pixel * 3, pixel * 3 + 3)}`);
   }
 }

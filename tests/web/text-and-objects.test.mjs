@@ -6,7 +6,7 @@ import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 
 import { launchChromium, ROOT, serve, WEB_ROOT } from './browser.mjs';
-import { assertSamePixels, canvasPixels, nativeShot, openControlPage } from './control-page.mjs';
+import { assertSamePixels, canvasPixels, nativeShot, openControlPage, pixelsOf } from './control-page.mjs';
 
 let server;
 let browser;
@@ -172,18 +172,6 @@ test('an object\'s shortcut menu is a page menu: what the keyboard and the mouse
   assert.deepEqual(page.errors, []);
   await page.close();
 });
-
-// How many pixels inside the rectangle of what the control shows are of the colour.
-function pixelsOf(shown, [r, g, b], [left, top, right, bottom]) {
-  let count = 0;
-  for (let y = top; y < bottom; y++) {
-    for (let x = left; x < right; x++) {
-      const at = (y * shown.width + x) * 3;
-      if (shown.rgb[at] === r && shown.rgb[at + 1] === g && shown.rgb[at + 2] === b) count++;
-    }
-  }
-  return count;
-}
 
 // A Korean page converts typed text through the Korean code page; any other page
 // types in its own and draws Hangul from the fallback face.

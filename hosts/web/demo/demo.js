@@ -72,16 +72,18 @@ const TOOLS = {
   text: () => editor.EnterText(),
   none: () => editor.SetNothing(),
 };
+const SIZED = new Set(['pen', 'brush', 'eraser', 'airbrush', 'shape']);
 const toolButtons = [...document.querySelectorAll('#tools button')];
-let activeTool = null;
+// The control starts with no tool.
+let activeTool = toolButtons.find((button) => button.dataset.tool === 'none');
 async function chooseTool(button) {
   activeTool = button;
   for (const other of toolButtons) other.setAttribute('aria-pressed', String(other === button));
   await TOOLS[button.dataset.tool](button);
-  note(`${button.textContent} (size ${size()})`);
+  note(SIZED.has(button.dataset.tool) ? `${button.textContent} (size ${size()})` : button.textContent);
 }
 for (const button of toolButtons) button.addEventListener('click', () => chooseTool(button));
-sizeInput.addEventListener('change', () => { if (activeTool) chooseTool(activeTool); });
+sizeInput.addEventListener('change', () => chooseTool(activeTool));
 const showColor = (rrggbb) => { colorInput.value = `#${rrggbb.toLowerCase()}`; };
 colorInput.addEventListener('change', () => {
   showColor(editor.SetColor(colorInput.value.slice(1)));
@@ -127,6 +129,53 @@ for (const input of document.querySelectorAll('.steps input')) {
     note(`${input.dataset.method}(${input.valueAsNumber || 0})`);
   });
 }
+
+// Effects change the picture at once; rotation also refits it to the editor.
+for (const button of document.querySelectorAll('[data-effect]')) {
+  button.addEventListener('click', () => {
+    const { effect, degrees } = button.dataset;
+    if (degrees === undefined) editor[effect]();
+    else editor[effect](Number(degrees));
+    note(`${effect}(${degrees ?? ''})`);
+  });
+}
+document.getElementById('blend').addEventListener('click', async () => {
+  const source = document.getElementById('blend-source').value;
+  const factor = document.getElementById('blend-factor').valueAsNumber || 0;
+  await editor.BlendImage(source, factor);
+  note(`BlendImage("${source}", ${factor})`);
+  status.textContent = `Blend factor ${Math.min(Math.max(factor, 0), 200)} % recorded with ${source}; ` +
+    'the control mixes no pixels.';
+});
+
+// A frame is eight pieces, loaded one by one in the control's order (counter-clockwise
+// from the right edge); it shows once the eighth is in. The ribbon is the overlay
+// piece, laid over the editor's top-left corner without its magenta.
+const FRAME_PLACES = ['right', 'top-right', 'top', 'top-left', 'left', 'bottom-left', 'bottom', 'bottom-right'];
+const OVERLAY = -1;
+const NO_KEY = -1, MAGENTA = 0xFF00FF;
+document.getElementById('frame').addEventListener('click', async () => {
+  const style = document.getElementById('frame-style').value;
+  const inset = document.getElementById('frame-inset').valueAsNumber || 0;
+  status.textContent = `Framing with the ${style} frame…`;
+  for (const [orientation, place] of FRAME_PLACES.entries()) {
+    await editor.SetFrame(orientation, `samples/frames/${style}-${place}.png`, inset, NO_KEY);
+  }
+  note(`SetFrame(0…7, "samples/frames/${style}-….png", ${inset}, -1)`);
+  if (document.getElementById('frame-overlay').checked) {
+    await editor.SetFrame(OVERLAY, 'samples/frames/ribbon.png', 0, MAGENTA);
+    note('SetFrame(-1, "samples/frames/ribbon.png", 0, 0xff00ff)');
+  }
+  status.textContent = `Framed with the ${style} frame.`;
+  // A frame leaves the control with no tool at all, not even Move: the tool chosen
+  // on the page is chosen again.
+  await chooseTool(activeTool);
+});
+document.getElementById('apply-texture').addEventListener('click', () => {
+  const value = document.getElementById('texture').valueAsNumber || 0;
+  editor.SetTexture(value);
+  note(`SetTexture(${value})`);
+});
 
 document.getElementById('apply-scale').addEventListener('click', () => {
   const value = document.getElementById('scale').valueAsNumber;
@@ -199,15 +248,37 @@ document.getElementById('background-dialog').addEventListener('click', async () 
   }
 });
 
-// Inserting: the sample balloon and icons are drawn on magenta, which is left out.
-const MAGENTA = 0xFF00FF;
-// New objects go to the next of a few places spread over the editor.
-const PLACES = [[30, 30], [330, 50], [140, 190], [420, 250], [40, 300]];
+// "#rrggbb" as the control takes a colour number: a COLORREF, 0x00BBGGRR.
+function colorref(color) {
+  const rgb = Number.parseInt(color.slice(1), 16);
+  return ((rgb & 0xFF) << 16) | (rgb & 0xFF00) | (rgb >> 16);
+}
+
+// Inserting: objects take the key colour and transparency set when they are
+// inserted. The sample balloon and icons are drawn on magenta, the key colour the
+// page starts with. The control keeps the values only once a picture is open, so
+// they are set again before every insertion.
+const keyColor = document.getElementById('key-color');
+const transparency = document.getElementById('transparency');
+function applyTransparency() {
+  editor.SetTransparency(colorref(keyColor.value), transparency.valueAsNumber);
+}
+transparency.addEventListener('input', () => { transparency.nextElementSibling.value = `${transparency.value} %`; });
+for (const input of [keyColor, transparency]) {
+  input.addEventListener('change', () => {
+    applyTransparency();
+    note(`SetTransparency(0x${colorref(keyColor.value).toString(16).padStart(6, '0')}, ${transparency.value})`);
+  });
+}
+// New objects go to the next of a few places around the middle of the editor, where
+// a picture of any size lies: an object can be dragged only while it overlaps the
+// picture.
+const PLACES = [[200, 150], [340, 170], [230, 250], [370, 280], [180, 300]];
 let inserted = 0;
 const nextPlace = () => PLACES[inserted++ % PLACES.length];
 async function insertBalloon(picture) {
   const text = document.getElementById('balloon-text').value;
-  editor.SetTransparency(MAGENTA, 0);
+  applyTransparency();
   const [x, y] = nextPlace();
   // The balloon's text goes inside its oval; a label is as large as its text.
   await (picture ? editor.InsertBalloonText(x, y, picture, 30, 24, 170, 78, text)
@@ -219,7 +290,7 @@ document.getElementById('insert-balloon').addEventListener('click', () => insert
 document.getElementById('insert-label').addEventListener('click', () => insertBalloon(''));
 for (const button of document.querySelectorAll('[data-icon]')) {
   button.addEventListener('click', async () => {
-    editor.SetTransparency(MAGENTA, 0);
+    applyTransparency();
     const [x, y] = nextPlace();
     await editor.InsertIcon(x, y, button.dataset.icon);
     note(`InsertIcon(${x}, ${y}, "${button.dataset.icon}")`);

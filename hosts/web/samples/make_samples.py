@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Draws the demo's sample pictures (photo-like scenes made from gradients, fractal
-ridges and grain; fixed seeds, so every run draws the same pictures).
+ridges and grain; icons, a speech balloon and two picture frames with an overlay;
+fixed seeds, so every run draws the same pictures).
 
     make_samples.py DIR            the small samples the repository ships
     make_samples.py DIR --large    also landscape-12mp.jpg (4000 x 3000), made at build time
@@ -209,6 +210,149 @@ def sun_icon(size):
     return picture
 
 
+# Frame pieces: every piece is FRAME_SIDE pixels square. The edge tiles are no longer
+# than the corners are wide, so the part of an edge's last tile that runs past the
+# edge's end is always covered by the corner drawn after it.
+FRAME_SIDE = 24
+# Where each piece goes, in the control's order of frame pieces (counter-clockwise
+# from the right edge), and how the top-left corner or the top edge is turned to
+# become it (degrees counter-clockwise).
+FRAME_PIECES = [("right", -90), ("top-right", -90), ("top", 0), ("top-left", 0), ("left", 90),
+                ("bottom-left", 90), ("bottom", 180), ("bottom-right", 180)]
+
+
+def mix(c0, c1, f):
+    return tuple(round(a + (b - a) * f) for a, b in zip(c0, c1))
+
+
+def ramp(stops, t):
+    """The colour at t (0..1) of a ramp through evenly spaced colours."""
+    t = min(1.0, max(0.0, t)) * (len(stops) - 1)
+    i = min(int(t), len(stops) - 2)
+    return mix(stops[i], stops[i + 1], t - i)
+
+
+def grain_of(along, across, seed):
+    """A fixed pseudo-random value in -1..1 for a pixel of a piece."""
+    return random.Random(seed * 1_000_003 + along * 131 + across).uniform(-1, 1)
+
+
+GOLD = [(58, 36, 8), (140, 96, 26), (212, 164, 64), (246, 210, 120), (255, 246, 206)]
+
+
+def gilded(along, across):
+    """A gilded moulding seen across its width (0 the outer edge): a bright rim, a
+    rounded gold torus, a row of beads between two grooves, a cove and a lit lip."""
+    light = 0.5
+    if across == 0 or across == FRAME_SIDE - 1:
+        light = 0.05
+    elif across <= 2:
+        light = 0.95 - 0.1 * across
+    elif across <= 7:
+        light = 0.35 + 0.55 * math.sin(math.pi * (across - 2.5) / 5.5)
+    elif across in (8, 16):
+        light = 0.22
+    elif across <= 15:
+        dx, dy = (along % 8) - 3.5, across - 12
+        r = math.hypot(dx, dy)
+        if r <= 3.3:
+            nx, ny = dx / 3.4, dy / 3.4
+            nz = math.sqrt(max(0.0, 1 - nx * nx - ny * ny))
+            light = 0.3 + 0.68 * max(0.0, -0.45 * nx - 0.55 * ny + 0.7 * nz)
+        else:
+            light = 0.28
+    elif across <= 21:
+        light = 0.3 + 0.45 * (across - 17) / 4
+    else:
+        light = 0.92
+    return ramp(GOLD, light + 0.03 * grain_of(along, across, 1))
+
+
+WALNUT = [(48, 26, 12), (92, 54, 26), (132, 82, 42), (170, 116, 64)]
+
+
+def wooden(along, across):
+    """A walnut moulding with a gilt slip on its inner side: wavy grain along the
+    edge (periodic in a tile's length, so the tiles join), a lit outer bevel and a
+    shaded step down to the slip."""
+    if across >= 19:
+        return ramp(GOLD, [0.2, 0.75, 0.9, 0.45, 0.08][across - 19])
+    phase = along / FRAME_SIDE
+    wave = math.sin(2 * math.pi * (across / 7.5 + 0.16 * math.sin(2 * math.pi * phase)
+                                   + 0.07 * math.sin(4 * math.pi * phase + 1)))
+    # Streaks run the length of the edge: their brightness depends on the row alone.
+    shade = 0.5 + 0.16 * wave + 0.1 * grain_of(0, across, 3) + 0.04 * grain_of(along, across, 2)
+    if across <= 2:
+        shade += 0.35 - 0.12 * across
+    elif across >= 16:
+        shade -= 0.12 * (across - 15)
+    return ramp(WALNUT, shade)
+
+
+def frame_corner(moulding, joint):
+    """The top-left corner: the top and the left moulding meeting on the diagonal (a
+    mitre), with `joint` drawing over where they meet."""
+    picture = Image.new("RGB", (FRAME_SIDE, FRAME_SIDE))
+    px = picture.load()
+    for y in range(FRAME_SIDE):
+        for x in range(FRAME_SIDE):
+            px[x, y] = moulding(x, y) if y <= x else moulding(y, x)
+    joint(ImageDraw.Draw(picture))
+    return picture
+
+
+def rosette(draw):
+    """A gold rosette over the crossing of the bead rows."""
+    c = FRAME_SIDE // 2
+    draw.ellipse((c - 6, c - 6, c + 6, c + 6), fill=GOLD[0])
+    draw.ellipse((c - 5, c - 5, c + 5, c + 5), fill=GOLD[2])
+    for dx, dy in ((-3, 0), (3, 0), (0, -3), (0, 3)):
+        draw.ellipse((c + dx - 2, c + dy - 2, c + dx + 2, c + dy + 2), fill=GOLD[3])
+    draw.ellipse((c - 2, c - 2, c + 2, c + 2), fill=GOLD[1])
+    draw.point((c - 1, c - 1), fill=GOLD[4])
+
+
+def mitre(draw):
+    """The joint of two pieces of wood: a dark hairline on the diagonal."""
+    draw.line((0, 0, 18, 18), fill=WALNUT[0])
+
+
+def frame_edge(moulding):
+    """The top edge: one tile of the moulding, outer side up."""
+    picture = Image.new("RGB", (FRAME_SIDE, FRAME_SIDE))
+    px = picture.load()
+    for y in range(FRAME_SIDE):
+        for x in range(FRAME_SIDE):
+            px[x, y] = moulding(x, y)
+    return picture
+
+
+def frame(out, name, moulding, joint):
+    """The eight pieces of a frame as out/NAME-PLACE.png."""
+    corner, edge = frame_corner(moulding, joint), frame_edge(moulding)
+    for place, turn in FRAME_PIECES:
+        piece = corner if "-" in place else edge  # a corner's place names two sides
+        piece.rotate(turn).save(out / f"{name}-{place}.png", optimize=True)
+
+
+def ribbon(size):
+    """The frame's overlay, laid over the picture's top-left corner: a red sash with
+    gold borders and gold dots across the corner, on the key colour. Drawn without
+    smoothing, so every pixel is either the sash or the key colour."""
+    w, h = size
+    picture = Image.new("RGB", size, KEY)
+    draw = ImageDraw.Draw(picture)
+    near, far = w * 0.42, w * 0.70
+    draw.polygon([(near, 0), (far, 0), (0, far), (0, near)], fill=(212, 168, 60))
+    draw.polygon([(near + 3, 0), (far - 3, 0), (0, far - 3), (0, near + 3)], fill=(176, 24, 40))
+    middle = (near + far) / 2
+    for i in range(1, 6):
+        x = middle * i / 6
+        y = middle - x
+        draw.ellipse((x - 2, y - 2, x + 2, y + 2), fill=(250, 220, 120))
+    return picture
+
+
 def main():
     out = Path(sys.argv[1])
     out.mkdir(parents=True, exist_ok=True)
@@ -223,6 +367,11 @@ def main():
     speech_balloon((200, 130)).save(out / "speech-balloon.png", optimize=True)
     heart_icon((48, 44)).save(out / "icon-heart.png", optimize=True)
     sun_icon((48, 48)).save(out / "icon-sun.png", optimize=True)
+    frames = out / "frames"
+    frames.mkdir(exist_ok=True)
+    frame(frames, "gilded", gilded, rosette)
+    frame(frames, "wooden", wooden, mitre)
+    ribbon((96, 96)).save(frames / "ribbon.png", optimize=True)
 
 
 if __name__ == "__main__":

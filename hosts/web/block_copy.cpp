@@ -1,0 +1,51 @@
+// memcpy for the engine in a page. The C library's hands every copy of 512 bytes or
+// more to a script function (a typed array's copyWithin), and the call into script
+// and back costs more than copying a row of a few kilobytes: a repaint that blits a
+// 1024 x 768 view copies it row by row, hundreds of such calls for each move of a
+// drag or a pan. This one copies in the engine itself, 16 bytes at a time with
+// WebAssembly SIMD (unaligned loads and stores are allowed), and leaves only big
+// blocks to the script function, whose one call is then worth its speed. Being a
+// strong definition it takes the place of the C library's weak one, for memmove's
+// copies without overlap too. The file is compiled with -fno-builtin so that the
+// compiler does not turn its loops back into calls of memcpy.
+#include <emscripten/emscripten.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#ifdef __wasm_simd128__
+#include <wasm_simd128.h>
+#endif
+
+extern "C" void* emscripten_memcpy_big(void* dest, const void* src, std::size_t n)
+    EM_IMPORT(emscripten_memcpy_big);
+
+namespace {
+
+// From this size on a copy goes to the script function.
+constexpr std::size_t kScriptCopy = 64 * 1024;
+// Eight bytes at any address.
+using UnalignedWord __attribute__((aligned(1), may_alias)) = std::uint64_t;
+
+}  // namespace
+
+extern "C" void* memcpy(void* __restrict dest, const void* __restrict src, std::size_t n) {
+  if (n >= kScriptCopy) return emscripten_memcpy_big(dest, src, n);
+  auto* d = static_cast<unsigned char*>(dest);
+  const auto* s = static_cast<const unsigned char*>(src);
+#ifdef __wasm_simd128__
+  for (; n >= 64; n -= 64, d += 64, s += 64) {
+    const v128_t a = wasm_v128_load(s), b = wasm_v128_load(s + 16), c = wasm_v128_load(s + 32),
+                 e = wasm_v128_load(s + 48);
+    wasm_v128_store(d, a);
+    wasm_v128_store(d + 16, b);
+    wasm_v128_store(d + 32, c);
+    wasm_v128_store(d + 48, e);
+  }
+  for (; n >= 16; n -= 16, d += 16, s += 16) wasm_v128_store(d, wasm_v128_load(s));
+#endif
+  for (; n >= 8; n -= 8, d += 8, s += 8)
+    *reinterpret_cast<UnalignedWord*>(d) = *reinterpret_cast<const UnalignedWord*>(s);
+  for (; n > 0; --n) *d++ = *s++;
+  return dest;
+}
