@@ -71,6 +71,25 @@ class EffectsTest : public HostedTest {
   LiveEditor live_{40, 30};
 };
 
+// The turn is no history level, so an undo past it keeps the turned original but
+// gives back the layout the level recorded: the portrait shows in the landscape
+// rectangle until a new width lays it out again.
+TEST_F(EffectsTest, AnUndoPastATurnKeepsTheTurnedPictureInTheLevelsRectangle) {
+  live_.Show(12, 6, RandomColors(12 * 6, 3));
+  editor().FlipImage();
+  const RECT landscape = Image();
+  editor().RotateImage(90);
+  const std::vector<COLORREF> turned = Original();
+  ASSERT_EQ(Image().right - Image().left, 6);
+  editor().Undo();
+  EXPECT_EQ(Original(), turned);
+  EXPECT_EQ(Image().right - Image().left, landscape.right - landscape.left);
+  EXPECT_EQ(Image().bottom - Image().top, landscape.bottom - landscape.top);
+  editor().SetImageWidth(-100);
+  EXPECT_EQ(Image().right - Image().left, 6);
+  EXPECT_EQ(Image().bottom - Image().top, 12);
+}
+
 // A 3 x 2 picture a b c / d e f. Turned by 90 its top row becomes the left column with
 // c at the top; by -90 the right column, a at the top. Each turn sets the layout anew
 // at 100 %, records no level, and turning back gives the very same pixels.
