@@ -1,7 +1,6 @@
-// The destructive effects on small hand-made buffers, with values worked out by hand,
-// and each fast routine against its plain reference on seeded random rectangles,
-// strides and sizes: every byte of the buffers, inside the rectangle and out, must
-// agree.
+// The destructive effects: each fast routine against its plain reference on seeded
+// random rectangles, strides and sizes (every byte of the buffer must agree, outside
+// the rectangle too), and the references' rules on small hand-made buffers.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -55,85 +54,8 @@ Case RandomCase(std::mt19937& random, int largest) {
   return Case{picture, std::min(xa, xb), std::min(ya, yb), std::max(xa, xb) + 1, std::max(ya, yb) + 1};
 }
 
-TEST(EffectsDifferential, MirrorAndFlipMatchTheReference) {
-  std::mt19937 random(3);
-  for (int round = 0; round < 300; ++round) {
-    Case fast = RandomCase(random, round < 250 ? 40 : 300);
-    // Rows long enough to be mirrored a chunk from each end at a time.
-    if (round % 25 == 0) {
-      std::uniform_int_distribution<int> width(2000, 7000);
-      fast = Case{Picture(width(random), 2, 3, random), 0, 0, 0, 2};
-      fast.x0 = static_cast<int>(random() % 5);
-      fast.x1 = fast.picture.width - static_cast<int>(random() % 5);
-    }
-    Case plain = fast;
-    MirrorRows(fast.Rect());
-    reference::MirrorRows(plain.Rect());
-    ASSERT_EQ(fast.picture.bytes, plain.picture.bytes) << "mirror, round " << round;
-    FlipRows(fast.Rect());
-    reference::FlipRows(plain.Rect());
-    ASSERT_EQ(fast.picture.bytes, plain.picture.bytes) << "flip, round " << round;
-  }
-}
-
-TEST(EffectsDifferential, RotationMatchesTheReferenceAndWritesOnlyItsRectangle) {
-  std::mt19937 random(4);
-  for (int round = 0; round < 200; ++round) {
-    Case source = RandomCase(random, round < 150 ? 40 : 300);
-    const int w = source.x1 - source.x0;
-    const int h = source.y1 - source.y0;
-    // The destination rectangle sits inside a larger buffer whose other bytes must
-    // stay as they were.
-    std::uniform_int_distribution<int> margin(0, 3);
-    const int left = margin(random), bottom = margin(random);
-    Picture fast(h + left + margin(random), w + bottom + margin(random), margin(random), random);
-    Picture plain = fast;
-    for (const int angle : {90, -90}) {
-      RotateQuarter(source.Rect(), angle, fast.Rect(left, bottom, left + h, bottom + w));
-      reference::RotateQuarter(source.Rect(), angle, plain.Rect(left, bottom, left + h, bottom + w));
-      ASSERT_EQ(fast.bytes, plain.bytes) << "round " << round << " angle " << angle;
-    }
-  }
-}
-
-TEST(EffectsDifferential, ConvolutionMatchesTheReferenceForAnyKernel) {
-  std::mt19937 random(5);
-  for (int round = 0; round < 300; ++round) {
-    Case fast = RandomCase(random, round < 250 ? 30 : 200);
-    Case plain = fast;
-    // Mostly 3 x 3 kernels within 16 bits with no divisor, the emboss's kind; then
-    // large weights, divisors (negative too) and other sizes.
-    const int n = round % 5 == 4 ? 1 + 2 * static_cast<int>(random() % 3) : 3;
-    const bool large = round % 3 == 2;
-    std::uniform_int_distribution<int> weight(large ? -100000 : -3, large ? 100000 : 3);
-    std::vector<int> kernel(static_cast<std::size_t>(n * n));
-    for (int& w : kernel) w = weight(random);
-    const int divisor = round % 4 == 3 ? static_cast<int>(random() % 19) - 9 : 1;
-    if (divisor == 0) continue;
-    const int offset = static_cast<int>(random() % 512) - 128;
-    ConvolvePixels(fast.Rect(), kernel, n, divisor, offset);
-    reference::ConvolvePixels(plain.Rect(), kernel, n, divisor, offset);
-    ASSERT_EQ(fast.picture.bytes, plain.picture.bytes) << "round " << round << " n " << n;
-  }
-}
-
-TEST(EffectsDifferential, EqualisationMatchesTheReference) {
-  std::mt19937 random(6);
-  for (int round = 0; round < 200; ++round) {
-    Case fast = RandomCase(random, round < 150 ? 40 : 300);
-    // Few distinct values as well as all of them.
-    if (round % 2) {
-      for (BYTE& b : fast.picture.bytes) b = static_cast<BYTE>(b & 0x31);
-    }
-    Case plain = fast;
-    EqualizePixels(fast.Rect());
-    reference::EqualizePixels(plain.Rect());
-    ASSERT_EQ(fast.picture.bytes, plain.picture.bytes) << "round " << round;
-  }
-}
-
-// A picture's pixels as a 32-bit bitmap keeps them, 0x00RRGGBB words in the buffer's
-// row order, and rows of them in place, as the image surface's mapped rows come.
+// The picture's pixels as 0x00RRGGBB words in the buffer's row order, as the image
+// surface's mapped rows come.
 struct Words {
   int width;
   std::vector<std::uint32_t> words;
@@ -160,9 +82,9 @@ struct Span {
   int x0, y0, x1, y1;
 };
 
-// An effect on rows over `span` of a picture, three bytes a pixel in its buffer and
-// four in a bitmap's words, against the plain reference on the 24-bit buffer: every
-// byte must agree, outside the span too, and every fourth byte stay 0.
+// An effect on rows over `span`, three bytes a pixel in the buffer and four in words,
+// against the plain reference on the buffer: every byte must agree, outside the span
+// too, and every fourth byte stay 0.
 void ExpectRowsMatchTheReference(const Picture& picture, Span span,
                                  const std::function<void(const PixelRows&)>& effect,
                                  const std::function<void(Picture&)>& plain, const std::string& what) {
@@ -180,14 +102,20 @@ TEST(EffectsDifferential, EachEffectOnRowsOfThreeOrFourBytesMatchesTheReference)
   std::mt19937 random(13);
   for (int round = 0; round < 240; ++round) {
     Case c = RandomCase(random, round < 200 ? 40 : 140);
+    // Rows long enough to be mirrored a chunk from each end at a time.
+    if (round % 25 == 0) {
+      c = Case{Picture(2000 + static_cast<int>(random() % 5000), 2, 3, random), 0, 0, 0, 2};
+      c.x0 = static_cast<int>(random() % 5);
+      c.x1 = c.picture.width - static_cast<int>(random() % 5);
+    }
     const std::string what = "round " + std::to_string(round);
     const Span rect{c.x0, c.y0, c.x1, c.y1};
+    const auto plainRect = [&](Picture& p) { return p.Rect(c.x0, c.y0, c.x1, c.y1); };
     ExpectRowsMatchTheReference(
         c.picture, rect, [](const PixelRows& rows) { MirrorRows(rows); },
-        [&](Picture& p) { reference::MirrorRows(p.Rect(c.x0, c.y0, c.x1, c.y1)); }, "mirror, " + what);
+        [&](Picture& p) { reference::MirrorRows(plainRect(p)); }, "mirror, " + what);
     // The flip's rows span the buffer's width, as the editor maps them; the
-    // reference moves the padding after each row too, which a surface's buffer holds
-    // as 0.
+    // reference moves the padding too, which a surface's buffer holds as 0.
     Picture unpadded = c.picture;
     for (int y = 0; y < unpadded.height; ++y) {
       std::fill(unpadded.bytes.begin() + y * unpadded.stride + unpadded.width * 3,
@@ -195,25 +123,37 @@ TEST(EffectsDifferential, EachEffectOnRowsOfThreeOrFourBytesMatchesTheReference)
     }
     ExpectRowsMatchTheReference(
         unpadded, Span{0, c.y0, c.picture.width, c.y1}, [](const PixelRows& rows) { FlipRows(rows); },
-        [&](Picture& p) { reference::FlipRows(p.Rect(c.x0, c.y0, c.x1, c.y1)); }, "flip, " + what);
+        [&](Picture& p) { reference::FlipRows(plainRect(p)); }, "flip, " + what);
+    // The buffer's own flip moves whole rows, padding and all.
+    Picture flipped = c.picture, plainFlipped = c.picture;
+    FlipRows(plainRect(flipped));
+    reference::FlipRows(plainRect(plainFlipped));
+    ASSERT_EQ(flipped.bytes, plainFlipped.bytes) << "flip of a buffer, " << what;
     ExpectRowsMatchTheReference(
         c.picture, rect, [](const PixelRows& rows) { EmbossPixels(rows); },
-        [&](Picture& p) {
-          reference::ConvolvePixels(p.Rect(c.x0, c.y0, c.x1, c.y1), kEmbossKernel, 3, 1, kEmbossOffset);
-        },
+        [&](Picture& p) { reference::ConvolvePixels(plainRect(p), kEmbossKernel, 3, 1, kEmbossOffset); },
         "emboss, " + what);
-    // Other kernels: 16-bit sums, and any size with 64-bit ones.
-    const int n = round % 3 == 0 ? 5 : 3;
+    // Other kernels: small weights within 16-bit sums, large ones, divisors (negative
+    // too), any odd size.
+    const int n = round % 5 == 4 ? 1 + 2 * static_cast<int>(random() % 3) : 3;
+    const int largest = round % 3 == 2 ? 100000 : 4;
     std::vector<int> kernel(static_cast<std::size_t>(n * n));
-    for (int& w : kernel) w = static_cast<int>(random() % 9) - 4;
-    const int divisor = round % 2 ? 1 : 3;
+    for (int& w : kernel) w = std::uniform_int_distribution<int>(-largest, largest)(random);
+    int divisor = round % 4 == 3 ? static_cast<int>(random() % 19) - 9 : 1;
+    if (divisor == 0) divisor = -7;
+    const int offset = static_cast<int>(random() % 512) - 128;
     ExpectRowsMatchTheReference(
-        c.picture, rect, [&](const PixelRows& rows) { ConvolvePixels(rows, kernel, n, divisor, 7); },
-        [&](Picture& p) { reference::ConvolvePixels(p.Rect(c.x0, c.y0, c.x1, c.y1), kernel, n, divisor, 7); },
+        c.picture, rect, [&](const PixelRows& rows) { ConvolvePixels(rows, kernel, n, divisor, offset); },
+        [&](Picture& p) { reference::ConvolvePixels(plainRect(p), kernel, n, divisor, offset); },
         "convolution, " + what);
+    // Few distinct values as well as all of them.
+    Picture few = c.picture;
+    if (round % 2) {
+      for (BYTE& b : few.bytes) b = static_cast<BYTE>(b & 0x31);
+    }
     ExpectRowsMatchTheReference(
-        c.picture, rect, [](const PixelRows& rows) { EqualizePixels(rows); },
-        [&](Picture& p) { reference::EqualizePixels(p.Rect(c.x0, c.y0, c.x1, c.y1)); }, "equalise, " + what);
+        few, rect, [](const PixelRows& rows) { EqualizePixels(rows); },
+        [&](Picture& p) { reference::EqualizePixels(plainRect(p)); }, "equalise, " + what);
 
     // The line patterns: the image rectangle (top-down) over the buffer's rectangle,
     // sometimes reaching beyond the surface; their rows are its columns from the
@@ -232,8 +172,32 @@ TEST(EffectsDifferential, EachEffectOnRowsOfThreeOrFourBytesMatchesTheReference)
   }
 }
 
-// The buffer forms of the line patterns against their plain references, the image
-// rectangle anywhere, partly or wholly off the surface.
+// The destination rectangle sits inside a larger buffer whose other bytes must stay.
+TEST(EffectsDifferential, RotationMatchesTheReferenceAndWritesOnlyItsRectangle) {
+  std::mt19937 random(4);
+  for (int round = 0; round < 200; ++round) {
+    Case source = RandomCase(random, round < 150 ? 40 : 300);
+    const int w = source.x1 - source.x0;
+    const int h = source.y1 - source.y0;
+    std::uniform_int_distribution<int> margin(0, 3);
+    const int left = margin(random), bottom = margin(random);
+    Picture fast(h + left + margin(random), w + bottom + margin(random), margin(random), random);
+    Picture plain = fast;
+    for (const int angle : {90, -90}) {
+      RotateQuarter(source.Rect(), angle, fast.Rect(left, bottom, left + h, bottom + w));
+      reference::RotateQuarter(source.Rect(), angle, plain.Rect(left, bottom, left + h, bottom + w));
+      ASSERT_EQ(fast.bytes, plain.bytes) << "round " << round << " angle " << angle;
+    }
+    // A destination of the wrong shape is not written.
+    if (w > 1) {
+      RotateQuarter(source.Rect(), 90, fast.Rect(left, bottom, left + h, bottom + w - 1));
+      ASSERT_EQ(fast.bytes, plain.bytes) << "round " << round;
+    }
+  }
+}
+
+// The buffer forms of the line patterns, the image rectangle anywhere, partly or
+// wholly off the surface.
 TEST(EffectsDifferential, LinePatternsOnBuffersMatchTheReference) {
   std::mt19937 random(14);
   for (int round = 0; round < 150; ++round) {
@@ -251,93 +215,19 @@ TEST(EffectsDifferential, LinePatternsOnBuffersMatchTheReference) {
   }
 }
 
-// A 3 x 2 picture turned a quarter counter-clockwise: its top row a, b, c becomes the
-// left column with c at the top. Buffer rows run bottom-up, so the top row is buffer
-// row 1; the turned picture's top row is its buffer row 2.
-TEST(EffectsTest, AQuarterTurnCounterClockwiseAndBack) {
-  std::mt19937 random(1);
-  Picture source(3, 2, 3, random);
-  Picture turned(2, 3, 2, random);
-  RotateQuarter(source.Whole(), 90, turned.Whole());
-  for (int k = 0; k < 3; ++k) {
-    EXPECT_EQ(turned.At(0, 2, k), source.At(2, 1, k));  // c at the top left
-    EXPECT_EQ(turned.At(0, 1, k), source.At(1, 1, k));  // b
-    EXPECT_EQ(turned.At(0, 0, k), source.At(0, 1, k));  // a at the bottom left
-    EXPECT_EQ(turned.At(1, 2, k), source.At(2, 0, k));  // the bottom row on the right
-  }
-  Picture back(3, 2, 3, random);
-  RotateQuarter(turned.Whole(), -90, back.Whole());
-  for (int y = 0; y < 2; ++y) {
-    for (int x = 0; x < 3; ++x) {
-      for (int k = 0; k < 3; ++k) EXPECT_EQ(back.At(x, y, k), source.At(x, y, k));
-    }
-  }
-  // A destination of the wrong shape is not written.
-  const std::vector<BYTE> before = back.bytes;
-  RotateQuarter(source.Whole(), 90, back.Whole());
-  EXPECT_EQ(back.bytes, before);
-}
-
-TEST(EffectsTest, FlipMovesWholeRowsAndKeepsTheMiddleRowOfAnOddHeight) {
-  std::mt19937 random(2);
-  Picture picture(4, 7, 4, random);
-  const Picture before = picture;
-  // Rows 1..5 of the buffer, whatever the rectangle's columns.
-  FlipRows(picture.Rect(2, 1, 3, 6));
-  for (int y = 0; y < 7; ++y) {
-    const int from = (y >= 1 && y < 6) ? 6 - y : y;
-    for (int i = 0; i < picture.stride; ++i)
-      ASSERT_EQ(picture.bytes[static_cast<std::size_t>(y * picture.stride + i)],
-                before.bytes[static_cast<std::size_t>(from * picture.stride + i)])
-          << y;
-  }
-  FlipRows(picture.Rect(2, 1, 3, 6));
-  EXPECT_EQ(picture.bytes, before.bytes);
-}
-
-TEST(EffectsTest, AFlipOrEmbossWithoutItsMemoryReportsItAndChangesNothing) {
-  std::mt19937 random(8);
-  Picture picture(6, 5, 2, random);
-  const std::vector<BYTE> before = picture.bytes;
-  int reports = 0;
-  // Below one row of the buffer: the flip's row cannot be had.
-  SetPixelBufferLimit(static_cast<std::size_t>(picture.stride) - 1);
-  FlipRows(picture.Whole(), [&] { ++reports; });
-  EXPECT_EQ(reports, 1);
-  // The emboss asks for its whole working copy, 8 x 7 pixels, even though it keeps
-  // only three rows of it.
-  SetPixelBufferLimit(8 * 7 * 3 - 1);
-  EmbossPixels(picture.Whole(), [&] { ++reports; });
-  EXPECT_EQ(reports, 2);
-  EXPECT_EQ(picture.bytes, before);
-  SetPixelBufferLimit(8 * 7 * 3);
-  EmbossPixels(picture.Whole(), [&] { ++reports; });
-  EXPECT_EQ(reports, 2);
-  EXPECT_NE(picture.bytes, before);
-  SetPixelBufferLimit(kDefaultPixelBufferLimit);
-}
-
 TEST(EffectsTest, EmbossGives128OnUniformAreasAndLeansTowardsTheLowerLeft) {
   std::mt19937 random(9);
   Picture picture(5, 4, 1, random);
   picture.Fill(77);
   EmbossPixels(picture.Whole());
-  for (int y = 0; y < 4; ++y) {
-    for (int x = 0; x < 5; ++x) {
-      for (int k = 0; k < 3; ++k) ASSERT_EQ(picture.At(x, y, k), 128) << x << "," << y;
-    }
-  }
-  // One bright byte in the middle of a 3 x 3 field of 0 (buffer row 1 is the middle
-  // row): the pixels above it and to its right see it at their lower left (+1), those
-  // below it and to its left at their upper right (-1).
+  EXPECT_TRUE(std::all_of(picture.bytes.begin(), picture.bytes.end(), [](BYTE b) { return b == 128; }));
+  // One bright byte amid 0 (buffer row 1 is the middle row): the pixels above it and
+  // to its right see it at their lower left (+1), the others at their upper right.
   Picture spot(3, 3, 3, random);
   spot.Fill(0);
   spot.bytes[static_cast<std::size_t>(spot.stride + 3)] = 100;  // byte 0 of pixel (1, 1)
   EmbossPixels(spot.Whole());
-  const int expected[3][3] = {// buffer rows 0 (screen bottom) to 2 (top), columns 0..2
-                              {28, 28, 128},
-                              {28, 128, 228},
-                              {128, 228, 228}};
+  const int expected[3][3] = {{28, 28, 128}, {28, 128, 228}, {128, 228, 228}};  // buffer rows bottom-up
   for (int y = 0; y < 3; ++y) {
     for (int x = 0; x < 3; ++x) {
       EXPECT_EQ(spot.At(x, y, 0), expected[y][x]) << x << "," << y;
@@ -364,8 +254,7 @@ TEST(EffectsTest, EqualisingOneValueGivesTruncatedNTimesF) {
       }
     }
   }
-  // Two values, each in half of a 2 x 2 rectangle: the darker maps to its own count
-  // times f, 2 * 63.75, not to 0.
+  // Two values, half each: the darker maps to its own count times f, not to 0.
   Picture halves(2, 2, 2, random);
   ForEachPixel(halves.Whole(), [](BYTE* p, int x, int) { p[0] = p[1] = p[2] = x ? 200 : 10; });
   EqualizePixels(halves.Whole());
@@ -373,41 +262,33 @@ TEST(EffectsTest, EqualisingOneValueGivesTruncatedNTimesF) {
   EXPECT_EQ(halves.At(1, 1, 2), 255);
 }
 
-// A surface of 25 x 45 pixels with the image rectangle at left 2, top 3, right 24,
-// bottom 40: lines below the rectangle reach the bottom of the surface.
-constexpr int kSurfaceW = 25, kSurfaceH = 45;
-constexpr RECT kImage{2, 3, 24, 40};
-
-// The byte at surface point (x, y), y counted top-down.
-BYTE Shown(const Picture& p, int x, int y) { return p.At(x, kSurfaceH - 1 - y, 0); }
-
+// A 25 x 45 surface with the image rectangle at (2, 3)-(24, 40): lines below the
+// rectangle reach the bottom of the surface.
 TEST(EffectsTest, CheckLinesEveryTenPixelsDownToTheBottomOfTheSurface) {
+  constexpr int kW = 25, kH = 45;
+  constexpr RECT kImage{2, 3, 24, 40};
   std::mt19937 random(11);
-  Picture white(kSurfaceW, kSurfaceH, 1, random);
-  white.Fill(255);
-  const std::vector<BYTE> whiteBefore = white.bytes;
-  DrawCheckLines(white.Whole(), kImage);
-  EXPECT_EQ(white.bytes, whiteBefore);
-
-  Picture black(kSurfaceW, kSurfaceH, 1, random);
-  black.Fill(0);
-  DrawCheckLines(black.Whole(), kImage);
-  for (int y = 0; y < kSurfaceH; ++y) {
-    for (int x = 0; x < kSurfaceW; ++x) {
-      const bool columns = x >= 2 && x < 24;
-      // Rows 13, 23, 33 and 43, leaving out the columns L + 10k.
-      const bool row = columns && (x - 2) % 10 != 0 && y > 3 && (y - 3) % 10 == 0;
-      // From the top edge down.
+  const auto checked = [&](BYTE field) {
+    Picture p(kW, kH, 1, random);
+    p.Fill(field);
+    DrawCheckLines(p.Whole(), kImage);
+    return p;
+  };
+  const auto shown = [&](const Picture& p, int x, int y) { return p.At(x, kH - 1 - y, 0); };
+  const Picture white = checked(255);
+  EXPECT_TRUE(std::all_of(white.bytes.begin(), white.bytes.end(), [](BYTE b) { return b == 255; }));
+  const Picture black = checked(0);
+  for (int y = 0; y < kH; ++y) {
+    for (int x = 0; x < kW; ++x) {
+      // Rows 13, 23, 33 and 43 but for the columns L + 10k; columns from the top edge.
+      const bool row = x >= 2 && x < 24 && (x - 2) % 10 != 0 && y > 3 && (y - 3) % 10 == 0;
       const bool column = y >= 3 && (x == 12 || x == 22);
-      ASSERT_EQ(Shown(black, x, y), (row || column) ? 51 : 0) << x << "," << y;
+      ASSERT_EQ(shown(black, x, y), (row || column) ? 51 : 0) << x << "," << y;
     }
   }
-  // Grey 100 becomes trunc(100 * 0.8 + 51) = 131.
-  Picture grey(kSurfaceW, kSurfaceH, 1, random);
-  grey.Fill(100);
-  DrawCheckLines(grey.Whole(), kImage);
-  EXPECT_EQ(Shown(grey, 5, 13), 131);
-  EXPECT_EQ(Shown(grey, 12, 44), 131);
+  const Picture grey = checked(100);  // trunc(100 * 0.8 + 51)
+  EXPECT_EQ(shown(grey, 5, 13), 131);
+  EXPECT_EQ(shown(grey, 12, 44), 131);
 }
 
 TEST(EffectsTest, BlockGroovesEveryThirtyPixels) {
@@ -419,32 +300,19 @@ TEST(EffectsTest, BlockGroovesEveryThirtyPixels) {
     surface.Fill(static_cast<BYTE>(field));
     DrawBlockGrooves(surface.Whole(), image);
     const auto shown = [&](int x, int y) { return surface.At(x, kH - 1 - y, 1); };
-    // A horizontal groove: surface rows 31 and 33 light, 32 the middle, the columns
-    // L + 30k keeping their outer lines; the second groove 30 rows lower, below the
-    // rectangle.
-    EXPECT_EQ(shown(5, 31), light);
-    EXPECT_EQ(shown(5, 32), middle);
-    EXPECT_EQ(shown(5, 33), light);
-    EXPECT_EQ(shown(5, 62), middle);
-    EXPECT_EQ(shown(2, 31), field);
-    EXPECT_EQ(shown(2, 32), middle);
-    EXPECT_EQ(shown(5, 30), field);
-    EXPECT_EQ(shown(5, 34), field);
-    // A vertical groove: columns 30 and 32 light, 31 the middle, from the top edge
-    // (not above it) to the bottom of the surface.
-    EXPECT_EQ(shown(30, 10), light);
-    EXPECT_EQ(shown(31, 10), middle);
-    EXPECT_EQ(shown(32, 10), light);
-    EXPECT_EQ(shown(31, 79), middle);
-    EXPECT_EQ(shown(31, 2), field);
-    EXPECT_EQ(shown(33, 10), field);
-    // Buffer row 59 (surface row 20) has r - B + 1 = 0: only the middle line there.
-    EXPECT_EQ(shown(30, kH - 1 - 59), field);
-    EXPECT_EQ(shown(31, kH - 1 - 59), middle);
-    // Where the grooves cross, both transforms in turn: the middle line of the
-    // horizontal groove, then the light one of the vertical.
-    const int twice = static_cast<int>(static_cast<int>(field * 0.9 + 20.0) * 0.7 + 60.0);
-    EXPECT_EQ(shown(30, 32), twice);
+    // Rows 31 and 33 light, 32 the middle, the columns L + 30k keeping their outer
+    // lines, the next groove 30 rows lower (below the image); columns 30 and 32 light,
+    // 31 the middle, from the top edge to the bottom; buffer row 59 (r - B + 1 = 0)
+    // only the middle line; where grooves cross, the horizontal middle line then the
+    // vertical light one.
+    const int crossed = static_cast<int>(static_cast<int>(field * 0.9 + 20.0) * 0.7 + 60.0);
+    const struct {
+      int x, y, value;
+    } pixels[] = {{5, 31, light},   {5, 32, middle},  {5, 33, light}, {5, 62, middle}, {2, 31, field},
+                  {2, 32, middle},  {5, 30, field},   {5, 34, field}, {30, 10, light}, {31, 10, middle},
+                  {32, 10, light},  {31, 79, middle}, {31, 2, field}, {33, 10, field}, {30, 20, field},
+                  {31, 20, middle}, {30, 32, crossed}};
+    for (const auto& p : pixels) EXPECT_EQ(shown(p.x, p.y), p.value) << field << ": " << p.x << "," << p.y;
   }
 }
 

@@ -1,46 +1,36 @@
-// Frame tiling: cutting the placements to an area changes nothing inside it (against
-// a plain walk over every whole tile), and offsets as far out as an int goes neither
-// wrap around nor make the walk longer than the area. Where the pieces land on a
-// picture is checked through the editor (tests/engine/frame_test.cpp).
+// Frame tiling: cutting the placements to an area changes nothing inside it, against
+// a plain walk over every whole tile; far offsets neither wrap around nor make the
+// walk longer than the area. Where pieces land on a picture: tests/engine/frame_test.cpp.
 #include "pixels/frame_tiling.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
+#include <map>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace {
 
 // Each pixel as the pieces leave it: which piece, and which of its pixels, drew last.
-class Canvas {
- public:
-  static constexpr int kOrigin = -64;
-  static constexpr int kSide = 256;
+using Canvas = std::map<std::pair<int, int>, int>;
 
-  void Paint(const FramePlacement& p) {
-    for (int y = p.target.top; y < p.target.bottom; ++y) {
-      for (int x = p.target.left; x < p.target.right; ++x) {
-        const int sx = p.source.x + x - p.target.left;
-        const int sy = p.source.y + y - p.target.top;
-        At(x, y) = 1 + p.piece + 10 * (sx + 100 * sy);
-      }
-    }
+void Paint(Canvas& canvas, const FramePlacement& p) {
+  for (int y = p.target.top; y < p.target.bottom; ++y) {
+    for (int x = p.target.left; x < p.target.right; ++x)
+      canvas[{x, y}] =
+          p.piece + 10 * (p.source.x + x - p.target.left + 100 * (p.source.y + y - p.target.top));
   }
-  bool operator==(const Canvas&) const = default;
-  int& At(int x, int y) { return cells_[static_cast<std::size_t>((y - kOrigin) * kSide + (x - kOrigin))]; }
-
- private:
-  std::vector<int> cells_ = std::vector<int>(kSide * kSide, 0);
-};
+}
 
 // The frame drawn as written down: every tile whole, walked from the edge's start.
 Canvas PaintedWhole(const FrameGeometry& g, const RECT& image) {
   Canvas canvas;
   const auto place = [&](int piece, int x, int y) {
-    if (!g[piece].drawn) return;
-    canvas.Paint(FramePlacement{piece, RECT{x, y, x + g[piece].width, y + g[piece].height}, POINT{0, 0}});
+    if (g[piece].drawn)
+      Paint(canvas, FramePlacement{piece, RECT{x, y, x + g[piece].width, y + g[piece].height}, POINT{0, 0}});
   };
   const int l = image.left, t = image.top, r = image.right, b = image.bottom;
   const auto o = [&](int i) { return g[i].offset; };
@@ -66,32 +56,20 @@ TEST(FrameTilingTest, CuttingToAnAreaMatchesTheWholeFrameInsideIt) {
   };
   for (int round = 0; round < 300; ++round) {
     FrameGeometry g;
-    for (FramePieceGeometry& piece : g) {
-      piece.drawn = between(0, 5) > 0;
-      piece.width = between(1, 12);
-      piece.height = between(1, 12);
-      piece.offset = between(-15, 15);
-    }
-    const int left = between(0, 60);
-    const int top = between(0, 60);
+    for (FramePieceGeometry& piece : g)
+      piece = {between(0, 5) > 0, between(1, 12), between(1, 12), between(-15, 15)};
+    const int left = between(0, 60), top = between(0, 60);
     const RECT image{left, top, left + between(0, 70), top + between(0, 70)};
-    const int areaLeft = between(-40, 150);
-    const int areaTop = between(-40, 150);
+    const int areaLeft = between(-40, 150), areaTop = between(-40, 150);
     const RECT area{areaLeft, areaTop, areaLeft + between(1, 40), areaTop + between(1, 40)};
-
-    Canvas whole = PaintedWhole(g, image);
-    Canvas cut;
-    for (const FramePlacement& p : FramePlacements(g, image, area)) {
-      ASSERT_TRUE(p.target.left >= area.left && p.target.top >= area.top && p.target.right <= area.right &&
-                  p.target.bottom <= area.bottom)
-          << "round " << round;
-      cut.Paint(p);
-    }
     Canvas expected;
-    for (int y = area.top; y < area.bottom; ++y) {
-      for (int x = area.left; x < area.right; ++x) expected.At(x, y) = whole.At(x, y);
+    for (const auto& [point, value] : PaintedWhole(g, image)) {
+      const auto [x, y] = point;
+      if (x >= area.left && x < area.right && y >= area.top && y < area.bottom) expected[point] = value;
     }
-    ASSERT_TRUE(cut == expected) << "round " << round;
+    Canvas cut;
+    for (const FramePlacement& p : FramePlacements(g, image, area)) Paint(cut, p);
+    ASSERT_EQ(cut, expected) << "round " << round;
   }
 }
 
