@@ -236,8 +236,8 @@ TEST_F(EffectsTest, LinePatternsReachTheBottomOfTheSurface) {
   editor().CheckImage();
   EXPECT_EQ(Picture(), white);
   editor().BlockImage();
-  EXPECT_EQ(SurfacePixel(33, 29), COLORREF{0xF9F9F9});  // the middle of the groove L + 30
-  EXPECT_EQ(SurfacePixel(33, 8), kWhite);               // not above the picture
+  EXPECT_EQ(SurfacePixel(31, 29), COLORREF{0xF9F9F9});  // the groove's middle, column L + 29
+  EXPECT_EQ(SurfacePixel(31, 8), kWhite);               // not above the picture
 
   live_.Show(36, 12, 0);
   ASSERT_EQ(Image().top, 9);

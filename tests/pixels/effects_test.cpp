@@ -220,7 +220,9 @@ TEST(EffectsTest, EmbossGives128OnUniformAreasAndLeansTowardsTheLowerLeft) {
   Picture picture(5, 4, 1, random);
   picture.Fill(77);
   EmbossPixels(picture.Whole());
-  EXPECT_TRUE(std::all_of(picture.bytes.begin(), picture.bytes.end(), [](BYTE b) { return b == 128; }));
+  ForEachPixel(picture.Whole(), [](BYTE* p, int x, int y) {
+    for (int k = 0; k < 3; ++k) EXPECT_EQ(p[k], 128) << x << "," << y;
+  });
   // One bright byte amid 0 (buffer row 1 is the middle row): the pixels above it and
   // to its right see it at their lower left (+1), the others at their upper right.
   Picture spot(3, 3, 3, random);
