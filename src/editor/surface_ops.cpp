@@ -29,6 +29,14 @@ void CImageEditWnd::WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffe
   WriteBitmapPixels(dc, bitmap, buffer);
 }
 
+bool CImageEditWnd::MapSurfaceRows(HBITMAP source, const RECT& area, PixelRows* rows) {
+  HBITMAP surface = m_surfaces.imageSurface.bitmap();
+  platform::BitmapRows mapped;
+  if (!PixelBufferWouldFit(surface) || !platform::MapBitmapRows(source, surface, area, &mapped)) return false;
+  *rows = RowsOf(mapped);
+  return true;
+}
+
 void CImageEditWnd::CreateCompositionBuffer(int width, int height) {
   Surface& surface = m_surfaces.composition;
   if (surface.dc() && surface.Recreate(width, height)) FillWhite(surface);
