@@ -248,6 +248,8 @@ class CImageEditWnd : public CWnd {
   // The image rectangle as the window shows it: shifted by the scroll position and
   // cut to the client area, in window coordinates.
   RECT VisibleImageRect() const;
+  // Whether the left button drags: a tool's stroke, or a drag with no tool.
+  bool DragUnderWay() const { return m_stroke.buttonDown || m_noToolDrags.Active(); }
   // A window point of a drag as a surface point: scrolled axes take the scroll
   // position and stay inside the image.
   POINT DragPoint(POINT window) const;
