@@ -127,8 +127,7 @@ void CImageEditWnd::TransparentBlit(HDC target, HBITMAP source, int x, int y, in
   // blackening its key pixels never alters the caller's bitmap.
   const platform::MemoryDC maskDC(target);
   const platform::OwnedBitmap mask(maskDC ? CreateBitmap(width, height, 1, 1, nullptr) : nullptr);
-  const platform::OwnedBitmap copy(
-      mask ? static_cast<HBITMAP>(CopyImage(source, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)) : nullptr);
+  const platform::OwnedBitmap copy(mask ? platform::CopyOfBitmap(source) : platform::OwnedBitmap());
   if (!copy) return;
 
   const platform::SelectionGuard sourceSelected(sourceDC.get(), copy.get());
