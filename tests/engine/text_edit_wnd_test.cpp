@@ -1,6 +1,7 @@
 // The text box: its edit control, when it counts as shown, what it gives up as the
 // typed text, how it looks on the host, and that it leaves nothing behind.
 #include <string>
+#include <tuple>
 
 #include "test_support.h"
 
@@ -38,11 +39,8 @@ TEST_F(TextEditWndTest, TheEditControlFillsTheBoxInsideItsFrame) {
   Entry().Open(RECT{10, 20, 60, 50});
   EXPECT_TRUE(Entry().IsShown());
   EXPECT_EQ(GetFocus(), Edit());
-  RECT edit = Entry().TypedTextRect();
-  EXPECT_EQ(edit.left, 14);
-  EXPECT_EQ(edit.top, 24);
-  EXPECT_EQ(edit.right, 56);
-  EXPECT_EQ(edit.bottom, 46);
+  RECT edit = Entry().TypedTextRect();  // inside the 4-pixel frame
+  EXPECT_EQ(std::tie(edit.left, edit.top, edit.right, edit.bottom), std::make_tuple(14, 24, 56, 46));
   EXPECT_EQ(SendMessageA(Edit(), WM_GETFONT, 0, 0), reinterpret_cast<LRESULT>(Entry().font()));
   MoveWindow(Entry().box(), 0, 0, 30, 15, TRUE);
   edit = Entry().TypedTextRect();

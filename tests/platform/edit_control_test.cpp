@@ -1,10 +1,10 @@
 // The edit control: its text and selection apart from any window, then the window
-// class "EDIT" as a host and the engine reach it: typed characters, the text and
-// selection messages, the text calls and their buffers, and the limit.
+// class "EDIT" as a host and the engine reach it.
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "platform/edit_text.h"
 #include "platform/gdi_handles.h"
@@ -97,12 +97,10 @@ TEST(EditText, LinesEndAtEachKindOfBreak) {
   EditText content;
   content.SetText(u"ab\r\ncd\ne\rf\r\n");
   const auto lines = content.Lines();
-  ASSERT_EQ(lines.size(), 5u);
-  const std::pair<std::size_t, std::size_t> expected[] = {{0, 2}, {4, 6}, {7, 8}, {9, 10}, {12, 12}};
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    EXPECT_EQ(lines[i].start, expected[i].first) << i;
-    EXPECT_EQ(lines[i].end, expected[i].second) << i;
-  }
+  std::vector<std::pair<std::size_t, std::size_t>> found;
+  for (const auto& line : lines) found.emplace_back(line.start, line.end);
+  EXPECT_EQ(found,
+            (std::vector<std::pair<std::size_t, std::size_t>>{{0, 2}, {4, 6}, {7, 8}, {9, 10}, {12, 12}}));
   EXPECT_EQ(EditText::LineAt(lines, 0), 0u);
   EXPECT_EQ(EditText::LineAt(lines, 3), 0u);  // between "\r" and "\n"
   EXPECT_EQ(EditText::LineAt(lines, 4), 1u);
@@ -151,7 +149,6 @@ class EditControl : public HostFixture {
 
 TEST_F(EditControl, IsMadeOnlyOfAKnownClassUnderALiveParent) {
   EXPECT_EQ(GetDlgItem(box_.m_hWnd, 1), edit_);
-  EXPECT_EQ(Text(), u"");
   HWND titled = CreateWindowExW(0, u"edit", u"ti\U0001F600tle", kStyle, 0, 0, 5, 5, box_.m_hWnd, nullptr,
                                 nullptr, nullptr);  // class names ignore case
   EXPECT_NE(titled, nullptr);
@@ -163,8 +160,6 @@ TEST_F(EditControl, IsMadeOnlyOfAKnownClassUnderALiveParent) {
   EXPECT_EQ(CreateWindowExW(0, u"EDIT", nullptr, kStyle, 0, 0, 5, 5, nullptr, nullptr, nullptr, nullptr),
             nullptr);
   EXPECT_EQ(platform::LiveWindowObjects().windows, windows);
-  WNDCLASSA found{};
-  EXPECT_TRUE(GetClassInfoA(nullptr, "EDIT", &found));
   WNDCLASSA again{};
   again.lpszClassName = "Edit";
   EXPECT_FALSE(RegisterClassA(&again));  // taken
@@ -199,11 +194,8 @@ TEST_F(EditControl, TypedCharactersGoInAtTheCaretAndBackspaceAndReturnWork) {
 
 TEST_F(EditControl, SelectionClearAndReplaceAsAHostAndTheEngineUseThem) {
   Type(U"hello world");
-  SendMessageW(edit_, EM_SETSEL, 0, -1);
-  EXPECT_EQ(Selection(), std::make_pair(DWORD{0}, DWORD{11}));
-  SendMessageW(edit_, EM_SETSEL, static_cast<WPARAM>(-1), 0);
-  EXPECT_EQ(Selection(), std::make_pair(DWORD{11}, DWORD{11}));
-  SendMessageW(edit_, EM_SETSEL, 6, 11);
+  SendMessageW(edit_, EM_SETSEL, 11, 6);  // the rules are EditText's; this is the wiring
+  EXPECT_EQ(Selection(), std::make_pair(DWORD{6}, DWORD{11}));
   SendMessageW(edit_, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(u"there"));
   EXPECT_EQ(Text(), u"hello there");
   SendMessageW(edit_, EM_SETSEL, 0, 6);
@@ -228,8 +220,7 @@ TEST_F(EditControl, SelectionClearAndReplaceAsAHostAndTheEngineUseThem) {
 TEST_F(EditControl, WindowTextComesInWhateverBufferTheCallerHas) {
   ASSERT_TRUE(SetWindowTextW(edit_, u"abc\U0001F600"));
   EXPECT_EQ(Selection(), std::make_pair(DWORD{0}, DWORD{0}));  // the caret goes to the start
-  WCHAR buffer[8];
-  std::fill(std::begin(buffer), std::end(buffer), u'#');
+  WCHAR buffer[8] = {u'#', u'#', u'#', u'#'};
   EXPECT_EQ(GetWindowTextW(edit_, buffer, 3), 2);
   EXPECT_EQ(std::u16string(buffer, 4), std::u16string(u"ab\0#", 4));
   EXPECT_EQ(GetWindowTextW(edit_, buffer, 1), 0);
@@ -253,9 +244,7 @@ TEST_F(EditControl, WindowTextComesInWhateverBufferTheCallerHas) {
   SendMessageA(edit_, EM_REPLACESEL, 0, reinterpret_cast<LPARAM>("\xFF"));  // not UTF-8
   EXPECT_EQ(Text(), u"\xFFFD\xAC00!");
 
-  // An ordinary window's text is its title.
-  EXPECT_EQ(GetWindowTextLengthW(box_.m_hWnd), 0);
-  SetWindowTextW(box_.m_hWnd, u"Box");
+  SetWindowTextW(box_.m_hWnd, u"Box");  // an ordinary window's text is its title
   EXPECT_EQ(SendMessageA(box_.m_hWnd, WM_GETTEXT, sizeof narrow, reinterpret_cast<LPARAM>(narrow)), 3);
   EXPECT_STREQ(narrow, "Box");
   SetWindowTextW(box_.m_hWnd, nullptr);
@@ -284,9 +273,8 @@ TEST_F(EditControl, APasteIsHeldToTheLimitButSettingTheTextIsNot) {
   EXPECT_EQ(Text(), u"ab");
 }
 
-// Black text from the client area's corner in the control's font and, while it has
-// the focus, a caret one pixel wide and a line high where the next character goes;
-// the view follows the caret sideways and down.
+// Black text in the control's font and, while focused, a one-pixel caret a line high
+// where the next character goes; the view follows the caret sideways and down.
 TEST_F(EditControl, PaintsItsTextAndACaretWhereTheNextCharacterGoes) {
   platform::OwnedFont font = Arial16();
   ASSERT_TRUE(font);
@@ -331,8 +319,8 @@ TEST_F(EditControl, PaintsItsTextAndACaretWhereTheNextCharacterGoes) {
   EXPECT_EQ(FramePixel(kLeft + 72 - 1, kTop + line / 2), kWhite);
 }
 
-// A press takes the focus and puts the caret at the character boundary nearest to it,
-// on the line under it (the last when it is below the text).
+// A press takes the focus and puts the caret at the nearest boundary on the line
+// under it (the last when below the text).
 TEST_F(EditControl, APressPutsTheCaretAtTheNearestBoundary) {
   platform::OwnedFont font = Arial16();
   SendMessageW(edit_, WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), FALSE);
@@ -340,8 +328,8 @@ TEST_F(EditControl, APressPutsTheCaretAtTheNearestBoundary) {
   platform::MemoryDC measuring(nullptr);
   platform::SelectionGuard inFont(measuring.get(), font.get());
   SIZE he{}, hel{};
-  GetTextExtentPoint32W(measuring.get(), u"He", 2, &he);
-  GetTextExtentPoint32W(measuring.get(), u"Hel", 3, &hel);
+  ASSERT_TRUE(GetTextExtentPoint32W(measuring.get(), u"He", 2, &he) &&
+              GetTextExtentPoint32W(measuring.get(), u"Hel", 3, &hel));
   SetFocus(nullptr);
   const auto pressAt = [&](int x, int y) {
     platform::MouseInput(hostWindow_, WM_LBUTTONDOWN, 14 + x, 14 + y);
@@ -359,20 +347,16 @@ TEST_F(EditControl, APressPutsTheCaretAtTheNearestBoundary) {
 
 TEST_F(EditControl, KeepsTheFontItIsGivenAndGoesWithItsParent) {
   EXPECT_EQ(SendMessageW(edit_, WM_GETFONT, 0, 0), 0);
-  LOGFONTA description{};
-  description.lfHeight = -12;
-  HFONT font = CreateFontIndirectA(&description);
-  SendMessageW(edit_, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-  EXPECT_EQ(SendMessageW(edit_, WM_GETFONT, 0, 0), reinterpret_cast<LRESULT>(font));
+  const platform::OwnedFont font = Arial16();
+  SendMessageW(edit_, WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);
+  EXPECT_EQ(SendMessageW(edit_, WM_GETFONT, 0, 0), reinterpret_cast<LRESULT>(font.get()));
   Type(U"text");
   platform::FlushPaint(hostWindow_);
-  const platform::WindowCounts windows = platform::LiveWindowObjects();
-  const platform::GdiCounts gdi = platform::LiveGdiObjects();
+  const int windows = platform::LiveWindowObjects().windows, gdi = platform::LiveGdiObjects().total();
   box_.DestroyWindow();
   EXPECT_FALSE(IsWindow(edit_));
-  EXPECT_EQ(platform::LiveWindowObjects().windows, windows.windows - 2);
-  EXPECT_EQ(platform::LiveGdiObjects().total(), gdi.total());  // the font stays the caller's
-  DeleteObject(font);
+  EXPECT_EQ(platform::LiveWindowObjects().windows, windows - 2);
+  EXPECT_EQ(platform::LiveGdiObjects().total(), gdi);  // the font stays the caller's
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 // coordinate calls see the frame, and how the frame is painted.
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "user_test_support.h"
 
 namespace {
@@ -58,17 +60,11 @@ TEST_F(Frames, TheClientAreaLiesInsideTheFrameAndTheWindowRectCoversIt) {
   RECT window{};
   ASSERT_TRUE(GetWindowRect(framed_.m_hWnd, &window));
   EXPECT_EQ(Text(window), "10,20,60,50");
-  POINT p{0, 0};
-  ClientToScreen(framed_.m_hWnd, &p);
-  EXPECT_EQ(p.x, 14);
-  EXPECT_EQ(p.y, 24);
-  p = POINT{10, 20};
+  POINT p{10, 20};
   ScreenToClient(framed_.m_hWnd, &p);
-  EXPECT_EQ(p.x, -4);
-  EXPECT_EQ(p.y, -4);
+  EXPECT_EQ(std::make_pair(p.x, p.y), std::make_pair(-4, -4));
 
-  // A child's place counts from the client area, inside the frame; a scroll bar takes
-  // its strip from inside the frame too.
+  // A child's place and a scroll bar's strip count from inside the frame.
   CWnd child;
   ASSERT_TRUE(child.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{2, 3, 12, 13}, &framed_, 2));
   ASSERT_TRUE(GetWindowRect(child.m_hWnd, &window));
@@ -110,8 +106,8 @@ TEST_F(Frames, TheFrameIsPaintedWheneverTheWindowIsAndByDefaultAsAPlainBand) {
                      {55, 45, kRed},
                      {60, 50, kWhite}});
 
-  // Its parent painting over it, or showing it again, paints the frame again even
-  // when the client area has nothing to paint.
+  // The parent painting over it, or showing it again, paints the frame again even
+  // with no client area to paint.
   log_.clear();
   InvalidateRect(hostWindow_, nullptr, TRUE);
   platform::FlushPaint(hostWindow_);
