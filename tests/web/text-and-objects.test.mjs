@@ -87,6 +87,8 @@ test('an object\'s shortcut menu is a page menu: what the keyboard and the mouse
   await page.keyboard.press('Enter');
   assert.equal(await menu.count(), 0, 'a pick closes the menu');
   steps.push('answer menu 32775', 'rdown 90 80');
+  // The heart is deleted below, so the sun's new place under it shows only now.
+  assertSamePixels(await canvasPixels(page), nativeShot(200, 150, steps), 'the sun sent to the back');
 
   // The mouse: the arrow's "Reverse".
   await page.mouse.click(125, 33, { button: 'right' });
@@ -111,8 +113,8 @@ test('an object\'s shortcut menu is a page menu: what the keyboard and the mouse
   await page.mouse.up({ button: 'right' });
   assert.equal(await menu.count(), 0);
   steps.push('answer menu 32771', 'rdown 30 30');
-  assertSamePixels(await canvasPixels(page), nativeShot(200, 150, steps), 'after the sun sent back, the arrow '
-    + 'mirrored, two menus dismissed and the heart deleted');
+  assertSamePixels(await canvasPixels(page), nativeShot(200, 150, steps),
+    'the arrow mirrored, two menus dismissed, the heart deleted');
   await closePage(page);
 });
 
