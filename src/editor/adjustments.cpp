@@ -18,16 +18,11 @@ int ClampSetterArgument(int value) { return std::clamp(value, 0, 200); }
 double GammaOf(int argument) { return ClampSetterArgument(argument) * kGammaStep + 0.004; }
 
 // The passes straight from the source bitmap's rows into the image surface's: no
-// 24-bit buffer is read or written back, and the bytes are the same. Taken only when
-// such a buffer could be had, so that a picture beyond the pixel limit fails as the
-// buffer's reading fails; false when it was not taken.
+// 24-bit buffer is read or written back, and the bytes are the same. False when the
+// rows were not mapped.
 bool RunOnSurfaceRows(CImageEditWnd& editor, HBITMAP source, const PassPlan& plan) {
-  const Surface& surface = editor.m_surfaces.imageSurface;
-  platform::BitmapRows bitmapRows;
-  if (!PixelBufferWouldFit(surface.bitmap()) ||
-      !platform::MapBitmapRows(source, surface.bitmap(), editor.m_view.imageRect(), &bitmapRows))
-    return false;
-  PixelRows rows = RowsOf(bitmapRows);
+  PixelRows rows;
+  if (!editor.MapSurfaceRows(source, editor.m_view.imageRect(), &rows)) return false;
   plan.Run(rows, editor.m_messages.OutOfMemoryReporter());
   return true;
 }

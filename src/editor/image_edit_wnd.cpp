@@ -71,7 +71,7 @@ void CImageEditWnd::OnClose() {
 // an editor that goes away in the middle of a drag must not leave the pointer held
 // inside the rectangle it no longer shows.
 void CImageEditWnd::OnDestroy() {
-  if (m_stroke.buttonDown || m_noToolDrags.Active()) ClipCursor(nullptr);
+  if (DragUnderWay()) ClipCursor(nullptr);
   CWnd::OnDestroy();
 }
 

@@ -18,6 +18,7 @@
 #include "editor/view_placement.h"
 #include "pixels/adjustment_settings.h"
 #include "pixels/pixel_buffer.h"
+#include "pixels/pixel_rows.h"
 #include "platform/gdi_handles.h"
 #include "platform/platform.h"
 #include "tools/captured_pixels.h"
@@ -130,6 +131,12 @@ class CImageEditWnd : public CWnd {
   PixelBuffer ReadSurfacePixels(HDC dc, HBITMAP bitmap);
   // Replaces the bitmap's rows from the buffer, which is released in every case.
   void WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffer);
+  // The image surface's own rows of `area`, to be read from `source` (the surface
+  // itself, or a bitmap of its size) and written in place, four bytes a pixel; false
+  // where the platform does not map them. Taken only when a 24-bit buffer of the
+  // surface could be had, so that a surface beyond the pixel limit fails as reading
+  // that buffer fails.
+  bool MapSurfaceRows(HBITMAP source, const RECT& area, PixelRows* rows);
   void CreateCompositionBuffer(int width, int height);
   void CreateDrawingLayer(int width, int height);
   void CreateImageSurface(int width, int height);
@@ -241,6 +248,8 @@ class CImageEditWnd : public CWnd {
   // The image rectangle as the window shows it: shifted by the scroll position and
   // cut to the client area, in window coordinates.
   RECT VisibleImageRect() const;
+  // Whether the left button drags: a tool's stroke, or a drag with no tool.
+  bool DragUnderWay() const { return m_stroke.buttonDown || m_noToolDrags.Active(); }
   // A window point of a drag as a surface point: scrolled axes take the scroll
   // position and stay inside the image.
   POINT DragPoint(POINT window) const;

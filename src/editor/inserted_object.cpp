@@ -8,17 +8,7 @@
 #include "pixels/mirror.h"
 #include "platform/gdi_draw.h"
 
-namespace {
-
-// An independent copy of the bitmap at its own size or at width x height; null
-// without a bitmap or when the copy cannot be made.
-platform::OwnedBitmap CopyBitmap(HBITMAP bitmap, int width = 0, int height = 0) {
-  if (!bitmap) return platform::OwnedBitmap();
-  return platform::OwnedBitmap(
-      static_cast<HBITMAP>(CopyImage(bitmap, IMAGE_BITMAP, width, height, LR_CREATEDIBSECTION)));
-}
-
-}  // namespace
+namespace {}  // namespace
 
 platform::OwnedBrush CopyOfBrush(HBRUSH brush) {
   LOGBRUSH description{};
@@ -54,9 +44,9 @@ void CInsertedObject::CopyFrom(const CInsertedObject& other) {
   height = other.height;
   sourceWidth = other.sourceWidth;
   sourceHeight = other.sourceHeight;
-  picture = CopyBitmap(other.picture.get());
-  sourcePicture = CopyBitmap(other.sourcePicture.get());
-  selectedPicture = CopyBitmap(other.selectedPicture.get());
+  picture = platform::CopyOfBitmap(other.picture.get());
+  sourcePicture = platform::CopyOfBitmap(other.sourcePicture.get());
+  selectedPicture = platform::CopyOfBitmap(other.selectedPicture.get());
   keyColor = other.keyColor;
   selected_ = other.selected_;
   resizable = other.resizable;
@@ -74,7 +64,7 @@ PixelBuffer CInsertedObject::ReadSurfacePixels(HDC dc, HBITMAP bitmap) const {
 }
 
 void CInsertedObject::RebuildSelectedPicture() {
-  selectedPicture = CopyBitmap(picture.get());
+  selectedPicture = platform::CopyOfBitmap(picture.get());
   // A frame in the background's own colour would not show: it takes the complement.
   LOGBRUSH background{};
   const bool hasBackground =
@@ -115,7 +105,7 @@ void CInsertedObject::RestoreOriginalSize() {
 
 bool CInsertedObject::ScaleFromSource(int newWidth, int newHeight) {
   if (!sourcePicture) return true;
-  platform::OwnedBitmap scaled = CopyBitmap(sourcePicture.get(), newWidth, newHeight);
+  platform::OwnedBitmap scaled = platform::CopyOfBitmap(sourcePicture.get(), newWidth, newHeight);
   if (!scaled) return false;
   picture = std::move(scaled);
   width = newWidth;

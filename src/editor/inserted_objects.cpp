@@ -11,8 +11,7 @@ void InsertedObjects::CopyFrom(const InsertedObjects& other) {
   for (int slot = 0; slot < kMaxInsertedObjects; ++slot) objects_[slot].CopyFrom(other.objects_[slot]);
   count_ = other.count_;
   dragged_ = other.dragged_;
-  dragX_ = other.dragX_;
-  dragY_ = other.dragY_;
+  dragPoint_ = other.dragPoint_;
   selected_ = other.selected_;
   std::copy(std::begin(other.zOrder_), std::end(other.zOrder_), zOrder_);
 }

@@ -53,13 +53,10 @@ class InsertedObjects {
   // drag's last accepted step. They are part of what the history records, so a level
   // given back mid-drag decides which object the drag goes on with, if any.
   int dragged() const { return dragged_; }
-  POINT dragPoint() const { return POINT{dragX_, dragY_}; }
+  POINT dragPoint() const { return dragPoint_; }
   // The drag of the live `slot` starts at `at`.
   void StartDrag(int slot, POINT at);
-  void SetDragPoint(POINT at) {
-    dragX_ = at.x;
-    dragY_ = at.y;
-  }
+  void SetDragPoint(POINT at) { dragPoint_ = at; }
   void EndDrag() { StartDrag(-1, POINT{-1, -1}); }
 
   // What SetTransparency stores (only while the drawing layer exists) for the objects
@@ -78,8 +75,7 @@ class InsertedObjects {
   int count_ = 0;
   // The object drag under way (slot and last point), -1 when none.
   int dragged_ = -1;
-  int dragX_ = -1;
-  int dragY_ = -1;
+  POINT dragPoint_{-1, -1};
   int selected_ = -1;
   int zOrder_[kMaxInsertedObjects + 1] = {0, 0, 0, 0, 0, 0};
 };

@@ -32,8 +32,7 @@ void CImageEditWnd::PlaceInsertedObject(int slot, ObjectKind kind, platform::Own
   }
   object.width = object.sourceWidth = size.bmWidth;
   object.height = object.sourceHeight = size.bmHeight;
-  object.sourcePicture = platform::OwnedBitmap(
-      static_cast<HBITMAP>(CopyImage(picture.get(), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
+  object.sourcePicture = platform::CopyOfBitmap(picture.get());
   object.picture = std::move(picture);
   object.resizable = true;
   object.RebuildSelectedPicture();

@@ -9,9 +9,8 @@ namespace {
 
 FramePiece CopyFramePiece(const FramePiece& piece) {
   if (!piece.bitmap) return FramePiece{};
-  return FramePiece{platform::OwnedBitmap(static_cast<HBITMAP>(CopyImage(
-                        piece.bitmap.get(), IMAGE_BITMAP, piece.width, piece.height, LR_CREATEDIBSECTION))),
-                    piece.width, piece.height, piece.offset, piece.keyColor};
+  return FramePiece{platform::CopyOfBitmap(piece.bitmap.get(), piece.width, piece.height), piece.width,
+                    piece.height, piece.offset, piece.keyColor};
 }
 
 }  // namespace

@@ -22,18 +22,14 @@
 namespace {
 
 // The surface's rows of `area` (kept inside the surface) as an effect works on them,
-// bottom row first as a 24-bit buffer holds them. Where the platform maps the image
-// surface's own rows they are changed in place, four bytes a pixel; otherwise they
-// are read into a buffer of the whole surface and written back. The mapped rows are
-// taken only when such a buffer could be had, so that a surface beyond the pixel
-// limit fails as the buffer's reading fails. False when the pixels could not be read.
+// bottom row first as a 24-bit buffer holds them: the surface's own rows where they
+// are mapped, else a buffer of the whole surface read and written back. False when
+// the pixels could not be read.
 template <typename Effect>
 bool ChangeSurfaceRows(CImageEditWnd& editor, const RECT& area, Effect&& effect) {
   const Surface& surface = editor.m_surfaces.imageSurface;
-  platform::BitmapRows mapped;
-  if (PixelBufferWouldFit(surface.bitmap()) &&
-      platform::MapBitmapRows(surface.bitmap(), surface.bitmap(), area, &mapped)) {
-    PixelRows rows = RowsOf(mapped);
+  PixelRows rows;
+  if (editor.MapSurfaceRows(surface.bitmap(), area, &rows)) {
     rows.TurnOver();
     effect(rows);
     return true;

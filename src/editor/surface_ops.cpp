@@ -29,6 +29,14 @@ void CImageEditWnd::WriteSurfacePixels(HDC dc, HBITMAP bitmap, PixelBuffer buffe
   WriteBitmapPixels(dc, bitmap, buffer);
 }
 
+bool CImageEditWnd::MapSurfaceRows(HBITMAP source, const RECT& area, PixelRows* rows) {
+  HBITMAP surface = m_surfaces.imageSurface.bitmap();
+  platform::BitmapRows mapped;
+  if (!PixelBufferWouldFit(surface) || !platform::MapBitmapRows(source, surface, area, &mapped)) return false;
+  *rows = RowsOf(mapped);
+  return true;
+}
+
 void CImageEditWnd::CreateCompositionBuffer(int width, int height) {
   Surface& surface = m_surfaces.composition;
   if (surface.dc() && surface.Recreate(width, height)) FillWhite(surface);
@@ -119,8 +127,7 @@ void CImageEditWnd::TransparentBlit(HDC target, HBITMAP source, int x, int y, in
   // blackening its key pixels never alters the caller's bitmap.
   const platform::MemoryDC maskDC(target);
   const platform::OwnedBitmap mask(maskDC ? CreateBitmap(width, height, 1, 1, nullptr) : nullptr);
-  const platform::OwnedBitmap copy(
-      mask ? static_cast<HBITMAP>(CopyImage(source, IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)) : nullptr);
+  const platform::OwnedBitmap copy(mask ? platform::CopyOfBitmap(source) : platform::OwnedBitmap());
   if (!copy) return;
 
   const platform::SelectionGuard sourceSelected(sourceDC.get(), copy.get());

@@ -20,6 +20,14 @@ using OwnedPen = OwnedGdiObject<HPEN>;
 using OwnedBrush = OwnedGdiObject<HBRUSH>;
 using OwnedFont = OwnedGdiObject<HFONT>;
 
+// An independent copy of the bitmap (a DIB section) at its own size, or stretched to
+// width x height; empty without a bitmap or when the copy cannot be made.
+inline OwnedBitmap CopyOfBitmap(HBITMAP bitmap, int width = 0, int height = 0) {
+  if (!bitmap) return OwnedBitmap();
+  return OwnedBitmap(
+      static_cast<HBITMAP>(CopyImage(bitmap, IMAGE_BITMAP, width, height, LR_CREATEDIBSECTION)));
+}
+
 // Selects an object into a DC for the guard's lifetime and then puts back whatever
 // was selected before it. A failed selection (null DC or object) puts back nothing.
 class SelectionGuard {

@@ -88,21 +88,21 @@ void CImageEditWnd::OnLButtonDown(UINT flags, POINT point) {
 void CImageEditWnd::OnMouseMove(UINT flags, POINT point) {
   if ((flags & MK_LBUTTON) == 0) {
     m_hover.Update(point, m_selectionBox, m_objects);
-  } else if (m_noToolDrags.Active()) {
+  } else if (DragUnderWay()) {
     StopAutoScroll();
     ScrollAtEdge(point);
-    m_noToolDrags.Move(point);
-  } else if (m_stroke.buttonDown) {
-    StopAutoScroll();
-    ScrollAtEdge(point);
-    // A tool draws only over the image.
-    const RECT visible = VisibleImageRect();
-    Interaction* tool = ActiveTool();
-    if (tool != nullptr && PtInRect(&visible, point)) {
-      if (const std::optional<RECT> changed = tool->Move(DragPoint(point))) {
-        RepaintSurfaceArea(*changed);
-      } else {
-        RedrawWindow();
+    if (m_noToolDrags.Active()) {
+      m_noToolDrags.Move(point);
+    } else {
+      // A tool draws only over the image.
+      const RECT visible = VisibleImageRect();
+      Interaction* tool = ActiveTool();
+      if (tool != nullptr && PtInRect(&visible, point)) {
+        if (const std::optional<RECT> changed = tool->Move(DragPoint(point))) {
+          RepaintSurfaceArea(*changed);
+        } else {
+          RedrawWindow();
+        }
       }
     }
   }
@@ -140,7 +140,7 @@ void CImageEditWnd::StopAutoScroll() {
 // ---- release ----
 
 void CImageEditWnd::OnLButtonUp(UINT flags, POINT point) {
-  if (m_stroke.buttonDown || m_noToolDrags.Active()) {
+  if (DragUnderWay()) {
     m_stroke.releaseClosedText = m_textEntry.IsShown();
     CloseTextEntry();
     ClipCursor(nullptr);
