@@ -5,10 +5,77 @@ import { execFileSync } from 'node:child_process';
 import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
+import { after, before } from 'node:test';
 
-import { ROOT } from './browser.mjs';
+import { launchChromium, ROOT, serve, WEB_ROOT } from './browser.mjs';
 
 const IMAGEEDIT = process.env.IMAGEEDIT ?? join(ROOT, 'build/release/hosts/cli/imageedit');
+
+// One server of `roots` (the element and samples, this folder's test page, the test
+// pictures as data/) and one Chromium for the file's tests; `controlPage` opens a page
+// with one control, from another server when `base` is given.
+export function useBrowser(roots = [WEB_ROOT, join(ROOT, 'tests/web'), join(ROOT, 'tests')]) {
+  let server;
+  let browser;
+  before(async () => {
+    server = await serve(roots);
+    browser = await launchChromium();
+  });
+  after(async () => {
+    await browser?.close();
+    await server?.close();
+  });
+  return {
+    get browser() { return browser; },
+    get url() { return server.url; },
+    controlPage: (width, height, options = {}) =>
+      openControlPage(browser, options.base ?? server.url, width, height, options),
+    // The demo page, once it has opened its first picture; `status(start)` waits for
+    // the status line to start so.
+    async openDemo() {
+      const page = await browser.newPage({ viewport: { width: 1280, height: 1000 } });
+      page.errors = [];
+      page.on('pageerror', (error) => page.errors.push(error.message));
+      await page.goto(server.url);
+      page.status = (start) => page.waitForFunction((text) =>
+        document.getElementById('status').textContent.startsWith(text), start);
+      await page.status('Opened');
+      return page;
+    },
+  };
+}
+
+// Calls a method of the page's control and resolves with its result.
+export const call = (page, name, ...args) =>
+  page.evaluate(([method, values]) => document.getElementById('editor')[method](...values), [name, args]);
+
+// The script host's statement for a call; the page's samples are in build/web/, its
+// data/ is tests/data/.
+export const statement = ([name, ...args]) => [name, ...args.map((arg) => (typeof arg === 'string'
+  ? `"${arg.replace(/^samples\//, 'build/web/samples/').replace(/^data\//, 'tests/data/')}"` : arg))].join(' ');
+
+// Makes the calls in the page, one after another; returns their statements.
+export async function calls(page, list) {
+  await page.evaluate(async (made) => {
+    const editor = document.getElementById('editor');
+    for (const [name, ...args] of made) await editor[name](...args);
+  }, list);
+  return list.map(statement);
+}
+
+// The hot spot of the cursor the control shows, or the CSS cursor when it is none of
+// the control's own pictures.
+export async function cursorHotSpot(page) {
+  const css = await page.evaluate(() =>
+    document.getElementById('editor').shadowRoot.querySelector('canvas').style.cursor);
+  return css.match(/^url\("?data:image\/png;base64,[^)]+\) (\d+) (\d+), auto$/)?.slice(1).map(Number) ?? css;
+}
+
+// A page ends with no uncaught error.
+export async function closePage(page) {
+  assert.deepEqual(page.errors, []);
+  await page.close();
+}
 
 // A fresh page of `browser` from `base` with one control of the given size and
 // language, id "editor"; `page.errors` collects the page's uncaught errors.

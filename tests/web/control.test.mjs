@@ -4,91 +4,70 @@ import assert from 'node:assert/strict';
 import { createHash } from 'node:crypto';
 import { mkdirSync } from 'node:fs';
 import { join } from 'node:path';
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 
-import { launchChromium, ROOT, serve, WEB_ROOT } from './browser.mjs';
+import { ROOT, serve, WEB_ROOT } from './browser.mjs';
 import {
-  assertSamePixels, canvasPixels, nativeBitmapFile, nativeShot, openControlPage, readBmp,
+  assertSamePixels, call, calls, canvasPixels, closePage, cursorHotSpot, nativeBitmapFile, nativeShot, readBmp,
+  useBrowser,
 } from './control-page.mjs';
 
-const ARTIFACTS = join(ROOT, 'build/web-test-artifacts');
+const web = useBrowser();
+const { controlPage, openDemo } = web;
 
-let server;
-let browser;
-
-before(async () => {
-  // The element and samples, this folder's test page, and the test pictures as data/.
-  server = await serve([WEB_ROOT, join(ROOT, 'tests/web'), join(ROOT, 'tests')]);
-  browser = await launchChromium();
-});
-
-after(async () => {
-  await browser?.close();
-  await server?.close();
-});
-
-// A fresh page with one control of the given size, served from `base`.
-const controlPage = (width, height, base = server.url) => openControlPage(browser, base, width, height);
+// Runs `check(base)` with the server above (threads) and one without isolation.
+async function withBothEngines(check) {
+  const plain = await serve([WEB_ROOT, join(ROOT, 'tests/web')], { isolated: false });
+  try {
+    for (const base of [web.url, plain.url]) await check(base);
+  } finally {
+    await plain.close();
+  }
+}
 
 test('pictures load by URL and show exactly what the script host shows', async () => {
   const page = await controlPage(64, 48);
   // A bitmap file (our own reader), and PNG and JPEG through the browser's decoders,
   // one of them a JPEG cut off before its end marker.
-  for (const [url, file] of [
-    ['samples/tiles.bmp', 'build/web/samples/tiles.bmp'],
-    ['data/imageio/rgba_2x2.png', 'tests/data/imageio/rgba_2x2.png'],
-    ['data/imageio/solid_16x8.jpg', 'tests/data/imageio/solid_16x8.jpg'],
-    ['data/imageio/solid_16x8_cut.jpg', 'tests/data/imageio/solid_16x8_cut.jpg'],
-  ]) {
-    await page.evaluate(async (source) => {
-      const editor = document.getElementById('editor');
-      await editor.SetImage('samples/balloons.png');  // something else first: the load must replace it
-      await editor.SetImage(source);
-    }, url);
-    assertSamePixels(await canvasPixels(page), nativeShot(64, 48, [`SetImage "${file}"`]), url);
+  for (const url of ['samples/tiles.bmp', 'data/imageio/rgba_2x2.png', 'data/imageio/solid_16x8.jpg',
+    'data/imageio/solid_16x8_cut.jpg']) {
+    // Something else first: the load must replace it.
+    const steps = await calls(page, [['SetImage', 'samples/balloons.png'], ['SetImage', url]]);
+    assertSamePixels(await canvasPixels(page), nativeShot(64, 48, steps.slice(1)), url);
   }
-  assert.deepEqual(page.errors, []);
-  await page.close();
+  await closePage(page);
 });
 
 test('the engine with threads and the one without save the bitmap the script host saves', async () => {
   // A picture whose passes split their rows over the threads: a table pass, the colour
   // matrix and a filter whose rows at the seam read rows of the other part.
-  const calls = [['BrightenImage', 130], ['SaturateImage', 150], ['SharpenImage', 1]];
+  const adjustments = [['BrightenImage', 130], ['SaturateImage', 150], ['SharpenImage', 1]];
   const expected = createHash('sha256').update(nativeBitmapFile(640, 480, [
-    'SetImage "build/web/samples/landscape.jpg"', ...calls.map((call) => call.join(' ')),
+    'SetImage "build/web/samples/landscape.jpg"', ...adjustments.map((made) => made.join(' ')),
   ], (file) => `SaveEditedBitmap "${file}"`)).digest('hex');
-  const plain = await serve([WEB_ROOT, join(ROOT, 'tests/web')], { isolated: false });
-  try {
-    const saved = [];
-    for (const base of [server.url, plain.url]) {
-      const page = await controlPage(640, 480, base);
-      saved.push(await page.evaluate(async (adjustments) => {
-        const editor = document.getElementById('editor');
-        await editor.SetImage('samples/landscape.jpg');
-        for (const [name, value] of adjustments) editor[name](value);
-        const file = new Promise((written) => editor.addEventListener('saved', (event) => written(event.detail.blob)));
-        editor.SaveEditedBitmap('landscape.bmp');
-        const digest = await crypto.subtle.digest('SHA-256', await (await file).arrayBuffer());
-        const hex = [...new Uint8Array(digest)].map((byte) => byte.toString(16).padStart(2, '0')).join('');
-        return { threads: crossOriginIsolated, hex };
-      }, calls));
-      assert.deepEqual(page.errors, []);
-      await page.close();
-    }
-    assert.deepEqual(saved, [{ threads: true, hex: expected }, { threads: false, hex: expected }]);
-  } finally {
-    await plain.close();
-  }
+  const saved = [];
+  await withBothEngines(async (base) => {
+    const page = await controlPage(640, 480, { base });
+    saved.push(await page.evaluate(async (list) => {
+      const editor = document.getElementById('editor');
+      await editor.SetImage('samples/landscape.jpg');
+      for (const [name, value] of list) editor[name](value);
+      const file = new Promise((written) => editor.addEventListener('saved', (event) => written(event.detail.blob)));
+      editor.SaveEditedBitmap('landscape.bmp');
+      const digest = await crypto.subtle.digest('SHA-256', await (await file).arrayBuffer());
+      const hex = [...new Uint8Array(digest)].map((byte) => byte.toString(16).padStart(2, '0')).join('');
+      return { threads: crossOriginIsolated, hex };
+    }, adjustments));
+    await closePage(page);
+  });
+  assert.deepEqual(saved, [{ threads: true, hex: expected }, { threads: false, hex: expected }]);
 });
 
 test('the demo page: a brightness slider gives the pixels the script host shows', async () => {
-  const page = await browser.newPage({ viewport: { width: 1280, height: 1000 } });
-  await page.goto(server.url);
-  await page.waitForFunction(() => document.getElementById('status').textContent.startsWith('Opened'));
+  const page = await openDemo();
   await page.fill('#url', 'samples/tiles.bmp');
   await page.click('#open-url button');
-  await page.waitForFunction(() => document.getElementById('status').textContent.startsWith('Opened samples/tiles'));
+  await page.status('Opened samples/tiles');
   // A person drags the slider and lets go: the control is called on release.
   const slider = page.locator('input[data-method=BrightenImage]');
   await slider.focus();
@@ -96,39 +75,36 @@ test('the demo page: a brightness slider gives the pixels the script host shows'
   assert.equal(await slider.inputValue(), '105');
   await page.fill('input[data-method=SharpenImage]', '1');
   await page.press('input[data-method=SharpenImage]', 'Enter');
-  const shown = await canvasPixels(page);
-  assertSamePixels(shown, nativeShot(640, 480, [
+  assertSamePixels(await canvasPixels(page), nativeShot(640, 480, [
     'SetImage "build/web/samples/landscape.jpg"', 'SetImage "build/web/samples/tiles.bmp"',
     ...[101, 102, 103, 104, 105].map((v) => `BrightenImage ${v}`), 'SharpenImage 1',
   ]), 'after the slider');
-  mkdirSync(ARTIFACTS, { recursive: true });
-  await page.screenshot({ path: join(ARTIFACTS, 'demo.png'), fullPage: true });
-  await page.close();
+  mkdirSync(join(ROOT, 'build/web-test-artifacts'), { recursive: true });
+  await page.screenshot({ path: join(ROOT, 'build/web-test-artifacts/demo.png'), fullPage: true });
+  await closePage(page);
 });
 
 test('scroll bars scroll with real clicks on the arrow and the track', async () => {
   const page = await controlPage(200, 150);
-  await page.evaluate(() => document.getElementById('editor').SetImage('samples/city.jpg'));
+  const steps = await calls(page, [['SetImage', 'samples/city.jpg']]);
   const before = await canvasPixels(page);
-  // The horizontal bar lies along the bottom, 17 pixels thick, beside the vertical one.
-  const rightArrow = [200 - 17 - 8, 150 - 8];
-  const track = [120, 150 - 8];
-  const steps = [`SetImage "build/web/samples/city.jpg"`];
-  for (const [x, y] of [rightArrow, rightArrow, track]) {
+  // The horizontal bar lies along the bottom, 17 pixels thick, beside the vertical one:
+  // its right arrow twice, then its track.
+  for (const [x, y] of [[175, 142], [175, 142], [120, 142]]) {
     await page.mouse.click(x, y);
     steps.push(`down ${x} ${y}`, `up ${x} ${y}`);
   }
   const after = await canvasPixels(page);
   assert.notDeepEqual(after.rgb, before.rgb, 'the picture moved');
   assertSamePixels(after, nativeShot(200, 150, steps), 'after scrolling');
-  await page.close();
+  await closePage(page);
 });
 
 test('keys: Ctrl+Z undoes, Ctrl+Y redoes, and the editor keys never reach the page', async () => {
   const page = await controlPage(120, 90);
-  await page.evaluate(() => document.getElementById('editor').SetImage('samples/tiles.bmp'));
+  await call(page, 'SetImage', 'samples/tiles.bmp');
   const original = await canvasPixels(page);
-  await page.evaluate(() => document.getElementById('editor').BrightenImage(160));
+  await call(page, 'BrightenImage', 160);
   const brightened = await canvasPixels(page);
   assert.notDeepEqual(brightened.rgb, original.rgb);
   await page.evaluate(() => {
@@ -143,10 +119,10 @@ test('keys: Ctrl+Z undoes, Ctrl+Y redoes, and the editor keys never reach the pa
   for (const key of ['Tab', 'ArrowDown', 'PageDown', 'Delete', 'a', 'Enter']) await page.keyboard.press(key);
   assert.deepEqual(await page.evaluate(() => window.pageKeys), ['Control', 'z', 'Control', 'y', 'a', 'Enter']);
   assert.equal(await page.evaluate(() => document.activeElement.id), 'editor', 'Tab did not move the focus');
-  await page.close();
+  await closePage(page);
 });
 
-test('saving hands the page a bitmap file of the saved size', async () => {
+test('saving hands the page a bitmap file of the saved size for each save with a name', async () => {
   const page = await controlPage(300, 200);
   const saved = await page.evaluate(async () => {
     const editor = document.getElementById('editor');
@@ -157,18 +133,13 @@ test('saving hands the page a bitmap file of the saved size', async () => {
     editor.SetSaveEditedBitmapSize(100, 50);
     editor.SaveEditedBitmap('out.bmp');  // the same name again is a new file
     editor.SaveEditedBitmap('');         // writes nothing
-    return Promise.all(files.map(async ({ fileName, blob }) => ({
-      fileName, bytes: [...new Uint8Array(await blob.arrayBuffer())],
-    })));
+    return Promise.all(files.map(async ({ fileName, blob }) => [fileName, [...new Uint8Array(await blob.arrayBuffer())]]));
   });
-  assert.deepEqual(saved.map((file) => file.fileName), ['/tmp/out.bmp', '/tmp/out.bmp']);
-  for (const [file, [width, height]] of saved.map((file, i) => [file, [[256, 192], [100, 50]][i]])) {
-    const bmp = readBmp(Buffer.from(file.bytes));
-    assert.deepEqual([bmp.width, bmp.height], [width, height]);
-    assert.equal(bmp.fileSize, bmp.length);
-    assert.equal(bmp.length, 54 + Math.ceil((width * 3) / 4) * 4 * height);
-  }
-  await page.close();
+  assert.deepEqual(saved.map(([fileName, bytes]) => {
+    const bmp = readBmp(Buffer.from(bytes));
+    return [fileName, bmp.width, bmp.height, bmp.fileSize === bmp.length];
+  }), [['/tmp/out.bmp', 256, 192, true], ['/tmp/out.bmp', 100, 50, true]]);
+  await closePage(page);
 });
 
 test('a failed load shows the read message only while verbose', async () => {
@@ -183,9 +154,8 @@ test('a failed load shows the read message only while verbose', async () => {
     return { quiet, verbose: shown() };
   });
   assert.deepEqual(messages, { quiet: [], verbose: ['I failed to read missing.jpg. An error code is 2.'] });
-  await page.close();
+  await closePage(page);
 });
-
 test('every interface method is a method of the element with the control\'s results', async () => {
   const page = await controlPage(100, 80);
   const results = await page.evaluate(async () => {
@@ -218,7 +188,7 @@ test('every interface method is a method of the element with the control\'s resu
     mismatch: 'TypeError: BrightenImage: argument 1 (nBrightness) must be an integer, not a string',
     cookie: true, disconnected: true, again: false,
   });
-  await page.close();
+  await closePage(page);
 });
 
 test('dialogs are page dialogs, and their calls resolve once the person closes them', async () => {
@@ -230,38 +200,30 @@ test('dialogs are page dialogs, and their calls resolve once the person closes t
     ['About Image Edit Control', 'Image Edit Control Version 1.1']);
   await dialog.getByRole('button', { name: 'OK' }).click();
   assert.equal(await about, 'closed');
-  const color = page.evaluate(() => document.getElementById('editor').SetColor('dialog'));
+  const color = call(page, 'SetColor', 'dialog');
   await dialog.locator('input[type=color]').waitFor();
   await dialog.getByRole('button', { name: 'Cancel' }).click();
   assert.equal(await color, '000000');
   assert.equal(await dialog.count(), 0);
-  await page.close();
+  await closePage(page);
 });
 
 test('a stroke drawn with real mouse moves gives the pixels the script host draws', async () => {
   const page = await controlPage(120, 90);
-  await page.evaluate(async () => {
-    const editor = document.getElementById('editor');
-    await editor.SetImage('data/tools/scene_80x60.bmp');
-    editor.SetColor('C03020');
-    editor.SetPen(3);
-  });
+  const steps = await calls(page, [['SetImage', 'data/tools/scene_80x60.bmp'], ['SetColor', 'C03020'], ['SetPen', 3]]);
   // A wavy stroke, one mouse move per point, as a hand draws it.
-  const points = [];
-  for (let i = 0; i <= 40; i++) points.push([24 + i * 2, 40 + Math.round(10 * Math.sin(i / 4))]);
-  const [first, ...rest] = points;
-  await page.mouse.move(...first);
+  await page.mouse.move(24, 40);
   await page.mouse.down();
-  for (const point of rest) await page.mouse.move(...point);
+  steps.push('hover 24 40', 'down 24 40');
+  for (let i = 1; i <= 40; i++) {
+    const [x, y] = [24 + i * 2, 40 + Math.round(10 * Math.sin(i / 4))];
+    await page.mouse.move(x, y);
+    steps.push(`move ${x} ${y}`);
+  }
   await page.mouse.up();
-  const last = points[points.length - 1];
-  assertSamePixels(await canvasPixels(page), nativeShot(120, 90, [
-    'SetImage "tests/data/tools/scene_80x60.bmp"', 'SetColor "C03020"', 'SetPen 3',
-    `hover ${first.join(' ')}`, `down ${first.join(' ')}`, ...rest.map((p) => `move ${p.join(' ')}`),
-    `up ${last.join(' ')}`,
-  ]), 'after the stroke');
-  assert.deepEqual(page.errors, []);
-  await page.close();
+  steps.push(steps.at(-1).replace('move', 'up'));
+  assertSamePixels(await canvasPixels(page), nativeShot(120, 90, steps), 'after the stroke');
+  await closePage(page);
 });
 
 test('a colour pick fires ColorSelected with the colour string and returns to the tool', async () => {
@@ -277,69 +239,51 @@ test('a colour pick fires ColorSelected with the colour string and returns to th
   await page.mouse.click(55, 15);  // the green square
   await page.mouse.click(5, 5);    // the brush again: a dot, no event
   assert.deepEqual(await page.evaluate(() => window.picked), ['00FF00']);
-  await page.close();
+  await closePage(page);
 });
 
 test('each tool shows its cursor, hot spot included', async () => {
   const page = await controlPage(80, 60);
-  const cursorAfter = async (call) => {
-    await page.evaluate(call);
+  await call(page, 'SetImage', 'data/tools/scene_80x60.bmp');
+  const shown = [];
+  for (const tool of [['SetPen', 2], ['SelectColor'], ['CutImage'], ['SetNothing']]) {
+    await call(page, ...tool);
     await page.mouse.move(40, 30);
     await page.mouse.move(41, 30);
-    return page.evaluate(() => document.getElementById('editor').shadowRoot.querySelector('canvas').style.cursor);
-  };
-  await page.evaluate(() => document.getElementById('editor').SetImage('data/tools/scene_80x60.bmp'));
-  const hotSpot = (css) => css.match(/^url\("?data:image\/png;base64,[^)]+\) (\d+) (\d+), auto$/)?.slice(1);
-  assert.deepEqual(hotSpot(await cursorAfter(() => document.getElementById('editor').SetPen(2))), ['11', '22']);
-  assert.deepEqual(hotSpot(await cursorAfter(() => document.getElementById('editor').SelectColor())), ['9', '21']);
-  assert.deepEqual(hotSpot(await cursorAfter(() => document.getElementById('editor').CutImage())), ['0', '0']);
-  assert.equal(await cursorAfter(() => document.getElementById('editor').SetNothing()), 'default');
-  await page.close();
+    shown.push(await cursorHotSpot(page));
+  }
+  assert.deepEqual(shown, [[11, 22], [9, 21], [0, 0], 'default']);
+  await closePage(page);
 });
 
 test('the colour dialog keeps its custom colours for the next SetColor("DIALOG")', async () => {
   const page = await controlPage(80, 60);
   const dialog = page.locator('image-edit-control dialog[open]');
-  const chosen = page.evaluate(() => document.getElementById('editor').SetColor('DIALOG'));
+  const chosen = call(page, 'SetColor', 'DIALOG');
   await dialog.locator('input[type=color]').fill('#00ff00');
   await dialog.getByRole('button', { name: 'Add to Custom Colors' }).click();
   await dialog.getByRole('button', { name: 'OK' }).click();
   assert.equal(await chosen, '00FF00');
-  const again = page.evaluate(() => document.getElementById('editor').SetColor('dialog'));
+  const again = call(page, 'SetColor', 'dialog');
   const box = dialog.getByRole('button', { name: 'Custom color 1', exact: true });
   assert.equal(await box.evaluate((button) => button.style.background), 'rgb(0, 255, 0)');
   await dialog.locator('input[type=color]').fill('#123456');
   await box.click();  // picks the custom colour back
   await dialog.getByRole('button', { name: 'OK' }).click();
   assert.equal(await again, '00FF00');
-  await page.close();
+  await closePage(page);
 });
 
 test('balloon texts in the page\'s fonts show the pixels the script host shows', async () => {
   // Arial is Liberation Sans with its Hangul from the Korean subset the engine carries;
   // 宋体 is the Chinese subset. Both engines and the script host must draw them alike.
-  const calls = [
-    ['SetTextFont', 'Arial,Italic,,12,,Underline,0000FF'],
-    ['InsertBalloonText', 4, 4, '', 0, 0, 0, 0, 'Hello, 한글'],
-    ['SetTextFont', '宋体,,,10,StrikeOut,,008000'],
-    ['InsertBalloonText', 4, 28, '', 0, 0, 0, 0, '宋体 中文 ABC'],
-  ];
-  const expected = nativeShot(160, 64, ['SetImage "build/web/samples/tiles.bmp"',
-    ...calls.map(([name, ...args]) => [name, ...args.map((a) => (typeof a === 'string' ? `"${a}"` : a))].join(' '))]);
-  const plain = await serve([WEB_ROOT, join(ROOT, 'tests/web')], { isolated: false });
-  try {
-    for (const base of [server.url, plain.url]) {
-      const page = await controlPage(160, 64, base);
-      await page.evaluate(async (list) => {
-        const editor = document.getElementById('editor');
-        await editor.SetImage('samples/tiles.bmp');
-        for (const [name, ...args] of list) await editor[name](...args);
-      }, calls);
-      assertSamePixels(await canvasPixels(page), expected, `balloon texts (${base === server.url ? 'threads' : 'one thread'})`);
-      assert.deepEqual(page.errors, []);
-      await page.close();
-    }
-  } finally {
-    await plain.close();
-  }
+  const balloons = [['SetImage', 'samples/tiles.bmp'], ['SetTextFont', 'Arial,Italic,,12,,Underline,0000FF'],
+    ['InsertBalloonText', 4, 4, '', 0, 0, 0, 0, 'Hello, 한글'], ['SetTextFont', '宋体,,,10,StrikeOut,,008000'],
+    ['InsertBalloonText', 4, 28, '', 0, 0, 0, 0, '宋体 中文 ABC']];
+  await withBothEngines(async (base) => {
+    const page = await controlPage(160, 64, { base });
+    const steps = await calls(page, balloons);
+    assertSamePixels(await canvasPixels(page), nativeShot(160, 64, steps), `balloon texts from ${base}`);
+    await closePage(page);
+  });
 });
