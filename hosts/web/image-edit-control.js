@@ -14,6 +14,7 @@
 // interface description.
 
 import { askColor, askFont, DIALOG_STYLE, openDialog } from './image-edit-dialogs.js';
+import { loadEngine } from './image-edit-engine-loader.js';
 import { EVENTS, METHODS } from './image-edit-interface.js';
 import { MENU_STYLE, PopupMenu } from './image-edit-menu.js';
 import { TEXT_BOX_STYLE, TextBoxOverlay } from './image-edit-text-box.js';
@@ -48,40 +49,6 @@ const ABOUT_TEXT = { 1: 'Image Edit Control Version 1.1' };
 const FONT_FACES = ['Arial', '굴림체', '宋体'];
 // What the font dialog's sample shows, by the element's language.
 const FONT_SAMPLES = { ko: '가나다 AaBbYyZz', zh: '中文字体 AaBbYyZz' };
-
-// The engine a page gets. Threads share the engine's memory, which a page may only do
-// when it is cross-origin isolated (its server sends Cross-Origin-Opener-Policy:
-// same-origin and Cross-Origin-Embedder-Policy: require-corp); there the long pixel
-// passes split their rows over two threads. The second thread is a worker started
-// from this module's folder, which only a module of the page's own origin may do.
-// Both engines give the same pixels.
-const ENGINE = globalThis.crossOriginIsolated === true && new URL(import.meta.url).origin === location.origin
-  ? 'image-edit-engine-threads' : 'image-edit-engine';
-
-let engineCode;  // the engine's script and one compilation of its wasm for every element of the page
-// Resolves with a new engine module and its memory.
-async function instantiateEngine() {
-  engineCode ??= Promise.all([
-    import(`./${ENGINE}.js`).then((script) => script.default),
-    fetch(new URL(`./${ENGINE}.wasm`, import.meta.url))
-      .then((response) => response.arrayBuffer())
-      .then((bytes) => WebAssembly.compile(bytes)),
-  ]);
-  const [createEngine, compiled] = await engineCode;
-  let memory;
-  const engine = await createEngine({
-    instantiateWasm(imports, receive) {
-      WebAssembly.instantiate(compiled, imports).then((instance) => {
-        // Exported by the engine without threads, imported (shared) with them.
-        memory = [instance.exports, ...Object.values(imports)].flatMap(Object.values)
-          .find((value) => value instanceof WebAssembly.Memory);
-        receive(instance, compiled);
-      });
-      return {};
-    },
-  });
-  return { engine, memory };
-}
 
 const STYLE = `
   :host { display: inline-block; position: relative; outline: none; line-height: 0; }
@@ -135,7 +102,7 @@ export class ImageEditControl extends HTMLElement {
   }
 
   async #create() {
-    this.#engine = instantiateEngine();  // not null any more: the element is being created
+    this.#engine = loadEngine();  // not null any more: the element is being created
     const { engine, memory } = await this.#engine;
     this.#engine = engine;
     this.#memory = memory;
