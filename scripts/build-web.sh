@@ -32,7 +32,7 @@ build_engine build/wasm-threads ON
 # The text sample for Node (build/wasm/hosts/web/text-sample.cjs), which
 # tests/web/fonts.test.mjs compares with its native build, and the check of the
 # engine's memcpy (block-copy-check.cjs), which tests/web/block-copy.test.mjs runs.
-cmake --build build/wasm --target image_edit_element_interface text_sample block_copy_check
+cmake --build build/wasm --target image_edit_element_interface text_sample block_copy_check pass_check
 
 out=build/web
 rm -rf "$out"

@@ -12,6 +12,10 @@
 #include <immintrin.h>
 #define IE_PIXELS_AVX2 1
 #endif
+// WebAssembly adds two columns at once, in the same order.
+#ifdef __wasm_simd128__
+#include <wasm_simd128.h>
+#endif
 
 namespace {
 
@@ -49,6 +53,7 @@ void ApplyTables(const Tables& tables, const BYTE* in, BYTE* out, int count) {
   }
 }
 
+#ifndef __wasm_simd128__
 BYTE ToByte(double v) { return v < 0 ? 0 : v > 255 ? 255 : static_cast<BYTE>(v); }
 
 template <int Bpp>
@@ -66,6 +71,7 @@ void ApplyMatrix(const Matrix& m, const BYTE* in, BYTE* out, int count) {
     if constexpr (Bpp == 4) out[3] = 0;
   }
 }
+#endif
 
 #ifdef IE_PIXELS_AVX2
 // The same sums four columns at a time; column 3 adds up to 0, the fourth byte.
@@ -104,10 +110,45 @@ bool UseAvx2() {
 }
 #endif
 
+#ifdef __wasm_simd128__
+// The sums two columns at a time. Truncating with saturation and then narrowing with
+// saturation keeps each byte within 0..255 as the comparisons do: a sum in (-1, 0)
+// truncates to 0, one below that to a negative that narrows to 0.
 template <int Bpp>
-void ApplyGray(const BYTE* in, BYTE* out, int count) {
+void ApplyMatrixSimd128(const Matrix& m, const BYTE* in, BYTE* out, int count) {
+  const ProductRow* t0 = m.products.data();
+  const ProductRow* t1 = t0 + 256;
+  const ProductRow* t2 = t0 + 512;
+  const v128_t biasLow = wasm_v128_load(m.bias.column);
+  const v128_t biasHigh = wasm_v128_load(m.bias.column + 2);
   for (int x = 0; x < count; ++x, in += Bpp, out += Bpp) {
-    const BYTE g = static_cast<BYTE>((in[2] * 0.299 + in[0] * 0.114) + in[1] * 0.587);
+    const double* a = t2[in[2]].column;
+    const double* b = t1[in[1]].column;
+    const double* c = t0[in[0]].column;
+    const v128_t low = wasm_f64x2_add(
+        wasm_f64x2_add(wasm_f64x2_add(wasm_v128_load(a), wasm_v128_load(b)), wasm_v128_load(c)), biasLow);
+    const v128_t high = wasm_f64x2_add(
+        wasm_f64x2_add(wasm_f64x2_add(wasm_v128_load(a + 2), wasm_v128_load(b + 2)), wasm_v128_load(c + 2)),
+        biasHigh);
+    const v128_t whole = wasm_i32x4_shuffle(wasm_i32x4_trunc_sat_f64x2_zero(low),
+                                            wasm_i32x4_trunc_sat_f64x2_zero(high), 0, 1, 4, 5);
+    const v128_t shorts = wasm_i16x8_narrow_i32x4(whole, whole);
+    const auto word = static_cast<std::uint32_t>(wasm_i32x4_extract_lane(wasm_u8x16_narrow_i16x8(shorts, shorts), 0));
+    if constexpr (Bpp == 4) {
+      std::memcpy(out, &word, 4);
+    } else {
+      out[0] = static_cast<BYTE>(word);
+      out[1] = static_cast<BYTE>(word >> 8);
+      out[2] = static_cast<BYTE>(word >> 16);
+    }
+  }
+}
+#endif
+
+template <int Bpp>
+void ApplyGray(const Gray& gray, const BYTE* in, BYTE* out, int count) {
+  for (int x = 0; x < count; ++x, in += Bpp, out += Bpp) {
+    const BYTE g = static_cast<BYTE>((gray.red[in[2]] + gray.blue[in[0]]) + gray.green[in[1]]);
     out[0] = out[1] = out[2] = g;
     if constexpr (Bpp == 4) out[3] = 0;
   }
@@ -125,9 +166,13 @@ struct StepOnRow {
 #ifdef IE_PIXELS_AVX2
     if (avx2) return ApplyMatrixAvx2<Bpp>(matrix, in, out, count);
 #endif
+#ifdef __wasm_simd128__
+    ApplyMatrixSimd128<Bpp>(matrix, in, out, count);
+#else
     ApplyMatrix<Bpp>(matrix, in, out, count);
+#endif
   }
-  void operator()(const Gray&) const { ApplyGray<Bpp>(in, out, count); }
+  void operator()(const Gray& gray) const { ApplyGray<Bpp>(gray, in, out, count); }
 };
 
 template <int Bpp, typename Steps>
@@ -184,7 +229,15 @@ void PixelSteps::AddMatrix(const ColorMatrix& matrix) {
   steps_.emplace_back(std::move(step));
 }
 
-void PixelSteps::AddGray() { steps_.emplace_back(Gray{}); }
+void PixelSteps::AddGray() {
+  Gray gray;
+  for (std::size_t v = 0; v < 256; ++v) {
+    gray.red[v] = static_cast<double>(v) * 0.299;
+    gray.green[v] = static_cast<double>(v) * 0.587;
+    gray.blue[v] = static_cast<double>(v) * 0.114;
+  }
+  steps_.emplace_back(gray);
+}
 
 void PixelSteps::Run(PixelRows& rows) const {
   if (rows.empty() || steps_.empty()) return;

@@ -49,7 +49,11 @@ class PixelSteps {
     std::vector<ProductRow> products;
     ProductRow bias;
   };
-  struct Gray {};
+  // The grey's products looked up as the matrix's are: red[v] is the very double
+  // v * 0.299, and so on.
+  struct Gray {
+    std::array<double, 256> red, green, blue;
+  };
 
  private:
   std::vector<std::variant<Tables, Matrix, Gray>> steps_;
