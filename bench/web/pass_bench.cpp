@@ -57,7 +57,8 @@ double MedianMs(const std::function<void()>& run) {
   for (int i = 0; i < kRuns; ++i) {
     const auto start = std::chrono::steady_clock::now();
     run();
-    times.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
+    times.push_back(
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
   }
   std::sort(times.begin(), times.end());
   return times[times.size() / 2];

@@ -9,6 +9,10 @@
 #include "pixels/pixel_buffer.h"
 #include "pixels/row_split.h"
 
+#ifdef __wasm_simd128__
+#include <wasm_simd128.h>
+#endif
+
 namespace {
 
 // The rules in 16-bit integer arithmetic, which the compiler turns into vector code;
@@ -44,6 +48,39 @@ constexpr bool RulesAreExact() {
 }
 static_assert(RulesAreExact());
 
+// The bytes of a row the loops below leave to the plain loops after them. The native
+// compilers turn those plain loops into vector code by themselves; the WebAssembly
+// compiler does it poorly (it widens bytes with shuffles), so there the rules are
+// also written out sixteen bytes at a time, with the same integer operations.
+#ifdef __wasm_simd128__
+constexpr int kVectorBytes = 16;
+
+v128_t At(const void* at) { return wasm_v128_load(at); }
+v128_t Low(v128_t bytes) { return wasm_u16x8_extend_low_u8x16(bytes); }
+v128_t High(v128_t bytes) { return wasm_u16x8_extend_high_u8x16(bytes); }
+v128_t Words(std::uint16_t value) { return wasm_i16x8_splat(static_cast<std::int16_t>(value)); }
+// MultiplyHigh of each of eight 16-bit lanes.
+v128_t MultiplyHigh(v128_t a, v128_t b) {
+  return wasm_u16x8_narrow_i32x4(wasm_u32x4_shr(wasm_u32x4_extmul_low_u16x8(a, b), 16),
+                                 wasm_u32x4_shr(wasm_u32x4_extmul_high_u16x8(a, b), 16));
+}
+// Sixteen lanes of at most 255 back to bytes.
+v128_t Bytes(v128_t low, v128_t high) { return wasm_u8x16_narrow_i16x8(low, high); }
+// Cells of the sums along the row, weights 1 `middle` 1, from bytes Bpp apart.
+template <int Bpp>
+int StoreRowSums(const BYTE* padded, std::uint16_t* cells, int count, int middleShift) {
+  int i = 0;
+  for (; i + kVectorBytes <= count; i += kVectorBytes) {
+    const v128_t a = At(padded + i), b = At(padded + i + Bpp), c = At(padded + i + 2 * Bpp);
+    wasm_v128_store(cells + i,
+                    wasm_i16x8_add(wasm_i16x8_add(Low(a), wasm_i16x8_shl(Low(b), middleShift)), Low(c)));
+    wasm_v128_store(cells + i + 8,
+                    wasm_i16x8_add(wasm_i16x8_add(High(a), wasm_i16x8_shl(High(b), middleShift)), High(c)));
+  }
+  return i;
+}
+#endif
+
 // Each filter keeps of every row a working row of cells (`Load`, from the row's bytes
 // with its first and last pixel repeated on either side), and computes a row of
 // output bytes from the working rows above, level with and below it (`Combine`). The
@@ -57,13 +94,42 @@ struct Whiten {
   using Cell = std::uint16_t;
   // The bytes lifted towards white, then weighted 1 2 1 along the row.
   static void Load(BYTE* padded, Cell* cells, int count) {
-    for (int i = 0; i < count + 2 * Bpp; ++i) padded[i] = static_cast<BYTE>(LiftTowardsWhite(padded[i]));
-    for (int i = 0; i < count; ++i)
+    int lifted = 0;
+    int summed = 0;
+#ifdef __wasm_simd128__
+    for (; lifted + kVectorBytes <= count + 2 * Bpp; lifted += kVectorBytes) {
+      const v128_t bytes = At(padded + lifted);
+      const auto lift = [](v128_t v) {
+        const v128_t below = wasm_i16x8_sub(Words(255), v);
+        const v128_t q = wasm_i16x8_mul(below, below);
+        const v128_t rounded =
+            wasm_u16x8_shr(wasm_i16x8_add(wasm_i16x8_add(q, Words(1)), wasm_u16x8_shr(q, 8)), 8);
+        return wasm_i16x8_sub(Words(255), rounded);
+      };
+      wasm_v128_store(padded + lifted, Bytes(lift(Low(bytes)), lift(High(bytes))));
+    }
+#endif
+    for (int i = lifted; i < count + 2 * Bpp; ++i) padded[i] = static_cast<BYTE>(LiftTowardsWhite(padded[i]));
+#ifdef __wasm_simd128__
+    summed = StoreRowSums<Bpp>(padded, cells, count, 1);
+#endif
+    for (int i = summed; i < count; ++i)
       cells[i] = static_cast<Cell>(padded[i] + 2 * padded[i + Bpp] + padded[i + 2 * Bpp]);
   }
   // Weighted 1 2 1 across the rows, divided by 16, then finished.
   static void Combine(const Cell* up, const Cell* mid, const Cell* down, BYTE* out, int count) {
-    for (int i = 0; i < count; ++i) {
+    int i = 0;
+#ifdef __wasm_simd128__
+    const auto finish = [](v128_t u, v128_t m, v128_t d) {
+      const v128_t v = wasm_u16x8_shr(wasm_i16x8_add(wasm_i16x8_add(u, wasm_i16x8_shl(m, 1)), d), 4);
+      return MultiplyHigh(wasm_i16x8_add(wasm_i16x8_mul(v, Words(9)), Words(255)), Words(6554));
+    };
+    for (; i + kVectorBytes <= count; i += kVectorBytes) {
+      wasm_v128_store(out + i, Bytes(finish(At(up + i), At(mid + i), At(down + i)),
+                                     finish(At(up + i + 8), At(mid + i + 8), At(down + i + 8))));
+    }
+#endif
+    for (; i < count; ++i) {
       const auto sum = static_cast<std::uint16_t>(up[i] + 2 * mid[i] + down[i]);
       out[i] = static_cast<BYTE>(WhitenFinish(static_cast<std::uint16_t>(sum >> 4)));
     }
@@ -74,11 +140,24 @@ template <int Bpp>
 struct Smooth {
   using Cell = std::uint16_t;
   static void Load(BYTE* padded, Cell* cells, int count) {
-    for (int i = 0; i < count; ++i)
-      cells[i] = static_cast<Cell>(padded[i] + padded[i + Bpp] + padded[i + 2 * Bpp]);
+    int i = 0;
+#ifdef __wasm_simd128__
+    i = StoreRowSums<Bpp>(padded, cells, count, 0);
+#endif
+    for (; i < count; ++i) cells[i] = static_cast<Cell>(padded[i] + padded[i + Bpp] + padded[i + 2 * Bpp]);
   }
   static void Combine(const Cell* up, const Cell* mid, const Cell* down, BYTE* out, int count) {
-    for (int i = 0; i < count; ++i)
+    int i = 0;
+#ifdef __wasm_simd128__
+    const auto divide = [](v128_t u, v128_t m, v128_t d) {
+      return MultiplyHigh(wasm_i16x8_add(wasm_i16x8_add(u, m), d), Words(7282));
+    };
+    for (; i + kVectorBytes <= count; i += kVectorBytes) {
+      wasm_v128_store(out + i, Bytes(divide(At(up + i), At(mid + i), At(down + i)),
+                                     divide(At(up + i + 8), At(mid + i + 8), At(down + i + 8))));
+    }
+#endif
+    for (; i < count; ++i)
       out[i] = static_cast<BYTE>(DivideBy9(static_cast<std::uint16_t>(up[i] + mid[i] + down[i])));
   }
 };
@@ -91,7 +170,24 @@ struct Sharpen {
   }
   // A negative numerator clamps to 0 whether it is divided truncating or shifted.
   static void Combine(const Cell* up, const Cell* mid, const Cell* down, BYTE* out, int count) {
-    for (int i = 0; i < count; ++i) {
+    int i = 0;
+#ifdef __wasm_simd128__
+    // Bytes narrow with saturation, which clamps as the plain loop does.
+    for (; i + kVectorBytes <= count; i += kVectorBytes) {
+      const v128_t u = At(up + i), m = At(mid + i), d = At(down + i), l = At(mid + i - Bpp),
+                   r = At(mid + i + Bpp);
+      const auto half = [](v128_t (*widen)(v128_t), v128_t u8, v128_t m8, v128_t d8, v128_t l8, v128_t r8) {
+        const v128_t sum = wasm_i16x8_sub(
+            wasm_i16x8_sub(
+                wasm_i16x8_sub(wasm_i16x8_sub(wasm_i16x8_mul(widen(m8), Words(36)), widen(u8)), widen(d8)),
+                widen(l8)),
+            widen(r8));
+        return wasm_i16x8_shr(sum, 5);
+      };
+      wasm_v128_store(out + i, Bytes(half(Low, u, m, d, l, r), half(High, u, m, d, l, r)));
+    }
+#endif
+    for (; i < count; ++i) {
       const auto v =
           static_cast<std::int16_t>((36 * mid[i] - up[i] - down[i] - mid[i - Bpp] - mid[i + Bpp]) >> 5);
       out[i] = static_cast<BYTE>(v < 0 ? 0 : v > 255 ? 255 : v);

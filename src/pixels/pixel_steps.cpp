@@ -133,7 +133,8 @@ void ApplyMatrixSimd128(const Matrix& m, const BYTE* in, BYTE* out, int count) {
     const v128_t whole = wasm_i32x4_shuffle(wasm_i32x4_trunc_sat_f64x2_zero(low),
                                             wasm_i32x4_trunc_sat_f64x2_zero(high), 0, 1, 4, 5);
     const v128_t shorts = wasm_i16x8_narrow_i32x4(whole, whole);
-    const auto word = static_cast<std::uint32_t>(wasm_i32x4_extract_lane(wasm_u8x16_narrow_i16x8(shorts, shorts), 0));
+    const auto word =
+        static_cast<std::uint32_t>(wasm_i32x4_extract_lane(wasm_u8x16_narrow_i16x8(shorts, shorts), 0));
     if constexpr (Bpp == 4) {
       std::memcpy(out, &word, 4);
     } else {

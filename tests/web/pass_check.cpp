@@ -118,7 +118,8 @@ int main() {
   std::mt19937 random(17);
   // Widths around the vector code's 16-byte steps, and a picture large enough to be
   // split over threads where there are threads.
-  const int sizes[][2] = {{1, 1}, {2, 3}, {5, 4}, {6, 7}, {15, 3}, {16, 5}, {17, 9}, {33, 8}, {101, 13}, {600, 520}};
+  const int sizes[][2] = {{1, 1},  {2, 3},  {5, 4},  {6, 7},    {15, 3},
+                          {16, 5}, {17, 9}, {33, 8}, {101, 13}, {600, 520}};
   for (const auto& [width, height] : sizes) {
     const bool small = width * height <= 10000;
     for (int round = 0; round < (small ? 12 : 3); ++round) {
