@@ -276,10 +276,11 @@ export class ImageEditControl extends HTMLElement {
     if (isBitmapFile(bytes)) return;
     // The browser decodes the bytes as the loader will read them, repaired.
     const repaired = this.#heap().slice(bytesAt, bytesAt + control.repairBytes(source));
-    const pixels = await decodePicture(repaired);
-    if (pixels === null) return;
-    const pixelsAt = control.preparePixels(source, pixels.width, pixels.height);
-    if (pixelsAt !== 0) this.#heap().set(pixels.data, pixelsAt);
+    const picture = await decodePicture(repaired);
+    if (picture === null) return;
+    const pixelsAt = control.preparePixels(source, picture.width, picture.height);
+    if (pixelsAt !== 0) await picture.copyTo(() => this.#heap(), pixelsAt);
+    picture.close();
   }
 
   // The engine's memory as bytes, viewed afresh each time: the memory grows with the
@@ -291,9 +292,13 @@ export class ImageEditControl extends HTMLElement {
 
   #pageSide() {
     return {
-      presentFrame: (address, width, height) => {
+      // Only the rows [top, bottom) changed since the frame before, and only they are
+      // put on the canvas. A frame of a new size comes whole; the canvas must not be
+      // cleared (its size set) without a frame of the new size following.
+      presentFrame: (address, width, height, top, bottom) => {
         const frame = new Uint8ClampedArray(this.#memory.buffer, address, width * height * 4);
-        this.#context.putImageData(this.#frameImage(frame, width, height), 0, 0);
+        this.#context.putImageData(this.#frameImage(frame, width, height, top, bottom), 0, 0, 0, top, width,
+          bottom - top);
       },
       showCursor: (id) => {
         this.#cursor = this.#cursorCss(id);
@@ -320,16 +325,19 @@ export class ImageEditControl extends HTMLElement {
     };
   }
 
-  // The frame as ImageData. ImageData takes no view of shared memory, so the engine
-  // with threads has its frames copied, into one ImageData kept for them: a drag
-  // presents a frame for every move, and a new one each time would leave the
-  // collector megabytes to sweep.
-  #frameImage(frame, width, height) {
+  // The frame as ImageData, up to date in rows [top, bottom). ImageData takes no view
+  // of shared memory, so the engine with threads has its frames copied, into one
+  // ImageData kept for them (a drag presents a frame for every move, and a new one
+  // each time would leave the collector megabytes to sweep); only the rows that
+  // changed are copied, the others hold the frame before already.
+  #frameImage(frame, width, height, top, bottom) {
     if (frame.buffer instanceof ArrayBuffer) return new ImageData(frame, width, height);
     if (this.#frameCopy?.width !== width || this.#frameCopy.height !== height) {
       this.#frameCopy = new ImageData(width, height);
+      [top, bottom] = [0, height];
     }
-    this.#frameCopy.data.set(frame);
+    const row = width * 4;
+    this.#frameCopy.data.set(frame.subarray(top * row, bottom * row), top * row);
     return this.#frameCopy;
   }
 
@@ -503,7 +511,9 @@ function colorString(ref) {
 const isBitmapFile = (bytes) => bytes.length >= 2 && bytes[0] === 0x42 && bytes[1] === 0x4D;
 
 // The browser's own decoders: the picture's pixels as stored (no colour management,
-// no EXIF rotation, alpha not premultiplied), or null when it cannot be decoded.
+// no EXIF rotation, alpha not premultiplied), or null when it cannot be decoded. It
+// comes as its size and copyTo(heap, at), which writes its RGBA bytes at `at` of the
+// engine's memory (`heap()` views it afresh), and close().
 async function decodePicture(bytes) {
   let bitmap;
   try {
@@ -513,11 +523,41 @@ async function decodePicture(bytes) {
   } catch {
     return null;
   }
-  const canvas = new OffscreenCanvas(bitmap.width, bitmap.height);
-  const context = canvas.getContext('2d');
-  context.drawImage(bitmap, 0, 0);
-  bitmap.close();
-  return context.getImageData(0, 0, canvas.width, canvas.height);
+  const { width, height } = bitmap;
+  return {
+    width, height,
+    copyTo: async (heap, at) => {
+      if (isJpegFile(bytes) && await copyFramePixels(bitmap, heap, at)) return;
+      const canvas = new OffscreenCanvas(width, height);
+      const context = canvas.getContext('2d');
+      context.drawImage(bitmap, 0, 0);
+      heap().set(context.getImageData(0, 0, width, height).data, at);
+    },
+    close: () => bitmap.close(),
+  };
+}
+
+const isJpegFile = (bytes) => bytes.length >= 3 && bytes[0] === 0xFF && bytes[1] === 0xD8 && bytes[2] === 0xFF;
+
+// An opaque picture's pixels straight into the engine's memory, converted to RGBA as
+// they are copied: a canvas would have them drawn, read back into an ImageData and
+// copied again, three passes over the picture's bytes instead of one. A picture with
+// alpha might be premultiplied on the way, so only JPEGs come this way. False when
+// the browser cannot, or the memory grew under the copy (a view of memory that grew
+// is left empty), and the canvas must do it.
+async function copyFramePixels(bitmap, heap, at) {
+  if (typeof VideoFrame === 'undefined') return false;
+  let frame;
+  try {
+    frame = new VideoFrame(bitmap, { timestamp: 0 });
+    const target = heap();
+    await frame.copyTo(target.subarray(at, at + bitmap.width * bitmap.height * 4), { format: 'RGBA' });
+    return target.byteLength !== 0;
+  } catch {
+    return false;
+  } finally {
+    frame?.close();
+  }
 }
 
 customElements.define('image-edit-control', ImageEditControl);

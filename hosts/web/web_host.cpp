@@ -59,14 +59,33 @@ void WebHost::PresentPendingFrame() {
   const std::uint32_t* pixels = platform::BitmapPixels(platform::HostFrame(hostWindow), &width, &height);
   if (pixels == nullptr) return;
   // 0x00RRGGBB words become the canvas's R, G, B, A bytes (an opaque pixel, read as a
-  // little-endian word, is 0xFFBBGGRR).
+  // little-endian word, is 0xFFBBGGRR). The last frame presented is kept, so that only
+  // the rows that differ from it go to the canvas: a drag changes a band of the frame,
+  // and putting the whole of it on the canvas costs more than painting it.
   const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  const bool fresh = width != rgbaWidth_ || rgba_.size() != count;
   rgba_.resize(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::uint32_t p = pixels[i];
-    rgba_[i] = 0xFF000000u | ((p & 0xFFu) << 16) | (p & 0xFF00u) | ((p >> 16) & 0xFFu);
+  rgbaWidth_ = width;
+  int top = height;
+  int bottom = 0;
+  for (int y = 0; y < height; ++y) {
+    const std::size_t first = static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
+    const std::uint32_t* from = pixels + first;
+    std::uint32_t* to = rgba_.data() + first;
+    std::uint32_t changed = fresh ? 1 : 0;
+    for (int x = 0; x < width; ++x) {
+      const std::uint32_t p = from[x];
+      const std::uint32_t q = 0xFF000000u | ((p & 0xFFu) << 16) | (p & 0xFF00u) | ((p >> 16) & 0xFFu);
+      changed |= q ^ to[x];
+      to[x] = q;
+    }
+    if (changed != 0) {
+      top = std::min(top, y);
+      bottom = y + 1;
+    }
   }
-  page_.call<void>("presentFrame", reinterpret_cast<std::uintptr_t>(rgba_.data()), width, height);
+  if (top >= bottom) return;
+  page_.call<void>("presentFrame", reinterpret_cast<std::uintptr_t>(rgba_.data()), width, height, top, bottom);
 }
 
 void WebHost::ShowCursor(int resourceId) { page_.call<void>("showCursor", resourceId); }

@@ -53,7 +53,9 @@ class WebHost : public platform::Host {
   UINT TakeMenuChoice(UINT id);
 
   // Copies the host window's frame, if it changed since the last time, for the page to
-  // draw: RGBA bytes, top-down rows of the frame's width.
+  // draw: RGBA bytes, top-down rows of the frame's width, with the rows [top, bottom)
+  // that differ from the frame presented before (all of them after a change of size);
+  // a frame the same as that one is not presented.
   void PresentPendingFrame();
 
   void PresentFrame(HWND hostWindow) override { pendingFrame_ = hostWindow; }
@@ -67,7 +69,8 @@ class WebHost : public platform::Host {
  private:
   emscripten::val page_;
   HWND pendingFrame_ = nullptr;
-  std::vector<std::uint32_t> rgba_;
+  std::vector<std::uint32_t> rgba_;  // the frame presented last
+  int rgbaWidth_ = 0;
   std::deque<ColorAnswer> colorAnswers_;
   std::deque<FontAnswer> fontAnswers_;
   std::vector<UINT> menuChoices_;  // the enabled commands of the menu on the page
