@@ -85,7 +85,8 @@ void WebHost::PresentPendingFrame() {
     }
   }
   if (top >= bottom) return;
-  page_.call<void>("presentFrame", reinterpret_cast<std::uintptr_t>(rgba_.data()), width, height, top, bottom);
+  page_.call<void>("presentFrame", reinterpret_cast<std::uintptr_t>(rgba_.data()), width, height, top,
+                   bottom);
 }
 
 void WebHost::ShowCursor(int resourceId) { page_.call<void>("showCursor", resourceId); }
