@@ -255,10 +255,10 @@ export class ImageEditControl extends HTMLElement {
   // A Promise-returning call: after the calls before it, once the control exists; it
   // runs `run` (by default the call itself) and resolves with its result when any
   // page dialog the call opened has closed too.
+  // The element is busy from the call until its Promise settles.
   #callLater(name, args, run = () => this.#invoke(name, args)) {
     const call = async () => {
       await this.ready;
-      this.#setBusy(+1);
       try {
         this.#openDialogs = [];
         const result = await run();
@@ -266,10 +266,10 @@ export class ImageEditControl extends HTMLElement {
         return result;
       } finally {
         this.#control?.forgetPictures();
-        this.#setBusy(-1);
       }
     };
-    const result = this.#queue.then(call);
+    this.#setBusy(+1);
+    const result = this.#queue.then(call).finally(() => this.#setBusy(-1));
     this.#queue = result.catch(() => {});
     return result;
   }

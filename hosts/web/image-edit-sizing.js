@@ -81,12 +81,13 @@ export class ControlSizing {
 
   #observed(entry) {
     const ratio = window.devicePixelRatio || 1;
+    // The box in device pixels, from its CSS size: the device box the observer also
+    // reports (it is watched so that a change of zoom is heard) is the real screen's
+    // even where the ratio is emulated.
     const css = entry.contentBoxSize[0];
-    const device = entry.devicePixelContentBoxSize?.[0]
-      ?? { inlineSize: Math.round(css.inlineSize * ratio), blockSize: Math.round(css.blockSize * ratio) };
     const scale = Math.max(1, Math.floor(ratio + 1e-6));
-    let width = Math.min(MAX_SIDE, Math.floor(device.inlineSize / scale));
-    let height = Math.min(MAX_SIDE, Math.floor(device.blockSize / scale));
+    let width = Math.min(MAX_SIDE, Math.floor(Math.round(css.inlineSize * ratio) / scale));
+    let height = Math.min(MAX_SIDE, Math.floor(Math.round(css.blockSize * ratio) / scale));
     const first = this.#resolveFirst;
     if (width === 0 || height === 0) {
       if (first === null) return;  // hidden: the control keeps its size
