@@ -229,3 +229,30 @@ test('the element is an application with a name, shows its focus and tells assis
   assert.equal(await page.evaluate(() => getComputedStyle(document.getElementById('editor')).outlineStyle), 'solid');
   await closePage(page);
 });
+
+test('the demo on a phone: no sideways scrolling, the picture fitted, zoom in and back to fit', async () => {
+  const page = await shared.browser.newPage({ viewport: { width: 390, height: 844 }, deviceScaleFactor: 3 });
+  page.errors = [];
+  page.on('pageerror', (error) => page.errors.push(error.message));
+  await page.goto(shared.url);
+  await page.waitForFunction(() => document.getElementById('status').textContent.startsWith('Opened'));
+  const layout = await page.evaluate(() => {
+    const editor = document.getElementById('editor').getBoundingClientRect();
+    return { scrollWidth: document.documentElement.scrollWidth, right: editor.right };
+  });
+  assert.ok(layout.scrollWidth <= 390 && layout.right <= 390, JSON.stringify(layout));
+  const level = () => page.locator('#zoom-level').textContent();
+  // The 1280 x 853 landscape in the editor's width, about 350 pixels.
+  const fitted = await level();
+  assert.match(fitted, /^2\d %$/);
+  const atFit = await canvasPixels(page);
+  await page.click('#zoom-in');
+  assert.equal(await level(), '33 %');
+  assert.notDeepEqual((await canvasPixels(page)).rgb, atFit.rgb);
+  await page.click('#zoom-fit');
+  assert.equal(await level(), fitted);
+  assert.deepEqual((await canvasPixels(page)).rgb, atFit.rgb, 'fit again shows what the first fit showed');
+  await page.evaluate(() => scrollTo(0, 0));
+  await page.screenshot({ path: join(ROOT, 'build/web-test-artifacts/demo-phone.png') });
+  await closePage(page);
+});
