@@ -406,9 +406,12 @@ export class ImageEditControl extends HTMLElement {
     const repaired = this.#heap().slice(bytesAt, bytesAt + control.repairBytes(source));
     const picture = await decodePicture(repaired);
     if (picture === null) return;
-    const pixelsAt = control.preparePixels(source, picture.width, picture.height);
-    if (pixelsAt !== 0) await picture.copyTo(() => this.#heap(), pixelsAt);
-    picture.close();
+    try {
+      const pixelsAt = control.preparePixels(source, picture.width, picture.height);
+      if (pixelsAt !== 0) await picture.copyTo(() => this.#heap(), pixelsAt);
+    } finally {
+      picture.close();
+    }
   }
 
   // The engine's memory as bytes, viewed afresh each time: the memory grows with the
