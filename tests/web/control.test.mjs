@@ -40,8 +40,10 @@ test('pictures load by URL and show exactly what the script host shows', async (
 
 test('the engine with threads and the one without save the bitmap the script host saves', async () => {
   // A picture whose passes split their rows over the threads: a table pass, the colour
-  // matrix and a filter whose rows at the seam read rows of the other part.
-  const adjustments = [['BrightenImage', 130], ['SaturateImage', 150], ['SharpenImage', 1]];
+  // matrix and the filters (each with vector code of its own in the engine), whose
+  // rows at the seam read rows of the other part.
+  const adjustments = [['BrightenImage', 130], ['SaturateImage', 150], ['HueImage', 60], ['SharpenImage', 1],
+    ['SmoothImage', 1], ['WhitenImage', 1]];
   const expected = createHash('sha256').update(nativeBitmapFile(640, 480, [
     'SetImage "build/web/samples/landscape.jpg"', ...adjustments.map((made) => made.join(' ')),
   ], (file) => `SaveEditedBitmap "${file}"`)).digest('hex');
