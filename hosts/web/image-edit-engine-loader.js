@@ -8,20 +8,37 @@
 // passes split their rows over two threads. The second thread is a worker started
 // from this module's folder, which only a module of the page's own origin may do.
 // Both engines give the same pixels.
-const ENGINE = globalThis.crossOriginIsolated === true && new URL(import.meta.url).origin === location.origin
-  ? 'image-edit-engine-threads' : 'image-edit-engine';
+const THREADS = globalThis.crossOriginIsolated === true && new URL(import.meta.url).origin === location.origin;
+
+// Each engine's script and wasm named by literal specifiers and literal
+// new URL(..., import.meta.url), the forms bundlers follow: an app built from the
+// package gets both engines copied beside its own code, and fetches only its own.
+const ENGINES = {
+  threads: () => [
+    import('./image-edit-engine-threads.js'), new URL('./image-edit-engine-threads.wasm', import.meta.url),
+  ],
+  single: () => [import('./image-edit-engine.js'), new URL('./image-edit-engine.wasm', import.meta.url)],
+};
 
 let engineCode;  // the engine's script and one compilation of its wasm for every element of the page
 // Resolves with a new engine module, its memory and `release`, which stops what the
 // engine runs beside the page (the worker of the engine with threads, which holds
 // the shared memory for as long as it lives). After it the engine must not be used.
 export async function loadEngine() {
-  engineCode ??= Promise.all([
-    import(`./${ENGINE}.js`).then((script) => script.default),
-    fetch(new URL(`./${ENGINE}.wasm`, import.meta.url))
-      .then((response) => response.arrayBuffer())
-      .then((bytes) => WebAssembly.compile(bytes)),
-  ]);
+  engineCode ??= (() => {
+    const [script, wasm] = ENGINES[THREADS ? 'threads' : 'single']();
+    return Promise.all([
+      script.then((module) => module.default),
+      fetch(wasm)
+        .then((response) => {
+          if (!response.ok) throw new Error(`the engine ${wasm} could not be fetched (${response.status})`);
+          return response.arrayBuffer();
+        })
+        .then((bytes) => WebAssembly.compile(bytes)),
+    ]);
+  })();
+  // A page whose engine could not be fetched may try again with its next element.
+  engineCode.catch(() => { engineCode = undefined; });
   const [createEngine, compiled] = await engineCode;
   let memory;
   const engine = await createEngine({
