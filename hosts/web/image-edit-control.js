@@ -1,12 +1,14 @@
 // <image-edit-control>: the ImageEdit control as a custom element.
 //
-// Importing this module defines the element. Each element runs its own copy of the
-// engine (compiled once per page) with one control of the size its `width` and
-// `height` attributes give (640 x 480 by default), in the language of its `lang`
-// attribute (or the browser's). The page drives it through the control's 56 methods,
-// which are methods of the element with the same names, arguments and results, and
-// hears its events as DOM events and through connected sinks. A person uses it with
-// the mouse and the keyboard.
+// Importing this module defines the element (importing it again, from any URL, does
+// nothing more). Each element runs its own copy of the engine (compiled once per
+// page) with one control, made at the size of the element's box (which its `width` and
+// `height` attributes give, 640 x 480 by default, unless the page's style sizes it), in
+// the language of its `lang` attribute (or the browser's). Removing the element
+// destroys its control and everything the control held; putting it back makes a fresh
+// one. The page drives it through the control's 56 methods, which are methods of the
+// element with the same names, arguments and results, and hears its events as DOM
+// events and through connected sinks. A person uses it with the mouse and the keyboard.
 //
 // Methods that load pictures or open a dialog return Promises; see README.md. The
 // methods and what the element must know of them (image-edit-interface.js) and the
@@ -16,7 +18,9 @@
 import { askColor, askFont, DIALOG_STYLE, openDialog } from './image-edit-dialogs.js';
 import { loadEngine } from './image-edit-engine-loader.js';
 import { EVENTS, METHODS } from './image-edit-interface.js';
+import { keyKeptFromPage, KeyboardExit } from './image-edit-keys.js';
 import { MENU_STYLE, PopupMenu } from './image-edit-menu.js';
+import { ControlSizing, SIZING_STYLE } from './image-edit-sizing.js';
 import { TEXT_BOX_STYLE, TextBoxOverlay } from './image-edit-text-box.js';
 
 // The dialog a call opens now: 'color', 'font' or 'about', or null for none. A method
@@ -49,27 +53,57 @@ const ABOUT_TEXT = { 1: 'Image Edit Control Version 1.1' };
 const FONT_FACES = ['Arial', '굴림체', '宋体'];
 // What the font dialog's sample shows, by the element's language.
 const FONT_SAMPLES = { ko: '가나다 AaBbYyZz', zh: '中文字体 AaBbYyZz' };
+// What assistive technology hears, by the element's language: its name when the page
+// gives none, and what became of a picture or a save.
+const SPOKEN = {
+  en: { name: 'Image editor', loaded: 'Picture loaded', saved: 'Picture saved' },
+  ko: { name: '이미지 편집기', loaded: '그림을 불러왔습니다', saved: '그림을 저장했습니다' },
+  zh: { name: '图像编辑器', loaded: '图片已加载', saved: '图片已保存' },
+};
+// Where the picture toBlob encodes is written for a moment: a bare name, so the
+// temp folder.
+const EXPORT_FILE = 'image-edit-export.bmp';
+
+// A picture a call named could not be fetched or decoded: the control's text for it
+// and its error code. The call itself ran (with the control's behaviour for a failed
+// load); `result` is what it returned.
+export class ImageEditLoadError extends Error {
+  constructor(method, source, code, message, result) {
+    super(message);
+    this.name = 'ImageEditLoadError';
+    Object.assign(this, { method, source, code, result });
+  }
+}
 
 const STYLE = `
-  :host { display: inline-block; position: relative; outline: none; line-height: 0; }
-  :host(:focus-visible) { box-shadow: 0 0 0 2px #4c8dff; }
+  :host { display: inline-block; position: relative; outline: none; line-height: 0; vertical-align: top; }
+  :host(:focus-visible) { outline: 2px solid #1a73e8; outline-offset: 2px; }
   canvas { display: block; image-rendering: pixelated; touch-action: none; }
-${DIALOG_STYLE}${MENU_STYLE}${TEXT_BOX_STYLE}`;
+  .status { position: absolute; width: 1px; height: 1px; overflow: hidden; clip-path: inset(50%); }
+${SIZING_STYLE}${DIALOG_STYLE}${MENU_STYLE}${TEXT_BOX_STYLE}`;
 
 const MB_ICONMASK = 0x00F0, MB_ICONHAND = 0x0010;
 
 export class ImageEditControl extends HTMLElement {
-  #engine = null;    // the engine module
+  static observedAttributes = ['width', 'height', 'lang'];
+
+  #engine = null;    // the engine module, or the Promise of it while the control is made
   #memory = null;    // its WebAssembly memory
+  #release = null;   // stops what the engine runs beside the page
   #control = null;   // its WebControl
+  #internals;
   #canvas;
   #context;
+  #status;           // what assistive technology announces
+  #sizing;
+  #keyboardExit = new KeyboardExit();
   #resolveReady;
   #cursor = 'default';
   #busy = 0;
   #cursorCache = new Map();
   #queue = Promise.resolve();  // Promise-returning calls run one after another
   #openDialogs = [];           // page dialogs a call opened, for its Promise to wait on
+  #pictureReads = [];          // what became of the pictures the call running now loaded
   #lastPress = null;
   #ticker = 0;
   #menu;                       // the shortcut menu, while the engine's popup menu is on the page
@@ -79,54 +113,104 @@ export class ImageEditControl extends HTMLElement {
 
   constructor() {
     super();
-    this.ready = new Promise((resolve) => { this.#resolveReady = resolve; });
+    this.#newReady();
+    this.#internals = this.attachInternals();
+    this.#internals.role = 'application';
     const root = this.attachShadow({ mode: 'open' });
     const style = document.createElement('style');
     style.textContent = STYLE;
+    const boxStyle = document.createElement('style');
     this.#canvas = document.createElement('canvas');
+    this.#status = document.createElement('div');
+    this.#status.className = 'status';
+    this.#status.setAttribute('role', 'status');
     const surface = document.createElement('div');
     surface.className = 'surface';
     surface.append(this.#canvas);
-    root.append(style, surface);
+    root.append(style, boxStyle, surface, this.#status);
+    this.#sizing = new ControlSizing(this, this.#canvas, boxStyle, (width, height) => {
+      this.#control?.resize(width, height);
+      this.#keepTime();
+    });
     this.#menu = new PopupMenu(root, (command) => this.#menuClosed(command));
     this.#textBox = new TextBoxOverlay(surface, this.#canvas, {
       setText: (text) => this.#control.setTextBoxText(text),
       key: (message, event) => this.#sendKey(message, event, 0),
       readFont: (path) => this.#engine.FS.readFile(path),
     });
+    this.#listen();
   }
+
+  // True from a Promise-returning call (a picture being fetched and decoded, a dialog
+  // waiting for the person) until it settles; `aria-busy` says the same.
+  get busy() { return this.#busy > 0; }
 
   connectedCallback() {
     if (!this.hasAttribute('tabindex')) this.tabIndex = 0;
+    this.#internals.ariaLabel = (SPOKEN[this.#language()] ?? SPOKEN.en).name;
     if (this.#engine === null) this.#create();
   }
 
+  // Only a removal that lasts destroys the control: an element moved within the page
+  // is taken out and put back in one go, and keeps its control.
+  disconnectedCallback() {
+    queueMicrotask(() => { if (!this.isConnected) this.#destroy(); });
+  }
+
+  attributeChangedCallback(name) {
+    if (name === 'lang') this.#internals.ariaLabel = (SPOKEN[this.#language()] ?? SPOKEN.en).name;
+    else this.#sizing.attributesChanged();
+  }
+
   async #create() {
-    this.#engine = loadEngine();  // not null any more: the element is being created
-    const { engine, memory } = await this.#engine;
+    const loading = loadEngine();
+    this.#engine = loading;  // not null any more: the control is being made
+    const [{ engine, memory, release }, size] = await Promise.all([loading, this.#sizing.start()]);
+    if (this.#engine !== loading) {  // removed meanwhile
+      release();
+      return;
+    }
     this.#engine = engine;
     this.#memory = memory;
-    const width = this.#sizeAttribute('width', 640);
-    const height = this.#sizeAttribute('height', 480);
-    this.#canvas.width = width;
-    this.#canvas.height = height;
-    this.#canvas.style.width = `${width}px`;
-    this.#canvas.style.height = `${height}px`;
+    this.#release = release;
     this.#context = this.#canvas.getContext('2d');
-    this.#control = new engine.WebControl(width, height, LANGUAGES[this.#language()] ?? ENGLISH, this.#pageSide());
+    this.#control = new engine.WebControl(size.width, size.height, LANGUAGES[this.#language()] ?? ENGLISH,
+      this.#pageSide());
     this.#control.connectSink(Object.fromEntries(EVENTS.map((name) =>
       [name, (detail) => this.dispatchEvent(new CustomEvent(name, { detail }))])));
-    this.#listen();
     this.#resolveReady(this);
+  }
+
+  // Gives up the control and everything it holds: the engine (its memory goes once
+  // nothing refers to it), its worker, its timer and what it put on the page. A call
+  // under way rejects; calls not yet started wait for the next control.
+  #destroy() {
+    this.#sizing.stop();
+    if (this.#engine === null) return;
+    const control = this.#control;
+    this.#engine = null;
+    this.#control = null;
+    if (control !== null) {
+      clearInterval(this.#ticker);
+      this.#ticker = 0;
+      this.#menu.close(0);
+      this.#textBox.update(null);
+      control.delete();
+      this.#release();
+      this.#memory = null;
+      this.#release = null;
+      this.#frameCopy = null;
+      this.#context.clearRect(0, 0, this.#canvas.width, this.#canvas.height);
+      this.#newReady();
+    }
+  }
+
+  #newReady() {
+    this.ready = new Promise((resolve) => { this.#resolveReady = resolve; });
   }
 
   // The element's language: the two letters of its `lang` attribute or the browser's.
   #language() { return (this.getAttribute('lang') || navigator.language || '').toLowerCase().slice(0, 2); }
-
-  #sizeAttribute(name, fallback) {
-    const value = Number.parseInt(this.getAttribute(name), 10);
-    return value > 0 && value <= 16384 ? value : fallback;
-  }
 
   // ---- events and sinks ----
 
@@ -154,6 +238,7 @@ export class ImageEditControl extends HTMLElement {
   }
 
   #invoke(name, args) {
+    if (this.#control === null) throw new Error(`${name}: the element was removed from the page`);
     // A popup menu is modal: anything else the engine is asked to do means it is gone.
     this.#menu.close(0);
     const outcome = this.#control.invoke(name, args);
@@ -169,34 +254,76 @@ export class ImageEditControl extends HTMLElement {
 
   // A Promise-returning call: after the calls before it, once the control exists; it
   // runs `run` (by default the call itself) and resolves with its result when any
-  // page dialog the call opened has closed too.
+  // page dialog the call opened has closed too. The element is busy from the call
+  // until its Promise settles.
   #callLater(name, args, run = () => this.#invoke(name, args)) {
     const call = async () => {
       await this.ready;
-      this.#setBusy(+1);
       try {
         this.#openDialogs = [];
         const result = await run();
         await Promise.all(this.#openDialogs);
         return result;
       } finally {
-        this.#control.forgetPictures();
-        this.#setBusy(-1);
+        this.#control?.forgetPictures();
       }
     };
-    const result = this.#queue.then(call);
+    this.#setBusy(+1);
+    const result = this.#queue.then(call).finally(() => this.#setBusy(-1));
     this.#queue = result.catch(() => {});
     return result;
   }
 
-  // A call that loads pictures runs once they are fetched and decoded.
+  // A call that loads pictures runs once they are fetched and decoded. Each picture
+  // the control then loaded fires `load`, each it could not `error` (with the
+  // control's text and code); the call rejects with the first failure.
   #loadingCall(method, args) {
     const sources = method.pictures.map((i) => args[i]).filter((s) => typeof s === 'string');
     return this.#callLater(method.name, args, async () => {
       await Promise.all(sources.map((s) => this.#preparePicture(s)));
-      return this.#invoke(method.name, args);
+      this.#pictureReads = [];
+      const result = this.#invoke(method.name, args);
+      const reads = this.#pictureReads;
+      this.#pictureReads = [];
+      const spoken = SPOKEN[this.#language()] ?? SPOKEN.en;
+      for (const { source, error, message } of reads) {
+        if (error === 0) {
+          this.dispatchEvent(new CustomEvent('load', { detail: { method: method.name, source } }));
+        } else {
+          this.dispatchEvent(new CustomEvent('error', { detail: { method: method.name, source, code: error, message } }));
+        }
+        this.#announce(error === 0 ? spoken.loaded : message);
+      }
+      const failed = reads.find(({ error }) => error !== 0);
+      if (failed) throw new ImageEditLoadError(method.name, failed.source, failed.error, failed.message, result);
+      return result;
     });
   }
+
+  // The picture as SaveEditedBitmap composes it, encoded by the browser: PNG by
+  // default, or the type of another of its encoders ('image/jpeg' and 'image/webp' at
+  // `quality`, 0 to 1), as a canvas's toBlob takes them; 'image/bmp' gives the bitmap
+  // file the control writes. Rejects when there is no picture to save.
+  toBlob(type = 'image/png', quality = undefined) {
+    return this.#callLater('toBlob', [], async () => {
+      const FS = this.#engine.FS;
+      const path = this.#control.savePath(EXPORT_FILE);
+      if (FS.analyzePath(path).exists) FS.unlink(path);
+      this.#invoke('SaveEditedBitmap', [EXPORT_FILE]);
+      if (!FS.analyzePath(path).exists) throw new Error('toBlob: there is no picture to save');
+      const bitmapFile = new Blob([FS.readFile(path)], { type: 'image/bmp' });
+      FS.unlink(path);
+      if (type === 'image/bmp') return bitmapFile;
+      const bitmap = await createImageBitmap(bitmapFile, { premultiplyAlpha: 'none', colorSpaceConversion: 'none' });
+      const canvas = new OffscreenCanvas(bitmap.width, bitmap.height);
+      canvas.getContext('2d').drawImage(bitmap, 0, 0);
+      bitmap.close();
+      return canvas.convertToBlob({ type, quality });
+    });
+  }
+
+  // Said to assistive technology, politely (the status region).
+  #announce(text) { this.#status.textContent = text; }
 
   // A call that opens the colour or font dialog runs twice. The first time the engine
   // opens its dialog with no answer waiting: the page side hears what it starts from
@@ -247,6 +374,7 @@ export class ImageEditControl extends HTMLElement {
     if (written()) {
       const blob = new Blob([FS.readFile(path)], { type: 'image/bmp' });
       this.dispatchEvent(new CustomEvent('saved', { detail: { fileName: path, blob } }));
+      this.#announce((SPOKEN[this.#language()] ?? SPOKEN.en).saved);
     }
     return result;
   }
@@ -310,6 +438,7 @@ export class ImageEditControl extends HTMLElement {
       },
       askColor: (color, custom) => { this.#dialogStart = { color, custom }; },
       askFont: (start) => { this.#dialogStart = start; },
+      pictureRead: (source, error, message) => this.#pictureReads.push({ source, error, message }),
       // At the point of the control the engine gives, in the page's coordinates.
       textBoxChanged: (box) => this.#textBox.update(box),
       showPopupMenu: (items, x, y) => {
@@ -354,6 +483,7 @@ export class ImageEditControl extends HTMLElement {
 
   #setBusy(step) {
     this.#busy += step;
+    this.#internals.ariaBusy = String(this.#busy > 0);
     this.#applyCursor();
   }
 
@@ -362,7 +492,7 @@ export class ImageEditControl extends HTMLElement {
   // The control's clock follows real time while it has timers (a held scroll-bar
   // arrow repeats, a held airbrush sprays).
   #keepTime() {
-    if (this.#ticker !== 0 || !this.#control.hasTimers()) return;
+    if (this.#ticker !== 0 || this.#control === null || !this.#control.hasTimers()) return;
     let last = performance.now();
     this.#ticker = setInterval(() => {
       const now = performance.now();
@@ -384,9 +514,10 @@ export class ImageEditControl extends HTMLElement {
     // order): each is painted as it comes, but only the last frame is shown, the one
     // the browser will draw.
     const send = (message, events) => {
+      if (this.#control === null) return;
       const box = canvas.getBoundingClientRect();
       events.forEach((event, i) => {
-        const x = Math.floor(event.clientX - box.left), y = Math.floor(event.clientY - box.top);
+        const { x, y } = this.#sizing.pointAt(event, box);
         this.#control.pointer(message, x, y, event.ctrlKey || event.metaKey, event.shiftKey, i === events.length - 1);
       });
       this.#keepTime();
@@ -440,13 +571,15 @@ export class ImageEditControl extends HTMLElement {
     return double;
   }
 
-  // Keys reach the control while it has the focus. The keys its routing takes (Tab,
-  // Escape, Home, End, Page Up and Down, the arrows, Delete) never reach the page.
+  // Keys reach the control while it has the focus (image-edit-keys.js says which
+  // stay from the page, and how a keyboard user leaves).
   #key(message, event) {
     if (this.#control === null || event.composedPath()[0] !== this) return;
+    if (message === WM_KEYDOWN && this.#keyboardExit.leaves(event)) return;
     const ctrl = event.ctrlKey || event.metaKey;
     const character = message === WM_KEYDOWN && !ctrl && [...event.key].length === 1 ? event.key.codePointAt(0) : 0;
-    if (this.#sendKey(message, event, character)) {
+    const taken = this.#sendKey(message, event, character);
+    if (taken || keyKeptFromPage(event)) {
       event.preventDefault();
       event.stopPropagation();
     }
@@ -520,4 +653,8 @@ async function decodePicture(bytes) {
   return context.getImageData(0, 0, canvas.width, canvas.height);
 }
 
-customElements.define('image-edit-control', ImageEditControl);
+// A second copy of this module (imported from another URL, or bundled twice) finds the
+// element defined and leaves it.
+if (customElements.get('image-edit-control') === undefined) {
+  customElements.define('image-edit-control', ImageEditControl);
+}

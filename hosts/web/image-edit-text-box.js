@@ -61,9 +61,11 @@ export class TextBoxOverlay {
     }
     const opening = this.#field === null;
     const field = this.#field ?? this.#open(box.text);
-    // Canvas pixels to CSS pixels, should the page show the canvas at another size.
-    const scaleX = this.#canvas.clientWidth / this.#canvas.width;
-    const scaleY = this.#canvas.clientHeight / this.#canvas.height;
+    // Control pixels to CSS pixels: the canvas is shown at the device pixel ratio's
+    // whole part (image-edit-sizing.js).
+    const shown = this.#canvas.getBoundingClientRect();
+    const scaleX = shown.width / this.#canvas.width;
+    const scaleY = shown.height / this.#canvas.height;
     const quote = (name) => `"${name.replace(/["\\]/g, '\\$&')}"`;
     const families = [...box.fontFiles.map((file) => pageFont(file, this.#engine.readFont)), box.face];
     Object.assign(field.style, {

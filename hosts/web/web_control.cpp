@@ -142,6 +142,17 @@ class WebControl {
     return taken;
   }
 
+  // The element's box changed. The page is the control's container and resizes it as
+  // a container does, moving the control's window within a host window of the new
+  // size; the control does no layout of its own for it, so its editor keeps the size
+  // it was made with. False, changing nothing, for a size the host window refuses.
+  bool resize(int width, int height) {
+    if (hostWindow_ == nullptr || !platform::ResizeHostWindow(hostWindow_, width, height)) return false;
+    if (IsWindow(control_.m_hWnd)) MoveWindow(control_.m_hWnd, 0, 0, width, height, TRUE);
+    Flush();
+    return true;
+  }
+
   // Real time passing: due timers fire.
   void tick(unsigned milliseconds) {
     platform::AdvanceClock(milliseconds);
@@ -281,6 +292,7 @@ EMSCRIPTEN_BINDINGS(image_edit_engine) {
       .function("invoke", &WebControl::invoke)
       .function("pointer", &WebControl::pointer)
       .function("key", &WebControl::key)
+      .function("resize", &WebControl::resize)
       .function("tick", &WebControl::tick)
       .function("hasTimers", &WebControl::hasTimers)
       .function("connectSink", &WebControl::connectSink)

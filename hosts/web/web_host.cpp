@@ -136,4 +136,8 @@ void WebHost::ShowDialog(int dialogId, const std::string& title) {
   page_.call<void>("showDialog", dialogId, title);
 }
 
+void WebHost::PictureRead(const std::string& source, DWORD error, const std::string& message) {
+  page_.call<void>("pictureRead", source, error, message);
+}
+
 }  // namespace web

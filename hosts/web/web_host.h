@@ -63,6 +63,7 @@ class WebHost : public platform::Host {
   bool ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) override;
   bool ChooseFont(LOGFONTA& font, COLORREF& color) override;
   void ShowDialog(int dialogId, const std::string& title) override;
+  void PictureRead(const std::string& source, DWORD error, const std::string& message) override;
 
  private:
   emscripten::val page_;

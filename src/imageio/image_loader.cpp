@@ -9,6 +9,7 @@
 #include "imageio/picture_source.h"
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
+#include "platform/host.h"
 #include "platform/kernel.h"
 #include "platform/user.h"
 
@@ -29,10 +30,23 @@ bool ReadSource(const std::string& source, PictureBytes* bytes) {
   return FetchUrl(source, bytes);
 }
 
+// The person sees a failure to read only while verbose; the host hears every
+// outcome, with the text the person would see. A picture read but not decoded shows
+// the person nothing; the host hears it as invalid data.
 void ReportReadFailure(const std::string& source, const LoadContext& context) {
-  if (!context.verbose) return;
-  const std::string text = ReadFailureMessage(context.userLanguage, source, GetLastError());
-  AfxMessageBox(text.c_str(), MB_OK | MB_ICONHAND);
+  const DWORD error = GetLastError();
+  const std::string text = ReadFailureMessage(context.userLanguage, source, error);
+  platform::CurrentHost().PictureRead(source, error != 0 ? error : ERROR_INVALID_DATA, text);
+  if (context.verbose) AfxMessageBox(text.c_str(), MB_OK | MB_ICONHAND);
+}
+
+void ReportDecoded(const std::string& source, HBITMAP bitmap, const LoadContext& context) {
+  if (bitmap != nullptr) {
+    platform::CurrentHost().PictureRead(source, 0, "");
+  } else {
+    platform::CurrentHost().PictureRead(source, ERROR_INVALID_DATA,
+                                        ReadFailureMessage(context.userLanguage, source, ERROR_INVALID_DATA));
+  }
 }
 
 // A new bitmap compatible with `dc` holding packed 24-bit rows (`height` negative
@@ -74,10 +88,11 @@ HBITMAP LoadImage(LPCSTR source, const LoadContext& context) {
     return nullptr;
   }
   bytes.count = RepairJpegEndMarker(bytes.data.data(), bytes.count);
-  if (IsBitmapFile(bytes.data.data(), bytes.count)) {
-    return DecodeBitmapFile(bytes.data.data(), bytes.count, context.window);
-  }
-  return DecodePicture(text, bytes.data.data(), bytes.count);
+  HBITMAP bitmap = IsBitmapFile(bytes.data.data(), bytes.count)
+                       ? DecodeBitmapFile(bytes.data.data(), bytes.count, context.window)
+                       : DecodePicture(text, bytes.data.data(), bytes.count);
+  ReportDecoded(text, bitmap, context);
+  return bitmap;
 }
 
 }  // namespace imageio

@@ -35,6 +35,11 @@ class Host {
   virtual bool ChooseFont(LOGFONTA& /*font*/, COLORREF& /*color*/) { return false; }
   // A modal dialog from the module's resources (the About box is dialog 1).
   virtual void ShowDialog(int /*dialogId*/, const std::string& /*title*/) {}
+  // The control tried to load the picture `source`: `error` is 0 when it loaded,
+  // otherwise the error code and `message` the text the control shows for it while
+  // verbose. Heard whether or not the control shows it, so that a host can tell its
+  // page or its user what became of a picture it was asked for.
+  virtual void PictureRead(const std::string& /*source*/, DWORD /*error*/, const std::string& /*message*/) {}
 };
 
 // The host that receives these calls; a silent default host when none is set.

@@ -410,6 +410,11 @@ namespace platform {
 // A top-level host window of the given client size: the root of a window tree whose
 // frame the host presents. Destroyed with DestroyWindow.
 HWND CreateHostWindow(int width, int height);
+// Gives the host window a new client size, as a person resizing a top-level window
+// would: a new frame (the screen is taken to be the host window), repainted whole. The
+// host's children keep their place and size. False, changing nothing, for a size below
+// 1 x 1 or when the new frame cannot be had.
+bool ResizeHostWindow(HWND host, int width, int height);
 
 // Host input, in the host window's client coordinates. Mouse messages go to the
 // capture window or to the visible child under the point, in its client coordinates;

@@ -47,6 +47,15 @@ void InvalidateParentUnder(const Window& child) {
   if (child.parent != nullptr && (child.style & WS_VISIBLE)) InvalidateRect(child.parent, &child.rect, TRUE);
 }
 
+// The whole of a window and its descendants, their frames and bars too.
+void InvalidateTree(Window& window) {
+  window.nonClientPending = true;
+  InvalidateRect(window.handle, nullptr, TRUE);
+  for (HWND child : window.children) {
+    if (Window* found = Find(child)) InvalidateTree(*found);
+  }
+}
+
 void SendSizeIfChanged(HWND hwnd, const RECT& oldClient) {
   Window* window = Find(hwnd);
   if (window == nullptr) return;
@@ -349,6 +358,23 @@ HWND CreateHostWindow(int width, int height) {
   user::SetScreenSize(width, height);
   InvalidateRect(root.handle, nullptr, TRUE);
   return root.handle;
+}
+
+bool ResizeHostWindow(HWND host, int width, int height) {
+  Window* root = Find(host);
+  if (root == nullptr || root->parent != nullptr || width <= 0 || height <= 0) return false;
+  if (root->rect.right == width && root->rect.bottom == height) return true;
+  HDC screen = CreateScreenDC();
+  HBITMAP frame = CreateCompatibleBitmap(screen, width, height);
+  DeleteDC(screen);
+  if (frame == nullptr) return false;
+  DeleteObject(root->frame);
+  root->frame = frame;
+  root->rect = RECT{0, 0, width, height};
+  user::SetScreenSize(width, height);
+  // The new frame holds nothing yet: every window paints into it again.
+  InvalidateTree(*root);
+  return true;
 }
 
 WindowCounts LiveWindowObjects() {

@@ -134,6 +134,45 @@ TEST_F(ControlTest, CompositionBitmapIsComposedWholeForTheHost) {
   EXPECT_EQ(BitmapColors(control_->SurfaceBitmap(SurfaceName::Composition)), image);
 }
 
+// A container resizing the control moves its window; the control leaves its editor at
+// the size it was made with, so the host's new frame shows the editor as it was, and
+// the control's white background beyond it.
+TEST_F(ControlTest, AResizedHostAndControlLeaveTheEditorAsItWasMade) {
+  Activate();
+  control_->SetImage(IE_TEST_DATA "/tools/wide_300x200.png");
+  platform::FlushPaint(hostWindow_);
+  const auto frame = [this] {
+    BITMAP description{};
+    GetObjectA(platform::HostFrame(hostWindow_), sizeof description, &description);
+    return std::pair{SIZE{description.bmWidth, description.bmHeight}, BitmapColors(platform::HostFrame(hostWindow_))};
+  };
+  const auto [size, before] = frame();
+  ASSERT_EQ(size.cx, 160);
+
+  EXPECT_FALSE(platform::ResizeHostWindow(hostWindow_, 0, 180));
+  EXPECT_FALSE(platform::ResizeHostWindow(EditorWindow(), 240, 180)) << "only a host root";
+  ASSERT_TRUE(platform::ResizeHostWindow(hostWindow_, 240, 180));
+  MoveWindow(control_->m_hWnd, 0, 0, 240, 180, TRUE);
+  platform::FlushPaint(hostWindow_);
+  const auto [wider, after] = frame();
+  ASSERT_EQ(wider.cx, 240);
+  ASSERT_EQ(wider.cy, 180);
+  RECT editor{};
+  GetClientRect(EditorWindow(), &editor);
+  EXPECT_EQ(editor.right, 160 - 17) << "the editor keeps its size, its bar included";
+  for (int y = 0; y < 120; ++y) {
+    for (int x = 0; x < 160; ++x) ASSERT_EQ(after[y * 240 + x], before[y * 160 + x]) << x << "," << y;
+  }
+  EXPECT_EQ(after[150 * 240 + 200], RGB(255, 255, 255));
+
+  ASSERT_TRUE(platform::ResizeHostWindow(hostWindow_, 100, 80));
+  MoveWindow(control_->m_hWnd, 0, 0, 100, 80, TRUE);
+  platform::FlushPaint(hostWindow_);
+  const auto [smaller, clipped] = frame();
+  ASSERT_EQ(smaller.cx, 100);
+  EXPECT_EQ(clipped[79 * 100 + 99], before[79 * 160 + 99]);
+}
+
 // Logs "sink:colour" for each ColorSelected it receives.
 class RecordingSink : public IEventSink {
  public:

@@ -63,9 +63,16 @@ TEST_F(ImageLoaderTest, ABitmapFileBecomesADeviceBitmapAndDamagedDataNothing) {
   BITMAP description{};
   EXPECT_EQ(Load(path, kQuiet, &description), (Colors{RGB(255, 0, 0), RGB(0, 255, 0), RGB(0, 0, 255), 0}));
   EXPECT_EQ(description.bmBitsPixel, 32) << "the window's colour depth";
-  EXPECT_TRUE(Load(files_.Write("text.bmp", {'B', 'M', 1, 2, 3}), kVerbose).empty());
+  const std::string damaged = files_.Write("text.bmp", {'B', 'M', 1, 2, 3});
+  EXPECT_TRUE(Load(damaged, kVerbose).empty());
   EXPECT_TRUE(Load(files_.Write("empty.jpg", {}), kVerbose).empty());
   EXPECT_TRUE(host_.messages.empty());
+  // The host still hears what became of each, a damaged picture as invalid data.
+  ASSERT_EQ(host_.pictures.size(), 3u);
+  EXPECT_EQ(host_.pictures[0], (RecordingHost::PictureOutcome{path, 0, ""}));
+  EXPECT_EQ(host_.pictures[1],
+            (RecordingHost::PictureOutcome{damaged, 13, "I failed to read " + damaged + ". An error code is 13."}));
+  EXPECT_EQ(host_.pictures[2].error, 13u);
 }
 
 // The texts in each language are scenarios (tests/cli/messages_*.ies).
@@ -75,6 +82,11 @@ TEST_F(ImageLoaderTest, AMissingFileIsReportedOnlyWhileVerbose) {
   EXPECT_EQ(LoadImage(nullptr, kQuiet), nullptr);
   EXPECT_EQ(LoadImage("", kQuiet), nullptr);
   EXPECT_TRUE(host_.messages.empty());
+  // Heard by the host though the person is not told, with the text they would read.
+  ASSERT_EQ(host_.pictures.size(), 3u);
+  EXPECT_EQ(host_.pictures[0],
+            (RecordingHost::PictureOutcome{missing, 2, "I failed to read " + missing + ". An error code is 2."}));
+  EXPECT_NE(host_.pictures[2].error, 0u) << "the empty string is refused";
   ExpectReadFailure(missing, "2");
   EXPECT_EQ(host_.messages[0].caption, "Image Edit Control");
   EXPECT_EQ(host_.messages[0].type, MB_OK | MB_ICONHAND);

@@ -23,6 +23,12 @@ class RecordingHost : public platform::Host {
     int id;
     std::string title;
   };
+  struct PictureOutcome {
+    std::string source;
+    DWORD error;
+    std::string message;
+    bool operator==(const PictureOutcome&) const = default;
+  };
 
   void PresentFrame(HWND) override { ++presented; }
   void ShowCursor(int resourceId) override { cursors.push_back(resourceId); }
@@ -37,6 +43,9 @@ class RecordingHost : public platform::Host {
     return IDOK;
   }
   void ShowDialog(int dialogId, const std::string& title) override { dialogs.push_back({dialogId, title}); }
+  void PictureRead(const std::string& source, DWORD error, const std::string& message) override {
+    pictures.push_back({source, error, message});
+  }
   // The colour and font dialogs take their answer, if one is set, and are cancelled
   // otherwise; what they were opened with is kept.
   bool ChooseColor(COLORREF& color, std::span<COLORREF, 16>) override {
@@ -55,6 +64,7 @@ class RecordingHost : public platform::Host {
 
   std::vector<Message> messages;
   std::vector<Dialog> dialogs;
+  std::vector<PictureOutcome> pictures;
   std::vector<int> cursors;
   int presented = 0;
   HMENU shownMenu = nullptr;

@@ -76,7 +76,7 @@ test('the demo page: a brightness slider gives the pixels the script host shows'
   await page.fill('input[data-method=SharpenImage]', '1');
   await page.press('input[data-method=SharpenImage]', 'Enter');
   assertSamePixels(await canvasPixels(page), nativeShot(640, 480, [
-    'SetImage "build/web/samples/landscape.jpg"', 'SetImage "build/web/samples/tiles.bmp"',
+    'SetImage "build/web/samples/landscape.jpg"', 'SetImageWidth 640', 'SetImage "build/web/samples/tiles.bmp"',
     ...[101, 102, 103, 104, 105].map((v) => `BrightenImage ${v}`), 'SharpenImage 1',
   ]), 'after the slider');
   mkdirSync(join(ROOT, 'build/web-test-artifacts'), { recursive: true });
@@ -100,25 +100,36 @@ test('scroll bars scroll with real clicks on the arrow and the track', async () 
   await closePage(page);
 });
 
-test('keys: Ctrl+Z undoes, Ctrl+Y redoes, and the editor keys never reach the page', async () => {
+test('keys: every key the control uses stays from the page, Ctrl+Z and Ctrl+Y included; Escape then Tab leaves', async () => {
   const page = await controlPage(120, 90);
   await call(page, 'SetImage', 'samples/tiles.bmp');
   const original = await canvasPixels(page);
   await call(page, 'BrightenImage', 160);
   const brightened = await canvasPixels(page);
   assert.notDeepEqual(brightened.rgb, original.rgb);
+  // A page that Space would scroll, with a text field of its own holding an edit.
   await page.evaluate(() => {
+    document.body.style.height = '4000px';
+    document.body.append(Object.assign(document.createElement('input'), { id: 'field' }));
     window.pageKeys = [];
     document.addEventListener('keydown', (event) => window.pageKeys.push(event.key));
   });
+  await page.locator('#field').pressSequentially('abc');
   await page.mouse.click(60, 45);  // a press gives the control the focus
+  await page.evaluate(() => { window.pageKeys = []; });
   await page.keyboard.press('Control+z');
   assert.deepEqual((await canvasPixels(page)).rgb, original.rgb, 'Ctrl+Z undoes');
   await page.keyboard.press('Control+y');
   assert.deepEqual((await canvasPixels(page)).rgb, brightened.rgb, 'Ctrl+Y redoes');
-  for (const key of ['Tab', 'ArrowDown', 'PageDown', 'Delete', 'a', 'Enter']) await page.keyboard.press(key);
-  assert.deepEqual(await page.evaluate(() => window.pageKeys), ['Control', 'z', 'Control', 'y', 'a', 'Enter']);
-  assert.equal(await page.evaluate(() => document.activeElement.id), 'editor', 'Tab did not move the focus');
+  for (const key of ['Tab', 'ArrowDown', 'PageDown', 'Delete', 'a', 'Enter', ' ', 'Control+c']) {
+    await page.keyboard.press(key);
+  }
+  assert.deepEqual(await page.evaluate(() => [window.pageKeys, document.getElementById('field').value,
+    window.scrollY, document.activeElement.id]), [['Control', 'Control', 'Control', 'c'], 'abc', 0, 'editor']);
+  await page.keyboard.press('Escape');
+  await page.keyboard.press('Tab');
+  assert.equal(await page.evaluate(() => document.activeElement.id), 'field', 'Escape then Tab moves the focus on');
+  assert.deepEqual(await page.evaluate(() => window.pageKeys.slice(4)), ['Tab']);
   await closePage(page);
 });
 
@@ -142,18 +153,38 @@ test('saving hands the page a bitmap file of the saved size for each save with a
   await closePage(page);
 });
 
-test('a failed load shows the read message only while verbose', async () => {
+test('a picture that cannot be fetched or decoded rejects its call and fires error, verbose or not', async () => {
   const page = await controlPage(100, 80);
-  const messages = await page.evaluate(async () => {
+  const outcome = await page.evaluate(async () => {
     const editor = document.getElementById('editor');
+    const events = [];
+    for (const type of ['load', 'error']) editor.addEventListener(type, (event) => events.push([type, event.detail]));
     const shown = () => [...editor.shadowRoot.querySelectorAll('dialog[open] .text')].map((text) => text.textContent);
-    await editor.SetImage('missing.jpg');
+    const status = () => editor.shadowRoot.querySelector('[role=status]').textContent;
+    const settle = (promise) => promise.then((value) => ({ value }),
+      (error) => ({ error: [error.name, error.code, error.source, error.method, error.result, error.message] }));
+    const missing = await settle(editor.SetImage('missing.jpg'));
     const quiet = shown();
+    const notAPicture = await settle(editor.InsertIcon(0, 0, 'fixture.html'));
+    const afterFailure = status();
+    const loaded = await settle(editor.SetImage('samples/tiles.bmp'));
+    const afterLoad = status();
     editor.EnableVerbose(true);
-    await editor.SetImage('missing.jpg');
-    return { quiet, verbose: shown() };
+    await settle(editor.SetImage('missing.jpg'));
+    return { missing, quiet, notAPicture, afterFailure, loaded, afterLoad, verbose: shown(), events };
   });
-  assert.deepEqual(messages, { quiet: [], verbose: ['I failed to read missing.jpg. An error code is 2.'] });
+  const missingText = 'I failed to read missing.jpg. An error code is 2.';
+  assert.deepEqual(outcome.missing, { error: ['ImageEditLoadError', 2, 'missing.jpg', 'SetImage', undefined, missingText] });
+  assert.deepEqual(outcome.quiet, []);
+  assert.deepEqual(outcome.notAPicture.error.slice(0, 4), ['ImageEditLoadError', 13, 'fixture.html', 'InsertIcon']);
+  assert.equal(outcome.afterFailure, 'I failed to read fixture.html. An error code is 13.');
+  assert.deepEqual(outcome.loaded, { value: undefined });
+  assert.equal(outcome.afterLoad, 'Picture loaded');
+  assert.deepEqual(outcome.verbose, [missingText]);
+  assert.deepEqual(outcome.events.map(([type, detail]) => [type, detail.method, detail.source, detail.code]), [
+    ['error', 'SetImage', 'missing.jpg', 2], ['error', 'InsertIcon', 'fixture.html', 13],
+    ['load', 'SetImage', 'samples/tiles.bmp', undefined], ['error', 'SetImage', 'missing.jpg', 2]]);
+  assert.equal(outcome.events[0][1].message, missingText);
   await closePage(page);
 });
 test('every interface method is a method of the element with the control\'s results', async () => {

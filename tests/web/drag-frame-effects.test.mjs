@@ -188,7 +188,7 @@ test('the demo: an inserted icon dragged with Move, the picture flipped and fram
   await page.status('Framed');
   const shown = await canvasPixels(page);
   assertSamePixels(shown, nativeShot(640, 480, [
-    'SetImage "build/web/samples/landscape.jpg"', 'SetImage "build/web/samples/tiles.bmp"',
+    'SetImage "build/web/samples/landscape.jpg"', 'SetImageWidth 640', 'SetImage "build/web/samples/tiles.bmp"',
     'SetTransparency 0xFF00FF 0', 'InsertIcon 200 150 "build/web/samples/icon-heart.png"',
     'hover 224 172', 'down 224 172', ...[1, 2, 3, 4, 5].map((i) => `move ${224 + 20 * i} ${172 + 12 * i}`), 'up 324 232',
     'FlipImage', ...FRAME_PLACES.map((place, i) => `SetFrame ${i} "build/web/samples/frames/gilded-${place}.png" 24 -1`),

@@ -13,13 +13,67 @@ function note(text) {
 const editor = await element.ready;
 status.textContent = 'Ready. Open a picture, or drop one onto the editor.';
 
+// Opens a picture fitted to the editor: the page reads its size with the browser (an
+// Image reads the header without decoding the pixels) while the control loads it.
 async function open(source, label = source) {
   status.textContent = `Opening ${label}…`;
   const started = performance.now();
-  await editor.SetImage(source);
+  const size = pictureSize(source);
+  try {
+    await editor.SetImage(source);
+  } catch (error) {
+    status.textContent = error.message;
+    note(`SetImage("${label}") failed: ${error.code}`);
+    return;
+  }
+  picture = await size;
+  zoomToFit();
   status.textContent = `Opened ${label} in ${Math.round(performance.now() - started)} ms.`;
   note(`SetImage("${label}")`);
 }
+
+function pictureSize(source) {
+  const image = new Image();
+  image.src = source;
+  return new Promise((done) => {
+    image.onload = () => done({ width: image.naturalWidth, height: image.naturalHeight });
+    image.onerror = () => done(null);
+  });
+}
+
+// Zoom: the picture shown at a percentage (SetImageWidth with a negative width), or
+// fitted to the editor (SetImageWidth with the width at which it fits; the control
+// never enlarges a picture that way).
+const ZOOM_STEPS = [10, 25, 33, 50, 67, 75, 100, 125, 150, 200];
+const zoomLevel = document.getElementById('zoom-level');
+let picture = null;  // the open picture's size, when the browser could read it
+let zoom = 100;      // the percentage shown
+
+function zoomTo(percent) {
+  zoom = percent;
+  editor.SetImageWidth(-percent);
+  zoomLevel.textContent = `${percent} %`;
+  note(`SetImageWidth(${-percent})`);
+}
+
+function zoomToFit() {
+  if (picture === null) return;
+  const scale = Math.min(1, element.clientWidth / picture.width, element.clientHeight / picture.height);
+  zoom = Math.floor(scale * 100);
+  if (scale < 1) {
+    const width = Math.floor(picture.width * scale);
+    editor.SetImageWidth(width);
+    note(`SetImageWidth(${width})`);
+  }
+  zoomLevel.textContent = `${zoom} %`;
+}
+
+document.getElementById('zoom-in').addEventListener('click', () =>
+  zoomTo(ZOOM_STEPS.find((step) => step > zoom) ?? ZOOM_STEPS.at(-1)));
+document.getElementById('zoom-out').addEventListener('click', () =>
+  zoomTo(ZOOM_STEPS.findLast((step) => step < zoom) ?? ZOOM_STEPS[0]));
+document.getElementById('zoom-fit').addEventListener('click', zoomToFit);
+document.getElementById('zoom-actual').addEventListener('click', () => zoomTo(100));
 
 document.getElementById('open-url').addEventListener('submit', (event) => {
   event.preventDefault();
@@ -33,7 +87,9 @@ for (const button of document.querySelectorAll('#samples button')) {
 }
 // A local file reaches the control as an object URL, which it fetches like any other.
 function openFile(file) {
-  if (file) open(URL.createObjectURL(file), file.name);
+  if (!file) return;
+  const url = URL.createObjectURL(file);
+  open(url, file.name).finally(() => URL.revokeObjectURL(url));
 }
 document.getElementById('file').addEventListener('change', (event) => openFile(event.target.files[0]));
 const dropZone = document.getElementById('drop-zone');
@@ -327,20 +383,34 @@ document.getElementById('verbose').addEventListener('change', (event) => {
 });
 document.getElementById('about').addEventListener('click', () => editor.AboutBox());
 
-// Saving writes into the control's own file system; the `saved` event hands the file
-// over, and the page offers it as a download.
-editor.addEventListener('saved', (event) => {
-  const { fileName, blob } = event.detail;
+function download(blob, name) {
   const link = document.createElement('a');
   link.href = URL.createObjectURL(blob);
-  link.download = fileName.split('/').pop();
+  link.download = name;
   link.click();
   setTimeout(() => URL.revokeObjectURL(link.href), 10_000);
+}
+// A bitmap is saved into the control's own file system and the `saved` event hands
+// the file over; the other types are the same picture encoded by the browser.
+editor.addEventListener('saved', (event) => {
+  const { fileName, blob } = event.detail;
+  download(blob, fileName.split('/').pop());
   note(`saved ${fileName} (${blob.size} bytes)`);
 });
-document.getElementById('save').addEventListener('click', () => {
-  editor.SaveEditedBitmap('edited.bmp');
-  note('SaveEditedBitmap("edited.bmp")');
+document.getElementById('save').addEventListener('click', async () => {
+  const type = document.getElementById('save-type').value;
+  if (type === 'image/bmp') {
+    editor.SaveEditedBitmap('edited.bmp');
+    note('SaveEditedBitmap("edited.bmp")');
+    return;
+  }
+  try {
+    const blob = await editor.toBlob(type, 0.9);
+    download(blob, `edited.${type.slice(6).replace('jpeg', 'jpg')}`);
+    note(`toBlob("${type}") (${blob.size} bytes)`);
+  } catch (error) {
+    status.textContent = error.message;
+  }
 });
 editor.addEventListener('ColorSelected', (event) => note(`event ColorSelected "${event.detail}"`));
 
