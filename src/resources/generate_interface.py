@@ -754,7 +754,9 @@ def documented_declarations(text):
             elif text[at] in "}>)":
                 depth -= 1
             at += 1
-        found.append((doc, " ".join(text[comment.end():at].split())))
+        declaration = " ".join(text[comment.end():at].split())
+        # A declaration written over several lines, on one.
+        found.append((doc, re.sub(r",? \)", ")", declaration.replace("( ", "("))))
     return found
 
 
