@@ -9,7 +9,8 @@
 # demo page index.html with its sample pictures and frame pieces (samples/frames/).
 # Each engine carries the fonts text is drawn with inside its .wasm
 # (src/platform/fonts) and FreeType, compiled from the Debian source that
-# scripts/setup.sh fetches.
+# scripts/setup.sh fetches. The same files without the demo make the npm package
+# @ostrel/image-edit-control (hosts/web/package.json), packed into build/.
 # Any static file server can serve it: the element loads the engine without threads.
 # A server that makes the page cross-origin isolated (it sends
 # Cross-Origin-Opener-Policy: same-origin and Cross-Origin-Embedder-Policy:
@@ -46,4 +47,15 @@ cp hosts/web/samples/frames/*.png "$out/samples/frames/"
 large=build/wasm/samples/landscape-12mp.jpg
 [ -f "$large" ] || /usr/bin/python3 hosts/web/samples/make_samples.py build/wasm/samples --large
 cp "$large" "$out/samples/"
-echo "build-web: $out/ is ready"
+
+# The npm package: the element with its modules, declaration and both engines, the
+# reference page and hosts/web/package.json; no demo or samples. `npm pack` makes
+# build/ostrel-image-edit-control-VERSION.tgz of it, which tests/web/package.test.mjs
+# installs into an app built with Vite.
+package=build/web-package
+rm -rf "$package" build/ostrel-image-edit-control-*.tgz
+mkdir -p "$package"
+cp hosts/web/package.json REFERENCE.md "$package/"
+(cd "$out" && cp image-edit-*.js image-edit-*.wasm image-edit-control.d.ts "../../$package/")
+npm pack --silent --pack-destination build "./$package" >/dev/null
+echo "build-web: $out/ and $(ls build/ostrel-image-edit-control-*.tgz) are ready"

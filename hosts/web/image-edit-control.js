@@ -141,8 +141,8 @@ export class ImageEditControl extends HTMLElement {
     this.#listen();
   }
 
-  // True while a call that takes long (a picture being fetched and decoded, a dialog
-  // waiting for the person) runs; `aria-busy` says the same.
+  // True from a Promise-returning call (a picture being fetched and decoded, a dialog
+  // waiting for the person) until it settles; `aria-busy` says the same.
   get busy() { return this.#busy > 0; }
 
   connectedCallback() {
@@ -182,8 +182,8 @@ export class ImageEditControl extends HTMLElement {
   }
 
   // Gives up the control and everything it holds: the engine (its memory goes once
-  // nothing refers to it), its worker, its timer and what it put on the page. Calls
-  // waiting in the queue find no control and reject.
+  // nothing refers to it), its worker, its timer and what it put on the page. A call
+  // under way rejects; calls not yet started wait for the next control.
   #destroy() {
     this.#sizing.stop();
     if (this.#engine === null) return;
@@ -254,8 +254,8 @@ export class ImageEditControl extends HTMLElement {
 
   // A Promise-returning call: after the calls before it, once the control exists; it
   // runs `run` (by default the call itself) and resolves with its result when any
-  // page dialog the call opened has closed too.
-  // The element is busy from the call until its Promise settles.
+  // page dialog the call opened has closed too. The element is busy from the call
+  // until its Promise settles.
   #callLater(name, args, run = () => this.#invoke(name, args)) {
     const call = async () => {
       await this.ready;

@@ -11,6 +11,10 @@
         image-edit-interface.js   the element's method list with the parameter roles
         image-edit-control.d.ts   the element's TypeScript declaration: DTS_TEMPLATE
                                   with the methods, events and sink filled in
+    generate_interface.py reference DESCRIPTION DTS_TEMPLATE OUTPUT_DIR
+        REFERENCE.md              the element's reference page: its own members and
+                                  events as DTS_TEMPLATE documents them, and every
+                                  method and event of the description
 
 A description that cannot be read stops the generator with "FILE:LINE: what is wrong"
 on standard error and exit status 1, before anything is written. The description's
@@ -256,6 +260,8 @@ RESULT_TYPES = {
 # only 1 turns a setting on, or the argument as it is.
 EDITOR_FLAG_ARGUMENTS = {"bool": "{} == 1", "long": "{}"}
 PARAMETER_DIALOGS = ("color", "font")
+# What an int parameter's range(LOW, HIGH, OUTSIDE) says of the values outside it.
+OUTSIDE_RANGE = {"clamped": "clamped", "ignored": "other values change nothing"}
 METHOD_DIALOGS = ("about",)
 ROLES = ("picture", "savefile", "dialog")
 
@@ -269,6 +275,8 @@ class Parameter:
     role: str = None  # one of ROLES
     dialog: str = None
     dialog_values: list = field(default_factory=list)
+    help: str = None
+    range: tuple = None  # (lowest, highest, what other values do: one of OUTSIDE_RANGE)
 
 
 @dataclass
@@ -294,6 +302,8 @@ def fits(shape, kinds):
         return not kinds
     if shape == "a name and strings":
         return kinds[:1] == ["name"] and all(kind == "string" for kind in kinds[1:])
+    if shape == "two numbers and a name":
+        return kinds == ["number", "number", "name"]
     return kinds == [{"a number": "number", "a string": "string", "a name": "name"}[shape]]
 
 
@@ -389,18 +399,23 @@ class Checker:
             if param.name in names:
                 self.fail(param.line, f"{declaration.name}: two parameters are named {param.name}")
             names.add(param.name)
-        help = self.value(declaration, "helpstring")
-        if "*/" in help:
-            self.fail(declaration.line, f"{declaration.name}: a help string cannot hold */ (it ends a comment)")
+        help = self.help(declaration, declaration.name)
         return Method(declaration.name, int(dispid), declaration.type.text, [], help, declaration.line)
+
+    def help(self, declaration, where):
+        help = self.value(declaration, "helpstring")
+        if help is not None and "*/" in help:
+            self.fail(declaration.line, f"{where}: a help string cannot hold */ (it ends a comment)")
+        return help
 
     def event(self, declaration):
         event = self.member(declaration, "an event", {})
         if event.result != "void":
             self.fail(declaration.line, f"{event.name}: an event has no result (void)")
         for param in declaration.params:
-            self.allow(param, "an event's parameter", {})
-            event.params.append(Parameter(param.name, param.type.text))
+            self.allow(param, "an event's parameter", {"helpstring": "a string"})
+            event.params.append(Parameter(param.name, param.type.text,
+                                          help=self.help(param, f"{event.name}: parameter {param.name}")))
         return event
 
     def method(self, declaration):
@@ -426,8 +441,11 @@ class Checker:
     def parameter(self, method, declaration):
         where = f"{method.name}: parameter {declaration.name}"
         self.allow(declaration, "a parameter", {"editor": "a name", "picture": "no value", "savefile": "no value",
-                                                "dialog": "a name and strings"})
-        param = Parameter(declaration.name, declaration.type.text)
+                                                "dialog": "a name and strings", "helpstring": "a string",
+                                                "range": "two numbers and a name"})
+        param = Parameter(declaration.name, declaration.type.text, help=self.help(declaration, where))
+        if "range" in declaration.attributes:
+            param.range = self.range(declaration, where)
         editor = self.value(declaration, "editor")
         if param.type == "BOOL":
             if editor not in EDITOR_FLAG_ARGUMENTS:
@@ -457,6 +475,18 @@ class Checker:
                                           f"(it matches in any case)")
             param.dialog, param.dialog_values = dialog.text, [value.text for value in values]
         return param
+
+    def range(self, declaration, where):
+        low, high, outside = declaration.attributes["range"].args
+        if declaration.type.text != "int":
+            self.fail(declaration.line, f"{where}: only an int parameter has a range")
+        if not all(re.fullmatch(r"-?[0-9]+", bound.text) for bound in (low, high)):
+            self.fail(low.line, f"{where}: a range's bounds are whole numbers")
+        if int(low.text) > int(high.text):
+            self.fail(low.line, f"{where}: the range {low.text} to {high.text} is empty")
+        if outside.text not in OUTSIDE_RANGE:
+            self.fail(outside.line, f"{where}: say what other values do: {' or '.join(OUTSIDE_RANGE)}")
+        return int(low.text), int(high.text), outside.text
 
     def editor_operations_agree(self, methods):
         """Methods that call the same editor operation must hand it the same types."""
@@ -610,8 +640,24 @@ def js_module(interface, description):
             "export const EVENTS = [" + ", ".join(f"'{e.name}'" for e in interface.events) + "];\n")
 
 
-def ts_doc(text, indent):
-    return f"{indent}/** {text}. */\n"
+def range_text(param):
+    low, high, outside = param.range
+    return f"{low} to {high}, {OUTSIDE_RANGE[outside]}"
+
+
+def parameter_note(param):
+    """What a parameter's documentation says: its help and its range."""
+    parts = [param.help] if param.help else []
+    if param.range:
+        parts.append(f"({range_text(param)})")
+    return " ".join(parts)
+
+
+def ts_doc(text, indent, params=()):
+    notes = [f"@param {p.name} {parameter_note(p)}" for p in params if parameter_note(p)]
+    if not notes:
+        return f"{indent}/** {text}. */\n"
+    return "".join(f"{indent}{line}\n" for line in ["/**", f" * {text}.", *(f" * {note}" for note in notes), " */"])
 
 
 def ts_parameters(params, generic=None):
@@ -619,18 +665,26 @@ def ts_parameters(params, generic=None):
                      for p in params)
 
 
+def dialog_parameter(method):
+    return next((p for p in method.params if p.role == "dialog"), None)
+
+
+def always_promise(method):
+    return method.dialog is not None or any(p.role == "picture" for p in method.params)
+
+
 def ts_method(method, indent):
     result = RESULT_TYPES[method.result]
-    dialog = next((p for p in method.params if p.role == "dialog"), None)
+    dialog = dialog_parameter(method)
     if dialog is not None:
         values = " | ".join(js_string(value) for value in dialog.dialog_values)
         signature = (f"{method.name}<A extends string>({ts_parameters(method.params, 'A')}): "
                      f"DialogCall<A, {values}, {result['ts']}, {result['resolved']}>;")
-    elif method.dialog or any(p.role == "picture" for p in method.params):
+    elif always_promise(method):
         signature = f"{method.name}({ts_parameters(method.params)}): Promise<{result['resolved']}>;"
     else:
         signature = f"{method.name}({ts_parameters(method.params)}): {result['ts']};"
-    return ts_doc(method.help, indent) + indent + signature
+    return ts_doc(method.help, indent, method.params) + indent + signature
 
 
 def ts_event(event, indent):
@@ -639,7 +693,7 @@ def ts_event(event, indent):
 
 
 def ts_sink_method(event, indent):
-    return ts_doc(event.help, indent) + f"{indent}{event.name}?({ts_parameters(event.params)}): void;"
+    return ts_doc(event.help, indent, event.params) + f"{indent}{event.name}?({ts_parameters(event.params)}): void;"
 
 
 def typescript(interface, description, template):
@@ -671,11 +725,151 @@ def typescript(interface, description, template):
     return "\n".join(lines) + "\n"
 
 
+# ---- the reference page ----
+
+def template_part(text, opening):
+    """The text between `opening`'s brace and the closing brace at the start of a line."""
+    match = re.search(rf"^{re.escape(opening)}[^{{]*\{{\n(.*?)^\}}", text, re.M | re.S)
+    return match.group(1) if match else ""
+
+
+def comment_paragraphs(comment):
+    """The paragraphs of a /** comment */'s text, each on one line."""
+    lines = [line.strip().lstrip("*").strip() for line in comment.splitlines()]
+    return [" ".join(paragraph.split()) for paragraph in "\n".join(lines).split("\n\n") if paragraph.strip()]
+
+
+def documented_declarations(text):
+    """(documentation, declaration) of each declaration after a /** comment */: the
+    declaration runs to the first ';' outside brackets."""
+    found = []
+    for comment in re.finditer(r"/\*\*(.*?)\*/", text, re.S):
+        doc = " ".join(comment_paragraphs(comment.group(1)))
+        depth, at = 0, comment.end()
+        while at < len(text) and not (text[at] == ";" and depth == 0):
+            if text.startswith("=>", at):
+                at += 1
+            elif text[at] in "{<(":
+                depth += 1
+            elif text[at] in "}>)":
+                depth -= 1
+            at += 1
+        declaration = " ".join(text[comment.end():at].split())
+        # A declaration written over several lines, on one.
+        found.append((doc, re.sub(r",? \)", ")", declaration.replace("( ", "("))))
+    return found
+
+
+def class_paragraphs(text, name):
+    """The paragraphs of the /** comment */ before the declaration of class `name`."""
+    doc = re.search(rf"/\*\*((?:(?!\*/).)*)\*/\s*export declare class {name} ", text, re.S)
+    return comment_paragraphs(doc.group(1)) if doc else []
+
+
+def md_cell(text):
+    return text.replace("|", "\\|")
+
+
+def md_code(text):
+    return f"`{text}`"
+
+
+def reference_returns(method):
+    result = RESULT_TYPES[method.result]
+    if always_promise(method):
+        return f"Promise<{result['resolved']}>"
+    if dialog_parameter(method):
+        return f"{result['ts']} | Promise<{result['resolved']}>"
+    return result["ts"]
+
+
+def reference_signature(method):
+    return f"{method.name}({ts_parameters(method.params)}): {reference_returns(method)}"
+
+
+def reference_result(method):
+    """When the call returns a Promise and what the call gives."""
+    result = RESULT_TYPES[method.result]
+    gives = {"void": "nothing", "BSTR": "a string", "BOOL": "a boolean"}[method.result]
+    resolves = "resolves" if method.result == "void" else f"resolves with {gives}"
+    dialog = dialog_parameter(method)
+    if any(p.role == "picture" for p in method.params):
+        return (f"a Promise, always: the pictures are fetched and decoded first, then the call runs; it {resolves}, "
+                f"or rejects with an `ImageEditLoadError` when a picture could not be fetched or decoded.")
+    if method.dialog:
+        return f"a Promise, always: it {resolves} once the person closes the dialog."
+    empty = f"; before the control exists, {result['js_empty']}" if result["js_empty"] else ""
+    if dialog is not None:
+        values = " or ".join("an empty string (or null)" if not value else f"{md_code(value)} (in any case)"
+                             for value in dialog.dialog_values)
+        return (f"with {md_code(dialog.name)} {values}, a Promise that {resolves} once the person closes the "
+                f"dialog; otherwise {gives}, at once{empty}.")
+    return f"{gives}, at once{empty}."
+
+
+def reference_parameters(params, heading="Argument"):
+    if not params:
+        return ["No arguments."]
+    rows = [f"| {heading} | Type | Range | Meaning |", "|---|---|---|---|"]
+    for p in params:
+        rows.append(f"| {md_code(p.name)} | {md_code(md_cell(PARAMETER_TYPES[p.type]['ts']))} | "
+                    f"{range_text(p) if p.range else ''} | {md_cell(p.help or '')} |")
+    return rows
+
+
+def reference(interface, description, template):
+    """The element's reference for people: its own members and events as the
+    declaration template documents them, then every method and event of the
+    description."""
+    text = Path(template).read_text(encoding="utf-8")
+    members = documented_declarations(template_part(text, "export declare class ImageEditControl "))
+    load_error = documented_declarations(template_part(text, "export declare class ImageEditLoadError "))
+    element_events = documented_declarations(template_part(text, "export interface ImageEditControlEventMap"))
+    names = [Path(description).name, Path(template).name]
+    lines = [
+        "# `<image-edit-control>` reference",
+        "",
+        f"<!-- Generated by {GENERATOR} from {names[0]} and {names[1]}: edit those instead. -->",
+        "",
+        "Every method of the element, with its arguments, their types and ranges, and what it gives back; "
+        "then its events. The element and its types come from the package's module, "
+        "`image-edit-control.js` (see the README).",
+        "",
+    ]
+    for paragraph in class_paragraphs(text, "ImageEditControl"):
+        lines += [paragraph, ""]
+    lines += ["## The element's own members", "", "| Member | What it is |", "|---|---|"]
+    lines += [f"| {md_code(md_cell(declaration))} | {md_cell(doc)} |" for doc, declaration in members]
+    if load_error:
+        lines += ["", "## ImageEditLoadError", "", *class_paragraphs(text, "ImageEditLoadError"), "",
+                  "| Member | What it is |", "|---|---|"]
+        lines += [f"| {md_code(md_cell(declaration))} | {md_cell(doc)} |" for doc, declaration in load_error]
+    lines += ["", "## Methods", "", "| Method | Returns | What it does |", "|---|---|---|"]
+    for m in interface.methods:
+        lines.append(f"| [{m.name}](#{m.name.lower()}) | {md_code(md_cell(reference_returns(m)))} | {md_cell(m.help)} |")
+    for m in interface.methods:
+        lines += ["", f"### {m.name}", "", md_code(reference_signature(m)), "", f"{m.help}.", ""]
+        lines += reference_parameters(m.params)
+        lines += ["", f"Returns {reference_result(m)}"]
+    lines += ["", "## Events", "",
+              "The control's events reach the page as `CustomEvent`s whose `detail` is the event's argument, "
+              "and a sink connected with `connectSink` as calls of its method of the event's name.", ""]
+    for event in interface.events:
+        lines += [f"### {event.name}", "", f"{event.help}.", ""]
+        lines += reference_parameters(event.params, "Detail")
+        lines.append("")
+    lines += ["### The element's own events", "", "| Event | What it is |", "|---|---|"]
+    lines += [f"| {md_code(md_cell(declaration))} | {md_cell(doc)} |" for doc, declaration in element_events]
+    return "\n".join(lines) + "\n"
+
+
 # ---- command line ----
 
 def generate(mode, description, template=None):
     """The files of that mode, by name."""
     interface = read_description(description)
+    if mode == "reference":
+        return {"REFERENCE.md": reference(interface, description, template)}
     if mode == "cpp":
         return {
             "control_methods.inc": cpp_declarations(interface, description),
@@ -690,12 +884,13 @@ def generate(mode, description, template=None):
 
 
 def main(argv):
-    if not ((len(argv) == 3 and argv[0] == "cpp") or (len(argv) == 4 and argv[0] == "web")):
+    if not ((len(argv) == 3 and argv[0] == "cpp") or (len(argv) == 4 and argv[0] in ("web", "reference"))):
         print("usage: generate_interface.py cpp DESCRIPTION OUTPUT_DIR\n"
-              "       generate_interface.py web DESCRIPTION DTS_TEMPLATE OUTPUT_DIR", file=sys.stderr)
+              "       generate_interface.py web DESCRIPTION DTS_TEMPLATE OUTPUT_DIR\n"
+              "       generate_interface.py reference DESCRIPTION DTS_TEMPLATE OUTPUT_DIR", file=sys.stderr)
         return 2
     try:
-        files = generate(argv[0], argv[1], argv[2] if argv[0] == "web" else None)
+        files = generate(argv[0], argv[1], argv[2] if len(argv) == 4 else None)
         folder = Path(argv[-1])
         folder.mkdir(parents=True, exist_ok=True)
         for name, text in files.items():

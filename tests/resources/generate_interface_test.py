@@ -9,8 +9,9 @@ import tempfile
 import unittest
 from pathlib import Path
 
-GENERATOR = Path(__file__).resolve().parents[2] / "src/resources/generate_interface.py"
-TEMPLATE = Path(__file__).resolve().parents[2] / "hosts/web/image-edit-control.d.ts.in"
+ROOT = Path(__file__).resolve().parents[2]
+GENERATOR = ROOT / "src/resources/generate_interface.py"
+TEMPLATE = ROOT / "hosts/web/image-edit-control.d.ts.in"
 
 # A case adds a method as line 10, after the others, or an event as line 16.
 VALID = """\
@@ -102,7 +103,19 @@ FAULTS = [
     (with_event('[id(2), helpstring("Scaled")] BSTR ImageScaled(int nScaleFactor);'), EVENT_LINE,
      "ImageScaled: an event has no result (void)"),
     (with_event('[id(2), helpstring("Scaled")] void ImageScaled([picture] BSTR lpszFile);'), EVENT_LINE,
-     "unknown attribute 'picture' on an event's parameter (known: none)"),
+     "unknown attribute 'picture' on an event's parameter (known: helpstring)"),
+    (with_method('[id(3), helpstring("Load")] void Load([range(0, 9, clamped)] BSTR lpszFile);'), METHOD_LINE,
+     "Load: parameter lpszFile: only an int parameter has a range"),
+    (with_method('[id(3), helpstring("Pen")] void SetPen([range(9, 0, clamped)] int nPenSize);'), METHOD_LINE,
+     "SetPen: parameter nPenSize: the range 9 to 0 is empty"),
+    (with_method('[id(3), helpstring("Pen")] void SetPen([range(0, 1.5, clamped)] int nPenSize);'), METHOD_LINE,
+     "SetPen: parameter nPenSize: a range's bounds are whole numbers"),
+    (with_method('[id(3), helpstring("Pen")] void SetPen([range(0, 9, wrapped)] int nPenSize);'), METHOD_LINE,
+     "SetPen: parameter nPenSize: say what other values do: clamped or ignored"),
+    (with_method('[id(3), helpstring("Pen")] void SetPen([range(0, 9)] int nPenSize);'), METHOD_LINE,
+     "attribute 'range' takes two numbers and a name"),
+    (with_method('[id(3), helpstring("Pen")] void SetPen([helpstring("a */ b")] int nPenSize);'), METHOD_LINE,
+     "SetPen: parameter nPenSize: a help string cannot hold */"),
     (VALID.replace("    [default, source] dispinterface _DEvents;\n", ""), 18,
      "the coclass names no default source"),
     (VALID.replace("[default] dispinterface _DMethods", "[default] dispinterface _DMissing"), 20,
@@ -136,6 +149,43 @@ class GeneratorTest(unittest.TestCase):
                 self.assertTrue(result.stderr.startswith(f"generate_interface.py: {path}:{line}: "), result.stderr)
                 self.assertIn(message, result.stderr)
                 self.assertFalse(output.exists())
+
+    def test_arguments_are_documented_in_the_declaration_and_the_reference(self):
+        documented = with_method('[id(3), helpstring("Sets the brightness")] void BrightenImage('
+                                 '[range(-5, 200, clamped), helpstring("100 leaves it")] int nBrightness);')
+        _, output, result = self.run_generator("web", documented, TEMPLATE)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertIn("   * Sets the brightness.\n   * @param nBrightness 100 leaves it (-5 to 200, clamped)\n   */\n"
+                      "  BrightenImage(nBrightness: number): void;",
+                      (output / "image-edit-control.d.ts").read_text(encoding="utf-8"))
+        _, output, result = self.run_generator("reference", documented, TEMPLATE)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        page = (output / "REFERENCE.md").read_text(encoding="utf-8")
+        brighten = page[page.index("### BrightenImage"):]
+        self.assertIn("| `nBrightness` | `number` | -5 to 200, clamped | 100 leaves it |", brighten)
+        self.assertIn("Returns nothing, at once.", brighten)
+        loading = page[page.index("### SetImage"):page.index("### GrayImage")]
+        self.assertIn("`SetImage(lpszFilePath: string): Promise<void>`", loading)
+        self.assertIn("Returns a Promise, always", loading)
+        # A flag takes a number or a boolean, which a table cell must not split.
+        self.assertIn("| `bGraying` | `number \\| boolean` |  |  |", page)
+        # Every method and event is listed, and the element's own members and events
+        # come from the template's documentation.
+        self.assertIn("| [GrayImage](#grayimage) | `void` | Grays |", page)
+        self.assertIn("### ColorSelected", page)
+        self.assertIn("| `readonly ready: Promise<ImageEditControl>` |", page)
+        self.assertIn("| `saved: CustomEvent<{ fileName: string; blob: Blob }>` |", page)
+
+    def test_the_committed_reference_is_what_the_description_gives(self):
+        folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        result = subprocess.run([sys.executable, str(GENERATOR), "reference", str(ROOT / "src/resources/image_edit_ctrl.odl"),
+                                 str(TEMPLATE), str(folder)], capture_output=True, text=True,
+                                env={**os.environ, "PYTHONDONTWRITEBYTECODE": "1"})
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual((ROOT / "REFERENCE.md").read_text(encoding="utf-8"),
+                         (folder / "REFERENCE.md").read_text(encoding="utf-8"),
+                         "REFERENCE.md is out of date; remake it with: python3 src/resources/generate_interface.py "
+                         "reference src/resources/image_edit_ctrl.odl hosts/web/image-edit-control.d.ts.in .")
 
     def test_the_template_must_have_each_generated_part(self):
         folder = Path(self.enterContext(tempfile.TemporaryDirectory()))

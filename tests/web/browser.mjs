@@ -1,6 +1,8 @@
 // What the browser tests and the web benchmark share: a small static file server for
 // build/web/ on 127.0.0.1 (a free port), and Debian's Chromium driven by
 // playwright-core with a fresh profile.
+import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
 import { createServer } from 'node:http';
 import { readFile } from 'node:fs/promises';
 import { extname, join, normalize, resolve } from 'node:path';
@@ -55,4 +57,15 @@ export function launchChromium() {
     args: ['--headless', '--no-sandbox', '--disable-gpu', '--no-first-run', '--disable-background-networking',
       '--disable-component-update', '--disable-sync', '--force-color-profile=srgb'],
   });
+}
+
+// The README's first `language` block after `marker`, as written there, so that tests
+// run what the README shows.
+export function readmeSnippet(marker, language) {
+  const readme = readFileSync(join(ROOT, 'README.md'), 'utf8');
+  const from = readme.indexOf(marker);
+  assert.notEqual(from, -1, `README.md has no "${marker}"`);
+  const block = readme.slice(from).match(new RegExp(`\`\`\`${language}\n([\\s\\S]*?)\`\`\`\n`));
+  assert.ok(block, `README.md has no ${language} block after "${marker}"`);
+  return block[1];
 }

@@ -2,7 +2,7 @@
 // scripts/build-web.sh puts beside the element. types.test.mjs compiles it: every call
 // here must type-check, and every call marked @ts-expect-error must be refused, so a
 // declaration that is too loose fails as surely as one that is wrong.
-import type { ImageEditControl } from '../../build/web/image-edit-control.js';
+import { ImageEditLoadError, type ImageEditControl } from '../../build/web/image-edit-control.js';
 
 export async function usesTheElement(): Promise<void> {
   const element = document.querySelector('image-edit-control');
@@ -37,6 +37,18 @@ export async function usesTheElement(): Promise<void> {
   const cookie: number = editor.connectSink({ ColorSelected: (picked) => console.log(picked.toLowerCase()) });
   editor.disconnectSink(cookie);
   const created: ImageEditControl = document.createElement('image-edit-control');
+  // The element's own results and events beside the control's.
+  const png: Blob = await editor.toBlob();
+  const jpeg: Blob = await editor.toBlob('image/jpeg', 0.9);
+  const waiting: boolean = editor.busy;
+  editor.addEventListener('load', (event) => console.log(event.detail.method, event.detail.source.length));
+  editor.addEventListener('error', (event) => console.log(event.detail.code.toFixed(0), event.detail.message));
+  try {
+    await editor.SetImage('missing.jpg');
+  } catch (failure) {
+    if (failure instanceof ImageEditLoadError) console.log(failure.code.toFixed(0), failure.source, failure.method);
+  }
+  console.log(png.size, jpeg.type, waiting);
   console.log(color, set, background, chosen, font, backgroundChosen, either, created);
 
   // @ts-expect-error a pen size is a number
@@ -65,5 +77,11 @@ export async function usesTheElement(): Promise<void> {
   editor.addEventListener('ImageScaled', (event) => console.log(event.detail.toUpperCase()));
   // @ts-expect-error a sink's ColorSelected receives the colour string
   editor.connectSink({ ColorSelected: (picked: number) => console.log(picked) });
+  // @ts-expect-error the quality is a number
+  editor.toBlob('image/jpeg', 'high');
+  // @ts-expect-error busy is for reading
+  editor.busy = true;
+  // @ts-expect-error a failed load's code is a number
+  editor.addEventListener('error', (event) => console.log(event.detail.code.toUpperCase()));
   console.log(loaded, now, later, notNull, factor);
 }
