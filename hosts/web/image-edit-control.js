@@ -258,7 +258,8 @@ export class ImageEditControl extends HTMLElement {
   // until its Promise settles.
   #callLater(name, args, run = () => this.#invoke(name, args)) {
     const call = async () => {
-      await this.ready;
+      // A removal just before the call began leaves it to the next control.
+      do await this.ready; while (this.#control === null);
       try {
         this.#openDialogs = [];
         const result = await run();
@@ -387,37 +388,45 @@ export class ImageEditControl extends HTMLElement {
   // page. The empty string is left to the engine, which refuses it.
   async #preparePicture(source) {
     if (source === '' || this.#engine.FS.analyzePath(source).exists) return;
+    // The element may be removed, and even put back with a new engine, while the
+    // browser fetches and decodes: nothing goes to an engine but the one asked.
     const control = this.#control;
+    // The engine's memory as bytes, viewed afresh each time: the memory grows with the
+    // pictures, and in the engine with threads it may grow on the other thread, which
+    // leaves every older view (the engine's own HEAPU8 too) on the shorter buffer.
+    const memory = this.#memory;
+    const heap = () => new Uint8Array(memory.buffer);
+    const stillAsked = () => {
+      if (this.#control !== control) throw new Error(`${source}: the element was removed from the page`);
+    };
     let bytes;
     try {
       bytes = await fetchBytes(source);
     } catch (failure) {
+      stillAsked();
       control.prepareFailure(source, failure.code ?? ERROR_INTERNET_INTERNAL_ERROR);
       return;
     }
+    stillAsked();
     const bytesAt = control.prepareBytes(source, bytes.length);
     if (bytesAt === 0) {
       control.prepareFailure(source, ERROR_NOT_ENOUGH_MEMORY);
       return;
     }
-    this.#heap().set(bytes, bytesAt);
+    heap().set(bytes, bytesAt);
     if (isBitmapFile(bytes)) return;
     // The browser decodes the bytes as the loader will read them, repaired.
-    const repaired = this.#heap().slice(bytesAt, bytesAt + control.repairBytes(source));
+    const repaired = heap().slice(bytesAt, bytesAt + control.repairBytes(source));
     const picture = await decodePicture(repaired);
     if (picture === null) return;
     try {
+      stillAsked();
       const pixelsAt = control.preparePixels(source, picture.width, picture.height);
-      if (pixelsAt !== 0) await picture.copyTo(() => this.#heap(), pixelsAt);
+      if (pixelsAt !== 0) await picture.copyTo(heap, pixelsAt);
     } finally {
       picture.close();
     }
   }
-
-  // The engine's memory as bytes, viewed afresh each time: the memory grows with the
-  // pictures, and in the engine with threads it may grow on the other thread, which
-  // leaves every older view (the engine's own HEAPU8 too) on the shorter buffer.
-  #heap() { return new Uint8Array(this.#memory.buffer); }
 
   // ---- what the engine asks of the page ----
 

@@ -77,11 +77,27 @@ test('a removed element gives up its control, a moved one keeps it, and a second
     document.body.append(editor);
     await editor.ready;
     const again = await hasPicture();
+    // Removed and put back while a picture is fetched and decoded: that call rejects,
+    // and nothing of it reaches the new control.
+    const cut = editor.SetImage('samples/landscape-12mp.jpg');
+    await new Promise((done) => setTimeout(done, 20));
+    editor.remove();
+    await new Promise((done) => setTimeout(done));
+    document.body.append(editor);
+    const cutShort = await cut.then(() => 'resolved', (error) => error.message);
+    await editor.SetImage('samples/tiles.bmp');
+    const [fresh] = await Promise.all([editor.toBlob('image/bmp').then((blob) => createImageBitmap(blob))]);
     const defined = customElements.get('image-edit-control');
     await import(`./image-edit-control.js?${Math.random()}`);
-    return { moved, removed, again, sameDefinition: customElements.get('image-edit-control') === defined };
+    return {
+      moved, removed, again, cutShort, fresh: [fresh.width, fresh.height],
+      sameDefinition: customElements.get('image-edit-control') === defined,
+    };
   });
-  assert.deepEqual(outcome, { moved: true, removed: [null, true], again: false, sameDefinition: true });
+  assert.deepEqual(outcome, {
+    moved: true, removed: [null, true], again: false, fresh: [256, 192], sameDefinition: true,
+    cutShort: 'samples/landscape-12mp.jpg: the element was removed from the page',
+  });
   await closePage(page);
 });
 
