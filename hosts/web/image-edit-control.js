@@ -432,13 +432,13 @@ export class ImageEditControl extends HTMLElement {
 
   #pageSide() {
     return {
-      // Only the rows [top, bottom) changed since the frame before, and only they are
-      // put on the canvas. A frame of a new size comes whole; the canvas must not be
+      // Only [left, right) x [top, bottom) changed since the frame before, and only it
+      // is put on the canvas. A frame of a new size comes whole; the canvas must not be
       // cleared (its size set) without a frame of the new size following.
-      presentFrame: (address, width, height, top, bottom) => {
+      presentFrame: (address, width, height, left, top, right, bottom) => {
         const frame = new Uint8ClampedArray(this.#memory.buffer, address, width * height * 4);
-        this.#context.putImageData(this.#frameImage(frame, width, height, top, bottom), 0, 0, 0, top, width,
-          bottom - top);
+        this.#context.putImageData(this.#frameImage(frame, width, height, top, bottom), 0, 0, left, top,
+          right - left, bottom - top);
       },
       showCursor: (id) => {
         this.#cursor = this.#cursorCss(id);

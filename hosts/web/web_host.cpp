@@ -60,20 +60,28 @@ void WebHost::PresentPendingFrame() {
   if (pixels == nullptr) return;
   // 0x00RRGGBB words become the canvas's R, G, B, A bytes (an opaque pixel, read as a
   // little-endian word, is 0xFFBBGGRR). The last frame presented is kept, so that only
-  // the rows that differ from it go to the canvas: a drag changes a band of the frame,
-  // and putting the whole of it on the canvas costs more than painting it.
+  // what differs from it goes to the canvas: a drag changes a band of the frame, and
+  // putting the whole of it on the canvas costs more than painting it. Outside what
+  // was drawn on since then the kept copy is still the frame, so only that part is
+  // converted and compared.
   const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   const bool fresh = width != rgbaWidth_ || rgba_.size() != count;
+  RECT drawn = platform::TakeHostFrameDrawn(hostWindow);
+  if (fresh) drawn = RECT{0, 0, width, height};
+  const int left = std::clamp(static_cast<int>(drawn.left), 0, width);
+  const int right = std::clamp(static_cast<int>(drawn.right), left, width);
   rgba_.resize(count);
   rgbaWidth_ = width;
   int top = height;
   int bottom = 0;
-  for (int y = 0; y < height; ++y) {
+  for (int y = std::clamp(static_cast<int>(drawn.top), 0, height),
+           end = std::clamp(static_cast<int>(drawn.bottom), 0, height);
+       y < end; ++y) {
     const std::size_t first = static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
     const std::uint32_t* from = pixels + first;
     std::uint32_t* to = rgba_.data() + first;
     std::uint32_t changed = fresh ? 1 : 0;
-    for (int x = 0; x < width; ++x) {
+    for (int x = left; x < right; ++x) {
       const std::uint32_t p = from[x];
       const std::uint32_t q = 0xFF000000u | ((p & 0xFFu) << 16) | (p & 0xFF00u) | ((p >> 16) & 0xFFu);
       changed |= q ^ to[x];
@@ -84,9 +92,9 @@ void WebHost::PresentPendingFrame() {
       bottom = y + 1;
     }
   }
-  if (top >= bottom) return;
-  page_.call<void>("presentFrame", reinterpret_cast<std::uintptr_t>(rgba_.data()), width, height, top,
-                   bottom);
+  if (top >= bottom || left >= right) return;
+  page_.call<void>("presentFrame", reinterpret_cast<std::uintptr_t>(rgba_.data()), width, height, left, top,
+                   right, bottom);
 }
 
 void WebHost::ShowCursor(int resourceId) { page_.call<void>("showCursor", resourceId); }

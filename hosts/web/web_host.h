@@ -53,9 +53,10 @@ class WebHost : public platform::Host {
   UINT TakeMenuChoice(UINT id);
 
   // Copies the host window's frame, if it changed since the last time, for the page to
-  // draw: RGBA bytes, top-down rows of the frame's width, with the rows [top, bottom)
-  // that differ from the frame presented before (all of them after a change of size);
-  // a frame the same as that one is not presented.
+  // draw: RGBA bytes, top-down rows of the frame's width, with the rectangle
+  // [left, right) x [top, bottom) holding all that differs from the frame presented
+  // before (the whole frame after a change of size); a frame the same as that one is
+  // not presented.
   void PresentPendingFrame();
 
   void PresentFrame(HWND hostWindow) override { pendingFrame_ = hostWindow; }

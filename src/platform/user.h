@@ -444,6 +444,10 @@ unsigned long long ClockNow();
 
 // The host window's composed frame.
 HBITMAP HostFrame(HWND host);
+// The part of the host's frame (frame coordinates; empty when none) that was drawn on
+// since the last call, all of it when the frame is new (made, or the host resized):
+// a host that keeps a copy of the frame need look nowhere else for what changed.
+RECT TakeHostFrameDrawn(HWND host);
 
 // A cursor resource's picture: top-down rows of 0xAARRGGBB (alpha 0 = transparent).
 struct CursorArtwork {

@@ -149,13 +149,24 @@ void FlushPaint(HWND host) {
   PresentIfChanged(host);
 }
 
+RECT TakeHostFrameDrawn(HWND host) {
+  Window* window = Find(host);
+  if (window == nullptr || window->frame == nullptr) return RECT{};
+  const RECT drawn = window->frameDrawn;
+  window->frameDrawn = RECT{};
+  return drawn;
+}
+
 namespace user {
 
 HDC HostFrameDC(const window::Window& window, POINT origin, const RECT& clip) {
   Window* host = window::HostOf(window.handle);
   if (host == nullptr || host->frame == nullptr) return nullptr;
   HDC dc = CreateWindowDC(host->frame, origin.x, origin.y, clip);
-  if (dc != nullptr) host->frameChanged = true;
+  if (dc != nullptr) {
+    host->frameChanged = true;
+    host->frameDrawn = window::Union(host->frameDrawn, clip);
+  }
   return dc;
 }
 

@@ -355,6 +355,7 @@ HWND CreateHostWindow(int width, int height) {
                                 static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH))};
   Window& root = window::Add(nullptr, hostClass, u"", WS_VISIBLE, 0, RECT{0, 0, width, height});
   root.frame = frame;
+  root.frameDrawn = root.rect;  // a new frame is all news to whoever copies it
   user::SetScreenSize(width, height);
   InvalidateRect(root.handle, nullptr, TRUE);
   return root.handle;
@@ -371,6 +372,7 @@ bool ResizeHostWindow(HWND host, int width, int height) {
   DeleteObject(root->frame);
   root->frame = frame;
   root->rect = RECT{0, 0, width, height};
+  root->frameDrawn = root->rect;
   user::SetScreenSize(width, height);
   // The new frame holds nothing yet: every window paints into it again.
   InvalidateTree(*root);

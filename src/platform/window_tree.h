@@ -52,6 +52,7 @@ struct Window {
   std::unique_ptr<ClassData> classData;
   HBITMAP frame = nullptr;    // a host root's composed frame
   bool frameChanged = false;  // a host root's frame holds pixels not yet presented
+  RECT frameDrawn{};          // what of a host root's frame DCs drew on since it was taken
   RECT update{};              // pending invalid area in client coordinates; empty when none
   bool erasePending = false;
   bool nonClientPending = false;  // its frame and scroll bars need drawing in the next paint pass

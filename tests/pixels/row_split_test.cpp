@@ -31,7 +31,7 @@ std::vector<int> VisitsOfOnePass(std::atomic<int>* running = nullptr) {
 }
 
 TEST(RowSplit, PartsCoverEveryRowOnceInOrder) {
-  for (const auto [height, width] : {std::pair{kTall, kWide}, {3, 1 << 20}, {1, 1 << 20}, {7, 3}}) {
+  for (const auto& [height, width] : {std::pair{kTall, kWide}, {3, 1 << 20}, {1, 1 << 20}, {7, 3}}) {
     const std::vector<RowPart> parts = RowParts(height, width);
     ASSERT_FALSE(parts.empty());
     int next = 0;

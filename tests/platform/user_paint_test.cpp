@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <vector>
+
 #include "user_test_support.h"
 
 namespace {
@@ -76,6 +79,76 @@ TEST_F(Painting, WindowDcsDrawInsideTheClientAreaAndLeakNothing) {
   EXPECT_EQ(ReleaseDC(child_.m_hWnd, dc), 1);
   ExpectFramePixels({{16, 17, kGreen}, {35, 17, kRed}});
   EXPECT_EQ(platform::LiveGdiObjects().total(), before.total());
+}
+
+// A host that copies the frame looks only where it was drawn on: every pixel that
+// changed must lie inside what TakeHostFrameDrawn reports.
+class DrawnArea : public Painting {
+ protected:
+  std::vector<std::uint32_t> Frame() {
+    int width = 0;
+    int height = 0;
+    const std::uint32_t* pixels = platform::BitmapPixels(platform::HostFrame(hostWindow_), &width, &height);
+    return std::vector<std::uint32_t>(pixels, pixels + static_cast<std::ptrdiff_t>(width) * height);
+  }
+  // The pixels of `after` that differ from `before`, all inside `drawn`; returns how many.
+  int ChangesInside(const std::vector<std::uint32_t>& before, const std::vector<std::uint32_t>& after,
+                    const RECT& drawn) {
+    int changes = 0;
+    for (int y = 0; y < kHeight; ++y) {
+      for (int x = 0; x < kWidth; ++x) {
+        if (before[static_cast<std::size_t>(y * kWidth + x)] == after[static_cast<std::size_t>(y * kWidth + x)])
+          continue;
+        ++changes;
+        EXPECT_TRUE(x >= drawn.left && x < drawn.right && y >= drawn.top && y < drawn.bottom)
+            << x << "," << y << " changed outside the area drawn on";
+      }
+    }
+    return changes;
+  }
+};
+
+TEST_F(DrawnArea, ANewFrameIsDrawnWholeAndTakingEmptiesIt) {
+  const RECT whole = platform::TakeHostFrameDrawn(hostWindow_);
+  EXPECT_EQ(whole.left, 0);
+  EXPECT_EQ(whole.top, 0);
+  EXPECT_EQ(whole.right, kWidth);
+  EXPECT_EQ(whole.bottom, kHeight);
+  platform::FlushPaint(hostWindow_);
+  platform::TakeHostFrameDrawn(hostWindow_);
+  platform::FlushPaint(hostWindow_);  // nothing pending: nothing drawn
+  const RECT none = platform::TakeHostFrameDrawn(hostWindow_);
+  EXPECT_TRUE(none.left >= none.right || none.top >= none.bottom);
+  ASSERT_TRUE(platform::ResizeHostWindow(hostWindow_, kWidth + 20, kHeight));
+  const RECT resized = platform::TakeHostFrameDrawn(hostWindow_);
+  EXPECT_EQ(resized.right, kWidth + 20);
+  EXPECT_EQ(resized.bottom, kHeight);
+  EXPECT_EQ(platform::TakeHostFrameDrawn(nullptr).right, 0);
+}
+
+TEST_F(DrawnArea, RepaintsAndWindowDcsReportWhereTheyDrewOnTheHost) {
+  platform::FlushPaint(hostWindow_);
+  platform::TakeHostFrameDrawn(hostWindow_);
+  std::vector<std::uint32_t> before = Frame();
+  // Part of the child (at 15,15 on the host) repainted in another colour.
+  child_.color = RGB(0, 255, 0);
+  RECT part{2, 3, 6, 7};
+  InvalidateRect(child_.m_hWnd, &part, TRUE);
+  platform::FlushPaint(hostWindow_);
+  RECT drawn = platform::TakeHostFrameDrawn(hostWindow_);
+  EXPECT_EQ(ChangesInside(before, Frame(), drawn), 16);
+  EXPECT_LE(drawn.right - drawn.left, 10);  // no more than the child's client area
+  // Drawn on through a DC between two presents, and a child moved: the area grows to
+  // hold both until it is taken.
+  before = Frame();
+  HDC dc = GetDC(parent_.m_hWnd);
+  SetPixel(dc, 40, 30, RGB(0, 0, 0));
+  ReleaseDC(parent_.m_hWnd, dc);
+  ASSERT_TRUE(MoveWindow(child_.m_hWnd, 0, 0, 10, 10, TRUE));
+  platform::FlushPaint(hostWindow_);
+  drawn = platform::TakeHostFrameDrawn(hostWindow_);
+  EXPECT_GT(ChangesInside(before, Frame(), drawn), 100);
+  EXPECT_EQ(FramePixel(50, 40), 0u);
 }
 
 }  // namespace
