@@ -2,6 +2,8 @@
 // runs once and is done by the time the pass returns, the helper is one thread kept
 // from pass to pass, and passes that meet (from other threads, or from inside a
 // part) neither wait forever nor lose a part.
+#include "pixels/row_split.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,8 +11,6 @@
 #include <chrono>
 #include <thread>
 #include <vector>
-
-#include "pixels/row_split.h"
 
 namespace {
 

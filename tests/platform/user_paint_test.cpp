@@ -97,7 +97,8 @@ class DrawnArea : public Painting {
     int changes = 0;
     for (int y = 0; y < kHeight; ++y) {
       for (int x = 0; x < kWidth; ++x) {
-        if (before[static_cast<std::size_t>(y * kWidth + x)] == after[static_cast<std::size_t>(y * kWidth + x)])
+        if (before[static_cast<std::size_t>(y * kWidth + x)] ==
+            after[static_cast<std::size_t>(y * kWidth + x)])
           continue;
         ++changes;
         EXPECT_TRUE(x >= drawn.left && x < drawn.right && y >= drawn.top && y < drawn.bottom)
