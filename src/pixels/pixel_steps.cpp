@@ -53,6 +53,19 @@ void ApplyTables(const Tables& tables, const BYTE* in, BYTE* out, int count) {
   }
 }
 
+// The vector sums end as one word of blue, green, red and a zero byte: a 32-bit
+// pixel takes it whole, a 24-bit one its three low bytes.
+template <int Bpp>
+[[maybe_unused]] void StorePixel(std::uint32_t word, BYTE* out) {
+  if constexpr (Bpp == 4) {
+    std::memcpy(out, &word, 4);
+  } else {
+    out[0] = static_cast<BYTE>(word);
+    out[1] = static_cast<BYTE>(word >> 8);
+    out[2] = static_cast<BYTE>(word >> 16);
+  }
+}
+
 #ifndef __wasm_simd128__
 BYTE ToByte(double v) { return v < 0 ? 0 : v > 255 ? 255 : static_cast<BYTE>(v); }
 
@@ -92,13 +105,7 @@ __attribute__((target("avx2"))) void ApplyMatrixAvx2(const Matrix& m, const BYTE
     const __m128i whole = _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(sum, low), high));
     const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(whole, whole), whole);
     const auto word = static_cast<std::uint32_t>(_mm_cvtsi128_si32(bytes));
-    if constexpr (Bpp == 4) {
-      std::memcpy(out, &word, 4);
-    } else {
-      out[0] = static_cast<BYTE>(word);
-      out[1] = static_cast<BYTE>(word >> 8);
-      out[2] = static_cast<BYTE>(word >> 16);
-    }
+    StorePixel<Bpp>(word, out);
   }
 }
 
@@ -135,13 +142,7 @@ void ApplyMatrixSimd128(const Matrix& m, const BYTE* in, BYTE* out, int count) {
     const v128_t shorts = wasm_i16x8_narrow_i32x4(whole, whole);
     const auto word =
         static_cast<std::uint32_t>(wasm_i32x4_extract_lane(wasm_u8x16_narrow_i16x8(shorts, shorts), 0));
-    if constexpr (Bpp == 4) {
-      std::memcpy(out, &word, 4);
-    } else {
-      out[0] = static_cast<BYTE>(word);
-      out[1] = static_cast<BYTE>(word >> 8);
-      out[2] = static_cast<BYTE>(word >> 16);
-    }
+    StorePixel<Bpp>(word, out);
   }
 }
 #endif

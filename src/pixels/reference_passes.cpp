@@ -101,6 +101,19 @@ void SmoothPixels(const PixelRect& rect, int steps) {
   });
 }
 
+void AdjustPixels(const PixelRect& rect, const AdjustmentSettings& s) {
+  reference::AdjustColors(rect, s);
+  WhitenPixels(rect, s.whitenSteps);
+  SharpenPixels(rect, s.sharpenSteps);
+  SmoothPixels(rect, s.smoothSteps);
+  ForEachPixel(rect, [&](BYTE* p, int, int) {
+    if (s.invert) {
+      for (int k = 0; k < 3; ++k) p[k] = static_cast<BYTE>(255 - p[k]);
+    }
+    if (s.gray) p[0] = p[1] = p[2] = static_cast<BYTE>((p[2] * 0.299 + p[0] * 0.114) + p[1] * 0.587);
+  });
+}
+
 void MirrorRows(const PixelRect& rect) {
   ForEachPixel(rect, [&](BYTE* pixel, int x, int y) {
     if (2 * x + 1 >= rect.width()) return;

@@ -15,6 +15,9 @@ void AdjustColors(const PixelRect& rect, const AdjustmentSettings& settings);
 void WhitenPixels(const PixelRect& rect, int steps);
 void SharpenPixels(const PixelRect& rect, int steps);
 void SmoothPixels(const PixelRect& rect, int steps);
+// The whole adjustment a rebuild runs: the colour pass, the three neighbourhood
+// filters, then invert and gray.
+void AdjustPixels(const PixelRect& rect, const AdjustmentSettings& settings);
 
 // The effects, pixel by pixel: exchanges byte by byte, the rotation without tiles, the
 // convolution reading a whole working copy, the histogram counted in one pass.

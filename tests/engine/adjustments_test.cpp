@@ -300,15 +300,7 @@ TEST_F(AdjustmentsTest, RebuildsGiveThePlainPassesBytes) {
           p[0] = GetBValue(c), p[1] = GetGValue(c), p[2] = GetRValue(c);
         }
       }
-      reference::AdjustColors(buffer.Whole(), settings);
-      reference::WhitenPixels(buffer.Whole(), settings.whitenSteps);
-      reference::SharpenPixels(buffer.Whole(), settings.sharpenSteps);
-      reference::SmoothPixels(buffer.Whole(), settings.smoothSteps);
-      if (settings.invert) {
-        ForEachPixel(buffer.Whole(), [](BYTE* p, int, int) {
-          for (int k = 0; k < 3; ++k) p[k] = static_cast<BYTE>(255 - p[k]);
-        });
-      }
+      reference::AdjustPixels(buffer.Whole(), settings);
       reference::SharpenPixels(buffer.Whole(), lastSharpen);
       std::vector<COLORREF> colors;
       for (int y = 0; y < height; ++y) {
