@@ -258,15 +258,10 @@ TEST_F(AdjustmentsTest, AWorkingCopyOutOfMemorySkipsItsFilterButKeepsTheSetting)
 // change a byte. A random picture against the plain passes after setters of every
 // kind, the filter being set running last, then after an undo and a redo.
 TEST_F(AdjustmentsTest, RebuildsGiveThePlainPassesBytes) {
-  struct Layout {
-    const char* what;
-    int width, height, clientWidth, clientHeight;
-    int imageWidth;  // SetImageWidth's argument; 0 leaves it at 100 %
-  };
-  const Layout layouts[] = {{"filling the surface", 520, 520, 40, 30, 0},
+  const PictureLayout layouts[] = {{"filling the surface", 520, 520, 40, 30, 0},
                             {"centred in it", 33, 131, 90, 200, 0},
                             {"scaled down", 300, 200, 400, 300, -70}};
-  for (const Layout& layout : layouts) {
+  for (const PictureLayout& layout : layouts) {
     SCOPED_TRACE(layout.what);
     std::mt19937 random(17);
     std::vector<Bytes> pixels(static_cast<std::size_t>(layout.width * layout.height));

@@ -319,12 +319,7 @@ TEST_F(EffectsTest, OutOfMemory) {
 // pictures filling the surface, centred in it and scaled down; each effect alone, then
 // all in turn.
 TEST_F(EffectsTest, MappedRowsAndTheBufferGiveTheSameSurface) {
-  struct Layout {
-    const char* what;
-    int width, height, clientWidth, clientHeight;
-    int imageWidth;  // SetImageWidth's argument; 0 leaves it at 100 %
-  };
-  const Layout layouts[] = {{"filling the surface", 75, 67, 40, 30, 0},
+  const PictureLayout layouts[] = {{"filling the surface", 75, 67, 40, 30, 0},
                             {"centred in it", 37, 33, 90, 100, 0},
                             {"scaled down", 97, 71, 110, 90, -65}};
   using Effect = void (CImageEditWnd::*)();
@@ -333,7 +328,7 @@ TEST_F(EffectsTest, MappedRowsAndTheBufferGiveTheSameSurface) {
       {"EmbossImage", &CImageEditWnd::EmbossImage}, {"EqualizeHistogram", &CImageEditWnd::EqualizeHistogram},
       {"CheckImage", &CImageEditWnd::CheckImage},   {"BlockImage", &CImageEditWnd::BlockImage}};
   unsigned seed = 20;
-  for (const Layout& layout : layouts) {
+  for (const PictureLayout& layout : layouts) {
     SCOPED_TRACE(layout.what);
     const std::vector<COLORREF> colors = RandomColors(layout.width * layout.height, ++seed);
     // The surface after `run`, then the levels it recorded.

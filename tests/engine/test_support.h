@@ -75,6 +75,14 @@ struct LiveEditor {
   void Click(int x, int y) { Drag(x, y, x, y); }
 };
 
+// A picture in an editor window, for tests that must hold for each way a picture can
+// lie in the surfaces: filling them, centred in larger ones, or scaled down.
+struct PictureLayout {
+  const char* what;
+  int width, height, clientWidth, clientHeight;
+  int imageWidth;  // SetImageWidth's argument; 0 leaves it at 100 %
+};
+
 // Every pixel of the bitmap selected into a DC.
 inline std::vector<COLORREF> SurfaceColors(HDC dc, int width, int height) {
   std::vector<COLORREF> colors;
