@@ -147,7 +147,7 @@ export class ImageEditControl extends HTMLElement {
 
   connectedCallback() {
     if (!this.hasAttribute('tabindex')) this.tabIndex = 0;
-    this.#internals.ariaLabel = (SPOKEN[this.#language()] ?? SPOKEN.en).name;
+    this.#internals.ariaLabel = this.#spoken().name;
     if (this.#engine === null) this.#create();
   }
 
@@ -158,7 +158,7 @@ export class ImageEditControl extends HTMLElement {
   }
 
   attributeChangedCallback(name) {
-    if (name === 'lang') this.#internals.ariaLabel = (SPOKEN[this.#language()] ?? SPOKEN.en).name;
+    if (name === 'lang') this.#internals.ariaLabel = this.#spoken().name;
     else this.#sizing.attributesChanged();
   }
 
@@ -211,6 +211,8 @@ export class ImageEditControl extends HTMLElement {
 
   // The element's language: the two letters of its `lang` attribute or the browser's.
   #language() { return (this.getAttribute('lang') || navigator.language || '').toLowerCase().slice(0, 2); }
+  // What assistive technology hears, in that language.
+  #spoken() { return SPOKEN[this.#language()] ?? SPOKEN.en; }
 
   // ---- events and sinks ----
 
@@ -286,7 +288,7 @@ export class ImageEditControl extends HTMLElement {
       const result = this.#invoke(method.name, args);
       const reads = this.#pictureReads;
       this.#pictureReads = [];
-      const spoken = SPOKEN[this.#language()] ?? SPOKEN.en;
+      const spoken = this.#spoken();
       for (const { source, error, message } of reads) {
         if (error === 0) {
           this.dispatchEvent(new CustomEvent('load', { detail: { method: method.name, source } }));
@@ -307,13 +309,9 @@ export class ImageEditControl extends HTMLElement {
   // file the control writes. Rejects when there is no picture to save.
   toBlob(type = 'image/png', quality = undefined) {
     return this.#callLater('toBlob', [], async () => {
-      const FS = this.#engine.FS;
-      const path = this.#control.savePath(EXPORT_FILE);
-      if (FS.analyzePath(path).exists) FS.unlink(path);
-      this.#invoke('SaveEditedBitmap', [EXPORT_FILE]);
-      if (!FS.analyzePath(path).exists) throw new Error('toBlob: there is no picture to save');
-      const bitmapFile = new Blob([FS.readFile(path)], { type: 'image/bmp' });
-      FS.unlink(path);
+      const { path, file: bitmapFile } = this.#saving('SaveEditedBitmap', [EXPORT_FILE], EXPORT_FILE);
+      if (bitmapFile === null) throw new Error('toBlob: there is no picture to save');
+      this.#engine.FS.unlink(path);
       if (type === 'image/bmp') return bitmapFile;
       const bitmap = await createImageBitmap(bitmapFile, { premultiplyAlpha: 'none', colorSpaceConversion: 'none' });
       const canvas = new OffscreenCanvas(bitmap.width, bitmap.height);
@@ -365,20 +363,27 @@ export class ImageEditControl extends HTMLElement {
   // A save also hands the written file to the page: the `saved` event carries its
   // path in the in-memory file system and a Blob of its bytes.
   #save(method, args) {
-    const file = args[method.savefile];
-    const path = typeof file === 'string' && file !== '' ? this.#control.savePath(file) : null;
+    const { result, path, file } = this.#saving(method.name, args, args[method.savefile]);
+    if (file !== null) {
+      this.dispatchEvent(new CustomEvent('saved', { detail: { fileName: path, blob: file } }));
+      this.#announce(this.#spoken().saved);
+    }
+    return result;
+  }
+
+  // Calls a method that saves a bitmap file under `name`: its result, the file's path
+  // and, when the call wrote it, the file as a Blob (null when it wrote nothing).
+  #saving(methodName, args, name) {
+    const path = typeof name === 'string' && name !== '' ? this.#control.savePath(name) : null;
     const FS = this.#engine.FS;
     const written = () => path !== null && FS.analyzePath(path).exists && FS.stat(path).mtime.getTime() !== 0;
     // A file of that name already there is marked, so that only a new write counts.
     if (written()) FS.utime(path, 0, 0);
-    const result = this.#invoke(method.name, args);
-    if (written()) {
-      const blob = new Blob([FS.readFile(path)], { type: 'image/bmp' });
-      this.dispatchEvent(new CustomEvent('saved', { detail: { fileName: path, blob } }));
-      this.#announce((SPOKEN[this.#language()] ?? SPOKEN.en).saved);
-    }
-    return result;
+    const result = this.#invoke(methodName, args);
+    const file = written() ? new Blob([FS.readFile(path)], { type: 'image/bmp' }) : null;
+    return { result, path, file };
   }
+
 
   // ---- pictures ----
 
