@@ -1,6 +1,7 @@
 #include "platform/raster.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <new>
 
@@ -15,12 +16,23 @@ struct Raster::Block {
 
 namespace {
 
+std::atomic<std::size_t> g_liveBytes{0};
+
 std::shared_ptr<std::uint32_t[]> NewRows(std::size_t pixels) {
+  const std::size_t bytes = pixels * sizeof(std::uint32_t);
   // Not value-initialised: every caller writes all of it at once.
-  return std::shared_ptr<std::uint32_t[]>(new std::uint32_t[pixels]);
+  std::uint32_t* memory = new std::uint32_t[pixels];
+  g_liveBytes += bytes;
+  // Should the shared pointer's own allocation fail, it calls the deleter itself.
+  return std::shared_ptr<std::uint32_t[]>(memory, [bytes](std::uint32_t* p) {
+    g_liveBytes -= bytes;
+    delete[] p;
+  });
 }
 
 }  // namespace
+
+std::size_t LivePixelBytes() { return g_liveBytes.load(std::memory_order_relaxed); }
 
 Raster::Band Raster::UniformBand(const std::shared_ptr<Block>& block) { return Band{block, block->rows, 0}; }
 

@@ -114,6 +114,9 @@ class Raster {
   std::uint32_t* pinned_ = nullptr;
 };
 
+// Bytes of pixel storage alive in every raster of the process together.
+std::size_t LivePixelBytes();
+
 constexpr std::uint32_t PixelOf(COLORREF color) {
   return ((color & 0xFF) << 16) | (color & 0xFF00) | ((color >> 16) & 0xFF);
 }
