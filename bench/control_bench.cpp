@@ -21,18 +21,14 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "control/dispatch_table.h"
-#include "control/image_edit_ctrl.h"
 #include "imageio/bitmap_file_writer.h"
 #include "pixels/convolve.h"
 #include "pixels/equalize.h"
@@ -48,8 +44,10 @@
 #include <opencv2/imgproc.hpp>
 #endif
 
+#include "hosted_control.h"
+#include "measure.h"
 // After the platform headers: jpeglib defines TRUE and FALSE as macros.
-#include "jpeg_file.h"
+#include "generated_photo.h"
 
 namespace {
 
@@ -72,41 +70,10 @@ constexpr int kHeight = 3000;
 constexpr int kControlWidth = 1024;
 constexpr int kControlHeight = 768;
 
-using Clock = std::chrono::steady_clock;
-
 std::string BenchFile(const char* name) { return platform::TempFolder() + "imageedit_control_bench_" + name; }
 
-// Blue, green, red rows, top-down, packed. Deterministic: the same bytes every run.
-std::vector<std::uint8_t> MakePhoto() {
-  std::vector<std::uint8_t> bgr(static_cast<std::size_t>(kWidth) * kHeight * 3);
-  std::uint32_t state = 1;
-  for (int y = 0; y < kHeight; ++y) {
-    const double fy = static_cast<double>(y) / kHeight;
-    for (int x = 0; x < kWidth; ++x) {
-      const double fx = static_cast<double>(x) / kWidth;
-      state = state * 214013u + 2531011u;
-      const double noise = static_cast<double>((state >> 16) & 31) - 15.5;
-      const double texture = 18.0 * std::sin(x * 0.21 + 3.0 * std::sin(y * 0.05)) * std::cos(y * 0.17);
-      const double sky = 60.0 + 150.0 * fy + 30.0 * std::sin(fx * 6.0 + fy * 2.0);
-      const double hills = 90.0 + 80.0 * std::sin(fx * 9.0) * std::cos(fy * 5.0);
-      const double sun = 200.0 * std::exp(-((fx - 0.7) * (fx - 0.7) + (fy - 0.3) * (fy - 0.3)) * 18.0);
-      const double channel[3] = {sky + texture * 0.5 + noise, hills + texture + noise,
-                                 sun + 40.0 * fx + noise};
-      std::uint8_t* p = bgr.data() + (static_cast<std::size_t>(y) * kWidth + x) * 3;
-      for (int c = 0; c < 3; ++c) p[c] = static_cast<std::uint8_t>(std::clamp(channel[c], 0.0, 255.0));
-    }
-  }
-  return bgr;
-}
-
 void WriteJpeg(const std::vector<std::uint8_t>& bgr, const std::string& path) {
-  std::vector<std::uint8_t> rgb(bgr.size());
-  for (std::size_t i = 0; i < bgr.size(); i += 3) {
-    rgb[i] = bgr[i + 2];
-    rgb[i + 1] = bgr[i + 1];
-    rgb[i + 2] = bgr[i];
-  }
-  if (!WriteJpegFile(rgb.data(), kWidth, kHeight, 90, path)) {
+  if (!WritePhotoJpeg(bgr, kWidth, kHeight, path)) {
     std::perror(path.c_str());
     std::exit(1);
   }
@@ -145,61 +112,6 @@ void WriteSmallPicture(const std::string& path, int width, int height) {
   }
 }
 
-// One control in a host window, called by name as a scripting host calls it.
-class HostedControl {
- public:
-  HostedControl() {
-    window_ = platform::CreateHostWindow(kControlWidth, kControlHeight);
-    control_ = std::make_unique<CImageEditCtrl>();
-    if (!window_ || !control_->CreateControl(window_, kControlWidth, kControlHeight)) {
-      std::fprintf(stderr, "control_bench: cannot create the control\n");
-      std::exit(1);
-    }
-  }
-  ~HostedControl() {
-    control_->DestroyWindow();
-    control_.reset();
-    DestroyWindow(window_);
-  }
-
-  void Call(const char* method, std::vector<Variant> args) {
-    const InvokeResult result = Invoke(*control_, method, args);
-    if (FAILED(result.hr)) {
-      std::fprintf(stderr, "control_bench: %s: %s\n", method, result.error.c_str());
-      std::exit(1);
-    }
-    platform::FlushPaint(window_);
-  }
-  void Call(const char* method, int value) { Call(method, {Variant::Int(value)}); }
-  void Call(const char* method, const std::string& text) { Call(method, {Variant::String(text)}); }
-  void Drag(int x0, int y0, int x1, int y1) {
-    platform::MouseInput(window_, WM_LBUTTONDOWN, x0, y0);
-    platform::MouseInput(window_, WM_MOUSEMOVE, x1, y1);
-    platform::MouseInput(window_, WM_LBUTTONUP, x1, y1);
-    platform::FlushPaint(window_);
-  }
-  void Type(const std::string& ascii) {
-    for (char c : ascii) platform::CharInput(window_, static_cast<unsigned char>(c));
-    platform::FlushPaint(window_);
-  }
-  void Scroll(UINT code) {
-    SendMessageA(GetDlgItem(control_->m_hWnd, kEditorWindowId), WM_VSCROLL, code, 0);
-    platform::FlushPaint(window_);
-  }
-
- private:
-  HWND window_ = nullptr;
-  std::unique_ptr<CImageEditCtrl> control_;
-};
-
-double Milliseconds(Clock::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  const std::size_t n = values.size();
-  return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
-}
-
 // The median of `runs` timings of `timed`, each after an untimed `prepare`.
 double MedianOf(int runs, const std::function<void()>& prepare, const std::function<void()>& timed) {
   std::vector<double> times;
@@ -234,19 +146,10 @@ void PrintTable(const std::vector<Row>& rows, double memcpyMs) {
   std::printf("(memcpy of the 24-bit picture, %.0f MB: %.2f ms)\n", kWidth * 3.0 * kHeight / 1e6, memcpyMs);
 }
 
-double PeakMegabytes() {
-  std::ifstream status("/proc/self/status");
-  std::string line;
-  while (std::getline(status, line)) {
-    if (line.rfind("VmHWM:", 0) == 0) return std::stod(line.substr(6)) / 1024.0;
-  }
-  return -1;
-}
-
 // One memory scenario in this process; prints its peak.
 int RunMemoryScenario(const std::string& scenario) {
   const std::string jpeg = BenchFile("photo.jpg");
-  HostedControl control;
+  HostedControl control(kControlWidth, kControlHeight);
   if (scenario == "one-picture") {
     control.Call("SetImage", jpeg);
   } else if (scenario == "history") {
@@ -256,7 +159,7 @@ int RunMemoryScenario(const std::string& scenario) {
   } else if (scenario == "adjusted-history") {
     control.Call("SetImage", jpeg);
     for (int i = 0; i < 10; ++i) control.Call("BrightenImage", 110 + i);
-    control.Call("Undo", std::vector<Variant>{});
+    control.Call("Undo");
   } else {
     return 2;
   }
@@ -367,7 +270,7 @@ int main(int argc, char** argv) {
   if (argc == 3 && std::string(argv[1]) == "--memory") return RunMemoryScenario(argv[2]);
   const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 7;
 
-  const std::vector<std::uint8_t> photo = MakePhoto();
+  const std::vector<std::uint8_t> photo = MakePhoto(kWidth, kHeight);
   const std::string jpeg = BenchFile("photo.jpg");
   const std::string bmp = BenchFile("photo.bmp");
   const std::string saved = BenchFile("saved.bmp");
@@ -379,7 +282,7 @@ int main(int argc, char** argv) {
       MedianOf(runs * 3, nullptr, [&] { std::memcpy(copy.data(), photo.data(), photo.size()); });
 
   std::vector<Row> rows;
-  HostedControl control;
+  HostedControl control(kControlWidth, kControlHeight);
   const auto ours = [&](const std::function<void()>& prepare, const std::function<void()>& timed) {
     return MedianOf(runs, prepare, timed);
   };
@@ -424,10 +327,10 @@ int main(int argc, char** argv) {
     std::vector<double> undo, redo;
     for (int i = 0; i < runs; ++i) {
       auto start = Clock::now();
-      control.Call("Undo", std::vector<Variant>{});
+      control.Call("Undo");
       undo.push_back(Milliseconds(Clock::now() - start));
       start = Clock::now();
-      control.Call("Redo", std::vector<Variant>{});
+      control.Call("Redo");
       redo.push_back(Milliseconds(Clock::now() - start));
     }
     rows.push_back({undoName, Median(undo), {}, "cv::LUT"});
