@@ -1,7 +1,8 @@
 // The banded, copy-on-write raster against a plain array of rows: seeded random
 // fills, row copies (aligned, so that bands are shared, and not), writes through
-// MutableRow, rows replaced whole, whole copies and pinning, on awkward sizes; every
-// row must read the same. Also the 24-bit row packing against a byte-by-byte loop,
+// MutableRow, rows replaced whole, whole copies, compaction and pinning, on awkward
+// sizes; every row must read the same. Differences between such rasters must turn
+// either into the other. Also the 24-bit row packing against a byte-by-byte loop,
 // and paints that change nothing leaving shared bands shared.
 #include <gtest/gtest.h>
 
@@ -47,7 +48,7 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
       Raster& r = rasters[a];
       Plain& p = plains[a];
       const std::uint32_t colour = pick(3) == 0 ? 0x123456 : random() & 0xFFFFFF;
-      switch (pick(6)) {
+      switch (pick(7)) {
         case 0: {  // a fill, often of whole rows
           const bool whole = pick(2) == 0;
           const int x0 = whole ? 0 : pick(w), x1 = whole ? w : x0 + pick(w - x0 + 1);
@@ -90,6 +91,9 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
           }
           break;
         }
+        case 5:  // packed where that pays; later whole copies into it are packed too
+          r.Compact();
+          break;
         default:  // pinned: the block seen through the pointer is the raster's rows
           if (pick(8) == 0) {
             const std::uint32_t* block = r.Pin();
