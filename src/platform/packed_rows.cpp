@@ -8,8 +8,6 @@ namespace platform::raster {
 
 namespace {
 
-constexpr std::uint32_t kRepeat = 0x80000000u;
-constexpr std::uint32_t kCountMask = 0x7FFFFFFFu;
 // Shorter repeats cost more as a piece of their own than inside a run of literals.
 constexpr int kShortestRepeat = 3;
 
@@ -31,6 +29,7 @@ int RepeatLength(const std::uint32_t* row, int limit) {
 
 PackedRows::PackedRows(const std::uint32_t* rows, std::size_t step, int width, int count)
     : width_(width), rows_(count) {
+  rowStarts_.reserve(static_cast<std::size_t>(count));
   for (int r = 0; r < count; ++r) PackRow(rows + static_cast<std::size_t>(r) * step);
   words_.shrink_to_fit();
   CountPixelStorage(static_cast<std::ptrdiff_t>(bytes()));
@@ -40,6 +39,7 @@ PackedRows::PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size
                        int count)
     : width_(width), rows_(count) {
   std::unique_ptr<std::uint32_t[]> row(new std::uint32_t[static_cast<std::size_t>(width)]);
+  rowStarts_.reserve(static_cast<std::size_t>(count));
   for (int r = 0; r < count; ++r) {
     const std::size_t offset = static_cast<std::size_t>(r) * step;
     for (int x = 0; x < width; ++x) row[x] = a[offset + x] ^ b[offset + x];
@@ -52,11 +52,12 @@ PackedRows::PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size
 PackedRows::~PackedRows() { CountPixelStorage(-static_cast<std::ptrdiff_t>(bytes())); }
 
 void PackedRows::PackRow(const std::uint32_t* row) {
+  rowStarts_.push_back(static_cast<std::uint32_t>(words_.size()));
   int x = 0;
   while (x < width_) {
     const int repeat = RepeatLength(row + x, width_ - x);
     if (repeat >= kShortestRepeat) {
-      words_.push_back(kRepeat | static_cast<std::uint32_t>(repeat));
+      words_.push_back(kRepeated | static_cast<std::uint32_t>(repeat));
       words_.push_back(row[x]);
       x += repeat;
       continue;
@@ -74,20 +75,12 @@ void PackedRows::PackRow(const std::uint32_t* row) {
   }
 }
 
-// Calls visit(row, x, count, pixels, repeated) for each piece in order: `pixels` points
-// at the one repeated pixel or at the literal ones.
 template <typename Visit>
 void PackedRows::Decode(Visit visit) const {
-  const std::uint32_t* word = words_.data();
   for (int r = 0; r < rows_; ++r) {
-    for (int x = 0; x < width_;) {
-      const std::uint32_t header = *word++;
-      const int count = static_cast<int>(header & kCountMask);
-      const bool repeated = (header & kRepeat) != 0;
-      visit(r, x, count, word, repeated);
-      word += repeated ? 1 : count;
-      x += count;
-    }
+    ForEachPiece(r, [&](int x, int count, const std::uint32_t* pixels, bool repeated) {
+      visit(r, x, count, pixels, repeated);
+    });
   }
 }
 

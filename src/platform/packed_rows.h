@@ -19,6 +19,8 @@ void CountPixelStorage(std::ptrdiff_t bytes);
 // clear, that many pixels follow as they are. Pieces never cross a row's end.
 class PackedRows {
  public:
+  static constexpr std::uint32_t kRepeated = 0x80000000u;  // the piece's flag bit
+
   // `count` rows of `width` pixels, `step` pixels apart. Throws std::bad_alloc.
   PackedRows(const std::uint32_t* rows, std::size_t step, int width, int count);
   // Same, for the exclusive or of two sets of rows: what turns either into the other.
@@ -33,10 +35,26 @@ class PackedRows {
   void XorInto(std::uint32_t* out, std::size_t step) const;
   // Whether every pixel is 0 (an exclusive or of equal rows).
   bool AllZero() const;
+  // Calls visit(x, count, pixels, repeated) for each piece of row `row` in order:
+  // `pixels` points at the one repeated pixel or at the `count` literal ones.
+  template <typename Visit>
+  void ForEachPiece(int row, Visit visit) const {
+    const std::uint32_t* word = words_.data() + rowStarts_[static_cast<std::size_t>(row)];
+    for (int x = 0; x < width_;) {
+      const std::uint32_t header = *word++;
+      const int count = static_cast<int>(header & ~kRepeated);
+      const bool repeated = (header & kRepeated) != 0;
+      visit(x, count, word, repeated);
+      word += repeated ? 1 : count;
+      x += count;
+    }
+  }
 
   int width() const { return width_; }
   int rows() const { return rows_; }
-  std::size_t bytes() const { return words_.capacity() * sizeof(std::uint32_t); }
+  std::size_t bytes() const {
+    return (words_.capacity() + rowStarts_.capacity()) * sizeof(std::uint32_t);
+  }
 
  private:
   void PackRow(const std::uint32_t* row);
@@ -46,6 +64,7 @@ class PackedRows {
   int width_ = 0;
   int rows_ = 0;
   std::vector<std::uint32_t> words_;
+  std::vector<std::uint32_t> rowStarts_;  // where each row's pieces begin in words_
 };
 
 }  // namespace platform::raster
