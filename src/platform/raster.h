@@ -148,6 +148,9 @@ class Raster {
   void MakeWritable(int band);
   void Materialise(int band);
   const std::uint32_t* Unpacked(int band) const;
+  // Whether `rows` rows from destY here and from srcY in `src` (one width) hold the
+  // same pixels outside columns [x0, x1).
+  bool ColumnsMatchBeside(const Raster& src, int srcY, int destY, int rows, int x0, int x1) const;
   // The band (of `rows` rows) as a compact raster keeps it: packed when packing pays.
   // Packing is remembered on `from`, which may belong to another raster.
   Band Kept(Band& from, int rows) const;
