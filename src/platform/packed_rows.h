@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace platform::raster {
@@ -28,6 +29,10 @@ class PackedRows {
   PackedRows(const PackedRows&) = delete;
   PackedRows& operator=(const PackedRows&) = delete;
   ~PackedRows();
+  // The exclusive or of two packed sets of rows of one size, piece by piece, without
+  // unpacking them: runs against runs cost one word, not a pixel each. Throws
+  // std::bad_alloc.
+  static std::shared_ptr<const PackedRows> Xor(const PackedRows& a, const PackedRows& b);
 
   // Writes the rows to `out` (rows `step` pixels apart).
   void Unpack(std::uint32_t* out, std::size_t step) const;
@@ -57,7 +62,14 @@ class PackedRows {
   }
 
  private:
+  PackedRows(int width, int rows) : width_(width), rows_(rows) {}
   void PackRow(const std::uint32_t* row);
+  // Building rows piece by piece: a repeat joins the repeat before it when the pixel
+  // is the same, and repeats too short to pay become literal pixels.
+  void BeginRow();
+  void AddRepeat(std::uint32_t pixel, int count);
+  void AddLiteral(std::uint32_t pixel);
+  void Finish();
   template <typename Visit>
   void Decode(Visit visit) const;
 
@@ -65,6 +77,10 @@ class PackedRows {
   int rows_ = 0;
   std::vector<std::uint32_t> words_;
   std::vector<std::uint32_t> rowStarts_;  // where each row's pieces begin in words_
+  // While building: the header of the row's last piece, if a repeat or literals.
+  std::ptrdiff_t lastRepeat_ = -1;
+  std::ptrdiff_t lastLiteral_ = -1;
+  std::size_t counted_ = 0;  // bytes added to the live count once built
 };
 
 }  // namespace platform::raster

@@ -73,8 +73,12 @@ Raster::Band Raster::FreshBand(int rows) const {
   return Band{block, block->rows, static_cast<std::size_t>(width), nullptr, false};
 }
 
-Raster::Band Raster::PackedBand(const Band& from) const {
-  return Band{nullptr, nullptr, static_cast<std::size_t>(width), from.packed, false};
+Raster::Band Raster::PackedOnly(std::shared_ptr<const PackedRows> packed) const {
+  return Band{nullptr, nullptr, static_cast<std::size_t>(width), std::move(packed), false};
+}
+
+void Raster::SetBandPacked(int band, std::shared_ptr<const PackedRows> packed) {
+  bands_[static_cast<std::size_t>(band)] = PackedOnly(std::move(packed));
 }
 
 void Raster::MakeWritable(int band) {
@@ -125,7 +129,7 @@ Raster::Band Raster::Kept(Band& from, int rows) const {
     }
     source.packed = std::move(packed);
   }
-  return PackedBand(from);
+  return PackedOnly(from.packed);
 }
 
 void Raster::Compact() {

@@ -126,6 +126,12 @@ class Raster {
   bool SameBand(const Raster& other, int band, int otherBand) const;
   // Band `band`'s rows into `out` (rows `width` apart), leaving the raster as it is.
   void ReadBand(int band, std::uint32_t* out) const;
+  // Band `band` packed, when that is known; null otherwise.
+  const std::shared_ptr<const PackedRows>& BandPacked(int band) const {
+    return bands_[static_cast<std::size_t>(band)].packed;
+  }
+  // Band `band` becomes `packed` (of the band's size), stored packed.
+  void SetBandPacked(int band, std::shared_ptr<const PackedRows> packed);
 
  private:
   struct Block;
@@ -141,7 +147,7 @@ class Raster {
     return band.step != 0 && band.rows && !band.packed && !band.packingFailed && band.block.use_count() == 1;
   }
   static Band UniformBand(const std::shared_ptr<Block>& block);
-  Band PackedBand(const Band& from) const;
+  Band PackedOnly(std::shared_ptr<const PackedRows> packed) const;
   // A band of that many rows of its own, its pixels not yet written.
   Band FreshBand(int rows) const;
   std::shared_ptr<Block> UniformBlock(std::uint32_t pixel) const;

@@ -59,6 +59,14 @@ TEST(PackedRows, GiveBackEveryPixelAndXorLikeTheRows) {
       }
     }
 
+    // Exclusive or of the packed forms, without unpacking, gives the same pixels.
+    const PackedRows packedB(b.data(), step, width, rows);
+    std::vector<std::uint32_t> expected(a.size()), viaRuns(a.size());
+    for (std::size_t i = 0; i < a.size(); ++i) expected[i] = a[i] ^ b[i];
+    PackedRows::Xor(packed, packedB)->Unpack(viaRuns.data(), step);
+    EXPECT_EQ(viaRuns, expected);
+    EXPECT_TRUE(PackedRows::Xor(packed, packed)->AllZero());
+
     const PackedRows difference(a.data(), b.data(), step, width, rows);
     std::vector<std::uint32_t> turned = a;
     difference.XorInto(turned.data(), step);
