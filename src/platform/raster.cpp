@@ -73,8 +73,12 @@ Raster::Band Raster::FreshBand(int rows) const {
   return Band{block, block->rows, static_cast<std::size_t>(width), nullptr, false};
 }
 
-Raster::Band Raster::PackedBand(const Band& from) const {
-  return Band{nullptr, nullptr, static_cast<std::size_t>(width), from.packed, false};
+Raster::Band Raster::PackedOnly(std::shared_ptr<const PackedRows> packed) const {
+  return Band{nullptr, nullptr, static_cast<std::size_t>(width), std::move(packed), false};
+}
+
+void Raster::SetBandPacked(int band, std::shared_ptr<const PackedRows> packed) {
+  bands_[static_cast<std::size_t>(band)] = PackedOnly(std::move(packed));
 }
 
 void Raster::MakeWritable(int band) {
@@ -125,7 +129,7 @@ Raster::Band Raster::Kept(Band& from, int rows) const {
     }
     source.packed = std::move(packed);
   }
-  return PackedBand(from);
+  return PackedOnly(from.packed);
 }
 
 void Raster::Compact() {
@@ -199,8 +203,13 @@ void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
 
 void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int destY, int columns, int count) {
   if (columns <= 0 || count <= 0) return;
-  const bool shareable = srcX == 0 && destX == 0 && columns == width && width == src.width && !pinned() &&
-                         !src.pinned() && ((srcY - destY) & (kBandRows - 1)) == 0;
+  // Bands line up when both rasters have one width, the rows one band offset and the
+  // columns one place. Whole bands that line up are shared rather than copied: when
+  // every column is copied, and also when the columns left out already hold the
+  // source's pixels (a window repainting the part of a picture that changed).
+  const bool alignable = srcX == destX && width == src.width && !pinned() && !src.pinned() &&
+                         ((srcY - destY) & (kBandRows - 1)) == 0;
+  const bool everyColumn = alignable && columns == width;
   const std::size_t bytes = static_cast<std::size_t>(columns) * sizeof(std::uint32_t);
   int k = 0;
   while (k < count) {
@@ -210,7 +219,9 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
     const int bandRows = BandHeight(band);
     Band& target = bands_[static_cast<std::size_t>(band)];
     const int fromBand = (srcY + k) >> kBandShift;
-    if (shareable && y == bandTop && count - k >= bandRows && src.BandHeight(fromBand) == bandRows) {
+    if (alignable && y == bandTop && count - k >= bandRows && src.BandHeight(fromBand) == bandRows &&
+        (SameBand(src, band, fromBand) || everyColumn ||
+         ColumnsMatchBeside(src, srcY + k, y, bandRows, destX, destX + columns))) {
       if (!SameBand(src, band, fromBand)) {
         Band& from = src.bands_[static_cast<std::size_t>(fromBand)];
         target = compact_ ? Kept(from, bandRows) : from;
@@ -227,6 +238,17 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
       std::memmove(out, src.Row(srcY + k) + srcX, bytes);
     }
   }
+}
+
+bool Raster::ColumnsMatchBeside(const Raster& src, int srcY, int destY, int rows, int x0, int x1) const {
+  const std::size_t before = static_cast<std::size_t>(x0) * sizeof(std::uint32_t);
+  const std::size_t after = static_cast<std::size_t>(width - x1) * sizeof(std::uint32_t);
+  for (int r = 0; r < rows; ++r) {
+    const std::uint32_t* mine = Row(destY + r);
+    const std::uint32_t* theirs = src.Row(srcY + r);
+    if (std::memcmp(mine, theirs, before) != 0 || std::memcmp(mine + x1, theirs + x1, after) != 0) return false;
+  }
+  return true;
 }
 
 void Raster::ShareFrom(const Raster& src) {

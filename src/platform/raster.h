@@ -76,6 +76,14 @@ class Raster {
   // copied: for a writer that replaces every pixel of those rows. MutableRow then
   // costs nothing for them, so writers on several threads can share the rows.
   void OwnRowsToReplace(int y0, int y1);
+  // Row y's band packed, when that is known (the band is packed, or unpacked and not
+  // written since), with the row's place in it; null otherwise. For readers that can
+  // pass over whole runs.
+  const PackedRows* PackedRow(int y, int* rowInBand) const {
+    const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
+    *rowInBand = y & (kBandRows - 1);
+    return band.packed.get();
+  }
   // The colour of every pixel of row y when its band is stored as one colour.
   bool RowIsUniform(int y, std::uint32_t* pixel) const {
     const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
@@ -118,6 +126,12 @@ class Raster {
   bool SameBand(const Raster& other, int band, int otherBand) const;
   // Band `band`'s rows into `out` (rows `width` apart), leaving the raster as it is.
   void ReadBand(int band, std::uint32_t* out) const;
+  // Band `band` packed, when that is known; null otherwise.
+  const std::shared_ptr<const PackedRows>& BandPacked(int band) const {
+    return bands_[static_cast<std::size_t>(band)].packed;
+  }
+  // Band `band` becomes `packed` (of the band's size), stored packed.
+  void SetBandPacked(int band, std::shared_ptr<const PackedRows> packed);
 
  private:
   struct Block;
@@ -133,13 +147,16 @@ class Raster {
     return band.step != 0 && band.rows && !band.packed && !band.packingFailed && band.block.use_count() == 1;
   }
   static Band UniformBand(const std::shared_ptr<Block>& block);
-  Band PackedBand(const Band& from) const;
+  Band PackedOnly(std::shared_ptr<const PackedRows> packed) const;
   // A band of that many rows of its own, its pixels not yet written.
   Band FreshBand(int rows) const;
   std::shared_ptr<Block> UniformBlock(std::uint32_t pixel) const;
   void MakeWritable(int band);
   void Materialise(int band);
   const std::uint32_t* Unpacked(int band) const;
+  // Whether `rows` rows from destY here and from srcY in `src` (one width) hold the
+  // same pixels outside columns [x0, x1).
+  bool ColumnsMatchBeside(const Raster& src, int srcY, int destY, int rows, int x0, int x1) const;
   // The band (of `rows` rows) as a compact raster keeps it: packed when packing pays.
   // Packing is remembered on `from`, which may belong to another raster.
   Band Kept(Band& from, int rows) const;

@@ -14,15 +14,19 @@ std::unique_ptr<std::uint32_t[]> BandBuffer(int width) {
 
 Difference Difference::Between(const Raster& a, const Raster& b) {
   Difference difference;
-  difference.width_ = a.width;
   const std::unique_ptr<std::uint32_t[]> left = BandBuffer(a.width);
   const std::unique_ptr<std::uint32_t[]> right = BandBuffer(a.width);
   const auto step = static_cast<std::size_t>(a.width);
   for (int band = 0; band < a.BandCount(); ++band) {
     if (a.SameBand(b, band, band)) continue;
-    a.ReadBand(band, left.get());
-    b.ReadBand(band, right.get());
-    auto rows = std::make_shared<const PackedRows>(left.get(), right.get(), step, a.width, a.BandHeight(band));
+    std::shared_ptr<const PackedRows> rows;
+    if (a.BandPacked(band) && b.BandPacked(band)) {
+      rows = PackedRows::Xor(*a.BandPacked(band), *b.BandPacked(band));
+    } else {
+      a.ReadBand(band, left.get());
+      b.ReadBand(band, right.get());
+      rows = std::make_shared<const PackedRows>(left.get(), right.get(), step, a.width, a.BandHeight(band));
+    }
     if (!rows->AllZero()) difference.bands_.push_back(Band{band, std::move(rows)});
   }
   return difference;
@@ -30,6 +34,11 @@ Difference Difference::Between(const Raster& a, const Raster& b) {
 
 void Difference::ApplyTo(Raster& raster) const {
   for (const Band& band : bands_) {
+    // A compact raster's band known packed takes the difference as runs.
+    if (raster.compact() && raster.BandPacked(band.index)) {
+      raster.SetBandPacked(band.index, PackedRows::Xor(*raster.BandPacked(band.index), *band.rows));
+      continue;
+    }
     std::uint32_t* rows = raster.MutableRow(band.index << kBandShift);
     band.rows->XorInto(rows, static_cast<std::size_t>(raster.width));
   }
@@ -42,8 +51,6 @@ void Difference::Combine(const Difference& other) {
     return;
   }
   std::vector<Band> merged;
-  std::unique_ptr<std::uint32_t[]> left, right;
-  const auto step = static_cast<std::size_t>(width_);
   std::size_t i = 0, j = 0;
   while (i < bands_.size() || j < other.bands_.size()) {
     if (j == other.bands_.size() || (i < bands_.size() && bands_[i].index < other.bands_[j].index)) {
@@ -51,14 +58,7 @@ void Difference::Combine(const Difference& other) {
     } else if (i == bands_.size() || other.bands_[j].index < bands_[i].index) {
       merged.push_back(other.bands_[j++]);
     } else {
-      if (!left) {
-        left = BandBuffer(width_);
-        right = BandBuffer(width_);
-      }
-      const PackedRows& mine = *bands_[i].rows;
-      mine.Unpack(left.get(), step);
-      other.bands_[j].rows->Unpack(right.get(), step);
-      auto rows = std::make_shared<const PackedRows>(left.get(), right.get(), step, width_, mine.rows());
+      auto rows = PackedRows::Xor(*bands_[i].rows, *other.bands_[j].rows);
       if (!rows->AllZero()) merged.push_back(Band{bands_[i].index, std::move(rows)});
       ++i;
       ++j;

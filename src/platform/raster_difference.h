@@ -33,7 +33,6 @@ class Difference {
     int index;
     std::shared_ptr<const PackedRows> rows;
   };
-  int width_ = 0;
   std::vector<Band> bands_;  // by index, each once
 };
 

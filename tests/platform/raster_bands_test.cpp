@@ -119,6 +119,30 @@ TEST(RasterBands, UntouchedBandsCostOneRowAndWritesMaterialiseOnlyTheirBand) {
   EXPECT_EQ(raster.Row(100)[7], 1u);
 }
 
+// A window repainting the columns of its picture that changed: where the columns
+// left out already match, the window's bands become the picture's, so a repaint
+// does not leave the window a copy of every band it touched; where they do not,
+// only the columns asked for change.
+TEST(RasterBands, CopiedColumnsShareTheBandWhenTheRestAlreadyMatches) {
+  Raster picture;
+  ASSERT_TRUE(picture.Allocate(4000, 64, false));
+  picture.Fill(0, 0, 4000, 64, 0x336699);
+  picture.MutableRow(5)[3000] = 0x010203;  // a band of its own
+  Raster window;
+  window.ShareFrom(picture);
+  for (int y = 0; y < 64; ++y) std::fill_n(picture.MutableRow(y) + 100, 3, 0xFF0000u + y);
+  window.CopyRows(picture, 100, 0, 100, 0, 3, 64);
+  for (int band = 0; band < window.BandCount(); ++band) EXPECT_TRUE(window.SameBand(picture, band, band));
+  for (int y = 0; y < 64; ++y) ASSERT_EQ(window.Row(y)[101], 0xFF0000u + y);
+
+  window.MutableRow(40)[3999] = 0x00AA00;  // the window differs beside the columns now
+  picture.MutableRow(40)[100] = 0x0000AA;
+  window.CopyRows(picture, 100, 32, 100, 32, 3, 32);
+  EXPECT_EQ(window.Row(40)[100], 0x0000AAu);
+  EXPECT_EQ(window.Row(40)[3999], 0x00AA00u);
+  EXPECT_EQ(picture.Row(40)[3999], 0x336699u);
+}
+
 TEST(RasterBands, APaintThatChangesNothingLeavesItsBandShared) {
   using platform::raster::Rop2Index;
   Raster raster;
