@@ -16,7 +16,6 @@
 //   control_bench [RUNS]             the table (RUNS timed runs each, default 7)
 //   control_bench --memory SCENARIO  internal: one memory scenario in this process
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -44,6 +43,7 @@
 #include <opencv2/imgproc.hpp>
 #endif
 
+#include "fresh_process.h"
 #include "hosted_control.h"
 #include "measure.h"
 // After the platform headers: jpeglib defines TRUE and FALSE as macros.
@@ -167,24 +167,10 @@ int RunMemoryScenario(const std::string& scenario) {
   return 0;
 }
 
-std::optional<double> ChildPeak(const char* self, const char* scenario) {
-  int pipes[2];
-  if (pipe(pipes) != 0) return std::nullopt;
-  const pid_t child = fork();
-  if (child == 0) {
-    dup2(pipes[1], 1);
-    close(pipes[0]);
-    execl(self, self, "--memory", scenario, static_cast<char*>(nullptr));
-    _exit(127);
-  }
-  close(pipes[1]);
-  char text[64] = {};
-  const ssize_t n = read(pipes[0], text, sizeof text - 1);
-  close(pipes[0]);
-  int status = 0;
-  waitpid(child, &status, 0);
-  if (n <= 0 || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
-  return std::atof(text);
+std::optional<double> ChildPeak(const char* scenario) {
+  const std::optional<std::string> output = OutputOfFreshRun({"--memory", scenario});
+  if (!output || output->empty()) return std::nullopt;
+  return std::atof(output->c_str());
 }
 
 // The destructive effects on the picture at 100 %: each control call (the surface's
@@ -460,7 +446,7 @@ int main(int argc, char** argv) {
 
   std::printf("\npeak memory (VmHWM of a fresh process)\n");
   for (const char* scenario : {"one-picture", "history", "adjusted-history"}) {
-    const std::optional<double> peak = ChildPeak("/proc/self/exe", scenario);
+    const std::optional<double> peak = ChildPeak(scenario);
     if (peak) {
       std::printf("  %-18s %7.1f MB\n", scenario, *peak);
     } else {

@@ -18,8 +18,6 @@
 //   history_bench --scenario NAME WIDTH HEIGHT    internal: one scenario in this
 //                                                 process; prints its peak, then the
 //                                                 undo and the redo times
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -35,6 +33,7 @@
 #include <opencv2/core.hpp>
 #endif
 
+#include "fresh_process.h"
 #include "hosted_control.h"
 #include "measure.h"
 // After the platform headers: jpeglib defines TRUE and FALSE as macros.
@@ -204,32 +203,10 @@ struct ScenarioResult {
 };
 
 std::optional<ScenarioResult> RunChild(const char* scenario, ControlSize size) {
-  int pipes[2];
-  if (pipe(pipes) != 0) return std::nullopt;
-  std::fflush(stdout);
-  const pid_t child = fork();
-  if (child < 0) return std::nullopt;
-  if (child == 0) {
-    dup2(pipes[1], 1);
-    close(pipes[0]);
-    close(pipes[1]);
-    const std::string width = std::to_string(size.width);
-    const std::string height = std::to_string(size.height);
-    execl("/proc/self/exe", "history_bench", "--scenario", scenario, width.c_str(), height.c_str(),
-          static_cast<char*>(nullptr));
-    _exit(127);
-  }
-  close(pipes[1]);
-  std::string text;
-  char buffer[512];
-  ssize_t n;
-  while ((n = read(pipes[0], buffer, sizeof buffer)) > 0) text.append(buffer, static_cast<std::size_t>(n));
-  close(pipes[0]);
-  int status = 0;
-  waitpid(child, &status, 0);
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
-
-  std::istringstream values(text);
+  const std::optional<std::string> output =
+      OutputOfFreshRun({"--scenario", scenario, std::to_string(size.width), std::to_string(size.height)});
+  if (!output) return std::nullopt;
+  std::istringstream values(*output);
   ScenarioResult result;
   if (!(values >> result.peakMb)) return std::nullopt;
   std::vector<double> times;
