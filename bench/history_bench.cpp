@@ -18,7 +18,6 @@
 //   history_bench --scenario NAME WIDTH HEIGHT    internal: one scenario in this
 //                                                 process; prints its peak, then the
 //                                                 undo and the redo times
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
