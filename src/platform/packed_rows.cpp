@@ -59,7 +59,8 @@ void PackedRows::AddRepeat(std::uint32_t pixel, int count) {
     return;
   }
   if (count < kShortestRepeat) {
-    for (int i = 0; i < count; ++i) AddLiteral(pixel);
+    const std::uint32_t pixels[kShortestRepeat] = {pixel, pixel, pixel};
+    AddLiterals(pixels, count);
     return;
   }
   lastLiteral_ = -1;
@@ -68,14 +69,35 @@ void PackedRows::AddRepeat(std::uint32_t pixel, int count) {
   words_.push_back(pixel);
 }
 
-void PackedRows::AddLiteral(std::uint32_t pixel) {
+void PackedRows::AddLiterals(const std::uint32_t* pixels, int count) {
   if (lastLiteral_ < 0) {
     lastRepeat_ = -1;
     lastLiteral_ = static_cast<std::ptrdiff_t>(words_.size());
     words_.push_back(0);
   }
-  ++words_[static_cast<std::size_t>(lastLiteral_)];
-  words_.push_back(pixel);
+  words_[static_cast<std::size_t>(lastLiteral_)] += static_cast<std::uint32_t>(count);
+  words_.insert(words_.end(), pixels, pixels + count);
+}
+
+void PackedRows::AddPixels(const std::uint32_t* pixels, int count) {
+  int x = 0;
+  while (x < count) {
+    const int repeat = RepeatLength(pixels + x, count - x);
+    if (repeat >= kShortestRepeat) {
+      AddRepeat(pixels[x], repeat);
+      x += repeat;
+      continue;
+    }
+    // Literal pixels up to where a repeat worth its own piece begins.
+    const int start = x;
+    x += repeat;
+    while (x < count) {
+      const int next = RepeatLength(pixels + x, std::min(kShortestRepeat, count - x));
+      if (next >= kShortestRepeat) break;
+      x += next;
+    }
+    AddLiterals(pixels + start, x - start);
+  }
 }
 
 void PackedRows::Finish() {
@@ -106,23 +128,32 @@ std::shared_ptr<const PackedRows> PackedRows::Xor(const PackedRows& a, const Pac
       if (!repeated) pixels += n;
     }
   };
+  // Stretches where either side is literal are gathered and packed like pixels, so
+  // that equal pixels of two literal stretches become runs of 0.
+  std::vector<std::uint32_t> gathered(static_cast<std::size_t>(a.width_));
   for (int r = 0; r < a.rows_; ++r) {
     result->BeginRow();
     Cursor first{a.words_.data() + a.rowStarts_[static_cast<std::size_t>(r)]};
     Cursor second{b.words_.data() + b.rowStarts_[static_cast<std::size_t>(r)]};
+    int pending = 0;
     for (int x = 0; x < a.width_;) {
       if (first.left == 0) first.Next();
       if (second.left == 0) second.Next();
       const int n = std::min(first.left, second.left);
       if (first.repeated && second.repeated) {
+        result->AddPixels(gathered.data(), pending);
+        pending = 0;
         result->AddRepeat(*first.pixels ^ *second.pixels, n);
       } else {
-        for (int i = 0; i < n; ++i) result->AddLiteral(first.At(i) ^ second.At(i));
+        std::uint32_t* out = gathered.data() + pending;
+        for (int i = 0; i < n; ++i) out[i] = first.At(i) ^ second.At(i);
+        pending += n;
       }
       first.Skip(n);
       second.Skip(n);
       x += n;
     }
+    result->AddPixels(gathered.data(), pending);
   }
   result->Finish();
   return result;
@@ -132,26 +163,7 @@ PackedRows::~PackedRows() { CountPixelStorage(-static_cast<std::ptrdiff_t>(count
 
 void PackedRows::PackRow(const std::uint32_t* row) {
   BeginRow();
-  int x = 0;
-  while (x < width_) {
-    const int repeat = RepeatLength(row + x, width_ - x);
-    if (repeat >= kShortestRepeat) {
-      words_.push_back(kRepeated | static_cast<std::uint32_t>(repeat));
-      words_.push_back(row[x]);
-      x += repeat;
-      continue;
-    }
-    // Literal pixels up to where a repeat worth its own piece begins.
-    const int start = x;
-    x += repeat;
-    while (x < width_) {
-      const int next = RepeatLength(row + x, std::min(kShortestRepeat, width_ - x));
-      if (next >= kShortestRepeat) break;
-      x += next;
-    }
-    words_.push_back(static_cast<std::uint32_t>(x - start));
-    words_.insert(words_.end(), row + start, row + x);
-  }
+  AddPixels(row, width_);
 }
 
 template <typename Visit>

@@ -68,7 +68,9 @@ class PackedRows {
   // is the same, and repeats too short to pay become literal pixels.
   void BeginRow();
   void AddRepeat(std::uint32_t pixel, int count);
-  void AddLiteral(std::uint32_t pixel);
+  void AddLiterals(const std::uint32_t* pixels, int count);
+  // Pixels as they come, their repeats found.
+  void AddPixels(const std::uint32_t* pixels, int count);
   void Finish();
   template <typename Visit>
   void Decode(Visit visit) const;
