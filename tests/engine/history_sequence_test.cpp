@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <random>
+#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -237,25 +238,32 @@ class Session {
     return Check();
   }
 
-  // One step drawn from the mix below; "" when every check held.
-  std::string RandomStep() {
+  // One step drawn from the mix below, of any kind or only of the kinds that leave
+  // the picture, its layout and the objects as they are; "" when every check held.
+  std::string RandomStep(bool anyKind) {
     struct Choice {
       int weight;
       void (Session::*step)();
     };
-    static constexpr Choice kSteps[] = {
+    static constexpr Choice kAnyStep[] = {
         {5, &Session::FreehandStroke}, {2, &Session::ShapeDrag},
         {1, &Session::FloodFill},      {2, &Session::AirbrushSpray},
         {3, &Session::Adjustment},     {1, &Session::Flip},
-        {1, &Session::InsertIcon},     {1, &Session::MoveObject},
+        {2, &Session::InsertIcon},     {3, &Session::MoveObject},
         {1, &Session::SetImageWidth},  {1, &Session::LoadOtherPicture},
         {1, &Session::Scroll},         {6, &Session::Undo},
         {3, &Session::Redo},           {1, &Session::ClearEither},
     };
+    static constexpr Choice kLayoutKeepingStep[] = {
+        {5, &Session::FreehandStroke}, {2, &Session::ShapeDrag},  {1, &Session::FloodFill},
+        {2, &Session::AirbrushSpray},  {3, &Session::Adjustment}, {1, &Session::Flip},
+        {6, &Session::Undo},           {3, &Session::Redo},
+    };
+    const std::span<const Choice> steps = anyKind ? std::span<const Choice>(kAnyStep) : kLayoutKeepingStep;
     int total = 0;
-    for (const Choice& c : kSteps) total += c.weight;
+    for (const Choice& c : steps) total += c.weight;
     int pick = Between(0, total - 1);
-    for (const Choice& c : kSteps) {
+    for (const Choice& c : steps) {
       if (pick < c.weight) {
         (this->*c.step)();
         break;
@@ -698,13 +706,70 @@ TEST_F(HistorySequenceTest, RandomSessionsMatchAHistoryOfWholeCopies) {
                       pictureHeight);
       std::string problem = session.Start();
       for (int step = 1; step <= 30 && problem.empty(); ++step) {
-        problem = session.RandomStep();
+        problem = session.RandomStep(true);
         if (!problem.empty()) ADD_FAILURE() << Report(session, step, problem);
       }
       if (!problem.empty()) continue;
     }
     // Destroying the editor gives back every object and every pixel its levels held.
     EXPECT_EQ(platform::LiveGdiObjects().total(), objectsBefore.total()) << "seed " << seed;
+    EXPECT_EQ(platform::raster::LivePixelBytes(), bytesBefore) << "seed " << seed;
+  }
+}
+
+// The tools keep a drawing pen and a drawing brush of their own, made by the tool
+// setters; the same setters before each count leave the same ones alive, so that only
+// what the history keeps can differ.
+void SameTools(CImageEditWnd& editor) {
+  editor.SetShape(5);
+  editor.SetPen(2);
+}
+
+// What Clear and the editor's end give back. Clear keeps the surfaces, the picture and
+// the tools, so the point to compare with is one with those and no history. Loading
+// leaves level 0, whose keeping costs whatever the history's way of storing it costs,
+// so a Clear right after loading can only give back, never take: at most what was
+// alive then. From there on, every later Clear must come back to exactly that point,
+// whatever the levels held in between. The picture fills the window, so each rebuild
+// writes every row of the image surface and the surfaces' storage is the same after
+// each Clear(0) whatever the steps did to the image.
+TEST_F(HistorySequenceTest, ClearAndTheEditorsEndGiveBackWhatTheLevelsHeld) {
+  for (std::uint32_t seed = 101; seed <= 110; ++seed) {
+    const int objectsBefore = platform::LiveGdiObjects().total();
+    const std::size_t bytesBefore = platform::raster::LivePixelBytes();
+    {
+      const int width = 40 + static_cast<int>(seed % 5) * 9;
+      const int height = 30 + static_cast<int>(seed % 4) * 11;
+      Session session(seed, width, height, width, height);
+      std::string problem = session.Start();
+      ASSERT_EQ(problem, "") << Report(session, 0, problem);
+      SameTools(session.editor());
+      const int objectsLoaded = platform::LiveGdiObjects().total();
+      const std::size_t bytesLoaded = platform::raster::LivePixelBytes();
+      session.Clear(0);
+      problem = session.Check();
+      ASSERT_EQ(problem, "") << Report(session, 0, problem);
+      const int objectsCleared = platform::LiveGdiObjects().total();
+      const std::size_t bytesCleared = platform::raster::LivePixelBytes();
+      EXPECT_LE(objectsCleared, objectsLoaded) << "seed " << seed;
+      EXPECT_LE(bytesCleared, bytesLoaded) << "seed " << seed;
+
+      for (int step = 1; step <= 25 && problem.empty(); ++step) {
+        problem = session.RandomStep(false);
+        if (!problem.empty()) ADD_FAILURE() << Report(session, step, problem);
+      }
+      if (!problem.empty()) continue;
+      SameTools(session.editor());
+      session.Clear(0);
+      problem = session.Check();
+      ASSERT_EQ(problem, "") << Report(session, 26, problem);
+      EXPECT_EQ(platform::LiveGdiObjects().total(), objectsCleared) << Report(session, 26, "objects");
+      EXPECT_EQ(platform::raster::LivePixelBytes(), bytesCleared) << Report(session, 26, "pixel bytes");
+      // Levels again, to be given back by the editor's end.
+      for (int step = 27; step <= 32 && problem.empty(); ++step) problem = session.RandomStep(false);
+      ASSERT_EQ(problem, "") << Report(session, 32, problem);
+    }
+    EXPECT_EQ(platform::LiveGdiObjects().total(), objectsBefore) << "seed " << seed;
     EXPECT_EQ(platform::raster::LivePixelBytes(), bytesBefore) << "seed " << seed;
   }
 }
