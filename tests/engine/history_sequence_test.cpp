@@ -218,7 +218,8 @@ class Session {
   Session(std::uint32_t seed, int windowWidth, int windowHeight, int pictureWidth, int pictureHeight)
       : seed_(seed), random_(seed), live_(windowWidth, windowHeight) {
     WritePicture(0, pictureWidth, pictureHeight);
-    WritePicture(1, Between(40, 90), Between(30, 70));
+    const int otherWidth = Between(40, 90);
+    WritePicture(1, otherWidth, Between(30, 70));
     std::vector<COLORREF> icon;
     for (int i = 0; i < 12 * 10; ++i) icon.push_back(i % 12 < 6 ? RGB(200, 40, 160) : RGB(30, 170, 220));
     iconPath_ = live_.files.Write("icon.bmp", BitmapFile(12, 10, icon));
@@ -284,14 +285,16 @@ class Session {
     const std::string color = PickColor();
     // Some strokes run across a boundary of the raster's bands of sixteen rows.
     const bool acrossBands = OneIn(3);
+    const int moves = Between(1, 3);
     Stroke(
         std::string(names[tool]) + " " + std::to_string(size) + " " + color + (acrossBands ? " across" : ""),
-        Between(1, 3), acrossBands);
+        moves, acrossBands);
   }
   void ShapeDrag() {
     const int style = Between(3, 6);
     editor().SetShape(style);
-    Stroke("shape " + std::to_string(style) + " " + PickColor(), 2, OneIn(2));
+    const std::string color = PickColor();
+    Stroke("shape " + std::to_string(style) + " " + color, 2, OneIn(2));
   }
   void FloodFill() {
     editor().FillWithSelectedColor();
@@ -302,8 +305,10 @@ class Session {
     const int size = Between(2, 12);
     editor().SetAirBrush(size);
     const int hold = Between(0, 1300);
-    Stroke("airbrush " + std::to_string(size) + " " + PickColor() + " hold " + std::to_string(hold),
-           Between(0, 1), false, static_cast<unsigned>(hold));
+    const std::string color = PickColor();
+    const int moves = Between(0, 1);
+    Stroke("airbrush " + std::to_string(size) + " " + color + " hold " + std::to_string(hold), moves, false,
+           static_cast<unsigned>(hold));
   }
 
   void Adjustment() {
@@ -384,13 +389,14 @@ class Session {
   // level without the layer.
   void MoveObject() {
     const EditorState before = editor().State();
-    if (before.objects.empty()) return;
+    if (before.objects.empty()) return Log("move object: there is none");
     const ObjectState& object =
         before.objects[static_cast<std::size_t>(Between(0, static_cast<int>(before.objects.size()) - 1))];
     const RECT inner = Inner(before);
     const POINT from{object.x + object.width / 2, object.y + object.height / 2};
-    if (!PtInRect(&inner, from)) return;
-    const POINT to{Between(inner.left, inner.right - 1), Between(inner.top, inner.bottom - 1)};
+    if (!PtInRect(&inner, from)) return Log("move object: its middle is out of reach");
+    const int toX = Between(inner.left, inner.right - 1);
+    const POINT to{toX, Between(inner.top, inner.bottom - 1)};
     Log("move object " + std::to_string(object.slot) + " (" + std::to_string(from.x) + "," +
         std::to_string(from.y) + ")->(" + std::to_string(to.x) + "," + std::to_string(to.y) + ")");
     editor().SetNothing();
@@ -414,7 +420,7 @@ class Session {
 
   void Scroll() {
     const EditorState s = editor().State();
-    if (!s.hScrollShown && !s.vScrollShown) return;
+    if (!s.hScrollShown && !s.vScrollShown) return Log("scroll: no bars");
     const int h = Between(0, s.displayed.cx);
     const int v = Between(0, s.displayed.cy);
     Log("scroll " + std::to_string(h) + " " + std::to_string(v));
@@ -443,6 +449,7 @@ class Session {
     editor().Clear(bImage);
     history_.Clear();
     layer_ = Pixels::Filled(layer_.width, layer_.height, kKeyPixel);
+    // The plain picture is what a rebuild with settings that change nothing shows.
     if (bImage == 0) ExpectRebuild(before.imageRect, AdjustmentSettings{});
   }
 
@@ -468,6 +475,19 @@ class Session {
       problem = restored_->DifferenceFrom(s);
       restored_.reset();
       if (!problem.empty()) return "restored level: " + problem;
+    }
+    if (scrollBack_) {
+      // The bars are set for the layer's size first, which puts both positions at 0
+      // and measures the view anew; then each axis scrolls to the level's position,
+      // limited to 0 and then to the size shown before the restore less the view
+      // (that limit last).
+      const RECT client = Client();
+      auto limited = [](int position, int displayed, int view) {
+        return position == 0 ? 0 : std::min(std::max(position, 0), displayed - view);
+      };
+      scroll_ = POINT{limited(scrollBack_->level.x, scrollBack_->displayed.cx, client.right),
+                      limited(scrollBack_->level.y, scrollBack_->displayed.cy, client.bottom)};
+      scrollBack_.reset();
     }
     if (scroll_) {
       if (scroll_->x != s.scroll.x || scroll_->y != s.scroll.y) {
@@ -522,13 +542,15 @@ class Session {
                        image.right - before.scroll.x, image.bottom - before.scroll.y};
     const RECT inner = Inner(before);
     RECT area{};
-    if (!IntersectRect(&area, &visible, &inner)) return;
+    if (!IntersectRect(&area, &visible, &inner)) return Log(what + ": no image to press on");
     auto point = [&] {
-      POINT p{Between(area.left, area.right - 1), Between(area.top, area.bottom - 1)};
+      const int x = Between(area.left, area.right - 1);
+      POINT p{x, Between(area.top, area.bottom - 1)};
       if (acrossBands) {
         // A row just above or below a band boundary of the surfaces, seen in the
         // window.
-        const int boundary = 16 * Between(1, 4) + Between(-3, 2) - before.scroll.y;
+        const int band = Between(1, 4);
+        const int boundary = 16 * band + Between(-3, 2) - before.scroll.y;
         if (boundary >= area.top && boundary < area.bottom) p.y = boundary;
       }
       return p;
@@ -615,13 +637,8 @@ class Session {
     if (level == nullptr) return;
     restored_ = level->state;
     if (level->keepsLayer) {
-      // The scroll position is clamped against the size on screen before the restore;
-      // where that size and the layer's are the level's own, it comes back as it was.
-      if (level->layer.width == layer_.width && level->layer.height == layer_.height &&
-          before.displayed.cx == level->state.displayed.cx &&
-          before.displayed.cy == level->state.displayed.cy)
-        scroll_ = level->state.scroll;
       layer_ = level->layer;
+      scrollBack_ = ScrollBack{level->state.scroll, before.displayed};
     } else {
       scroll_ = before.scroll;
     }
@@ -679,6 +696,11 @@ class Session {
   std::optional<Rebuild> rebuild_;
   std::optional<LevelState> restored_;
   std::optional<POINT> scroll_;
+  struct ScrollBack {
+    POINT level;
+    SIZE displayed;
+  };
+  std::optional<ScrollBack> scrollBack_;
   std::map<std::string, Pixels> rebuilds_;
 };
 
