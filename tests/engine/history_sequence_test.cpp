@@ -115,12 +115,12 @@ std::string RectText(const RECT& r) {
 }
 
 std::string ObjectsText(const std::vector<ObjectState>& objects) {
-  std::string text;
+  std::ostringstream text;
   for (const ObjectState& o : objects) {
-    text += "{" + std::to_string(o.slot) + " " + std::to_string(o.x) + "," + std::to_string(o.y) + " " +
-            std::to_string(o.width) + "x" + std::to_string(o.height) + (o.selected ? " sel" : "") + "}";
+    text << "{" << o.slot << " " << o.x << "," << o.y << " " << o.width << "x" << o.height
+         << (o.selected ? " sel" : "") << "}";
   }
-  return text;
+  return text.str();
 }
 
 bool SameObjects(const std::vector<ObjectState>& a, const std::vector<ObjectState>& b) {
