@@ -2,19 +2,14 @@
 
 #include <utility>
 
-void EditHistory::Release(HistoryLevel& level, platform::MemoryDC& snapshotDC) {
-  // A bitmap selected into a DC cannot be deleted.
-  snapshotDC.Hide(level.snapshot.get());
-  level = HistoryLevel{};
-}
-
 void EditHistory::DiscardRedoLevels(platform::MemoryDC& snapshotDC) {
-  for (int i = index_ + 1; i < count_; ++i) Release(levels_[i], snapshotDC);
+  snapshots_.DiscardFrom(index_ + 1, snapshotDC);
+  for (int i = index_ + 1; i < count_; ++i) levels_[i] = HistoryLevel{};
   count_ = index_ + 1;
 }
 
 void EditHistory::DropOldest(platform::MemoryDC& snapshotDC) {
-  Release(levels_[0], snapshotDC);
+  snapshots_.DropFirst(snapshotDC);
   for (int i = 1; i < count_; ++i) levels_[i - 1] = std::move(levels_[i]);
   levels_[count_ - 1] = HistoryLevel{};
   --count_;
@@ -22,16 +17,23 @@ void EditHistory::DropOldest(platform::MemoryDC& snapshotDC) {
 }
 
 void EditHistory::Clear(platform::MemoryDC& snapshotDC) {
-  for (int i = 0; i < count_; ++i) Release(levels_[i], snapshotDC);
+  snapshots_.Clear(snapshotDC);
+  for (int i = 0; i < count_; ++i) levels_[i] = HistoryLevel{};
   count_ = 0;
   index_ = -1;
 }
 
-HistoryLevel& EditHistory::Append() {
+HistoryLevel& EditHistory::Append(platform::OwnedBitmap snapshot, HDC source, int width, int height,
+                                  platform::MemoryDC& snapshotDC) {
   index_ = count_++;
+  if (snapshot) snapshots_.Append(index_, std::move(snapshot), source, width, height, snapshotDC);
   return levels_[index_];
 }
 
 const HistoryLevel& EditHistory::StepBack() { return levels_[--index_]; }
 
 const HistoryLevel& EditHistory::StepForward() { return levels_[++index_]; }
+
+HBITMAP EditHistory::CurrentSnapshot(platform::MemoryDC& snapshotDC) {
+  return snapshots_.Has(index_) ? snapshots_.Bring(index_, snapshotDC) : nullptr;
+}

@@ -17,11 +17,12 @@ void CImageEditWnd::RecordLevel(HistoryLevel& level) const {
 // restored, so the positions are clamped against the displayed size still in force.
 void CImageEditWnd::RestoreLevel(const HistoryLevel& level) {
   BITMAP header{};
-  if (level.snapshot && GetObjectA(level.snapshot.get(), sizeof header, &header)) {
+  const HBITMAP snapshot = m_history.CurrentSnapshot(m_surfaces.snapshotDC);
+  if (snapshot && GetObjectA(snapshot, sizeof header, &header)) {
     const int width = header.bmWidth;
     const int height = header.bmHeight;
     CreateCompositionBuffer(width, height);
-    m_surfaces.snapshotDC.Show(level.snapshot.get());
+    m_surfaces.snapshotDC.Show(snapshot);
     CreateDrawingLayer(width, height);
     BitBlt(m_surfaces.drawingLayer.dc(), 0, 0, width, height, m_surfaces.snapshotDC.get(), 0, 0, SRCCOPY);
     UpdateScrollBars(width, height);
@@ -57,15 +58,9 @@ void CImageEditWnd::CommitHistoryLevel(HDC source, int width, int height) {
   }
   if (source && !snapshot) return;
 
-  HistoryLevel& level = m_history.Append();
-  // Every caller passes the drawing layer as the source, so the level owns the
-  // snapshot whenever one was made.
-  if (snapshot) {
-    level.snapshot = std::move(snapshot);
-    snapshotDC.Show(level.snapshot.get());
-    BitBlt(snapshotDC.get(), 0, 0, width, height, source, 0, 0, SRCCOPY);
-  }
-  RecordLevel(level);
+  // Every caller passes the drawing layer as the source, so the level has a snapshot
+  // whenever one was made.
+  RecordLevel(m_history.Append(std::move(snapshot), source, width, height, snapshotDC));
 }
 
 // The history moving under a tool abandons what it cannot finish any more: a half

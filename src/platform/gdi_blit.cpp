@@ -231,6 +231,29 @@ void TransparentRow(raster::Raster& out, const raster::Raster& in, int srcY, int
   }
 }
 
+// The same for an unconverted copy of columns [column, column + count) from a row
+// known packed: runs of the key are passed over whole.
+bool TransparentPackedRow(raster::Raster& out, const raster::Raster& in, int srcY, int destY, int destX,
+                          int column, int count, std::uint32_t key) {
+  int row = 0;
+  const raster::PackedRows* packed = in.PackedRow(srcY, &row);
+  if (!packed) return false;
+  std::uint32_t* dest = nullptr;
+  const int end = column + count;
+  packed->ForEachPiece(row, [&](int x, int pieceCount, const std::uint32_t* pixels, bool repeated) {
+    const int from = std::max(x, column);
+    const int to = std::min(x + pieceCount, end);
+    if (from >= to || (repeated && *pixels == key)) return;
+    for (int i = from; i < to; ++i) {
+      const std::uint32_t value = repeated ? *pixels : pixels[i - x];
+      if (value == key) continue;
+      if (!dest) dest = out.MutableRow(destY) + destX;
+      dest[i - column] = value;
+    }
+  });
+  return true;
+}
+
 }  // namespace
 
 // Unequal sizes are stretched by nearest pixel first; the key is compared with the
@@ -251,7 +274,11 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
     const Run rows = ClipRun({target.originY + y, from.originY + srcY, height}, target.clip.top,
                              target.clip.bottom, from.clip.top, from.clip.bottom);
     const auto column = static_cast<int>(cols.src);
+    const bool plain = conversion.kind == raster::Conversion::Kind::None && &in != &out;
     for (std::int64_t k = 0; k < rows.count; ++k) {
+      if (plain && TransparentPackedRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
+                                        static_cast<int>(cols.dest), column, static_cast<int>(cols.count), key))
+        continue;
       TransparentRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
                      static_cast<int>(cols.dest), static_cast<int>(cols.count), key, conversion,
                      [column](const std::uint32_t* row, int i) { return row[column + i]; });

@@ -7,8 +7,8 @@
 
 namespace platform::raster {
 
-// A band's storage: rows of its own, or (pinned rasters) a slice of the raster's one
-// block, or a single row of one colour.
+// A band's rows: rows of its own, or (pinned rasters) a slice of the raster's one
+// block, or a single row of one colour. A band only packed has none.
 struct Raster::Block {
   std::shared_ptr<std::uint32_t[]> memory;
   std::uint32_t* rows = nullptr;
@@ -34,7 +34,11 @@ std::shared_ptr<std::uint32_t[]> NewRows(std::size_t pixels) {
 
 std::size_t LivePixelBytes() { return g_liveBytes.load(std::memory_order_relaxed); }
 
-Raster::Band Raster::UniformBand(const std::shared_ptr<Block>& block) { return Band{block, block->rows, 0}; }
+void CountPixelStorage(std::ptrdiff_t bytes) { g_liveBytes += static_cast<std::size_t>(bytes); }
+
+Raster::Band Raster::UniformBand(const std::shared_ptr<Block>& block) {
+  return Band{block, block->rows, 0, nullptr, false};
+}
 
 std::shared_ptr<Raster::Block> Raster::UniformBlock(std::uint32_t pixel) const {
   auto block = std::make_shared<Block>();
@@ -66,30 +70,104 @@ Raster::Band Raster::FreshBand(int rows) const {
   auto block = std::make_shared<Block>();
   block->memory = NewRows(static_cast<std::size_t>(rows) * static_cast<std::size_t>(width));
   block->rows = block->memory.get();
-  return Band{block, block->rows, static_cast<std::size_t>(width)};
+  return Band{block, block->rows, static_cast<std::size_t>(width), nullptr, false};
+}
+
+Raster::Band Raster::PackedOnly(std::shared_ptr<const PackedRows> packed) const {
+  return Band{nullptr, nullptr, static_cast<std::size_t>(width), std::move(packed), false};
+}
+
+void Raster::SetBandPacked(int band, std::shared_ptr<const PackedRows> packed) {
+  bands_[static_cast<std::size_t>(band)] = PackedOnly(std::move(packed));
+}
+
+void Raster::MakeWritable(int band) {
+  Band& target = bands_[static_cast<std::size_t>(band)];
+  if (target.step != 0 && target.rows && target.block.use_count() == 1) {
+    target.packed.reset();
+    target.packingFailed = false;
+    return;
+  }
+  Materialise(band);
 }
 
 void Raster::Materialise(int band) {
   Band& target = bands_[static_cast<std::size_t>(band)];
   const int rows = BandHeight(band);
   Band fresh = FreshBand(rows);
-  for (int r = 0; r < rows; ++r) {
-    std::memcpy(fresh.rows + static_cast<std::size_t>(r) * width, target.rows + r * target.step,
-                static_cast<std::size_t>(width) * sizeof(std::uint32_t));
+  if (!target.rows) {
+    target.packed->Unpack(fresh.rows, fresh.step);
+  } else {
+    for (int r = 0; r < rows; ++r) {
+      std::memcpy(fresh.rows + static_cast<std::size_t>(r) * width, target.rows + r * target.step,
+                  static_cast<std::size_t>(width) * sizeof(std::uint32_t));
+    }
   }
   target = std::move(fresh);
+}
+
+const std::uint32_t* Raster::Unpacked(int band) const {
+  Band& target = bands_[static_cast<std::size_t>(band)];
+  Band fresh = FreshBand(BandHeight(band));
+  target.packed->Unpack(fresh.rows, fresh.step);
+  fresh.packed = std::move(target.packed);
+  target = std::move(fresh);
+  return target.rows;
+}
+
+Raster::Band Raster::Kept(Band& from, int rows) const {
+  if (from.step == 0 || !from.rows || from.packingFailed || pinned_) return from;
+  if (!from.packed) {
+    // Remembered on the band it was packed from (of this raster or of a copy's source),
+    // so the next copy or compaction of the same pixels finds it done.
+    Band& source = from;
+    auto packed = std::make_shared<const PackedRows>(from.rows, from.step, width, rows);
+    // Packing pays when it saves at least half of the rows.
+    if (packed->bytes() * 2 > static_cast<std::size_t>(rows) * width * sizeof(std::uint32_t)) {
+      source.packingFailed = true;
+      return from;
+    }
+    source.packed = std::move(packed);
+  }
+  return PackedOnly(from.packed);
+}
+
+void Raster::Compact() {
+  compact_ = true;
+  if (pinned_) return;
+  for (std::size_t b = 0; b < bands_.size(); ++b) bands_[b] = Kept(bands_[b], BandHeight(static_cast<int>(b)));
+}
+
+bool Raster::SameBand(const Raster& other, int band, int otherBand) const {
+  const Band& a = bands_[static_cast<std::size_t>(band)];
+  const Band& b = other.bands_[static_cast<std::size_t>(otherBand)];
+  if (a.block && a.block == b.block) return true;
+  if (a.packed && a.packed == b.packed) return true;
+  return a.step == 0 && b.step == 0 && a.rows[0] == b.rows[0];
+}
+
+void Raster::ReadBand(int band, std::uint32_t* out) const {
+  const Band& from = bands_[static_cast<std::size_t>(band)];
+  const int rows = BandHeight(band);
+  const std::size_t rowBytes = static_cast<std::size_t>(width) * sizeof(std::uint32_t);
+  if (!from.rows) {
+    from.packed->Unpack(out, static_cast<std::size_t>(width));
+    return;
+  }
+  for (int r = 0; r < rows; ++r)
+    std::memcpy(out + static_cast<std::size_t>(r) * width, from.rows + r * from.step, rowBytes);
 }
 
 void Raster::OwnRowsToReplace(int y0, int y1) {
   if (y0 >= y1 || pinned()) return;
   for (int band = y0 >> kBandShift; band <= (y1 - 1) >> kBandShift; ++band) {
     Band& target = bands_[static_cast<std::size_t>(band)];
-    if (target.step != 0 && target.block.use_count() == 1) continue;
+    if (Writable(target)) continue;
     const int top = band << kBandShift;
     if (top >= y0 && top + BandHeight(band) <= y1) {
       target = FreshBand(BandHeight(band));
     } else {
-      Materialise(band);
+      MakeWritable(band);
     }
   }
 }
@@ -125,8 +203,13 @@ void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
 
 void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int destY, int columns, int count) {
   if (columns <= 0 || count <= 0) return;
-  const bool shareable = srcX == 0 && destX == 0 && columns == width && width == src.width && !pinned() &&
-                         !src.pinned() && ((srcY - destY) & (kBandRows - 1)) == 0;
+  // Bands line up when both rasters have one width, the rows one band offset and the
+  // columns one place. Whole bands that line up are shared rather than copied: when
+  // every column is copied, and also when the columns left out already hold the
+  // source's pixels (a window repainting the part of a picture that changed).
+  const bool alignable = srcX == destX && width == src.width && !pinned() && !src.pinned() &&
+                         ((srcY - destY) & (kBandRows - 1)) == 0;
+  const bool everyColumn = alignable && columns == width;
   const std::size_t bytes = static_cast<std::size_t>(columns) * sizeof(std::uint32_t);
   int k = 0;
   while (k < count) {
@@ -135,10 +218,14 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
     const int bandTop = band << kBandShift;
     const int bandRows = BandHeight(band);
     Band& target = bands_[static_cast<std::size_t>(band)];
-    const Band& from = src.bands_[static_cast<std::size_t>((srcY + k) >> kBandShift)];
-    if (shareable && y == bandTop && count - k >= bandRows &&
-        src.BandHeight((srcY + k) >> kBandShift) == bandRows) {
-      if (target.block != from.block) target = from;
+    const int fromBand = (srcY + k) >> kBandShift;
+    if (alignable && y == bandTop && count - k >= bandRows && src.BandHeight(fromBand) == bandRows &&
+        (SameBand(src, band, fromBand) || everyColumn ||
+         ColumnsMatchBeside(src, srcY + k, y, bandRows, destX, destX + columns))) {
+      if (!SameBand(src, band, fromBand)) {
+        Band& from = src.bands_[static_cast<std::size_t>(fromBand)];
+        target = compact_ ? Kept(from, bandRows) : from;
+      }
       k += bandRows;
       continue;
     }
@@ -153,6 +240,17 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
   }
 }
 
+bool Raster::ColumnsMatchBeside(const Raster& src, int srcY, int destY, int rows, int x0, int x1) const {
+  const std::size_t before = static_cast<std::size_t>(x0) * sizeof(std::uint32_t);
+  const std::size_t after = static_cast<std::size_t>(width - x1) * sizeof(std::uint32_t);
+  for (int r = 0; r < rows; ++r) {
+    const std::uint32_t* mine = Row(destY + r);
+    const std::uint32_t* theirs = src.Row(srcY + r);
+    if (std::memcmp(mine, theirs, before) != 0 || std::memcmp(mine + x1, theirs + x1, after) != 0) return false;
+  }
+  return true;
+}
+
 void Raster::ShareFrom(const Raster& src) {
   width = src.width;
   height = src.height;
@@ -160,6 +258,7 @@ void Raster::ShareFrom(const Raster& src) {
   pinned_ = nullptr;
   if (!src.pinned()) {
     bands_ = src.bands_;
+    if (compact_) Compact();
     return;
   }
   bands_.assign(src.bands_.size(), UniformBand(UniformBlock(kBlack)));
@@ -176,21 +275,27 @@ std::uint32_t* Raster::Pin() {
     auto block = std::make_shared<Block>();
     block->memory = memory;
     block->rows = memory.get() + rowPixels * (b << kBandShift);
-    bands_[b] = Band{block, block->rows, rowPixels};
+    bands_[b] = Band{block, block->rows, rowPixels, nullptr, false};
   }
   pinned_ = memory.get();
   return pinned_;
 }
 
 std::size_t Raster::StoredBytes() const {
-  std::vector<const Block*> counted;
+  std::vector<const void*> counted;
+  const auto first = [&](const void* storage) {
+    if (!storage || std::find(counted.begin(), counted.end(), storage) != counted.end()) return false;
+    counted.push_back(storage);
+    return true;
+  };
   std::size_t total = 0;
   for (std::size_t b = 0; b < bands_.size(); ++b) {
-    const Block* block = bands_[b].block.get();
-    if (std::find(counted.begin(), counted.end(), block) != counted.end()) continue;
-    counted.push_back(block);
-    total += (bands_[b].step == 0 ? 1 : static_cast<std::size_t>(BandHeight(static_cast<int>(b)))) *
-             static_cast<std::size_t>(width) * sizeof(std::uint32_t);
+    const Band& band = bands_[b];
+    if (first(band.block.get())) {
+      total += (band.step == 0 ? 1 : static_cast<std::size_t>(BandHeight(static_cast<int>(b)))) *
+               static_cast<std::size_t>(width) * sizeof(std::uint32_t);
+    }
+    if (first(band.packed.get())) total += band.packed->bytes();
   }
   return total;
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/packed_rows.h"
 #include "platform/types.h"
 
 namespace platform::raster {
@@ -31,6 +32,13 @@ inline constexpr std::int64_t kMaxPixels = std::int64_t{1} << 28;
 // Every reader goes through Row() and every writer through MutableRow(), which is the
 // only way to get a writable pointer: never write through a pointer from Row().
 //
+// A compact raster (a history snapshot: kept, rarely drawn on) stores bands packed as
+// runs (packed_rows.h) where that pays. Reading or writing a packed band unpacks it
+// into rows of its own first, so Row() may store rows but never changes a pixel;
+// Compact() packs what was unpacked. A band unpacked from a packed one, or packed for a
+// copy into a compact raster, remembers its packed form until it is written, so that
+// copying it into a compact raster again costs nothing.
+//
 // A pinned raster keeps all its rows in one contiguous block that it never shares, so
 // a pointer to its pixels (a DIB section's bits) stays valid and sees every change.
 inline constexpr int kBandShift = 4;
@@ -52,14 +60,15 @@ class Raster {
   // Row y for reading; valid until this raster next changes.
   const std::uint32_t* Row(int y) const {
     const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
-    return band.rows + static_cast<std::size_t>(y & (kBandRows - 1)) * band.step;
+    const std::uint32_t* rows = band.rows ? band.rows : Unpacked(y >> kBandShift);
+    return rows + static_cast<std::size_t>(y & (kBandRows - 1)) * band.step;
   }
-  // Row y for writing: its band becomes this raster's own first (copied or expanded
-  // from its single colour). Ask for the written rows before reading rows of the same
-  // raster that may share their band.
+  // Row y for writing: its band becomes this raster's own first (copied, unpacked or
+  // expanded from its single colour). Ask for the written rows before reading rows of
+  // the same raster that may share their band. A band's rows are `width` apart.
   std::uint32_t* MutableRow(int y) {
     Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
-    if (band.step == 0 || band.block.use_count() != 1) Materialise(y >> kBandShift);
+    if (!Writable(band)) MakeWritable(y >> kBandShift);
     return band.rows + static_cast<std::size_t>(y & (kBandRows - 1)) * band.step;
   }
   // Rows [y0, y1) made this raster's own for writing, as MutableRow does, except that
@@ -67,6 +76,14 @@ class Raster {
   // copied: for a writer that replaces every pixel of those rows. MutableRow then
   // costs nothing for them, so writers on several threads can share the rows.
   void OwnRowsToReplace(int y0, int y1);
+  // Row y's band packed, when that is known (the band is packed, or unpacked and not
+  // written since), with the row's place in it; null otherwise. For readers that can
+  // pass over whole runs.
+  const PackedRows* PackedRow(int y, int* rowInBand) const {
+    const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
+    *rowInBand = y & (kBandRows - 1);
+    return band.packed.get();
+  }
   // The colour of every pixel of row y when its band is stored as one colour.
   bool RowIsUniform(int y, std::uint32_t* pixel) const {
     const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
@@ -93,25 +110,61 @@ class Raster {
   // Bytes of pixel rows this raster keeps alive (shared bands counted in full).
   std::size_t StoredBytes() const;
 
- private:
-  struct Block;
-  struct Band {
-    std::shared_ptr<Block> block;
-    std::uint32_t* rows = nullptr;
-    std::size_t step = 0;  // width for rows of its own, 0 for one colour
-  };
+  // Makes the raster compact: its bands packed now where that pays, and bands later
+  // copied in whole packed too. Pinned rasters stay as they are. Throws std::bad_alloc.
+  void Compact();
+  bool compact() const { return compact_; }
+
+  int BandCount() const { return static_cast<int>(bands_.size()); }
   int BandHeight(int band) const {
     const int first = band << kBandShift;
     return height - first < kBandRows ? height - first : kBandRows;
   }
+  // Whether band `band` of this raster and band `otherBand` of `other` (one width) are
+  // known to hold the same pixels without reading them: one storage, one packed form
+  // or one colour.
+  bool SameBand(const Raster& other, int band, int otherBand) const;
+  // Band `band`'s rows into `out` (rows `width` apart), leaving the raster as it is.
+  void ReadBand(int band, std::uint32_t* out) const;
+  // Band `band` packed, when that is known; null otherwise.
+  const std::shared_ptr<const PackedRows>& BandPacked(int band) const {
+    return bands_[static_cast<std::size_t>(band)].packed;
+  }
+  // Band `band` becomes `packed` (of the band's size), stored packed.
+  void SetBandPacked(int band, std::shared_ptr<const PackedRows> packed);
+
+ private:
+  struct Block;
+  struct Band {
+    std::shared_ptr<Block> block;   // none while the band is only packed
+    std::uint32_t* rows = nullptr;  // null while the band is only packed
+    std::size_t step = 0;           // width for rows of its own or packed, 0 for one colour
+    // The same pixels packed, while known; a write in place forgets them.
+    std::shared_ptr<const PackedRows> packed;
+    bool packingFailed = false;  // packing was tried on these pixels and did not pay
+  };
+  static bool Writable(const Band& band) {
+    return band.step != 0 && band.rows && !band.packed && !band.packingFailed && band.block.use_count() == 1;
+  }
   static Band UniformBand(const std::shared_ptr<Block>& block);
+  Band PackedOnly(std::shared_ptr<const PackedRows> packed) const;
   // A band of that many rows of its own, its pixels not yet written.
   Band FreshBand(int rows) const;
   std::shared_ptr<Block> UniformBlock(std::uint32_t pixel) const;
+  void MakeWritable(int band);
   void Materialise(int band);
+  const std::uint32_t* Unpacked(int band) const;
+  // Whether `rows` rows from destY here and from srcY in `src` (one width) hold the
+  // same pixels outside columns [x0, x1).
+  bool ColumnsMatchBeside(const Raster& src, int srcY, int destY, int rows, int x0, int x1) const;
+  // The band (of `rows` rows) as a compact raster keeps it: packed when packing pays.
+  // Packing is remembered on `from`, which may belong to another raster.
+  Band Kept(Band& from, int rows) const;
 
-  std::vector<Band> bands_;
+  // Mutable because Row() unpacks a packed band on first read; the pixels stay as they are.
+  mutable std::vector<Band> bands_;
   std::uint32_t* pinned_ = nullptr;
+  bool compact_ = false;
 };
 
 // Bytes of pixel storage alive in every raster of the process together.

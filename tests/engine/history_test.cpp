@@ -274,21 +274,23 @@ TEST_F(HistoryTest, FailedSnapshotsGiveUpOlderLevelsOneAtATime) {
     EXPECT_EQ(history.index(), history.count() - 1);
     EXPECT_EQ(platform::LiveGdiObjects().bitmaps - bitmapsBefore, c.bitmapChange);
     if (!c.levels.empty()) {
-      EXPECT_TRUE(history.Level(history.index()).snapshot);
+      EXPECT_TRUE(history.HasSnapshot(history.index()));
     }
   }
 }
 
+// However many levels have snapshots, the history holds two whole bitmaps: the
+// snapshot on show and its settled copy; the other levels keep differences.
 TEST_F(HistoryTest, LevelsOwnTheirSnapshotsAndLeaveNothingBehind) {
   const platform::GdiCounts before = platform::LiveGdiObjects();
   Load(40, 30, 4, 2);
   const int withFirstLevel = platform::LiveGdiObjects().bitmaps;
   for (int i = 0; i < 25; ++i) CommitStrokes();
-  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, withFirstLevel + 9);  // ten levels, ten snapshots
+  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, withFirstLevel + 1);
   for (int i = 0; i < 3; ++i) editor().Undo();
   CommitLabelled(5);  // three redo levels released, one level without a snapshot
   EXPECT_EQ(editor().m_history.count(), 8);
-  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, withFirstLevel + 6);
+  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, withFirstLevel + 1);
   editor().Undo();
   editor().Undo();
   CommitStrokes();

@@ -137,7 +137,7 @@ TEST_F(ObjectsTest, ABalloonWithAPictureTakesTheStoredSettings) {
   EXPECT_NE(balloon.backgroundBrush.get(), editor().m_textEntry.backgroundBrush());
   // A level without a snapshot: objects alone never copy the picture.
   EXPECT_EQ(editor().m_history.count(), levels + 1);
-  EXPECT_FALSE(editor().m_history.Level(levels).snapshot);
+  EXPECT_FALSE(editor().m_history.HasSnapshot(levels));
 }
 
 // Without a picture (none, or one that does not load) the text gets a box in the text

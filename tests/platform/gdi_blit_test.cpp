@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "platform/gdi_test_support.h"
+#include "platform/kept_bitmaps.h"
 
 using gdi_test::kBlack;
 using gdi_test::kWhite;
@@ -241,7 +242,8 @@ TEST(GdiWindowDc, DrawsAtItsOriginAndOnlyInsideItsClip) {
 
 // The 1:1 span kernel against the rule pixel by pixel, on random pictures with the
 // key colour in runs and whole rows, for rectangles inside, across and outside both
-// bitmaps (odd sizes, one pixel). The stretched one below against StretchBlt's
+// bitmaps (odd sizes, one pixel); every other source mostly key-coloured and kept
+// packed, as a drawing layer restored from the history is read. The stretched one below against StretchBlt's
 // nearest-pixel sampling followed by the same rule.
 TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
   std::mt19937 random(13);
@@ -252,11 +254,20 @@ TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
     MemSurface src(sw, sh), dst(dw, dh);
     std::vector<std::vector<COLORREF>> source(static_cast<std::size_t>(sh)),
         target(static_cast<std::size_t>(dh));
+    const bool packed = round % 2 == 1;
     for (int y = 0; y < sh; ++y) {
       const bool keyRow = pick(3) == 0;
-      for (int x = 0; x < sw; ++x)
-        source[y].push_back(keyRow || pick(2) ? key : static_cast<COLORREF>(random() & 0xFFFFFF));
+      while (static_cast<int>(source[y].size()) < sw) {
+        // Packed sources come in runs (of the key mostly), as strokes on a layer do.
+        const int run = packed ? 1 + pick(6) : 1;
+        const bool keyed = keyRow || (packed ? pick(4) != 0 : pick(2) != 0);
+        const COLORREF color = keyed ? key : static_cast<COLORREF>(random() & 0xFFFFFF);
+        for (int i = 0; i < run && static_cast<int>(source[y].size()) < sw; ++i) source[y].push_back(color);
+      }
       src.SetRow(y, source[y]);
+    }
+    if (packed) {
+      ASSERT_TRUE(platform::CompactBitmap(src.bitmap()));
     }
     for (int y = 0; y < dh; ++y) {
       for (int x = 0; x < dw; ++x) target[y].push_back(static_cast<COLORREF>(random() & 0xFFFFFF));

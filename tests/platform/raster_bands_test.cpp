@@ -1,7 +1,8 @@
 // The banded, copy-on-write raster against a plain array of rows: seeded random
 // fills, row copies (aligned, so that bands are shared, and not), writes through
-// MutableRow, rows replaced whole, whole copies and pinning, on awkward sizes; every
-// row must read the same. Also the 24-bit row packing against a byte-by-byte loop,
+// MutableRow, rows replaced whole, whole copies, compaction and pinning, on awkward
+// sizes; every row must read the same. Differences between such rasters must turn
+// either into the other. Also the 24-bit row packing against a byte-by-byte loop,
 // and paints that change nothing leaving shared bands shared.
 #include <gtest/gtest.h>
 
@@ -47,7 +48,7 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
       Raster& r = rasters[a];
       Plain& p = plains[a];
       const std::uint32_t colour = pick(3) == 0 ? 0x123456 : random() & 0xFFFFFF;
-      switch (pick(6)) {
+      switch (pick(7)) {
         case 0: {  // a fill, often of whole rows
           const bool whole = pick(2) == 0;
           const int x0 = whole ? 0 : pick(w), x1 = whole ? w : x0 + pick(w - x0 + 1);
@@ -90,6 +91,9 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
           }
           break;
         }
+        case 5:  // packed where that pays; later whole copies into it are packed too
+          r.Compact();
+          break;
         default:  // pinned: the block seen through the pointer is the raster's rows
           if (pick(8) == 0) {
             const std::uint32_t* block = r.Pin();
@@ -113,6 +117,30 @@ TEST(RasterBands, UntouchedBandsCostOneRowAndWritesMaterialiseOnlyTheirBand) {
   copy.Fill(0, 0, 4000, 3000, 0x0B4313);
   EXPECT_EQ(copy.StoredBytes(), 4000u * 4);
   EXPECT_EQ(raster.Row(100)[7], 1u);
+}
+
+// A window repainting the columns of its picture that changed: where the columns
+// left out already match, the window's bands become the picture's, so a repaint
+// does not leave the window a copy of every band it touched; where they do not,
+// only the columns asked for change.
+TEST(RasterBands, CopiedColumnsShareTheBandWhenTheRestAlreadyMatches) {
+  Raster picture;
+  ASSERT_TRUE(picture.Allocate(4000, 64, false));
+  picture.Fill(0, 0, 4000, 64, 0x336699);
+  picture.MutableRow(5)[3000] = 0x010203;  // a band of its own
+  Raster window;
+  window.ShareFrom(picture);
+  for (int y = 0; y < 64; ++y) std::fill_n(picture.MutableRow(y) + 100, 3, 0xFF0000u + y);
+  window.CopyRows(picture, 100, 0, 100, 0, 3, 64);
+  for (int band = 0; band < window.BandCount(); ++band) EXPECT_TRUE(window.SameBand(picture, band, band));
+  for (int y = 0; y < 64; ++y) ASSERT_EQ(window.Row(y)[101], 0xFF0000u + y);
+
+  window.MutableRow(40)[3999] = 0x00AA00;  // the window differs beside the columns now
+  picture.MutableRow(40)[100] = 0x0000AA;
+  window.CopyRows(picture, 100, 32, 100, 32, 3, 32);
+  EXPECT_EQ(window.Row(40)[100], 0x0000AAu);
+  EXPECT_EQ(window.Row(40)[3999], 0x00AA00u);
+  EXPECT_EQ(picture.Row(40)[3999], 0x336699u);
 }
 
 TEST(RasterBands, APaintThatChangesNothingLeavesItsBandShared) {

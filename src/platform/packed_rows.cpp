@@ -1,0 +1,198 @@
+#include "platform/packed_rows.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace platform::raster {
+
+namespace {
+
+// Shorter repeats cost more as a piece of their own than inside a run of literals.
+constexpr int kShortestRepeat = 3;
+
+// How many pixels from `row` on equal row[0], at most `limit`; eight at a time, which
+// compilers turn into vector compares.
+int RepeatLength(const std::uint32_t* row, int limit) {
+  const std::uint32_t value = row[0];
+  int n = 1;
+  for (; n + 8 <= limit; n += 8) {
+    std::uint32_t differs = 0;
+    for (int i = 0; i < 8; ++i) differs |= row[n + i] ^ value;
+    if (differs) break;
+  }
+  while (n < limit && row[n] == value) ++n;
+  return n;
+}
+
+}  // namespace
+
+PackedRows::PackedRows(const std::uint32_t* rows, std::size_t step, int width, int count)
+    : width_(width), rows_(count) {
+  rowStarts_.reserve(static_cast<std::size_t>(count));
+  for (int r = 0; r < count; ++r) PackRow(rows + static_cast<std::size_t>(r) * step);
+  Finish();
+}
+
+PackedRows::PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size_t step, int width,
+                       int count)
+    : width_(width), rows_(count) {
+  std::unique_ptr<std::uint32_t[]> row(new std::uint32_t[static_cast<std::size_t>(width)]);
+  rowStarts_.reserve(static_cast<std::size_t>(count));
+  for (int r = 0; r < count; ++r) {
+    const std::size_t offset = static_cast<std::size_t>(r) * step;
+    for (int x = 0; x < width; ++x) row[x] = a[offset + x] ^ b[offset + x];
+    PackRow(row.get());
+  }
+  Finish();
+}
+
+void PackedRows::BeginRow() {
+  rowStarts_.push_back(static_cast<std::uint32_t>(words_.size()));
+  lastRepeat_ = -1;
+  lastLiteral_ = -1;
+}
+
+void PackedRows::AddRepeat(std::uint32_t pixel, int count) {
+  if (lastRepeat_ >= 0 && words_[static_cast<std::size_t>(lastRepeat_) + 1] == pixel) {
+    words_[static_cast<std::size_t>(lastRepeat_)] += static_cast<std::uint32_t>(count);
+    return;
+  }
+  if (count < kShortestRepeat) {
+    for (int i = 0; i < count; ++i) AddLiteral(pixel);
+    return;
+  }
+  lastLiteral_ = -1;
+  lastRepeat_ = static_cast<std::ptrdiff_t>(words_.size());
+  words_.push_back(kRepeated | static_cast<std::uint32_t>(count));
+  words_.push_back(pixel);
+}
+
+void PackedRows::AddLiteral(std::uint32_t pixel) {
+  if (lastLiteral_ < 0) {
+    lastRepeat_ = -1;
+    lastLiteral_ = static_cast<std::ptrdiff_t>(words_.size());
+    words_.push_back(0);
+  }
+  ++words_[static_cast<std::size_t>(lastLiteral_)];
+  words_.push_back(pixel);
+}
+
+void PackedRows::Finish() {
+  words_.shrink_to_fit();
+  counted_ = bytes();
+  CountPixelStorage(static_cast<std::ptrdiff_t>(counted_));
+}
+
+std::shared_ptr<const PackedRows> PackedRows::Xor(const PackedRows& a, const PackedRows& b) {
+  std::shared_ptr<PackedRows> result(new PackedRows(a.width_, a.rows_));
+  result->rowStarts_.reserve(static_cast<std::size_t>(a.rows_));
+  // A place in a row's pieces: the piece's pixels and how many of them are left.
+  struct Cursor {
+    const std::uint32_t* word;
+    int left = 0;
+    bool repeated = false;
+    const std::uint32_t* pixels = nullptr;
+    void Next() {
+      const std::uint32_t header = *word++;
+      left = static_cast<int>(header & ~kRepeated);
+      repeated = (header & kRepeated) != 0;
+      pixels = word;
+      word += repeated ? 1 : left;
+    }
+    std::uint32_t At(int i) const { return repeated ? *pixels : pixels[i]; }
+    void Skip(int n) {
+      left -= n;
+      if (!repeated) pixels += n;
+    }
+  };
+  for (int r = 0; r < a.rows_; ++r) {
+    result->BeginRow();
+    Cursor first{a.words_.data() + a.rowStarts_[static_cast<std::size_t>(r)]};
+    Cursor second{b.words_.data() + b.rowStarts_[static_cast<std::size_t>(r)]};
+    for (int x = 0; x < a.width_;) {
+      if (first.left == 0) first.Next();
+      if (second.left == 0) second.Next();
+      const int n = std::min(first.left, second.left);
+      if (first.repeated && second.repeated) {
+        result->AddRepeat(*first.pixels ^ *second.pixels, n);
+      } else {
+        for (int i = 0; i < n; ++i) result->AddLiteral(first.At(i) ^ second.At(i));
+      }
+      first.Skip(n);
+      second.Skip(n);
+      x += n;
+    }
+  }
+  result->Finish();
+  return result;
+}
+
+PackedRows::~PackedRows() { CountPixelStorage(-static_cast<std::ptrdiff_t>(counted_)); }
+
+void PackedRows::PackRow(const std::uint32_t* row) {
+  BeginRow();
+  int x = 0;
+  while (x < width_) {
+    const int repeat = RepeatLength(row + x, width_ - x);
+    if (repeat >= kShortestRepeat) {
+      words_.push_back(kRepeated | static_cast<std::uint32_t>(repeat));
+      words_.push_back(row[x]);
+      x += repeat;
+      continue;
+    }
+    // Literal pixels up to where a repeat worth its own piece begins.
+    const int start = x;
+    x += repeat;
+    while (x < width_) {
+      const int next = RepeatLength(row + x, std::min(kShortestRepeat, width_ - x));
+      if (next >= kShortestRepeat) break;
+      x += next;
+    }
+    words_.push_back(static_cast<std::uint32_t>(x - start));
+    words_.insert(words_.end(), row + start, row + x);
+  }
+}
+
+template <typename Visit>
+void PackedRows::Decode(Visit visit) const {
+  for (int r = 0; r < rows_; ++r) {
+    ForEachPiece(r, [&](int x, int count, const std::uint32_t* pixels, bool repeated) {
+      visit(r, x, count, pixels, repeated);
+    });
+  }
+}
+
+void PackedRows::Unpack(std::uint32_t* out, std::size_t step) const {
+  Decode([&](int r, int x, int count, const std::uint32_t* pixels, bool repeated) {
+    std::uint32_t* to = out + static_cast<std::size_t>(r) * step + x;
+    if (repeated) {
+      std::fill_n(to, count, *pixels);
+    } else {
+      std::memcpy(to, pixels, static_cast<std::size_t>(count) * sizeof(std::uint32_t));
+    }
+  });
+}
+
+void PackedRows::XorInto(std::uint32_t* out, std::size_t step) const {
+  Decode([&](int r, int x, int count, const std::uint32_t* pixels, bool repeated) {
+    std::uint32_t* to = out + static_cast<std::size_t>(r) * step + x;
+    if (repeated) {
+      if (*pixels == 0) return;
+      for (int i = 0; i < count; ++i) to[i] ^= *pixels;
+    } else {
+      for (int i = 0; i < count; ++i) to[i] ^= pixels[i];
+    }
+  });
+}
+
+bool PackedRows::AllZero() const {
+  bool zero = true;
+  Decode([&](int, int, int count, const std::uint32_t* pixels, bool repeated) {
+    if (!zero) return;
+    for (int i = 0; i < (repeated ? 1 : count); ++i) zero = zero && pixels[i] == 0;
+  });
+  return zero;
+}
+
+}  // namespace platform::raster

@@ -1,0 +1,172 @@
+// Packed rows and the differences built on them: packing must give back every pixel
+// of rows with repeats of every length (those of one and two pixels stay literal), at
+// either end of a row and across rows; a difference between two rasters, whatever
+// their storage (shared, packed, one colour, rows of their own), must turn either into
+// the other, and two differences combined must do what both do in turn.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+#include "platform/packed_rows.h"
+#include "platform/raster.h"
+#include "platform/raster_difference.h"
+
+namespace {
+
+using platform::raster::Difference;
+using platform::raster::PackedRows;
+using platform::raster::Raster;
+
+// Rows that mix repeats of 1 to 9 pixels with noise, as strokes on a key colour do.
+std::vector<std::uint32_t> StrokeLikeRows(std::mt19937& random, int width, int rows) {
+  std::vector<std::uint32_t> pixels;
+  for (int r = 0; r < rows; ++r) {
+    int x = 0;
+    while (x < width) {
+      const int length = std::min(width - x, 1 + static_cast<int>(random() % 9));
+      const std::uint32_t value = random() % 4 == 0 ? random() & 0xFFFFFF : 0xFF00FF;
+      const bool noisy = random() % 5 == 0;
+      for (int i = 0; i < length; ++i) pixels.push_back(noisy ? random() & 0xFFFFFF : value);
+      x += length;
+    }
+  }
+  return pixels;
+}
+
+TEST(PackedRows, GiveBackEveryPixelAndXorLikeTheRows) {
+  std::mt19937 random(11);
+  for (const int width : {1, 2, 3, 5, 8, 9, 17, 64, 301}) {
+    SCOPED_TRACE(width);
+    const int rows = 1 + static_cast<int>(random() % 16);
+    const std::vector<std::uint32_t> a = StrokeLikeRows(random, width, rows);
+    const std::vector<std::uint32_t> b = StrokeLikeRows(random, width, rows);
+    const auto step = static_cast<std::size_t>(width);
+
+    const PackedRows packed(a.data(), step, width, rows);
+    std::vector<std::uint32_t> out(a.size(), 0xDEAD);
+    packed.Unpack(out.data(), step);
+    EXPECT_EQ(out, a);
+    EXPECT_EQ(packed.AllZero(), std::all_of(a.begin(), a.end(), [](std::uint32_t p) { return p == 0; }));
+
+    // Into rows further apart than the width: the gaps stay as they were.
+    std::vector<std::uint32_t> wide(static_cast<std::size_t>(width + 3) * rows, 7);
+    packed.Unpack(wide.data(), step + 3);
+    for (int r = 0; r < rows; ++r) {
+      for (int x = 0; x < width + 3; ++x) {
+        const std::uint32_t expected = x < width ? a[static_cast<std::size_t>(r) * step + x] : 7;
+        ASSERT_EQ(wide[static_cast<std::size_t>(r) * (step + 3) + x], expected) << r << "," << x;
+      }
+    }
+
+    // Exclusive or of the packed forms, without unpacking, gives the same pixels.
+    const PackedRows packedB(b.data(), step, width, rows);
+    std::vector<std::uint32_t> expected(a.size()), viaRuns(a.size());
+    for (std::size_t i = 0; i < a.size(); ++i) expected[i] = a[i] ^ b[i];
+    PackedRows::Xor(packed, packedB)->Unpack(viaRuns.data(), step);
+    EXPECT_EQ(viaRuns, expected);
+    EXPECT_TRUE(PackedRows::Xor(packed, packed)->AllZero());
+
+    const PackedRows difference(a.data(), b.data(), step, width, rows);
+    std::vector<std::uint32_t> turned = a;
+    difference.XorInto(turned.data(), step);
+    EXPECT_EQ(turned, b);
+    difference.XorInto(turned.data(), step);
+    EXPECT_EQ(turned, a);
+    EXPECT_EQ(PackedRows(a.data(), a.data(), step, width, rows).AllZero(), true);
+    EXPECT_EQ(difference.AllZero(), a == b);
+  }
+}
+
+TEST(PackedRows, KeyColouredRowsPackToAFewWordsAndNoiseDoesNotGrowMuch) {
+  const int width = 4000;
+  std::vector<std::uint32_t> row(width, 0xFF00FF);
+  for (int x = 1000; x < 1003; ++x) row[static_cast<std::size_t>(x)] = 0x0000FF;
+  const PackedRows stroke(row.data(), width, width, 1);
+  // A repeat, three literals and a repeat, and where the row starts.
+  EXPECT_LE(stroke.bytes(), 7u * sizeof(std::uint32_t));
+
+  std::mt19937 random(3);
+  for (auto& pixel : row) pixel = random() & 0xFFFFFF;
+  const PackedRows noise(row.data(), width, width, 1);
+  EXPECT_LE(noise.bytes(), (width + 8) * sizeof(std::uint32_t));
+}
+
+// Rasters whose bands are stored every way a raster stores them.
+Raster MixedRaster(std::mt19937& random, int width, int height, bool compact) {
+  Raster raster;
+  EXPECT_TRUE(raster.Allocate(width, height, false));
+  raster.Fill(0, 0, width, height, 0xFF00FF);
+  for (int n = 0; n < 12; ++n) {
+    const int y = static_cast<int>(random() % static_cast<unsigned>(height));
+    const int x = static_cast<int>(random() % static_cast<unsigned>(width));
+    raster.MutableRow(y)[x] = random() & 0xFFFFFF;
+  }
+  if (random() % 2) raster.Fill(0, 16, width, std::min(height, 32), random() & 0xFFFFFF);
+  if (compact) raster.Compact();
+  return raster;
+}
+
+std::vector<std::uint32_t> Pixels(const Raster& raster) {
+  std::vector<std::uint32_t> pixels;
+  for (int y = 0; y < raster.height; ++y) pixels.insert(pixels.end(), raster.Row(y), raster.Row(y) + raster.width);
+  return pixels;
+}
+
+TEST(RasterDifference, TurnsEitherSideIntoTheOtherAndCombines) {
+  std::mt19937 random(29);
+  for (int round = 0; round < 40; ++round) {
+    SCOPED_TRACE(round);
+    const int width = 1 + static_cast<int>(random() % 70);
+    const int height = 1 + static_cast<int>(random() % 70);
+    const Raster a = MixedRaster(random, width, height, random() % 2);
+    Raster b;
+    b.ShareFrom(a);  // shares every band: only what is drawn next differs
+    for (int n = 0; n < 3; ++n) {
+      const int y = static_cast<int>(random() % static_cast<unsigned>(height));
+      std::fill_n(b.MutableRow(y), 1 + random() % static_cast<unsigned>(width), random() & 0xFFFFFF);
+    }
+    if (random() % 2) b.Compact();
+    const Raster c = MixedRaster(random, width, height, random() % 2);
+
+    const Difference ab = Difference::Between(a, b);
+    Raster turned;
+    turned.ShareFrom(a);
+    ab.ApplyTo(turned);
+    EXPECT_EQ(Pixels(turned), Pixels(b));
+    ab.ApplyTo(turned);
+    EXPECT_EQ(Pixels(turned), Pixels(a));
+    turned.ShareFrom(b);
+    ab.ApplyTo(turned);
+    EXPECT_EQ(Pixels(turned), Pixels(a));
+    EXPECT_EQ(ab.empty(), Pixels(a) == Pixels(b));
+
+    Difference ac = ab;
+    ac.Combine(Difference::Between(b, c));
+    turned.ShareFrom(a);
+    ac.ApplyTo(turned);
+    EXPECT_EQ(Pixels(turned), Pixels(c));
+    ac.Combine(Difference::Between(c, a));
+    EXPECT_TRUE(ac.empty());
+  }
+}
+
+TEST(RasterDifference, SharedBandsCostNothingAndOneStrokeCostsItsRows) {
+  Raster layer;
+  ASSERT_TRUE(layer.Allocate(4000, 3000, false));
+  layer.Fill(0, 0, 4000, 3000, 0xFF00FF);
+  Raster kept;
+  kept.Compact();
+  kept.ShareFrom(layer);
+  // A thin stroke down the whole layer: every band changes a little.
+  for (int y = 0; y < 3000; ++y) std::fill_n(layer.MutableRow(y) + 1200 + y / 100, 3, 0x0000FF);
+  EXPECT_TRUE(Difference::Between(kept, kept).empty());
+  const Difference stroke = Difference::Between(kept, layer);
+  EXPECT_LE(stroke.StoredBytes(), 3000u * 7 * sizeof(std::uint32_t));
+  // Kept compact, the stroked layer packs to about the same.
+  kept.CopyRows(layer, 0, 0, 0, 0, 4000, 3000);
+  EXPECT_LE(kept.StoredBytes(), 4000u * 4 + 3000u * 8 * sizeof(std::uint32_t));
+  EXPECT_EQ(Pixels(kept), Pixels(layer));
+}
+
+}  // namespace
