@@ -178,23 +178,40 @@ class ReferenceHistory {
   // The redo levels go, then the oldest level when the history is full.
   void Commit(ReferenceLevel level) {
     levels_.resize(static_cast<std::size_t>(index_ + 1));
-    if (levels_.size() == kLevelsKept) levels_.erase(levels_.begin());
+    if (shown_ > index_) shown_ = -1;
+    if (levels_.size() == kLevelsKept) {
+      levels_.erase(levels_.begin());
+      shown_ = shown_ > 0 ? shown_ - 1 : -1;
+    }
     levels_.push_back(std::move(level));
     index_ = count() - 1;
+    if (levels_.back().keepsLayer) shown_ = index_;
   }
   // The level now current, or null when the index cannot move.
-  const ReferenceLevel* Undo() { return index_ > 0 ? &levels_[static_cast<std::size_t>(--index_)] : nullptr; }
-  const ReferenceLevel* Redo() {
-    return index_ < count() - 1 ? &levels_[static_cast<std::size_t>(++index_)] : nullptr;
-  }
+  const ReferenceLevel* Undo() { return index_ > 0 ? Restore(index_ - 1) : nullptr; }
+  const ReferenceLevel* Redo() { return index_ < count() - 1 ? Restore(index_ + 1) : nullptr; }
   void Clear() {
     levels_.clear();
     index_ = -1;
+    shown_ = -1;
+  }
+  // A tool's copy of the finished drawing layer into the snapshot DC: it lands in the
+  // level last committed or restored with a layer, whichever that is now, or nowhere
+  // once that level is gone.
+  void CopyIntoShownLevel(const Pixels& layer) {
+    if (shown_ >= 0) levels_[static_cast<std::size_t>(shown_)].layer = layer;
   }
 
  private:
+  const ReferenceLevel* Restore(int index) {
+    index_ = index;
+    if (levels_[static_cast<std::size_t>(index)].keepsLayer) shown_ = index;
+    return &levels_[static_cast<std::size_t>(index)];
+  }
+
   std::vector<ReferenceLevel> levels_;
   int index_ = -1;
+  int shown_ = -1;  // the level whose layer the snapshot DC shows
 };
 
 // A picture of mixed colours, different for each seed, so that a rebuild that takes
@@ -247,23 +264,32 @@ class Session {
       void (Session::*step)();
     };
     static constexpr Choice kAnyStep[] = {
-        {5, &Session::FreehandStroke}, {2, &Session::ShapeDrag},
-        {1, &Session::FloodFill},      {2, &Session::AirbrushSpray},
-        {3, &Session::Adjustment},     {1, &Session::Flip},
-        {2, &Session::InsertIcon},     {3, &Session::MoveObject},
-        {1, &Session::SetImageWidth},  {1, &Session::LoadOtherPicture},
-        {1, &Session::Scroll},         {6, &Session::Undo},
-        {3, &Session::Redo},           {1, &Session::ClearEither},
+        {5, &Session::FreehandStroke},
+        {2, &Session::ShapeDrag},
+        {2, &Session::Curve},
+        {1, &Session::FloodFill},
+        {2, &Session::AirbrushSpray},
+        {3, &Session::Adjustment},
+        {1, &Session::Flip},
+        {2, &Session::InsertIcon},
+        {3, &Session::MoveObject},
+        {1, &Session::SetImageWidth},
+        {1, &Session::LoadOtherPicture},
+        {1, &Session::Scroll},
+        {6, &Session::Undo},
+        {3, &Session::Redo},
+        {1, &Session::ClearEither},
     };
     static constexpr Choice kLayoutKeepingStep[] = {
-        {5, &Session::FreehandStroke}, {2, &Session::ShapeDrag},  {1, &Session::FloodFill},
-        {2, &Session::AirbrushSpray},  {3, &Session::Adjustment}, {1, &Session::Flip},
-        {6, &Session::Undo},           {3, &Session::Redo},
+        {5, &Session::FreehandStroke}, {2, &Session::ShapeDrag},     {2, &Session::Curve},
+        {1, &Session::FloodFill},      {2, &Session::AirbrushSpray}, {3, &Session::Adjustment},
+        {1, &Session::Flip},           {6, &Session::Undo},          {3, &Session::Redo},
     };
     const std::span<const Choice> steps = anyKind ? std::span<const Choice>(kAnyStep) : kLayoutKeepingStep;
     int total = 0;
     for (const Choice& c : steps) total += c.weight;
     int pick = Between(0, total - 1);
+    problem_.clear();
     for (const Choice& c : steps) {
       if (pick < c.weight) {
         (this->*c.step)();
@@ -271,7 +297,7 @@ class Session {
       }
       pick -= c.weight;
     }
-    return Check();
+    return problem_.empty() ? Check() : problem_;
   }
 
   // Steps a test calls by name.
@@ -295,6 +321,26 @@ class Session {
     editor().SetShape(style);
     const std::string color = PickColor();
     Stroke("shape " + std::to_string(style) + " " + color, 2, OneIn(2));
+  }
+  // A curve's three drags. Undo with another tool chosen leaves the curve half built,
+  // so its last drag copies the layer into an older level's snapshot, or into the
+  // curve's own level after it became a redo level.
+  void Curve() {
+    editor().SetShape(2);
+    const std::string color = PickColor();
+    Stroke("curve " + color, 1, false);
+    if (OneIn(2)) {
+      if (!Midway()) return;
+      editor().SetPen(2);
+      Log("SetPen 2");
+      Undo();
+      if (!Midway()) return;
+      editor().SetShape(2);
+    }
+    for (int drag = 0; drag < 2; ++drag) {
+      if (!Midway()) return;
+      Stroke("curve " + color, 1, OneIn(2));
+    }
   }
   void FloodFill() {
     editor().FillWithSelectedColor();
@@ -509,6 +555,13 @@ class Session {
     sizes_[which] = SIZE{width, height};
   }
 
+  // The checks in the middle of a step of several parts; false (the problem kept for
+  // the step's report) when one failed.
+  bool Midway() {
+    problem_ = Check();
+    return problem_.empty();
+  }
+
   void Log(const std::string& step) { log_ += "  " + step + "\n"; }
 
   RECT Client() {
@@ -532,11 +585,15 @@ class Session {
     return color;
   }
 
-  // A press inside the visible image (which records a level holding the layer), some
-  // moves, the clock held for `hold` ms, and the release. The level ends up holding
-  // the layer after the stroke.
+  // A press inside the visible image, which records a level holding the layer as it
+  // is, some moves, the clock held for `hold` ms, and the release, which copies the
+  // finished layer into the snapshot DC: so the level ends up holding the layer after
+  // the stroke. Of a curve's three drags only the first records a level and only the
+  // last copies.
   void Stroke(const std::string& what, int moves, bool acrossBands, unsigned hold = 0) {
     const EditorState before = editor().State();
+    const bool curve = before.toolMode == static_cast<int>(ToolMode::Shape) &&
+                       before.shapeStyle == static_cast<int>(ShapeStyle::Curve);
     const RECT& image = before.imageRect;
     const RECT visible{image.left - before.scroll.x, image.top - before.scroll.y,
                        image.right - before.scroll.x, image.bottom - before.scroll.y};
@@ -559,6 +616,7 @@ class Session {
     const POINT down = point();
     step += " down(" + std::to_string(down.x) + "," + std::to_string(down.y) + ")";
     live_.Mouse(WM_LBUTTONDOWN, down.x, down.y);
+    if (!curve || before.curveStage == 0) Commit(true, LevelState::Of(before));
     POINT last = down;
     for (int i = 0; i < moves; ++i) {
       last = point();
@@ -569,7 +627,7 @@ class Session {
     live_.Mouse(WM_LBUTTONUP, last.x, last.y);
     Log(step);
     layer_ = ReadBitmap(editor().SurfaceBitmap(SurfaceName::Drawing));
-    Commit(true, LevelState::Of(before));
+    if (!curve || before.curveStage == 2) history_.CopyIntoShownLevel(layer_);
   }
 
   void Commit(bool keepsLayer, LevelState state) {
@@ -659,7 +717,9 @@ class Session {
       for (int x = 0; x < client.right && x < shown.width; ++x) {
         const int sx = x + s.scroll.x;
         const int sy = y + s.scroll.y;
-        if (sx >= width || sy >= height) continue;
+        // A restore may leave a scroll position below 0 (see Restored); the window
+        // then shows nothing of the surfaces left of or above it.
+        if (sx < 0 || sy < 0 || sx >= width || sy >= height) continue;
         const bool underObject = std::any_of(s.objects.begin(), s.objects.end(), [&](const ObjectState& o) {
           return x >= o.x - 4 && x < o.x + o.width + 4 && y >= o.y - 4 && y < o.y + o.height + 4;
         });
@@ -689,6 +749,7 @@ class Session {
   std::string iconPath_;
   int current_ = 0;
   std::string log_;
+  std::string problem_;  // what a step's middle check found
 
   ReferenceHistory history_;
   Pixels layer_;  // the drawing layer the editor must have now
