@@ -166,7 +166,7 @@ struct LevelState {
 // The reference history: whole copies, a plain list, the rules as they read.
 struct ReferenceLevel {
   bool keepsLayer = false;
-  Pixels layer;  // the drawing layer after the level's edit
+  Pixels layer;  // as committed, then as a tool's copy at a release left it
   LevelState state;
 };
 
@@ -526,7 +526,8 @@ class Session {
       // The bars are set for the layer's size first, which puts both positions at 0
       // and measures the view anew; then each axis scrolls to the level's position,
       // limited to 0 and then to the size shown before the restore less the view
-      // (that limit last).
+      // (that limit last, so a picture shown smaller than the view before the restore
+      // gives a position below 0).
       const RECT client = Client();
       auto limited = [](int position, int displayed, int view) {
         return position == 0 ? 0 : std::min(std::max(position, 0), displayed - view);
@@ -717,8 +718,8 @@ class Session {
       for (int x = 0; x < client.right && x < shown.width; ++x) {
         const int sx = x + s.scroll.x;
         const int sy = y + s.scroll.y;
-        // A restore may leave a scroll position below 0 (see Restored); the window
-        // then shows nothing of the surfaces left of or above it.
+        // A restore may leave a scroll position below 0 (see Check); the window then
+        // shows nothing of the surfaces left of or above it.
         if (sx < 0 || sy < 0 || sx >= width || sy >= height) continue;
         const bool underObject = std::any_of(s.objects.begin(), s.objects.end(), [&](const ObjectState& o) {
           return x >= o.x - 4 && x < o.x + o.width + 4 && y >= o.y - 4 && y < o.y + o.height + 4;
