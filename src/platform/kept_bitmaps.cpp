@@ -63,6 +63,8 @@ bool BitmapDifference::ApplyTo(HBITMAP bitmap) const {
   // whole, so that running out of memory half way leaves no mixture of both sides.
   try {
     raster::Raster changed;
+    // Compact before the change, so that packed bands take it as runs.
+    if (pixels->compact()) changed.Compact();
     changed.ShareFrom(*pixels);
     difference_->ApplyTo(changed);
     if (pixels->compact()) changed.Compact();

@@ -88,14 +88,13 @@ void PackedRows::AddPixels(const std::uint32_t* pixels, int count) {
       x += repeat;
       continue;
     }
-    // Literal pixels up to where a repeat worth its own piece begins.
+    // Literal pixels up to where a repeat worth its own piece begins: the first
+    // place where three pixels in a row are equal.
+    static_assert(kShortestRepeat == 3);
     const int start = x;
     x += repeat;
-    while (x < count) {
-      const int next = RepeatLength(pixels + x, std::min(kShortestRepeat, count - x));
-      if (next >= kShortestRepeat) break;
-      x += next;
-    }
+    while (x + 2 < count && !(pixels[x] == pixels[x + 1] && pixels[x] == pixels[x + 2])) ++x;
+    if (x + 2 >= count) x = count;
     AddLiterals(pixels + start, x - start);
   }
 }
@@ -122,7 +121,6 @@ std::shared_ptr<const PackedRows> PackedRows::Xor(const PackedRows& a, const Pac
       pixels = word;
       word += repeated ? 1 : left;
     }
-    std::uint32_t At(int i) const { return repeated ? *pixels : pixels[i]; }
     void Skip(int n) {
       left -= n;
       if (!repeated) pixels += n;
@@ -146,7 +144,15 @@ std::shared_ptr<const PackedRows> PackedRows::Xor(const PackedRows& a, const Pac
         result->AddRepeat(*first.pixels ^ *second.pixels, n);
       } else {
         std::uint32_t* out = gathered.data() + pending;
-        for (int i = 0; i < n; ++i) out[i] = first.At(i) ^ second.At(i);
+        const std::uint32_t* p = first.pixels;
+        const std::uint32_t* q = second.pixels;
+        if (first.repeated) {
+          for (int i = 0; i < n; ++i) out[i] = *p ^ q[i];
+        } else if (second.repeated) {
+          for (int i = 0; i < n; ++i) out[i] = p[i] ^ *q;
+        } else {
+          for (int i = 0; i < n; ++i) out[i] = p[i] ^ q[i];
+        }
         pending += n;
       }
       first.Skip(n);
