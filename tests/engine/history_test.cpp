@@ -110,6 +110,43 @@ TEST_F(HistoryTest, StrokesComeBackFromSnapshotsAndLevelsWithoutOneLeaveTheLayer
   EXPECT_EQ(editor().m_settings.brightness, 0);
 }
 
+// Moving between snapshots makes bitmaps (the settled copy of the one on show). When
+// that fails the level comes back without its drawing layer, as a level whose snapshot
+// cannot be read does, the snapshots that can no longer be reached are given up, and
+// the history goes on working: later commits, undos and redos restore what is left.
+TEST_F(HistoryTest, ASnapshotThatCannotBeBroughtBackLeavesTheLayerAndAWorkingHistory) {
+  Load(8, 6, 8, 6);
+  const HDC layer = editor().m_surfaces.drawingLayer.dc();
+  SetPixel(layer, 1, 1, kRed);
+  CommitStrokes();  // level 1
+  SetPixel(layer, 2, 2, kRed);
+  CommitStrokes();  // level 2
+  const std::vector<COLORREF> second = DrawingLayer();
+  SetPixel(layer, 3, 3, kRed);
+  const std::vector<COLORREF> drawn = DrawingLayer();
+  // The stroke drawn since is folded into the snapshot beside level 2 first; the copy
+  // that settles it is the first bitmap made, and it fails.
+  BitBlt(editor().m_surfaces.snapshotDC.get(), 0, 0, 8, 6, layer, 0, 0, SRCCOPY);
+  platform::FailNthCreation(platform::GdiKind::Bitmap, 1);
+  editor().Undo();
+  EXPECT_EQ(editor().m_history.index(), 1);
+  EXPECT_EQ(DrawingLayer(), drawn);
+  EXPECT_FALSE(editor().m_history.HasSnapshot(0));
+  EXPECT_FALSE(editor().m_history.HasSnapshot(1));
+  EXPECT_TRUE(editor().m_history.HasSnapshot(2));
+
+  editor().Redo();  // level 2 still has the snapshot on show, with the stroke in it
+  EXPECT_EQ(DrawingLayer(), drawn);
+  SetPixel(layer, 4, 4, kRed);
+  CommitStrokes();  // level 3
+  const std::vector<COLORREF> third = DrawingLayer();
+  editor().Undo();
+  EXPECT_EQ(DrawingLayer(), drawn);
+  editor().Redo();
+  EXPECT_EQ(DrawingLayer(), third);
+  EXPECT_NE(second, drawn);
+}
+
 TEST_F(HistoryTest, PlacementAndScrollPositionsComeBack) {
   Load(40, 30, 60, 40);  // larger than the view: both bars
   const ViewPlacement& view = editor().m_view;
