@@ -231,8 +231,11 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
     }
     const int end = std::min(count, bandTop + bandRows - destY);
     for (; k < end; ++k) {
+      // Rows that hold these pixels already are left as they are, so a band shared
+      // with another raster stays shared (a rebuild writing what a surface shows).
       const std::uint32_t* in = src.Row(srcY + k) + srcX;
-      if (in == Row(destY + k) + destX) continue;  // the same stored row already
+      const std::uint32_t* here = Row(destY + k) + destX;
+      if (in == here || std::memcmp(in, here, bytes) == 0) continue;
       std::uint32_t* out = MutableRow(destY + k) + destX;
       // MutableRow may have replaced a band `in` pointed into; read it again.
       std::memmove(out, src.Row(srcY + k) + srcX, bytes);

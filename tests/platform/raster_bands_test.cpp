@@ -135,6 +135,18 @@ TEST(RasterBands, CopiedColumnsShareTheBandWhenTheRestAlreadyMatches) {
   for (int band = 0; band < window.BandCount(); ++band) EXPECT_TRUE(window.SameBand(picture, band, band));
   for (int y = 0; y < 64; ++y) ASSERT_EQ(window.Row(y)[101], 0xFF0000u + y);
 
+  // Rows copied onto rows that hold the same pixels already stay shared, even where
+  // the copy is not band-aligned (a surface refilled with what it shows).
+  Raster shifted;
+  ASSERT_TRUE(shifted.Allocate(4100, 64, false));
+  shifted.Fill(0, 0, 4100, 64, 0x336699);
+  for (int y = 0; y < 64; ++y) std::copy_n(picture.Row(y), 4000, shifted.MutableRow(y) + 50);
+  Raster sharer;
+  sharer.ShareFrom(shifted);
+  shifted.CopyRows(picture, 0, 0, 50, 0, 4000, 64);
+  for (int band = 0; band < shifted.BandCount(); ++band) EXPECT_TRUE(shifted.SameBand(sharer, band, band));
+  for (int y = 0; y < 64; ++y) ASSERT_EQ(shifted.Row(y)[151], 0xFF0000u + y);
+
   window.MutableRow(40)[3999] = 0x00AA00;  // the window differs beside the columns now
   picture.MutableRow(40)[100] = 0x0000AA;
   window.CopyRows(picture, 100, 32, 100, 32, 3, 32);
