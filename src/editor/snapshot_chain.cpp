@@ -22,7 +22,8 @@ bool SameShape(HBITMAP a, HBITMAP b) {
 }  // namespace
 
 bool SnapshotChain::Has(int level) const {
-  return std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) { return entry.level == level; });
+  return std::any_of(entries_.begin(), entries_.end(),
+                     [&](const Entry& entry) { return entry.level == level; });
 }
 
 void SnapshotChain::Append(int level, platform::OwnedBitmap snapshot, HDC source, int width, int height,

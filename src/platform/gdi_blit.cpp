@@ -276,8 +276,9 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
     const auto column = static_cast<int>(cols.src);
     const bool plain = conversion.kind == raster::Conversion::Kind::None && &in != &out;
     for (std::int64_t k = 0; k < rows.count; ++k) {
-      if (plain && TransparentPackedRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
-                                        static_cast<int>(cols.dest), column, static_cast<int>(cols.count), key))
+      if (plain &&
+          TransparentPackedRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
+                               static_cast<int>(cols.dest), column, static_cast<int>(cols.count), key))
         continue;
       TransparentRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
                      static_cast<int>(cols.dest), static_cast<int>(cols.count), key, conversion,

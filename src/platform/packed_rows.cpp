@@ -34,8 +34,7 @@ PackedRows::PackedRows(const std::uint32_t* rows, std::size_t step, int width, i
   Finish();
 }
 
-PackedRows::PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size_t step, int width,
-                       int count)
+PackedRows::PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size_t step, int width, int count)
     : width_(width), rows_(count) {
   std::unique_ptr<std::uint32_t[]> row(new std::uint32_t[static_cast<std::size_t>(width)]);
   rowStarts_.reserve(static_cast<std::size_t>(count));

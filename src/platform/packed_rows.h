@@ -57,9 +57,7 @@ class PackedRows {
 
   int width() const { return width_; }
   int rows() const { return rows_; }
-  std::size_t bytes() const {
-    return (words_.capacity() + rowStarts_.capacity()) * sizeof(std::uint32_t);
-  }
+  std::size_t bytes() const { return (words_.capacity() + rowStarts_.capacity()) * sizeof(std::uint32_t); }
 
  private:
   PackedRows(int width, int rows) : width_(width), rows_(rows) {}

@@ -120,14 +120,13 @@ Raster::Band Raster::Kept(Band& from, int rows) const {
   if (!from.packed) {
     // Remembered on the band it was packed from (of this raster or of a copy's source),
     // so the next copy or compaction of the same pixels finds it done.
-    Band& source = from;
     auto packed = std::make_shared<const PackedRows>(from.rows, from.step, width, rows);
     // Packing pays when it saves at least half of the rows.
     if (packed->bytes() * 2 > static_cast<std::size_t>(rows) * width * sizeof(std::uint32_t)) {
-      source.packingFailed = true;
+      from.packingFailed = true;
       return from;
     }
-    source.packed = std::move(packed);
+    from.packed = std::move(packed);
   }
   return PackedOnly(from.packed);
 }
@@ -135,7 +134,8 @@ Raster::Band Raster::Kept(Band& from, int rows) const {
 void Raster::Compact() {
   compact_ = true;
   if (pinned_) return;
-  for (std::size_t b = 0; b < bands_.size(); ++b) bands_[b] = Kept(bands_[b], BandHeight(static_cast<int>(b)));
+  for (std::size_t b = 0; b < bands_.size(); ++b)
+    bands_[b] = Kept(bands_[b], BandHeight(static_cast<int>(b)));
 }
 
 bool Raster::SameBand(const Raster& other, int band, int otherBand) const {
@@ -249,7 +249,8 @@ bool Raster::ColumnsMatchBeside(const Raster& src, int srcY, int destY, int rows
   for (int r = 0; r < rows; ++r) {
     const std::uint32_t* mine = Row(destY + r);
     const std::uint32_t* theirs = src.Row(srcY + r);
-    if (std::memcmp(mine, theirs, before) != 0 || std::memcmp(mine + x1, theirs + x1, after) != 0) return false;
+    if (std::memcmp(mine, theirs, before) != 0 || std::memcmp(mine + x1, theirs + x1, after) != 0)
+      return false;
   }
   return true;
 }

@@ -3,6 +3,8 @@
 // either end of a row and across rows; a difference between two rasters, whatever
 // their storage (shared, packed, one colour, rows of their own), must turn either into
 // the other, and two differences combined must do what both do in turn.
+#include "platform/raster_difference.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -10,7 +12,6 @@
 
 #include "platform/packed_rows.h"
 #include "platform/raster.h"
-#include "platform/raster_difference.h"
 
 namespace {
 
@@ -109,7 +110,8 @@ Raster MixedRaster(std::mt19937& random, int width, int height, bool compact) {
 
 std::vector<std::uint32_t> Pixels(const Raster& raster) {
   std::vector<std::uint32_t> pixels;
-  for (int y = 0; y < raster.height; ++y) pixels.insert(pixels.end(), raster.Row(y), raster.Row(y) + raster.width);
+  for (int y = 0; y < raster.height; ++y)
+    pixels.insert(pixels.end(), raster.Row(y), raster.Row(y) + raster.width);
   return pixels;
 }
 
