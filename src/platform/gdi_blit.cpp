@@ -235,9 +235,9 @@ void TransparentRow(raster::Raster& out, const raster::Raster& in, int srcY, int
 // known packed: runs of the key are passed over whole.
 bool TransparentPackedRow(raster::Raster& out, const raster::Raster& in, int srcY, int destY, int destX,
                           int column, int count, std::uint32_t key) {
-  int row = 0;
-  const raster::PackedRows* packed = in.PackedRow(srcY, &row);
+  const raster::PackedRows* packed = in.BandPacked(srcY >> raster::kBandShift).get();
   if (!packed) return false;
+  const int row = srcY & (raster::kBandRows - 1);
   std::uint32_t* dest = nullptr;
   const int end = column + count;
   packed->ForEachPiece(row, [&](int x, int pieceCount, const std::uint32_t* pixels, bool repeated) {

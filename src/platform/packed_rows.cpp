@@ -62,6 +62,7 @@ void PackedRows::AddRepeat(std::uint32_t pixel, int count) {
     AddLiterals(pixels, count);
     return;
   }
+  allZero_ = allZero_ && pixel == 0;
   lastLiteral_ = -1;
   lastRepeat_ = static_cast<std::ptrdiff_t>(words_.size());
   words_.push_back(kRepeated | static_cast<std::uint32_t>(count));
@@ -76,6 +77,7 @@ void PackedRows::AddLiterals(const std::uint32_t* pixels, int count) {
   }
   words_[static_cast<std::size_t>(lastLiteral_)] += static_cast<std::uint32_t>(count);
   words_.insert(words_.end(), pixels, pixels + count);
+  allZero_ = allZero_ && std::all_of(pixels, pixels + count, [](std::uint32_t pixel) { return pixel == 0; });
 }
 
 void PackedRows::AddPixels(const std::uint32_t* pixels, int count) {
@@ -203,13 +205,5 @@ void PackedRows::XorInto(std::uint32_t* out, std::size_t step) const {
   });
 }
 
-bool PackedRows::AllZero() const {
-  bool zero = true;
-  Decode([&](int, int, int count, const std::uint32_t* pixels, bool repeated) {
-    if (!zero) return;
-    for (int i = 0; i < (repeated ? 1 : count); ++i) zero = zero && pixels[i] == 0;
-  });
-  return zero;
-}
 
 }  // namespace platform::raster

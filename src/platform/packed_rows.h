@@ -39,7 +39,7 @@ class PackedRows {
   // Exclusive-ors the rows into `out`: rows of zeros leave it as it is.
   void XorInto(std::uint32_t* out, std::size_t step) const;
   // Whether every pixel is 0 (an exclusive or of equal rows).
-  bool AllZero() const;
+  bool AllZero() const { return allZero_; }
   // Calls visit(x, count, pixels, repeated) for each piece of row `row` in order:
   // `pixels` points at the one repeated pixel or at the `count` literal ones.
   template <typename Visit>
@@ -81,6 +81,7 @@ class PackedRows {
   std::ptrdiff_t lastRepeat_ = -1;
   std::ptrdiff_t lastLiteral_ = -1;
   std::size_t counted_ = 0;  // bytes added to the live count once built
+  bool allZero_ = true;      // noted as the pieces are added
 };
 
 }  // namespace platform::raster

@@ -92,24 +92,16 @@ void Raster::MakeWritable(int band) {
 }
 
 void Raster::Materialise(int band) {
-  Band& target = bands_[static_cast<std::size_t>(band)];
-  const int rows = BandHeight(band);
-  Band fresh = FreshBand(rows);
-  if (!target.rows) {
-    target.packed->Unpack(fresh.rows, fresh.step);
-  } else {
-    for (int r = 0; r < rows; ++r) {
-      std::memcpy(fresh.rows + static_cast<std::size_t>(r) * width, target.rows + r * target.step,
-                  static_cast<std::size_t>(width) * sizeof(std::uint32_t));
-    }
-  }
-  target = std::move(fresh);
+  Band fresh = FreshBand(BandHeight(band));
+  ReadBand(band, fresh.rows);
+  bands_[static_cast<std::size_t>(band)] = std::move(fresh);
 }
 
 const std::uint32_t* Raster::Unpacked(int band) const {
   Band& target = bands_[static_cast<std::size_t>(band)];
   Band fresh = FreshBand(BandHeight(band));
-  target.packed->Unpack(fresh.rows, fresh.step);
+  ReadBand(band, fresh.rows);
+  // Unpacked and not yet written, the rows still have that packed form.
   fresh.packed = std::move(target.packed);
   target = std::move(fresh);
   return target.rows;
@@ -219,23 +211,25 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
     const int bandRows = BandHeight(band);
     Band& target = bands_[static_cast<std::size_t>(band)];
     const int fromBand = (srcY + k) >> kBandShift;
-    if (alignable && y == bandTop && count - k >= bandRows && src.BandHeight(fromBand) == bandRows &&
-        (SameBand(src, band, fromBand) || everyColumn ||
-         ColumnsMatchBeside(src, srcY + k, y, bandRows, destX, destX + columns))) {
-      if (!SameBand(src, band, fromBand)) {
-        Band& from = src.bands_[static_cast<std::size_t>(fromBand)];
-        target = compact_ ? Kept(from, bandRows) : from;
+    if (alignable && y == bandTop && count - k >= bandRows && src.BandHeight(fromBand) == bandRows) {
+      const bool same = SameBand(src, band, fromBand);
+      if (same || everyColumn || ColumnsMatchBeside(src, srcY + k, y, bandRows, destX, destX + columns)) {
+        if (!same) {
+          Band& from = src.bands_[static_cast<std::size_t>(fromBand)];
+          target = compact_ ? Kept(from, bandRows) : from;
+        }
+        k += bandRows;
+        continue;
       }
-      k += bandRows;
-      continue;
     }
     const int end = std::min(count, bandTop + bandRows - destY);
+    // Where writing would give this raster a band of its own, rows that hold these
+    // pixels already are left as they are, so that the band stays shared (a rebuild
+    // writing what a surface shows).
     for (; k < end; ++k) {
-      // Rows that hold these pixels already are left as they are, so a band shared
-      // with another raster stays shared (a rebuild writing what a surface shows).
       const std::uint32_t* in = src.Row(srcY + k) + srcX;
       const std::uint32_t* here = Row(destY + k) + destX;
-      if (in == here || std::memcmp(in, here, bytes) == 0) continue;
+      if (in == here || (!Writable(target) && std::memcmp(in, here, bytes) == 0)) continue;
       std::uint32_t* out = MutableRow(destY + k) + destX;
       // MutableRow may have replaced a band `in` pointed into; read it again.
       std::memmove(out, src.Row(srcY + k) + srcX, bytes);

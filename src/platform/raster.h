@@ -76,14 +76,6 @@ class Raster {
   // copied: for a writer that replaces every pixel of those rows. MutableRow then
   // costs nothing for them, so writers on several threads can share the rows.
   void OwnRowsToReplace(int y0, int y1);
-  // Row y's band packed, when that is known (the band is packed, or unpacked and not
-  // written since), with the row's place in it; null otherwise. For readers that can
-  // pass over whole runs.
-  const PackedRows* PackedRow(int y, int* rowInBand) const {
-    const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
-    *rowInBand = y & (kBandRows - 1);
-    return band.packed.get();
-  }
   // The colour of every pixel of row y when its band is stored as one colour.
   bool RowIsUniform(int y, std::uint32_t* pixel) const {
     const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
