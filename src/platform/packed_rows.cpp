@@ -205,5 +205,4 @@ void PackedRows::XorInto(std::uint32_t* out, std::size_t step) const {
   });
 }
 
-
 }  // namespace platform::raster
