@@ -17,6 +17,8 @@ struct AdjustmentSettings {
   double blend = 0.0;
   int whitenSteps = 0;
 
+  bool operator==(const AdjustmentSettings&) const = default;
+
   // Whether both passes leave every pixel as it is (each of their steps is skipped),
   // so that a rebuild with these settings need not read the pixels at all.
   bool IsNeutral() const {

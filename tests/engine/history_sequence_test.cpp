@@ -89,14 +89,6 @@ std::string Difference(const char* what, const Pixels& expected, const Pixels& a
   return "";
 }
 
-bool SameSettings(const AdjustmentSettings& a, const AdjustmentSettings& b) {
-  return a.gray == b.gray && a.sharpenSteps == b.sharpenSteps && a.smoothSteps == b.smoothSteps &&
-         a.brightness == b.brightness && a.contrast == b.contrast && a.hue == b.hue &&
-         a.saturation == b.saturation && a.redGamma == b.redGamma && a.greenGamma == b.greenGamma &&
-         a.blueGamma == b.blueGamma && a.invert == b.invert && a.blend == b.blend &&
-         a.whitenSteps == b.whitenSteps;
-}
-
 std::string SettingsText(const AdjustmentSettings& s) {
   std::ostringstream out;
   out << "b" << s.brightness << " c" << s.contrast << " h" << s.hue << " s" << s.saturation << " g"
@@ -157,7 +149,7 @@ struct LevelState {
       return "objects " + ObjectsText(s.objects) + ", the level has " + ObjectsText(objects);
     if (zOrder != s.zOrder || selectedObject != s.selectedObject) return "z-order or selected object differs";
     if (frame != s.frame) return "frame flag differs";
-    if (!SameSettings(settings, s.settings))
+    if (settings != s.settings)
       return "settings " + SettingsText(s.settings) + ", the level has " + SettingsText(settings);
     return "";
   }
@@ -392,7 +384,7 @@ class Session {
     }
     Log(step);
     // A setter given the stored value changes nothing and records nothing.
-    if (SameSettings(next, before.settings)) return;
+    if (next == before.settings) return;
     // Invert is the only filter these sessions set, and it runs after the colour pass
     // both when it is set and in every rebuild, so the setter's picture is the
     // rebuild's.
