@@ -14,8 +14,8 @@ std::unique_ptr<std::uint32_t[]> BandBuffer(int width) {
 
 Difference Difference::Between(const Raster& a, const Raster& b) {
   Difference difference;
-  const std::unique_ptr<std::uint32_t[]> left = BandBuffer(a.width);
-  const std::unique_ptr<std::uint32_t[]> right = BandBuffer(a.width);
+  // Bands read whole only where either side is not packed; most comparisons need none.
+  std::unique_ptr<std::uint32_t[]> left, right;
   const auto step = static_cast<std::size_t>(a.width);
   for (int band = 0; band < a.BandCount(); ++band) {
     if (a.SameBand(b, band, band)) continue;
@@ -23,6 +23,10 @@ Difference Difference::Between(const Raster& a, const Raster& b) {
     if (a.BandPacked(band) && b.BandPacked(band)) {
       rows = PackedRows::Xor(*a.BandPacked(band), *b.BandPacked(band));
     } else {
+      if (!left) {
+        left = BandBuffer(a.width);
+        right = BandBuffer(a.width);
+      }
       a.ReadBand(band, left.get());
       b.ReadBand(band, right.get());
       rows = std::make_shared<const PackedRows>(left.get(), right.get(), step, a.width, a.BandHeight(band));
