@@ -18,6 +18,11 @@ EditorState CImageEditWnd::State() const {
   state.hScrollShown = m_view.hScrollShown();
   state.vScrollShown = m_view.vScrollShown();
   state.view = SIZE{m_view.viewWidth(), m_view.viewHeight()};
+  auto extent = [](const Surface& surface) { return SIZE{surface.width(), surface.height()}; };
+  state.composition = extent(m_surfaces.composition);
+  state.drawingLayer = extent(m_surfaces.drawingLayer);
+  state.imageSurface = extent(m_surfaces.imageSurface);
+  state.originalPresent = static_cast<bool>(m_surfaces.original);
   state.historyCount = m_history.count();
   state.historyIndex = m_history.index();
   for (int slot = 0; slot < kMaxInsertedObjects; ++slot) {

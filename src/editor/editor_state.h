@@ -35,6 +35,12 @@ struct EditorState {
   bool hScrollShown = false;
   bool vScrollShown = false;
   SIZE view{0, 0};
+  // The extents of the three surfaces, and whether there is an original picture to
+  // rebuild them from (a failed load leaves none, but keeps its size above).
+  SIZE composition{0, 0};
+  SIZE drawingLayer{0, 0};
+  SIZE imageSurface{0, 0};
+  bool originalPresent = false;
   int historyCount = 0;
   int historyIndex = -1;
   std::vector<ObjectState> objects;  // the live ones, by slot
