@@ -89,12 +89,17 @@ HBITMAP CImageEditWnd::RebuiltImageSource() {
   const Surface& surface = m_surfaces.imageSurface;
   const ViewPlacement& view = m_view;
   BITMAP original{};
+  // Measured on the surface's bitmap, not its extent: after a failed re-creation the
+  // extent has the new size while the older bitmap stays, and the original's pixels
+  // must never be written into a bitmap of another size.
+  BITMAP target{};
   const bool fillsAtOneToOne =
       m_surfaces.original && GetObjectA(m_surfaces.original.get(), sizeof original, &original) &&
-      original.bmBitsPixel == 32 && view.displayedWidth() == view.originalWidth &&
-      view.displayedHeight() == view.originalHeight && original.bmWidth == view.originalWidth &&
-      original.bmHeight == view.originalHeight && view.imageRect().left == 0 && view.imageRect().top == 0 &&
-      view.imageRect().right == surface.width() && view.imageRect().bottom == surface.height();
+      GetObjectA(surface.bitmap(), sizeof target, &target) && original.bmBitsPixel == 32 &&
+      view.displayedWidth() == view.originalWidth && view.displayedHeight() == view.originalHeight &&
+      original.bmWidth == view.originalWidth && original.bmHeight == view.originalHeight &&
+      view.imageRect().left == 0 && view.imageRect().top == 0 && view.imageRect().right == target.bmWidth &&
+      view.imageRect().bottom == target.bmHeight;
   if (fillsAtOneToOne) return m_surfaces.original.get();
   RebuildImageSurface();
   return surface.bitmap();

@@ -94,6 +94,8 @@ void WriteBitmapPixels(HDC dc, HBITMAP bitmap, const PixelBuffer& buffer) {
   int width = 0;
   int height = 0;
   if (!buffer || !dc || !BitmapSize(bitmap, &width, &height)) return;
+  // Rows of another size would be read past the buffer's end.
+  if (width != buffer.width() || height != buffer.height()) return;
   const BITMAPINFO info = platform::Dib24Info(width, height);
   SetDIBits(dc, bitmap, 0, static_cast<UINT>(height), buffer.data(), &info, DIB_RGB_COLORS);
 }

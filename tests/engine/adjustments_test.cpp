@@ -200,6 +200,30 @@ TEST_F(AdjustmentsTest, WithoutPixelsOrSurfaceTheSettingStaysAsItWas) {
   EXPECT_NE(host_.cursors.back(), kWaitCursorId);
 }
 
+// When the image surface's new bitmap cannot be made, the surface keeps its older,
+// larger bitmap under the new extent. A picture that fills that extent one to one is
+// then still adjusted in the bitmap the surface really has, never through a buffer
+// of the original's size written into it.
+TEST_F(AdjustmentsTest, AnImageSurfaceThatKeptAnOlderBitmapIsAdjustedInThatBitmap) {
+  const COLORREF kept = RGB(200, 200, 200);
+  for (int failing = 1; failing <= 8; ++failing) {
+    live_ = std::make_unique<LiveEditor>(4, 4);
+    live_->Show(12, 6, kept);
+    platform::FailNthCreation(platform::GdiKind::Bitmap, failing);
+    live_->Show(4, 4, RGB(10, 20, 30));
+    platform::FailNthCreation(platform::GdiKind::Bitmap, 0);
+    BITMAP bitmap{};
+    GetObjectA(editor().m_surfaces.imageSurface.bitmap(), sizeof bitmap, &bitmap);
+    if (bitmap.bmWidth != 12 || editor().m_surfaces.imageSurface.width() != 4) continue;
+
+    editor().InvertImage(true);
+    EXPECT_EQ(Picture(), std::vector<COLORREF>(16, RGB(245, 235, 225))) << "failing bitmap " << failing;
+    EXPECT_EQ(GetPixel(ImageSurface(), 11, 5), kept);
+    return;
+  }
+  FAIL() << "no failed creation left the image surface with its older bitmap";
+}
+
 TEST_F(AdjustmentsTest, SettingsNeverCompound) {
   Load(3, 3, Uniform({10, 100, 200}));
   editor().BrightenImage(150);
