@@ -1,8 +1,16 @@
 // A whole control, as a hostile page or a careless script would drive it: random
 // sequences of interface calls (any of the methods, by name or by DISPID, with any
-// arguments, wrong types and counts included) and input events (mouse, keys, scroll
-// bars, timer ticks, failed graphics creations) over a small picture. After each
-// sequence the control is destroyed, and every graphics object it made must be gone.
+// arguments, wrong types and counts included) and input events (mouse drags, keys,
+// scroll bars, timer ticks, focus and capture loss, failed graphics creations) over
+// small pictures in windows from 1 x 1 up. The editor's state, taken whole as a host
+// takes it, is checked after every step against what the control promises (see
+// StateChecks); after each sequence the control is destroyed, and every graphics
+// object, window, menu, cursor and timer it made must be gone.
+//
+// Most of the time goes where faults hide: tools and their drags, drags cut short by
+// another call, extreme setter values and tiny windows. Values whose cost grows with
+// their size (filter steps, pen and spray sizes, saved sizes) are offered only up to
+// small ones, so that a sequence takes milliseconds and a run tries thousands.
 //
 // What is exercised is data: the methods come from the dispatch table, the strings,
 // integers and events from the tables below. A new feature needs at most a line in
@@ -17,6 +25,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdio>
@@ -24,6 +33,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -31,6 +41,7 @@
 
 #include "control/dispatch_table.h"
 #include "control/image_edit_ctrl.h"
+#include "editor/editor_state.h"
 #include "imageio/url_download.h"
 #include "platform/platform.h"
 
@@ -39,7 +50,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMaxSteps = 64;
-constexpr int kMaxWindowSide = 160;
+constexpr int kMaxWindowSide = 96;
+// What the history and the object slots hold at most.
+constexpr int kHistoryLevels = 10;
+constexpr int kObjectSlots = 5;
 
 // A 24-bit bitmap file of width x height with a colour gradient.
 std::vector<char> GradientBitmapFile(int width, int height) {
@@ -88,8 +102,8 @@ struct Environment {
 
   void ResetFolder() const {
     for (const auto& entry : fs::directory_iterator(folder)) fs::remove_all(entry.path());
-    for (const auto& [name, width, height] :
-         {std::tuple{"small.bmp", 24, 16}, std::tuple{"wide.bmp", 240, 60}}) {
+    for (const auto& [name, width, height] : {std::tuple{"small.bmp", 16, 10}, std::tuple{"wide.bmp", 60, 12},
+                                              std::tuple{"tall.bmp", 5, 40}, std::tuple{"dot.bmp", 1, 1}}) {
       const std::vector<char> file = GradientBitmapFile(width, height);
       std::ofstream(folder + name, std::ios::binary)
           .write(file.data(), static_cast<std::streamsize>(file.size()));
@@ -108,6 +122,8 @@ std::vector<std::string> HostStrings(const std::string& folder) {
   return {
       folder + "small.bmp",
       folder + "wide.bmp",
+      folder + "tall.bmp",
+      folder + "dot.bmp",
       folder + "missing.png",
       folder,
       "",
@@ -122,7 +138,9 @@ std::vector<std::string> HostStrings(const std::string& folder) {
       "Arial,Italic,Bold,12,StrikeOut,Underline,FF0000",
       ",,,0,,,",
       "48656C6C6F",
-      "\x01\x01" "abcdefgh" "48656C6C6F",
+      "\x01\x01"
+      "abcdefgh"
+      "48656C6C6F",
       "out.bmp",
       folder + "saved.bmp",
       folder + "no/such/folder/out.bmp",
@@ -150,6 +168,45 @@ int AnyInteger(FuzzedDataProvider& data) {
   }
 }
 
+// The integers offered to parameters by name: what means something to them, their
+// edges and extremes. Where the work grows with the value (filter steps, pen, spray
+// and text-box sizes, saved and selected sizes), only these are offered, so the large
+// values stop at about a hundred; the others also get any integer now and then.
+struct ParameterValues {
+  std::vector<std::string_view> names;
+  std::vector<int> values;
+  bool anyIntegerToo;
+};
+const std::vector<ParameterValues>& ValuesByParameter() {
+  static const std::vector<ParameterValues> table{
+      {{"nStep"}, {INT_MIN, -65536, -1, 0, 1, 2, 3, 5, 12}, false},
+      {{"nEraserSize", "nPenSize", "nBrushSize", "nAirBrushSize"},
+       {INT_MIN, -65536, -120, -17, -2, -1, 0, 1, 2, 3, 4, 9, 33, 120},
+       false},
+      {{"nWidth", "nHeight"}, {INT_MIN, -1, 0, 1, 2, 3, 8, 41, 120}, false},
+      {{"nTextStartX", "nTextStartY", "nTextEndX", "nTextEndY"}, {-7, -1, 0, 1, 2, 5, 23, 70}, false},
+      {{"nImageWidth"},
+       {INT_MIN, -201, -200, -199, -150, -100, -99, -50, -1, 0, 1, 2, 3, 7, 40, 65536, INT_MAX},
+       true},
+      {{"nScaleFactor"}, {INT_MIN, -5, 0, 1, 50, 99, 100, 101, 150, 200, 201, INT_MAX}, true},
+      {{"nStartX", "nStartY", "nOffset"}, {INT_MIN, -3, -1, 0, 1, 2, 10, 40, INT_MAX}, true},
+      {{"nDegree"}, {90, -90, 0, 180, 270, -270, INT_MIN, INT_MAX}, true},
+      {{"nOrientation"}, {-2, -1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, true},
+      {{"nTransparency", "nTexture"}, {-1, 0, 1, 50, 99, 100, 101}, true},
+      {{"nShapeStyle"}, {-1, 0, 1, 2, 3, 4, 5, 6, 7}, true},
+  };
+  return table;
+}
+
+int IntegerFor(FuzzedDataProvider& data, std::string_view parameter) {
+  for (const ParameterValues& entry : ValuesByParameter()) {
+    if (std::find(entry.names.begin(), entry.names.end(), parameter) == entry.names.end()) continue;
+    if (entry.anyIntegerToo && data.ConsumeIntegralInRange(0, 3) == 0) return AnyInteger(data);
+    return entry.values[data.ConsumeIntegralInRange<std::size_t>(0, entry.values.size() - 1)];
+  }
+  return AnyInteger(data);
+}
+
 Variant AnyString(FuzzedDataProvider& data) {
   if (data.ConsumeIntegralInRange(0, 7) == 0) return Variant::String(data.ConsumeRandomLengthString(64));
   const auto& strings = Env().strings;
@@ -167,12 +224,245 @@ Variant Argument(FuzzedDataProvider& data, const ParamInfo& param) {
       case 2:
         return Variant::Bool(data.ConsumeBool());
       default:
-        return param.type == ParamType::String ? Variant::Int(AnyInteger(data)) : AnyString(data);
+        return param.type == ParamType::String ? Variant::Int(IntegerFor(data, param.name)) : AnyString(data);
     }
   }
   if (param.type == ParamType::String) return AnyString(data);
-  return Variant::Int(AnyInteger(data));
+  return Variant::Int(IntegerFor(data, param.name));
 }
+
+[[noreturn]] void Fail(const std::string& step, const char* what) {
+  std::fprintf(stderr, "fuzz_control: after %s: %s\n", step.c_str(), what);
+  std::abort();
+}
+
+void Check(bool condition, const std::string& step, const char* what) {
+  if (!condition) Fail(step, what);
+}
+
+// Whether a scroll position is what the scroll handler leaves: not above the
+// displayed length minus the view length, and not below 0 unless that limit, applied
+// last, is itself below 0 (content narrower than the view).
+bool ScrolledWithin(int position, int displayed, int view) {
+  const long long limit = static_cast<long long>(displayed) - view;
+  return position <= limit && (position >= 0 || position == limit);
+}
+
+// FUZZ_CONTROL_TRACE=1 in the environment prints every step and the state after it,
+// to read what led to a finding.
+bool Tracing() {
+  static const bool tracing = std::getenv("FUZZ_CONTROL_TRACE") != nullptr;
+  return tracing;
+}
+
+void PrintState(const std::string& step, const EditorState& s) {
+  std::fprintf(
+      stderr,
+      "%-16s tool %d history %d/%d original %s%ldx%ld scale %.4f displayed %ldx%ld image %ld,%ld "
+      "view %ldx%ld scroll %ld,%ld bars %d%d surfaces %ldx%ld %ldx%ld %ldx%ld objects %zu selected %d\n",
+      step.c_str(), s.toolMode, s.historyIndex, s.historyCount, s.originalPresent ? "" : "(gone) ",
+      static_cast<long>(s.original.cx), static_cast<long>(s.original.cy), s.scale,
+      static_cast<long>(s.displayed.cx), static_cast<long>(s.displayed.cy),
+      static_cast<long>(s.imageRect.left), static_cast<long>(s.imageRect.top), static_cast<long>(s.view.cx),
+      static_cast<long>(s.view.cy), static_cast<long>(s.scroll.x), static_cast<long>(s.scroll.y),
+      s.hScrollShown, s.vScrollShown, static_cast<long>(s.composition.cx),
+      static_cast<long>(s.composition.cy), static_cast<long>(s.drawingLayer.cx),
+      static_cast<long>(s.drawingLayer.cy), static_cast<long>(s.imageSurface.cx),
+      static_cast<long>(s.imageSurface.cy), s.objects.size(), s.selectedObject);
+}
+
+// What the editor's state must satisfy after every step, and after the calls whose
+// outcome is fully determined, what they must have done. Only promises the control
+// really makes are checked. Two it does not make: the image rectangle lies inside
+// the surfaces only right after a layout (ScaleImage centres a larger picture
+// around the surfaces' middle, and a history level gives back its image rectangle
+// while the image surface keeps its size; every pixel pass clips), and a scroll
+// position may sit below 0 (the upper clamp comes last) or outside the range of a
+// later layout (ScaleImage and undo leave the positions alone).
+class StateChecks {
+ public:
+  explicit StateChecks(const CImageEditCtrl& control) : control_(control), before_(control.State()) {}
+
+  // A graphics creation will fail: the surfaces may keep an older size from then on.
+  void ExpectFailedCreations() { creationsMayFail_ = true; }
+
+  void AfterStep(const std::string& step) {
+    const EditorState after = control_.State();
+    if (Tracing()) PrintState(step, after);
+    CheckHistory(step, after);
+    CheckPlacement(step, after);
+    CheckObjects(step, after);
+    before_ = after;
+  }
+
+  // A scroll-bar message: the objects keep their place on the picture, so each moved
+  // against the scroll position by what it changed (unless it stopped at the limits
+  // of int).
+  void AfterScroll(const std::string& step) {
+    const EditorState after = control_.State();
+    const long long dx = static_cast<long long>(after.scroll.x) - before_.scroll.x;
+    const long long dy = static_cast<long long>(after.scroll.y) - before_.scroll.y;
+    Check(after.objects.size() == before_.objects.size(), step, "scrolling changed the objects");
+    for (std::size_t i = 0; i < after.objects.size(); ++i) {
+      const long long x = before_.objects[i].x - dx;
+      const long long y = before_.objects[i].y - dy;
+      Check((x != std::clamp<long long>(x, INT_MIN, INT_MAX) || after.objects[i].x == x) &&
+                (y != std::clamp<long long>(y, INT_MIN, INT_MAX) || after.objects[i].y == y),
+            step, "an object did not follow the scrolling");
+    }
+    AfterStep(step);
+  }
+
+  // A method call that the dispatch accepted, with its arguments as given: the
+  // outcome of the calls that promise one exactly, then the step's invariants.
+  void AfterCall(const std::string& step, std::string_view method, std::span<const Variant> args,
+                 const InvokeResult& result) {
+    const EditorState after = control_.State();
+    if (Tracing()) PrintState(step + " (call)", after);
+    if (result.hr == S_OK) CheckOutcome(step, method, args, result, after);
+    AfterStep(step);
+  }
+
+ private:
+  void CheckHistory(const std::string& step, const EditorState& s) const {
+    Check(s.historyCount >= 0 && s.historyCount <= kHistoryLevels, step, "history count out of range");
+    Check(s.historyIndex >= -1 && s.historyIndex < s.historyCount, step, "history index out of range");
+    Check((s.historyIndex == -1) == (s.historyCount == 0), step, "history index -1 with levels present");
+  }
+
+  void CheckPlacement(const std::string& step, const EditorState& s) const {
+    Check(s.displayed.cx >= 0 && s.displayed.cy >= 0, step, "negative displayed size");
+    Check(static_cast<long long>(s.imageRect.right) - s.imageRect.left == s.displayed.cx &&
+              static_cast<long long>(s.imageRect.bottom) - s.imageRect.top == s.displayed.cy,
+          step, "image rectangle does not span the displayed size");
+    Check(s.view.cx >= 0 && s.view.cy >= 0, step, "negative view size");
+    // Every re-creation of the drawing layer is matched by one of the composition
+    // buffer at the same size (or followed by a layout that makes both the same).
+    if (!creationsMayFail_ && !emptyLayout_) {
+      Check(s.composition.cx == s.drawingLayer.cx && s.composition.cy == s.drawingLayer.cy, step,
+            "composition buffer and drawing layer differ in size");
+    }
+    // A position that moved was clamped against the displayed size before or after
+    // the step (a restore scrolls before it gives back its displayed size) and the
+    // view as measured now, or reset to 0. A restore also gives back a view size the
+    // scrolling never saw, so a step that moved the history index is left out.
+    if (s.historyIndex != before_.historyIndex || s.historyCount != before_.historyCount) return;
+    auto moved = [&](int now, int was, int displayedBefore, int displayedAfter, int view) {
+      return now == was || now == 0 || ScrolledWithin(now, displayedBefore, view) ||
+             ScrolledWithin(now, displayedAfter, view);
+    };
+    Check(moved(s.scroll.x, before_.scroll.x, before_.displayed.cx, s.displayed.cx, s.view.cx), step,
+          "horizontal scroll position outside its clamp");
+    Check(moved(s.scroll.y, before_.scroll.y, before_.displayed.cy, s.displayed.cy, s.view.cy), step,
+          "vertical scroll position outside its clamp");
+  }
+
+  // The z-order names each live object exactly once; at most one object is selected,
+  // and it is the selected slot.
+  void CheckObjects(const std::string& step, const EditorState& s) const {
+    Check(s.objects.size() <= kObjectSlots, step, "more objects than slots");
+    Check(s.zOrder.size() == s.objects.size(), step, "z-order length differs from the live objects");
+    for (std::size_t i = 0; i < s.zOrder.size(); ++i) {
+      const int slot = s.zOrder[i];
+      Check(std::count(s.zOrder.begin(), s.zOrder.end(), slot) == 1, step, "z-order names a slot twice");
+      Check(std::any_of(s.objects.begin(), s.objects.end(),
+                        [slot](const ObjectState& o) { return o.slot == slot; }),
+            step, "z-order names a free slot");
+    }
+    for (const ObjectState& object : s.objects) {
+      Check(object.selected == (object.slot == s.selectedObject), step,
+            "selected flag disagrees with the selected slot");
+    }
+    Check(s.selectedObject == -1 || std::count(s.zOrder.begin(), s.zOrder.end(), s.selectedObject) == 1, step,
+          "selected slot is not a live object");
+  }
+
+  // After a layout the surfaces are the larger of the view and the displayed size,
+  // and the picture is centred in them. A layout without area (a picture shrunk to
+  // no height in a window whose bars leave no client area) gives the composition
+  // buffer and the image surface that extent though no bitmap can have it, and
+  // leaves the drawing layer as it was, until the next layout with area.
+  void CheckLaidOut(const std::string& step, const EditorState& s) {
+    const int width = std::max(s.view.cx, s.displayed.cx);
+    const int height = std::max(s.view.cy, s.displayed.cy);
+    emptyLayout_ = width == 0 || height == 0;
+    auto laidOut = [width, height](const SIZE& surface) {
+      return surface.cx == width && surface.cy == height;
+    };
+    Check(laidOut(s.composition) && laidOut(s.imageSurface) && (emptyLayout_ || laidOut(s.drawingLayer)),
+          step, "surface not sized to the layout");
+    Check(s.imageRect.left == width / 2 - s.displayed.cx / 2 &&
+              s.imageRect.top == height / 2 - s.displayed.cy / 2,
+          step, "image not centred in its surfaces");
+  }
+
+  void CheckOutcome(const std::string& step, std::string_view method, std::span<const Variant> args,
+                    const InvokeResult& result, const EditorState& s) {
+    auto intArgument = [&args](std::size_t i, int* value) {
+      if (i >= args.size() || args[i].type() != Variant::Type::Int) return false;
+      *value = args[i].asInt();
+      return true;
+    };
+    int value = 0;
+    if (method == "Undo") {
+      Check(
+          s.historyCount == before_.historyCount &&
+              s.historyIndex == (before_.historyIndex > 0 ? before_.historyIndex - 1 : before_.historyIndex),
+          step, "Undo did not step back exactly one level");
+    } else if (method == "Redo") {
+      const bool canRedo = before_.historyIndex < before_.historyCount - 1;
+      Check(s.historyCount == before_.historyCount &&
+                s.historyIndex == (canRedo ? before_.historyIndex + 1 : before_.historyIndex),
+            step, "Redo did not step forward exactly one level");
+    } else if (method == "Clear") {
+      Check(s.historyCount == 0 && s.historyIndex == -1, step, "Clear left history levels");
+    } else if (method == "SetImage") {
+      // A load that worked lays the picture out and records it as the current level.
+      if (!s.originalPresent) return;
+      Check(s.scalingAllowed, step, "a loaded picture may not be scaled");
+      if (creationsMayFail_) return;
+      Check(s.historyIndex == s.historyCount - 1 && s.historyCount >= 1, step, "a load recorded no level");
+      CheckLaidOut(step, s);
+    } else if (method == "SetImageWidth" && intArgument(0, &value)) {
+      if (value == 0) {
+        Check(!s.hScrollShown && !s.vScrollShown && s.scroll.x == 0 && s.scroll.y == 0 && s.view.cx == 0 &&
+                  s.view.cy == 0,
+              step, "SetImageWidth(0) left scrolling behind");
+      } else if (s.originalPresent && !creationsMayFail_) {
+        CheckLaidOut(step, s);
+      }
+    } else if (method == "RotateImage" && intArgument(0, &value) && (value == 90 || value == -90)) {
+      // A quarter turn lays the turned picture out again.
+      if (s.originalPresent && !creationsMayFail_) CheckLaidOut(step, s);
+    } else if (method == "ScaleImage" && result.value.type() != Variant::Type::Empty &&
+               result.value.type() != Variant::Type::Null) {
+      Check((result.value.asInt() != 0) == before_.scalingAllowed, step, "ScaleImage answered another flag");
+      if (result.value.asInt() == 0 || creationsMayFail_) return;
+      Check(s.displayed.cx == static_cast<int>(s.original.cx * s.scale) &&
+                s.displayed.cy == static_cast<int>(s.original.cy * s.scale),
+            step, "ScaleImage displayed size is not the scaled original");
+      Check(s.imageRect.left == s.imageSurface.cx / 2 - s.displayed.cx / 2 &&
+                s.imageRect.top == s.imageSurface.cy / 2 - s.displayed.cy / 2,
+            step, "ScaleImage did not centre the image in the image surface");
+    }
+  }
+
+  const CImageEditCtrl& control_;
+  EditorState before_;
+  bool creationsMayFail_ = false;
+  bool emptyLayout_ = false;
+};
+
+// The methods that choose a tool, and the calls that may arrive in the middle of a
+// drag: everything that replaces the picture, its layout, the history or the tool.
+constexpr std::array<std::string_view, 14> kToolSetters{
+    "SetPen",         "SetBrush",        "SetEraser",       "SetAirBrush",
+    "SetBitmapBrush", "SetShape",        "SelectColor",     "FillWithSelectedColor",
+    "EnterText",      "SelectRectangle", "SelectIrregular", "CutImage",
+    "MosaicImage",    "SetNothing"};
+constexpr std::array<std::string_view, 10> kInterruptingCalls{
+    "Clear", "SetImage",    "SetImageWidth",   "ScaleImage", "Undo",
+    "Redo",  "RotateImage", "SetSelectionBox", "InsertIcon", "SetFrame"};
 
 // One sequence: the host window, the control in it, and the answers its dialogs get.
 class Session : public platform::Host {
@@ -181,14 +471,16 @@ class Session : public platform::Host {
     platform::SetHost(this);
     const std::array<LANGID, 4> languages{0x0409, 0x0412, 0x0804, 0x0411};
     platform::SetUserDefaultLangID(data.PickValueInArray(languages));
-    width_ = data.ConsumeIntegralInRange(1, kMaxWindowSide);
-    height_ = data.ConsumeIntegralInRange(1, kMaxWindowSide);
+    width_ = Side();
+    height_ = Side();
     hostWindow_ = platform::CreateHostWindow(width_, height_);
     control_ = std::make_unique<CImageEditCtrl>();
+    if (!hostWindow_ || !control_->CreateControl(hostWindow_, width_, height_)) return;
+    checks_.emplace(*control_);
     // Most sequences start from a picture, as a page's script would.
-    if (hostWindow_ && control_->CreateControl(hostWindow_, width_, height_) &&
-        data.ConsumeIntegral<std::uint8_t>() > 40) {
-      control_->SetImage(Env().strings[data.ConsumeBool() ? 0 : 1].c_str());
+    if (data.ConsumeIntegral<std::uint8_t>() > 40) {
+      const Variant picture = AnyPicture();
+      CallMethod(*FindMethod("SetImage"), std::span(&picture, 1));
     }
   }
   ~Session() override {
@@ -206,7 +498,10 @@ class Session : public platform::Host {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  void CallMethod() {
+  // Without a control there is nothing to drive.
+  bool created() const { return checks_.has_value(); }
+
+  void AnyMethod() {
     const auto& methods = DispatchMethods();
     const MethodInfo& method = methods[data_.ConsumeIntegralInRange<std::size_t>(0, methods.size() - 1)];
     std::vector<Variant> args;
@@ -219,18 +514,58 @@ class Session : public platform::Host {
         args.pop_back();
       }
     }
-    if (data_.ConsumeBool()) {
-      Invoke(*control_, method.name, args);
-    } else {
-      Invoke(*control_, *FindMethod(method.dispid), args);
+    CallMethod(method, args);
+  }
+  void ToolSetter() { Call(data_.PickValueInArray(kToolSetters)); }
+
+  // A press, a few moves and (mostly) a release, now and then cut into by a call, a
+  // key, a timer tick or the loss of focus or capture.
+  void Drag() {
+    POINT at{X(), Y()};
+    Mouse(WM_LBUTTONDOWN, at, "drag down");
+    const int moves = data_.ConsumeIntegralInRange(1, 6);
+    const int interruptBefore = data_.ConsumeIntegralInRange(0, 2 * moves);
+    for (int i = 0; i < moves; ++i) {
+      if (i == interruptBefore) Interrupt();
+      if (data_.ConsumeIntegralInRange(0, 7) == 0) {
+        at = POINT{X(), Y()};
+      } else {
+        at.x += data_.ConsumeIntegralInRange(-9, 9);
+        at.y += data_.ConsumeIntegralInRange(-9, 9);
+      }
+      Mouse(WM_MOUSEMOVE, at, "drag move");
+    }
+    if (data_.ConsumeIntegralInRange(0, 5) != 0) Mouse(WM_LBUTTONUP, at, "drag up");
+  }
+  void Interrupt() {
+    switch (data_.ConsumeIntegralInRange(0, 5)) {
+      case 0:
+        Call(data_.PickValueInArray(kInterruptingCalls));
+        break;
+      case 1:
+        ToolSetter();
+        break;
+      case 2:
+        LoseFocus();
+        break;
+      case 3:
+        LoseCapture();
+        break;
+      case 4:
+        Wait();
+        break;
+      default:
+        Key();
+        break;
     }
   }
 
-  void Mouse(UINT message) { platform::MouseInput(hostWindow_, message, X(), Y()); }
+  void Mouse(UINT message) { Mouse(message, POINT{X(), Y()}, "mouse"); }
   void DoubleClick() {
     const int x = X(), y = Y();
     platform::MouseInput(hostWindow_, WM_LBUTTONDBLCLK, x, y);
     platform::MouseInput(hostWindow_, WM_LBUTTONUP, x, y);
+    checks_->AfterStep("double click");
   }
   void Key() {
     static constexpr std::array<int, 20> kKeys{
@@ -244,21 +579,43 @@ class Session : public platform::Host {
     platform::KeyInput(hostWindow_, WM_KEYUP, key);
     platform::SetKeyDown(VK_CONTROL, false);
     platform::SetKeyDown(VK_SHIFT, false);
+    checks_->AfterStep("key " + std::to_string(key));
   }
-  void Char() { platform::CharInput(hostWindow_, data_.ConsumeIntegralInRange<unsigned>(0, 0x10FFFF)); }
+  void Char() {
+    platform::CharInput(hostWindow_, data_.ConsumeIntegralInRange<unsigned>(0, 0x10FFFF));
+    checks_->AfterStep("char");
+  }
   void Scroll(UINT message) {
     const UINT code = data_.ConsumeIntegralInRange<UINT>(0, 9);
     const UINT pos = data_.ConsumeIntegral<std::uint16_t>();
     SendMessageA(GetDlgItem(control_->m_hWnd, kEditorWindowId), message,
                  static_cast<WPARAM>(code | (pos << 16)), 0);
+    checks_->AfterScroll(message == WM_HSCROLL ? "hscroll" : "vscroll");
   }
   // Timer ticks: the clock moves on and due timers fire.
-  void Wait() { platform::AdvanceClock(data_.ConsumeIntegralInRange<unsigned>(0, 1000)); }
-  void Paint() { platform::FlushPaint(hostWindow_); }
+  void Wait() {
+    platform::AdvanceClock(data_.ConsumeIntegralInRange<unsigned>(0, 1000));
+    checks_->AfterStep("wait");
+  }
+  void Paint() {
+    platform::FlushPaint(hostWindow_);
+    checks_->AfterStep("paint");
+  }
+  // Another window takes the keyboard, as when the person clicks elsewhere.
+  void LoseFocus() {
+    SetFocus(hostWindow_);
+    checks_->AfterStep("focus loss");
+  }
+  void LoseCapture() {
+    ReleaseCapture();
+    checks_->AfterStep("capture loss");
+  }
   // The next graphics object of a kind cannot be had, as when the system runs out.
   void FailCreation() {
     platform::FailNthCreation(data_.ConsumeBool() ? platform::GdiKind::Bitmap : platform::GdiKind::DC,
                               data_.ConsumeIntegralInRange(1, 8));
+    checks_->ExpectFailedCreations();
+    checks_->AfterStep("fail creation");
   }
 
   // ---- the host's side: every dialog and menu gets an answer from the input ----
@@ -280,6 +637,11 @@ class Session : public platform::Host {
   }
 
  private:
+  // Window sides: a third of them 1 to 4 pixels, where every rectangle is at an edge.
+  int Side() {
+    return data_.ConsumeIntegralInRange(0, 2) == 0 ? data_.ConsumeIntegralInRange(1, 4)
+                                                   : data_.ConsumeIntegralInRange(1, kMaxWindowSide);
+  }
   // A window point: inside the window, or now and then anywhere a message can carry.
   int X() {
     return data_.ConsumeIntegralInRange(0, 7) == 0 ? data_.ConsumeIntegral<std::int16_t>()
@@ -289,40 +651,61 @@ class Session : public platform::Host {
     return data_.ConsumeIntegralInRange(0, 7) == 0 ? data_.ConsumeIntegral<std::int16_t>()
                                                    : data_.ConsumeIntegralInRange(-2, height_ + 2);
   }
+  Variant AnyPicture() {
+    return Variant::String(Env().strings[data_.ConsumeIntegralInRange<std::size_t>(0, 3)]);
+  }
+
+  void Mouse(UINT message, POINT at, const char* what) {
+    platform::MouseInput(hostWindow_, message, at.x, at.y);
+    checks_->AfterStep(what);
+  }
+  void Call(std::string_view name) {
+    const MethodInfo& method = *FindMethod(name);
+    std::vector<Variant> args;
+    for (const ParamInfo& param : method.params) args.push_back(Argument(data_, param));
+    CallMethod(method, args);
+  }
+  void CallMethod(const MethodInfo& method, std::span<const Variant> args) {
+    const InvokeResult result = data_.ConsumeBool() ? Invoke(*control_, method.name, args)
+                                                    : Invoke(*control_, *FindMethod(method.dispid), args);
+    checks_->AfterCall(method.name, method.name, args, result);
+  }
 
   FuzzedDataProvider& data_;
   int width_ = 0;
   int height_ = 0;
   HWND hostWindow_ = nullptr;
   std::unique_ptr<CImageEditCtrl> control_;
+  std::optional<StateChecks> checks_;
 };
 
-// The input a person gives the control, one line each.
-struct InputEvent {
-  const char* name;
-  void (*send)(Session&);
+// What one step of a sequence does, one line each: calls, drags and single inputs.
+using Step = void (*)(Session&);
+const Step kSteps[] = {
+    [](Session& s) { s.AnyMethod(); },
+    [](Session& s) { s.AnyMethod(); },
+    [](Session& s) { s.AnyMethod(); },
+    [](Session& s) { s.ToolSetter(); },
+    [](Session& s) { s.ToolSetter(); },
+    [](Session& s) { s.Drag(); },
+    [](Session& s) { s.Drag(); },
+    [](Session& s) { s.Drag(); },
+    [](Session& s) { s.Mouse(WM_LBUTTONDOWN); },
+    [](Session& s) { s.Mouse(WM_MOUSEMOVE); },
+    [](Session& s) { s.Mouse(WM_LBUTTONUP); },
+    [](Session& s) { s.Mouse(WM_RBUTTONDOWN); },
+    [](Session& s) { s.Mouse(WM_RBUTTONUP); },
+    [](Session& s) { s.DoubleClick(); },
+    [](Session& s) { s.Key(); },
+    [](Session& s) { s.Char(); },
+    [](Session& s) { s.Scroll(WM_HSCROLL); },
+    [](Session& s) { s.Scroll(WM_VSCROLL); },
+    [](Session& s) { s.Wait(); },
+    [](Session& s) { s.Paint(); },
+    [](Session& s) { s.LoseFocus(); },
+    [](Session& s) { s.LoseCapture(); },
+    [](Session& s) { s.FailCreation(); },
 };
-const InputEvent kEvents[] = {
-    {"down", [](Session& s) { s.Mouse(WM_LBUTTONDOWN); }},
-    {"move", [](Session& s) { s.Mouse(WM_MOUSEMOVE); }},
-    {"up", [](Session& s) { s.Mouse(WM_LBUTTONUP); }},
-    {"rdown", [](Session& s) { s.Mouse(WM_RBUTTONDOWN); }},
-    {"rup", [](Session& s) { s.Mouse(WM_RBUTTONUP); }},
-    {"dblclk", [](Session& s) { s.DoubleClick(); }},
-    {"key", [](Session& s) { s.Key(); }},
-    {"char", [](Session& s) { s.Char(); }},
-    {"hscroll", [](Session& s) { s.Scroll(WM_HSCROLL); }},
-    {"vscroll", [](Session& s) { s.Scroll(WM_VSCROLL); }},
-    {"wait", [](Session& s) { s.Wait(); }},
-    {"paint", [](Session& s) { s.Paint(); }},
-    {"fail creation", [](Session& s) { s.FailCreation(); }},
-};
-
-void Check(bool condition, const char* what) {
-  if (condition) return;
-  std::fprintf(stderr, "fuzz_control: %s\n", what);
-  std::abort();
-}
 
 }  // namespace
 
@@ -348,18 +731,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const platform::WindowCounts windows = platform::LiveWindowObjects();
   {
     Session session(data);
-    for (int step = 0; step < kMaxSteps && data.remaining_bytes() > 0; ++step) {
-      if (data.ConsumeBool()) {
-        session.CallMethod();
-      } else {
-        data.PickValueInArray(kEvents).send(session);
-      }
+    for (int step = 0; session.created() && step < kMaxSteps && data.remaining_bytes() > 0; ++step) {
+      data.PickValueInArray(kSteps)(session);
     }
   }
   const platform::WindowCounts after = platform::LiveWindowObjects();
-  Check(platform::LiveGdiObjects().total() == objects, "graphics objects leaked");
+  Check(platform::LiveGdiObjects().total() == objects, "the sequence", "graphics objects leaked");
   Check(after.windows == windows.windows && after.menus == windows.menus &&
             after.cursors == windows.cursors && after.timers == windows.timers,
-        "windows, menus, cursors or timers outlived the control");
+        "the sequence", "windows, menus, cursors or timers outlived the control");
   return 0;
 }
