@@ -286,20 +286,14 @@ class StateChecks {
   // A graphics creation will fail: the surfaces may keep an older size from then on.
   void ExpectFailedCreations() { creationsMayFail_ = true; }
 
-  void AfterStep(const std::string& step) {
-    const EditorState after = control_.State();
-    if (Tracing()) PrintState(step, after);
-    CheckHistory(step, after);
-    CheckPlacement(step, after);
-    CheckObjects(step, after);
-    before_ = after;
-  }
+  void AfterStep(const std::string& step) { Examine(step, control_.State()); }
 
   // A scroll-bar message: the objects keep their place on the picture, so each moved
   // against the scroll position by what it changed (unless it stopped at the limits
   // of int).
   void AfterScroll(const std::string& step) {
     const EditorState after = control_.State();
+    if (Tracing()) PrintState(step, after);
     const long long dx = static_cast<long long>(after.scroll.x) - before_.scroll.x;
     const long long dy = static_cast<long long>(after.scroll.y) - before_.scroll.y;
     Check(after.objects.size() == before_.objects.size(), step, "scrolling changed the objects");
@@ -310,7 +304,7 @@ class StateChecks {
                 (y != std::clamp<long long>(y, INT_MIN, INT_MAX) || after.objects[i].y == y),
             step, "an object did not follow the scrolling");
     }
-    AfterStep(step);
+    Examine(step, after, false);
   }
 
   // A method call that the dispatch accepted, with its arguments as given: the
@@ -318,12 +312,21 @@ class StateChecks {
   void AfterCall(const std::string& step, std::string_view method, std::span<const Variant> args,
                  const InvokeResult& result) {
     const EditorState after = control_.State();
-    if (Tracing()) PrintState(step + " (call)", after);
+    if (Tracing()) PrintState(step, after);
     if (result.hr == S_OK) CheckOutcome(step, method, args, result, after);
-    AfterStep(step);
+    Examine(step, after, false);
   }
 
  private:
+  // The invariants of every step; the state becomes the one the next step starts from.
+  void Examine(const std::string& step, const EditorState& after, bool print = true) {
+    if (print && Tracing()) PrintState(step, after);
+    CheckHistory(step, after);
+    CheckPlacement(step, after);
+    CheckObjects(step, after);
+    before_ = after;
+  }
+
   void CheckHistory(const std::string& step, const EditorState& s) const {
     Check(s.historyCount >= 0 && s.historyCount <= kHistoryLevels, step, "history count out of range");
     Check(s.historyIndex >= -1 && s.historyIndex < s.historyCount, step, "history index out of range");
