@@ -309,8 +309,8 @@ class StateChecks {
 
   // A method call that the dispatch accepted, with its arguments as given: the
   // outcome of the calls that promise one exactly, then the step's invariants.
-  void AfterCall(const std::string& step, std::string_view method, std::span<const Variant> args,
-                 const InvokeResult& result) {
+  void AfterCall(const std::string& method, std::span<const Variant> args, const InvokeResult& result) {
+    const std::string& step = method;
     const EditorState after = control_.State();
     if (Tracing()) PrintState(step, after);
     if (result.hr == S_OK) CheckOutcome(step, method, args, result, after);
@@ -671,7 +671,7 @@ class Session : public platform::Host {
   void CallMethod(const MethodInfo& method, std::span<const Variant> args) {
     const InvokeResult result = data_.ConsumeBool() ? Invoke(*control_, method.name, args)
                                                     : Invoke(*control_, *FindMethod(method.dispid), args);
-    checks_->AfterCall(method.name, method.name, args, result);
+    checks_->AfterCall(method.name, args, result);
   }
 
   FuzzedDataProvider& data_;
