@@ -1,6 +1,7 @@
 // Choosing the tool: the tool-mode setters, the current colour, the pens and brushes
 // they select into the drawing layer, the selection box's size and the cursor that
 // shows the tool.
+#include <cstdint>
 #include <span>
 
 #include "editor/image_edit_wnd.h"
@@ -124,6 +125,16 @@ void CImageEditWnd::SetBitmapBrush(LPCSTR lpszFilePath) {
   BITMAP description{};
   if (!m_tools.bitmapBrush || !GetObjectA(m_tools.bitmapBrush.get(), sizeof description, &description))
     return;
+  // The brush is recoloured as a square of side = its width: a brush whose square,
+  // with the pixels read to recolour it, would not fit the graphics memory is
+  // refused as one that could not be loaded, rather than kept as a brush that can
+  // never take the colour.
+  const auto side = static_cast<std::uint64_t>(description.bmWidth);
+  const auto stride = static_cast<std::uint64_t>(platform::DibRowStride(description.bmWidth, 24));
+  if (!platform::GraphicsMemoryWouldFit(side * (side * 4 + stride))) {
+    m_tools.bitmapBrush.reset();
+    return;
+  }
   m_tools.mode = ToolMode::BitmapBrush;
   m_tools.penSize = m_tools.toolWidth = description.bmWidth;
   RecolorBitmapBrush(m_tools.color);
