@@ -124,15 +124,16 @@ TEST(GdiDibRunLength, CodesCutAnywhereSetPartOfWhatTheWholeCodesSet) {
   }
 }
 
-// A bitmap smaller than the picture takes its top left part and nothing is written
-// outside it; a monochrome one takes the nearest of black and white.
+// A bitmap smaller than the picture takes its top left part (as GDI did through Wine)
+// and nothing is written outside it; a monochrome one takes the nearest of black and
+// white.
 TEST(GdiDibRunLength, SmallerAndMonochromeTargetsTakeWhatFits) {
   const std::vector<COLORREF> expected = rle_fixtures::Expected("rle8_codes", "filled");
   CompressedDib dib(rle_fixtures::File("rle8_codes"));
-  MemSurface small(5, 3);
+  MemSurface small(5, 6);
   small.Fill(kFill);
   EXPECT_EQ(dib.Set(small), kHeight);
-  for (int y = 0; y < 3; ++y) {
+  for (int y = 0; y < 6; ++y) {
     EXPECT_EQ(small.Row(y, 5),
               std::vector<COLORREF>(expected.begin() + y * kWidth, expected.begin() + y * kWidth + 5))
         << "row " << y;
