@@ -226,8 +226,9 @@ TEST_F(ToolsTest, TheTextToolOpensABoxWhereItWasDragged) {
 }
 
 // Tools are kept while others are chosen: a curve half built is carried on when the
-// curve is chosen again, and an airbrush held still keeps spraying on its timer.
-// Only a move through the history gives up a half-built curve.
+// curve is chosen again. Only a move through the history gives up a half-built curve.
+// A drag, though, ends when another tool is chosen: an airbrush held still stops
+// spraying, and the moves that follow draw with nothing.
 TEST_F(ToolsTest, AToolCarriesOnWhereItWasWhenChosenAgain) {
   live_->SetPen(1);
   live_->SetShape(2);
@@ -253,9 +254,12 @@ TEST_F(ToolsTest, AToolCarriesOnWhereItWasWhenChosenAgain) {
   live_->SetAirBrush(20);
   live_.Mouse(WM_LBUTTONDOWN, 50, 40);
   live_->SetPen(2);
+  EXPECT_EQ(GetCapture(), nullptr);
   platform::AdvanceClock(200);
-  EXPECT_EQ(live_->State().airbrushDensity, 32) << "the spray timer runs on";
-  live_.Mouse(WM_LBUTTONUP, 50, 40);
+  EXPECT_EQ(live_->State().airbrushDensity, 64) << "the spray timer stopped";
+  live_.Mouse(WM_MOUSEMOVE, 80, 60);
+  live_.Mouse(WM_LBUTTONUP, 80, 60);
+  EXPECT_EQ(GetPixel(Layer(), 65, 50), kDrawingLayerKeyColor);
 }
 
 }  // namespace
