@@ -19,7 +19,9 @@ class MemoryBudgetTest : public HostedTest {
     platform::SetGraphicsMemoryBudget(0);
     HostedTest::TearDown();
   }
-  static void BudgetAbove(std::size_t inUse, std::size_t more) { platform::SetGraphicsMemoryBudget(inUse + more); }
+  static void BudgetAbove(std::size_t inUse, std::size_t more) {
+    platform::SetGraphicsMemoryBudget(inUse + more);
+  }
   static void ExpectWithinBudget() {
     EXPECT_LE(platform::GraphicsMemoryInUse(), platform::GraphicsMemoryBudget());
   }
@@ -40,7 +42,8 @@ TEST_F(MemoryBudgetTest, ABrushWhoseSquareWouldNotFitIsRefused) {
   live.Show(100, 80, 0xFFFFFF);
   live->SetPen(3);
   BudgetAbove(platform::GraphicsMemoryInUse(), 64 * kMiB);
-  const std::string wide = live.files.Write("wide.bmp", BitmapFile(16384, 1, std::vector<COLORREF>(16384, 0)));
+  const std::string wide =
+      live.files.Write("wide.bmp", BitmapFile(16384, 1, std::vector<COLORREF>(16384, 0)));
   live->SetBitmapBrush(wide.c_str());
   EXPECT_FALSE(live->m_tools.bitmapBrush);
   EXPECT_EQ(live->m_tools.mode, ToolMode::Pen);
