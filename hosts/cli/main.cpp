@@ -20,6 +20,8 @@ constexpr const char* kHelp =
     "\n"
     "  create W H                 a control of W x H (default: 640 x 480 on first use)\n"
     "  lang 0xNN / keyboard 0xNNNN  user language and keyboard layout (before create)\n"
+    "  memory [MIB]               set the graphics-memory budget (0: the default) and\n"
+    "                             print `memory IN_USE of BUDGET` in bytes\n"
     "  METHOD ARGS...             an interface method by name: SetImage \"a.jpg\", SetPen 3\n"
     "  down|move|up|hover X Y     left button and mouse moves at a window point\n"
     "  rdown|rup|dblclk X Y       right button; double click (second press and release)\n"

@@ -73,6 +73,7 @@ const std::vector<ScriptRunner::Statement>& ScriptRunner::Statements() {
       {"create", &ScriptRunner::Create, false},
       {"lang", &ScriptRunner::Lang, false},
       {"keyboard", &ScriptRunner::Keyboard, false},
+      {"memory", &ScriptRunner::Memory, false},
       {"down", &ScriptRunner::Down, true},
       {"move", &ScriptRunner::Move, true},
       {"up", &ScriptRunner::Up, true},
@@ -175,6 +176,15 @@ void ScriptRunner::Keyboard(Args args) {
   const int layout = IntArg(args[0], "keyboard: LAYOUT");
   if (control_) throw ParseError("keyboard must come before the control is created");
   platform::SetKeyboardLayout(static_cast<HKL>(static_cast<std::uint32_t>(layout)));
+}
+
+void ScriptRunner::Memory(Args args) {
+  ExpectCount(args, 0, 1, "memory [MIB]");
+  if (!args.empty()) {
+    const int mebibytes = IntArgInRange(args[0], "memory: MIB", 0, 1 << 20);
+    platform::SetGraphicsMemoryBudget(static_cast<std::size_t>(mebibytes) << 20);
+  }
+  out_ << "memory " << platform::GraphicsMemoryInUse() << " of " << platform::GraphicsMemoryBudget() << '\n';
 }
 
 // ---- mouse ----

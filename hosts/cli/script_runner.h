@@ -62,6 +62,7 @@ class ScriptRunner {
   void Create(Args args);
   void Lang(Args args);
   void Keyboard(Args args);
+  void Memory(Args args);
   void Down(Args args);
   void Move(Args args);
   void Up(Args args);

@@ -9,7 +9,7 @@ void CImageEditWnd::SetFrame(int nOrientation, LPCSTR lpszFilePath, int nOffset,
   const FrameUpdate update = m_frame.SetPiece(nOrientation, lpszFilePath, nOffset, nTransparentColor,
                                               m_messages.LoadContext(m_hWnd));
   if (update != FrameUpdate::Done) return;
-  if (m_frame.present()) m_tools.mode = ToolMode::Frame;
+  if (m_frame.present()) ChooseTool(ToolMode::Frame);
   RedrawWindow();
   CommitHistoryLevel(nullptr, 0, 0);
 }

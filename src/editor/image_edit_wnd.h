@@ -115,8 +115,8 @@ class CImageEditWnd : public CWnd {
   // page, word-wrapped at the box's width, then repaints.
   void CommitText(HDC drawingLayer);
   // The pen and the shape brush made again in the current colour, for the tool that
-  // is chosen: SetPen with the pen size and SetShape with the shape style, which
-  // leave the tool mode as it was.
+  // is chosen: what SetPen with the pen size and SetShape with the shape style make,
+  // the tool mode and a drag under way left as they are.
   void RenewDrawingObjects();
   // The colour the person sees at that point of the surfaces.
   COLORREF ShownColorAt(POINT point);
@@ -250,6 +250,17 @@ class CImageEditWnd : public CWnd {
   RECT VisibleImageRect() const;
   // Whether the left button drags: a tool's stroke, or a drag with no tool.
   bool DragUnderWay() const { return m_stroke.buttonDown || m_noToolDrags.Active(); }
+  // Ends a drag under way before its release, for a call that replaces what the drag
+  // works on: the mouse and the cursor are let go, the timers stop, the tool takes
+  // back what it showed only for the drag, and the moves and the release that follow
+  // do nothing. A drag with no tool ends as its release ends it.
+  void EndDrag();
+  // The tool mode becomes `mode`; another tool than the one chosen ends a drag under
+  // way, whose moves and release would otherwise reach a tool that never saw its press.
+  void ChooseTool(ToolMode mode);
+  // SetShape's brush for the shape style: a solid one of the current colour for the
+  // filled shapes, the null brush for the others.
+  void SelectShapeBrush();
   // A window point of a drag as a surface point: scrolled axes take the scroll
   // position and stay inside the image.
   POINT DragPoint(POINT window) const;

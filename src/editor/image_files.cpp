@@ -41,6 +41,7 @@ void CImageEditWnd::SetImage(LPCSTR lpszFilePath) {
   if (!m_surfaces.original) return;
   BITMAP description{};
   if (!GetObjectA(m_surfaces.original.get(), sizeof description, &description)) return;
+  EndDrag();  // the drag's layer and level are about to be replaced
   m_view.originalWidth = description.bmWidth;
   m_view.originalHeight = description.bmHeight;
   m_view.scalingAllowed = true;

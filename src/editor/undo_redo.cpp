@@ -84,6 +84,9 @@ void CImageEditWnd::Redo() {
 void CImageEditWnd::Clear(long bImage) {
   const Surface& layer = m_surfaces.drawingLayer;
   if (!layer.dc()) return;
+  // A drag under way would go on drawing on what is cleared, against a snapshot that
+  // is gone.
+  EndDrag();
   if (Interaction* tool = ActiveTool()) tool->Abandon();
   m_history.Clear(m_surfaces.snapshotDC);
   CreateDrawingLayer(layer.width(), layer.height());

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "imageio/pixel_limits.h"
+#include "platform/dib_run_length.h"
 #include "platform/gdi.h"
 
 namespace imageio {
@@ -13,6 +14,8 @@ constexpr std::size_t kFileHeaderSize = 14;
 constexpr std::uint32_t kCoreHeaderSize = 12;
 constexpr std::uint32_t kInfoHeaderSize = 40;
 constexpr std::uint32_t kRgb = 0;
+constexpr std::uint32_t kRunLength8 = 1;
+constexpr std::uint32_t kRunLength4 = 2;
 constexpr std::uint32_t kBitfields = 3;
 
 std::uint32_t Read16(const std::uint8_t* p) { return p[0] | (p[1] << 8); }
@@ -31,10 +34,12 @@ struct FileLayout {
   int height = 0;
   bool topDown = false;
   int bitCount = 0;
+  bool runLength = false;
   std::array<std::uint32_t, 3> masks{};  // red, green, blue
   std::vector<Bgr> palette;
   std::size_t pixelOffset = 0;
-  std::size_t sourceStride = 0;
+  std::size_t sourceStride = 0;  // uncompressed rows
+  std::size_t codesSize = 0;     // run-length codes: the declared size, cut at the data's end
 };
 
 bool InfoHeaderSizeKnown(std::uint32_t size) {
@@ -43,9 +48,11 @@ bool InfoHeaderSizeKnown(std::uint32_t size) {
 
 bool DepthAndCompressionSupported(int bitCount, std::uint32_t compression) {
   switch (bitCount) {
-    case 1:
     case 4:
+      return compression == kRgb || compression == kRunLength4;
     case 8:
+      return compression == kRgb || compression == kRunLength8;
+    case 1:
     case 24:
       return compression == kRgb;
     case 16:
@@ -72,7 +79,7 @@ std::optional<FileLayout> ParseLayout(const std::uint8_t* data, std::size_t coun
 
   FileLayout layout;
   std::int64_t width, height;
-  std::uint32_t compression = kRgb, colorsUsed = 0;
+  std::uint32_t compression = kRgb, colorsUsed = 0, sizeImage = 0;
   if (core) {
     width = Read16(info + 4);
     height = Read16(info + 6);
@@ -82,10 +89,14 @@ std::optional<FileLayout> ParseLayout(const std::uint8_t* data, std::size_t coun
     height = static_cast<std::int32_t>(Read32(info + 8));
     layout.bitCount = static_cast<int>(Read16(info + 14));
     compression = Read32(info + 16);
+    sizeImage = Read32(info + 20);
     colorsUsed = Read32(info + 32);
   }
   if (!DepthAndCompressionSupported(layout.bitCount, compression)) return std::nullopt;
   layout.topDown = height < 0;
+  layout.runLength = compression == kRunLength8 || compression == kRunLength4;
+  // As SetDIBits refuses them: compressed rows only bottom-up, of a size given.
+  if (layout.runLength && (layout.topDown || sizeImage == 0)) return std::nullopt;
   height = height < 0 ? -height : height;
   if (!PictureSizeAcceptable(width, height)) return std::nullopt;
   layout.width = static_cast<int>(width);
@@ -114,12 +125,27 @@ std::optional<FileLayout> ParseLayout(const std::uint8_t* data, std::size_t coun
     }
   }
 
-  const std::int64_t stride = platform::DibRowStride(width, layout.bitCount);
   if (pixelOffset > count) return std::nullopt;
-  if (static_cast<std::int64_t>(count - pixelOffset) / stride < height) return std::nullopt;
   layout.pixelOffset = pixelOffset;
+  if (layout.runLength) {
+    layout.codesSize = std::min<std::size_t>(sizeImage, count - pixelOffset);
+    return layout;
+  }
+  const std::int64_t stride = platform::DibRowStride(width, layout.bitCount);
+  if (static_cast<std::int64_t>(count - pixelOffset) / stride < height) return std::nullopt;
   layout.sourceStride = static_cast<std::size_t>(stride);
   return layout;
+}
+
+void Put(Bgr pixel, std::uint8_t* target) {
+  target[0] = pixel.blue;
+  target[1] = pixel.green;
+  target[2] = pixel.red;
+}
+
+// A palette index past the table is black.
+Bgr PaletteColour(const FileLayout& layout, std::uint32_t index) {
+  return index < layout.palette.size() ? layout.palette[index] : Bgr{};
 }
 
 void ConvertRow(const FileLayout& layout, const std::uint8_t* source, std::uint8_t* target) {
@@ -129,18 +155,29 @@ void ConvertRow(const FileLayout& layout, const std::uint8_t* source, std::uint8
     if (layout.bitCount <= 8) {
       const int perByte = 8 / layout.bitCount;
       const int shift = 8 - layout.bitCount * (x % perByte + 1);
-      const std::uint32_t index = (source[x / perByte] >> shift) & ((1u << layout.bitCount) - 1);
-      if (index < layout.palette.size()) pixel = layout.palette[index];
+      pixel = PaletteColour(layout, (source[x / perByte] >> shift) & ((1u << layout.bitCount) - 1));
     } else if (layout.bitCount == 24) {
       pixel = {source[x * 3], source[x * 3 + 1], source[x * 3 + 2]};
     } else {
       const std::uint32_t value = layout.bitCount == 16 ? Read16(source + x * 2) : Read32(source + x * 4);
       pixel = {blue.Read(value), green.Read(value), red.Read(value)};
     }
-    target[0] = pixel.blue;
-    target[1] = pixel.green;
-    target[2] = pixel.red;
+    Put(pixel, target);
   }
+}
+
+// Pixels the codes skip stay black, as they do in the new bitmap that SetDIBits
+// would fill with them.
+void PlayCodes(const FileLayout& layout, const std::uint8_t* codes, Dib24& dib) {
+  platform::PlayRunLengthCodes(codes, layout.codesSize, layout.bitCount, dib.width, dib.height,
+                               [&](const platform::RunLengthSpan& span) {
+                                 std::uint8_t* target = dib.rows.data() +
+                                                        static_cast<std::size_t>(span.line) * dib.stride +
+                                                        static_cast<std::size_t>(span.x) * 3;
+                                 for (int k = 0; k < span.count; ++k, target += 3) {
+                                   Put(PaletteColour(layout, span.indexes[k]), target);
+                                 }
+                               });
 }
 
 }  // namespace
@@ -157,6 +194,10 @@ std::optional<Dib24> ReadBitmapFile(const std::uint8_t* data, std::size_t count)
   dib.height = layout->height;
   dib.stride = static_cast<int>(platform::DibRowStride(dib.width, 24));
   dib.rows.assign(static_cast<std::size_t>(dib.stride) * dib.height, 0);
+  if (layout->runLength) {
+    PlayCodes(*layout, data + layout->pixelOffset, dib);
+    return dib;
+  }
   for (int row = 0; row < dib.height; ++row) {
     const int sourceRow = layout->topDown ? dib.height - 1 - row : row;
     ConvertRow(*layout, data + layout->pixelOffset + sourceRow * layout->sourceStride,

@@ -5,9 +5,12 @@
 // Accepted: core (12-byte) and info headers of 40, 52, 56, 108 and 124 bytes; 1, 4
 // and 8 bits a pixel with a colour table (biClrUsed entries, or all 2^n when it is
 // 0); 16 and 32 bits as BI_RGB (5-5-5 and x-8-8-8) or BI_BITFIELDS; 24 bits; bottom-up
-// and top-down (negative height) rows. Refused: run-length and embedded JPEG/PNG
-// compression, other depths, a colour table or pixel rows that end beyond the data,
-// and pictures above the pixel limit. A palette index beyond the table is black.
+// and top-down (negative height) rows; 4- and 8-bit run-length compression (BI_RLE4,
+// BI_RLE8), bottom-up only, played as SetDIBits plays it into a new bitmap: pixels
+// the codes skip are black, and codes are read up to the declared image size or the
+// end of the file, whichever comes first. Refused: embedded JPEG/PNG compression,
+// other depths, a colour table or pixel rows that end beyond the data, and pictures
+// above the pixel limit. A palette index beyond the table is black.
 #pragma once
 
 #include <cstddef>

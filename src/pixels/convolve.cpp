@@ -30,7 +30,7 @@ class RowRing {
                               static_cast<std::size_t>(rows.height() + 2 * border_);
     if (WithinPixelLimit(whole)) memory_ = AllocatePixels(rowBytes_ * static_cast<std::size_t>(n));
   }
-  bool valid() const { return memory_ != nullptr; }
+  bool valid() const { return static_cast<bool>(memory_); }
 
   // Keeps row j (rows beyond the rectangle repeat its first or last one) in the slot
   // of the row n rows below it, which no output row needs any more.
@@ -60,7 +60,7 @@ class RowRing {
   int border_;
   std::size_t pixelBytes_;
   std::size_t rowBytes_;
-  std::unique_ptr<BYTE[]> memory_;
+  platform::GraphicsBytes memory_;
 };
 
 // A 3 x 3 kernel whose sums stay within 16 bits and needs no division, as the emboss's

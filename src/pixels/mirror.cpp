@@ -108,7 +108,7 @@ void MirrorRow4(BYTE* row, int width) {
 template <typename RowAt>
 void ExchangeRows(int count, std::size_t bytes, RowAt&& rowAt, const OutOfMemoryHandler& outOfMemory) {
   if (count < 2) return;
-  const std::unique_ptr<BYTE[]> row = AllocatePixels(bytes);
+  const platform::GraphicsBytes row = AllocatePixels(bytes);
   if (!row) {
     if (outOfMemory) outOfMemory();
     return;

@@ -298,7 +298,7 @@ class SavedPixels {
       : rows_(rows),
         rowBytes_(static_cast<std::size_t>(rows.rowBytes())),
         bytes_(AllocatePixels(rowBytes_ * static_cast<std::size_t>(rows.height()))) {}
-  bool valid() const { return bytes_ != nullptr; }
+  bool valid() const { return static_cast<bool>(bytes_); }
   void Save() {
     for (int y = 0; y < rows_.height(); ++y) std::memcpy(Row(y), In(y), rowBytes_);
   }
@@ -314,7 +314,7 @@ class SavedPixels {
   const BYTE* In(int y) const { return rows_.in[static_cast<std::size_t>(y)]; }
   const PixelRows& rows_;
   std::size_t rowBytes_;
-  std::unique_ptr<BYTE[]> bytes_;
+  platform::GraphicsBytes bytes_;
 };
 
 // Runs `step` `steps` times, or fewer with the same result: a step depends only on the

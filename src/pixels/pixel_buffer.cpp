@@ -8,11 +8,17 @@ std::size_t g_limit = kDefaultPixelBufferLimit;
 
 // The memory of the last buffer released, for the next one of about its size.
 struct SpareBlock {
-  std::unique_ptr<BYTE[]> bytes;
+  platform::GraphicsBytes bytes;
   std::size_t size = 0;
 } g_spare;
 
-std::unique_ptr<BYTE[]> TakeSpareOr(std::size_t bytes) {
+// Memory kept only for speed goes first when the budget runs short.
+void DropSpare() {
+  g_spare.bytes = platform::GraphicsBytes();
+  g_spare.size = 0;
+}
+
+platform::GraphicsBytes TakeSpareOr(std::size_t bytes) {
   if (g_spare.bytes && g_spare.size >= bytes && g_spare.size - bytes <= g_spare.size / 4) {
     g_spare.size = 0;
     return std::move(g_spare.bytes);
@@ -32,9 +38,9 @@ bool BitmapSize(HBITMAP bitmap, int* width, int* height) {
 
 bool WithinPixelLimit(std::size_t bytes) { return bytes <= g_limit; }
 
-std::unique_ptr<BYTE[]> AllocatePixels(std::size_t bytes) {
-  if (!WithinPixelLimit(bytes)) return nullptr;
-  return std::unique_ptr<BYTE[]>(new (std::nothrow) BYTE[bytes == 0 ? 1 : bytes]);
+platform::GraphicsBytes AllocatePixels(std::size_t bytes) {
+  if (!WithinPixelLimit(bytes)) return {};
+  return platform::GraphicsBytes::Allocate(bytes);
 }
 
 void SetPixelBufferLimit(std::size_t bytes) { g_limit = bytes; }
@@ -49,6 +55,7 @@ PixelBuffer::PixelBuffer(int width, int height)
 PixelBuffer::~PixelBuffer() {
   if (!bytes_) return;
   g_spare.bytes = std::move(bytes_);
+  platform::SetGraphicsMemoryReclaimer(DropSpare);
   g_spare.size = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height_);
 }
 

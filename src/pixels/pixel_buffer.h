@@ -7,6 +7,7 @@
 
 #include "pixels/pixel_rect.h"
 #include "platform/gdi.h"
+#include "platform/graphics_memory.h"
 
 // A buffer pixel as a COLORREF, and a COLORREF stored into a buffer pixel.
 inline COLORREF PixelColor(const BYTE* pixel) {
@@ -18,10 +19,11 @@ inline void StorePixelColor(BYTE* pixel, COLORREF color) {
   pixel[2] = GetRValue(color);
 }
 
-// Pixel memory comes from here so that every pass shares one size limit: a request
-// above it fails as out of memory (null) instead of exhausting the process. The limit
-// is adjustable so that the out-of-memory paths can be exercised.
-std::unique_ptr<BYTE[]> AllocatePixels(std::size_t bytes);
+// Pixel memory comes from here so that every pass shares one size limit for a single
+// request, besides the graphics-memory budget for all of them together: a request
+// past either fails as out of memory (empty). The limit is adjustable so that the
+// out-of-memory paths can be exercised.
+platform::GraphicsBytes AllocatePixels(std::size_t bytes);
 // Whether a request of that many bytes is within the limit.
 bool WithinPixelLimit(std::size_t bytes);
 void SetPixelBufferLimit(std::size_t bytes);
@@ -40,7 +42,7 @@ class PixelBuffer {
   PixelBuffer(PixelBuffer&&) noexcept = default;
   PixelBuffer& operator=(PixelBuffer&& other) noexcept;
 
-  explicit operator bool() const { return bytes_ != nullptr; }
+  explicit operator bool() const { return static_cast<bool>(bytes_); }
   BYTE* data() const { return bytes_.get(); }
   int width() const { return width_; }
   int height() const { return height_; }
@@ -52,7 +54,7 @@ class PixelBuffer {
   PixelRect Whole() const { return PixelRect{data(), 0, 0, width_, height_, stride_}; }
 
  private:
-  std::unique_ptr<BYTE[]> bytes_;
+  platform::GraphicsBytes bytes_;
   int width_ = 0;
   int height_ = 0;
   int stride_ = 0;

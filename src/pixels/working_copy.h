@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "pixels/pixel_rect.h"
+#include "platform/graphics_memory.h"
 
 class WorkingCopy {
  public:
@@ -16,7 +17,7 @@ class WorkingCopy {
   // tells whether the memory was granted.
   explicit WorkingCopy(const PixelRect& rect, int border = 1);
 
-  bool valid() const { return pixels_ != nullptr; }
+  bool valid() const { return static_cast<bool>(pixels_); }
   // Copies the rectangle's current pixels in and repeats its edge pixels around them.
   void Refill();
   // The copy of rectangle pixel (x, y); its neighbours lie 3 bytes to either side and
@@ -31,5 +32,5 @@ class WorkingCopy {
   PixelRect rect_;
   int border_;
   std::ptrdiff_t rowBytes_ = 0;
-  std::unique_ptr<BYTE[]> pixels_;
+  platform::GraphicsBytes pixels_;
 };

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/dib_run_length.h"
 #include "platform/gdi_objects.h"
 
 using namespace platform::gdi;
@@ -32,6 +33,22 @@ LineSpan SpanOf(LONG biHeight, UINT start, UINT lines) {
   return span;
 }
 
+// The colour table of a DIB of 1, 4 or 8 bits a pixel as 0x00RRGGBB pixels, one for
+// every index the depth can hold: indexes past the table read black.
+std::vector<std::uint32_t> PaletteOf(const BITMAPINFO& info) {
+  const BITMAPINFOHEADER& h = info.bmiHeader;
+  const auto* table = reinterpret_cast<const BYTE*>(&info) + h.biSize;
+  const DWORD maxColors = 1u << h.biBitCount;
+  const DWORD used = h.biClrUsed && h.biClrUsed < maxColors ? h.biClrUsed : maxColors;
+  std::vector<std::uint32_t> palette(maxColors, raster::kBlack);
+  for (DWORD i = 0; i < used; ++i) {
+    RGBQUAD q;
+    std::memcpy(&q, table + 4 * i, sizeof q);
+    palette[i] = (std::uint32_t{q.rgbRed} << 16) | (std::uint32_t{q.rgbGreen} << 8) | q.rgbBlue;
+  }
+  return palette;
+}
+
 // Decodes rows of one DIB format into 0x00RRGGBB pixels.
 class RowDecoder {
  public:
@@ -42,15 +59,7 @@ class RowDecoder {
     const auto* extra = reinterpret_cast<const BYTE*>(&info) + h.biSize;
     if (h.biCompression == BI_RGB) {
       if (h.biBitCount == 1 || h.biBitCount == 4 || h.biBitCount == 8) {
-        const DWORD maxColors = 1u << h.biBitCount;
-        const DWORD used = h.biClrUsed && h.biClrUsed < maxColors ? h.biClrUsed : maxColors;
-        decoder.palette_.assign(maxColors, raster::kBlack);  // indexes past the table read black
-        for (DWORD i = 0; i < used; ++i) {
-          RGBQUAD q;
-          std::memcpy(&q, extra + 4 * i, sizeof q);
-          decoder.palette_[i] =
-              (std::uint32_t{q.rgbRed} << 16) | (std::uint32_t{q.rgbGreen} << 8) | q.rgbBlue;
-        }
+        decoder.palette_ = PaletteOf(info);
         return decoder;
       }
       if (h.biBitCount == 16) return decoder.WithMasks(0x7C00, 0x03E0, 0x001F);
@@ -119,6 +128,28 @@ bool ValidDibSize(const BITMAPINFOHEADER& h) {
              raster::kMaxPixels;
 }
 
+// GDI takes a compressed DIB whole, whatever lines were asked for (none still sets
+// nothing), and answers its height; it refuses top-down ones, a depth that is not
+// the compression's and an image size of 0.
+int SetRunLengthBits(raster::Raster& to, UINT lines, const BYTE* bits, const BITMAPINFO& info) {
+  const BITMAPINFOHEADER& h = info.bmiHeader;
+  const int depth = h.biCompression == BI_RLE8 ? 8 : 4;
+  if (h.biBitCount != depth || h.biHeight < 0 || h.biSizeImage == 0 || lines == 0) return 0;
+  const std::vector<std::uint32_t> palette = PaletteOf(info);
+  platform::PlayRunLengthCodes(bits, h.biSizeImage, depth, h.biWidth, h.biHeight,
+                               [&](const platform::RunLengthSpan& span) {
+                                 const int row = h.biHeight - 1 - span.line;
+                                 if (row >= to.height || span.x >= to.width) return;
+                                 std::uint32_t* pixels = to.MutableRow(row) + span.x;
+                                 const int count = std::min(span.count, to.width - span.x);
+                                 for (int k = 0; k < count; ++k) {
+                                   const std::uint32_t p = palette[span.indexes[k]];
+                                   pixels[k] = to.mono ? raster::NearestMono(p) : p;
+                                 }
+                               });
+  return h.biHeight;
+}
+
 void FillHeader(BITMAPINFOHEADER& h, const raster::Raster& bitmap) {
   if (h.biBitCount == 0) {
     h.biWidth = bitmap.width;
@@ -173,14 +204,19 @@ int GetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, void* bits, BITMA
   return copied;
 }
 
-// Reads 1, 4, 8, 16, 24 and 32-bit DIBs (BI_RGB, and BI_BITFIELDS for 16 and 32 bits).
-// The header, its colour table or masks and `lines` rows of `bits` must be readable.
+// Reads 1, 4, 8, 16, 24 and 32-bit DIBs (BI_RGB, and BI_BITFIELDS for 16 and 32 bits),
+// and run-length compressed ones (BI_RLE8 at 8 bits, BI_RLE4 at 4). The header, its
+// colour table or masks and `lines` rows of `bits` must be readable; for a compressed
+// DIB, biSizeImage bytes of `bits`.
 int SetDIBits(HDC hdc, HBITMAP bitmap, UINT start, UINT lines, const void* bits, const BITMAPINFO* info,
               UINT usage) {
   (void)hdc;  // as in GDI, the DC only names the device the DIB is matched to
   auto* object = Lookup<BitmapObject>(bitmap);
   if (!object || !bits || !info || usage != DIB_RGB_COLORS || !ValidDibSize(info->bmiHeader)) return 0;
   const BITMAPINFOHEADER& h = info->bmiHeader;
+  if (h.biCompression == BI_RLE8 || h.biCompression == BI_RLE4) {
+    return SetRunLengthBits(object->raster, lines, static_cast<const BYTE*>(bits), *info);
+  }
   const auto decoder = RowDecoder::For(*info);
   if (!decoder) return 0;
   raster::Raster& to = object->raster;

@@ -44,8 +44,6 @@ std::optional<Canvas> CanvasOf(HDC hdc) {
   if (!dc) return std::nullopt;
   auto surface = SurfaceOf(*dc);
   if (!surface) return std::nullopt;
-  // A pen too wide to trace cheaply cannot draw at all.
-  if (dc->draw.pen == PenKind::Wide && dc->draw.penWidth > raster::kMaxFigureExtent) return std::nullopt;
   return Canvas{dc, *surface};
 }
 
@@ -146,8 +144,11 @@ HPEN ExtCreatePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD styleCo
   if (brush->lbStyle != BS_SOLID && brush->lbStyle != BS_NULL) return nullptr;
   if (brush->lbStyle == BS_NULL) style = (style & ~PS_STYLE_MASK) | PS_NULL;
   const std::int64_t signedWidth = static_cast<std::int32_t>(width);
-  return static_cast<HPEN>(Register(
-      PenObject{style, signedWidth < 0 ? -signedWidth : signedWidth, brush->lbColor & raster::kColorMask}));
+  const std::int64_t absolute = signedWidth < 0 ? -signedWidth : signedWidth;
+  // A pen the raster cannot trace is refused here, where its maker can still take
+  // its failure path, rather than accepted to draw nothing.
+  if (absolute > raster::kMaxFigureExtent) return nullptr;
+  return static_cast<HPEN>(Register(PenObject{style, absolute, brush->lbColor & raster::kColorMask}));
 }
 
 HPEN CreatePen(int style, int width, COLORREF color) {

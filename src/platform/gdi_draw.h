@@ -50,8 +50,9 @@ struct EXTLOGPEN {
 };
 
 // Solid, dotted (cosmetic only) and null pens with a solid LOGBRUSH; round joins only.
-// A cosmetic pen must be 1 wide; a geometric width is taken as its absolute value. Other
-// styles, joins and brushes, and user styles, give null.
+// A cosmetic pen must be 1 wide; a geometric width is taken as its absolute value and
+// may be at most raster::kMaxFigureExtent (2^18). Other widths, styles, joins and
+// brushes, and user styles, give null.
 HPEN ExtCreatePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD styleCount, const DWORD* styles);
 // PS_SOLID, PS_DOT and PS_NULL: 0 or 1 wide is cosmetic, wider is geometric with round
 // caps and joins (and solid).

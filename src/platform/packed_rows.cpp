@@ -102,6 +102,8 @@ void PackedRows::AddPixels(const std::uint32_t* pixels, int count) {
 
 void PackedRows::Finish() {
   words_.shrink_to_fit();
+  // Charged once their size is known; rows that do not fit are let go at once.
+  charge_.AddOrThrow(bytes());
   counted_ = bytes();
   CountPixelStorage(static_cast<std::ptrdiff_t>(counted_));
 }

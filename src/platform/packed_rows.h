@@ -10,6 +10,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/graphics_memory.h"
+
 namespace platform::raster {
 
 // Adds to (or, negative, takes from) the count LivePixelBytes reports.
@@ -22,7 +24,8 @@ class PackedRows {
  public:
   static constexpr std::uint32_t kRepeated = 0x80000000u;  // the piece's flag bit
 
-  // `count` rows of `width` pixels, `step` pixels apart. Throws std::bad_alloc.
+  // `count` rows of `width` pixels, `step` pixels apart. Throws std::bad_alloc, also
+  // when the packed rows do not fit the graphics-memory budget.
   PackedRows(const std::uint32_t* rows, std::size_t step, int width, int count);
   // Same, for the exclusive or of two sets of rows: what turns either into the other.
   PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size_t step, int width, int count);
@@ -81,6 +84,7 @@ class PackedRows {
   std::ptrdiff_t lastRepeat_ = -1;
   std::ptrdiff_t lastLiteral_ = -1;
   std::size_t counted_ = 0;  // bytes added to the live count once built
+  GraphicsCharge charge_;    // the same bytes, against the budget
   bool allZero_ = true;      // noted as the pieces are added
 };
 

@@ -4,6 +4,7 @@
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
 #include "platform/gdi_text.h"
+#include "platform/graphics_memory.h"
 #include "platform/host.h"
 #include "platform/kernel.h"
 #include "platform/types.h"

@@ -53,6 +53,9 @@ bool Raster::Allocate(int newWidth, int newHeight, bool newMono) {
     return false;
   try {
     Raster fresh;
+    if (!fresh.charge_.Add(static_cast<std::size_t>(newWidth) * static_cast<std::size_t>(newHeight) *
+                           sizeof(std::uint32_t)))
+      return false;
     fresh.width = newWidth;
     fresh.height = newHeight;
     fresh.mono = newMono;
@@ -111,8 +114,14 @@ Raster::Band Raster::Kept(Band& from, int rows) const {
   if (from.step == 0 || !from.rows || from.packingFailed || pinned_) return from;
   if (!from.packed) {
     // Remembered on the band it was packed from (of this raster or of a copy's source),
-    // so the next copy or compaction of the same pixels finds it done.
-    auto packed = std::make_shared<const PackedRows>(from.rows, from.step, width, rows);
+    // so the next copy or compaction of the same pixels finds it done. Rows that
+    // cannot be packed now stay as they are: this raster's charge already covers them.
+    std::shared_ptr<const PackedRows> packed;
+    try {
+      packed = std::make_shared<const PackedRows>(from.rows, from.step, width, rows);
+    } catch (const std::bad_alloc&) {
+      return from;
+    }
     // Packing pays when it saves at least half of the rows.
     if (packed->bytes() * 2 > static_cast<std::size_t>(rows) * width * sizeof(std::uint32_t)) {
       from.packingFailed = true;

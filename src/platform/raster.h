@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/graphics_memory.h"
 #include "platform/packed_rows.h"
 #include "platform/types.h"
 
@@ -84,8 +85,9 @@ class Raster {
     return true;
   }
 
-  // Gives a black width x height raster; false (raster untouched) when the size is
-  // not positive or beyond kMaxPixels.
+  // Gives a black width x height raster, charged its whole size against the
+  // graphics-memory budget; false (raster untouched) when the size is not positive,
+  // beyond kMaxPixels or past the budget.
   bool Allocate(int newWidth, int newHeight, bool newMono);
   // Columns [x0, x1) of rows [y0, y1) become `pixel`; bands covered whole become one
   // colour.
@@ -157,6 +159,7 @@ class Raster {
   mutable std::vector<Band> bands_;
   std::uint32_t* pinned_ = nullptr;
   bool compact_ = false;
+  GraphicsCharge charge_;
 };
 
 // Bytes of pixel storage alive in every raster of the process together.

@@ -24,6 +24,7 @@ class AirbrushTool : public Interaction {
   void Release(POINT point) override;
   int Cursor() const override;
   bool ResumesAfterColorPick() const override { return true; }
+  void Interrupt() override { StopSpraying(); }
 
   // The spray timer fired: the next, denser spray where the pointer was last.
   void SprayAgain();

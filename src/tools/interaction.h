@@ -40,6 +40,10 @@ class Interaction {
   // finish any more is given up. A tool change gives up nothing: a tool chosen again
   // carries on where it was.
   virtual void Abandon() {}
+  // The drag is ended before its release, by a call that replaces what it works on:
+  // what it showed only for the drag is taken back and what it keeps running stops.
+  // What it drew stays, as the release would leave it.
+  virtual void Interrupt() {}
   // A new current colour reaches what the tool draws with.
   virtual void ApplyColor() {}
   // A colour pick started from this tool returns to it (else to the pen).

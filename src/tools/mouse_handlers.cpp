@@ -82,9 +82,8 @@ void CImageEditWnd::OnLButtonDown(UINT flags, POINT point) {
 
 // ---- drag ----
 
-// Each step of a tool's drag goes to the tool chosen at that moment, which is the one
-// pressed unless a setter ran in between. A drag begun with no tool runs to its
-// release whatever tool is chosen meanwhile.
+// Each step of a tool's drag goes to the tool that was pressed: choosing another one
+// ends the drag (EndDrag).
 void CImageEditWnd::OnMouseMove(UINT flags, POINT point) {
   if ((flags & MK_LBUTTON) == 0) {
     m_hover.Update(point, m_selectionBox, m_objects);
@@ -156,6 +155,21 @@ void CImageEditWnd::OnLButtonUp(UINT flags, POINT point) {
     }
   }
   CWnd::OnLButtonUp(flags, point);
+}
+
+// ---- ending early ----
+
+void CImageEditWnd::EndDrag() {
+  if (!DragUnderWay()) return;
+  ClipCursor(nullptr);
+  ReleaseCapture();
+  StopAutoScroll();
+  m_stroke.buttonDown = false;
+  if (m_noToolDrags.Active()) {
+    m_noToolDrags.Release();
+  } else if (Interaction* tool = ActiveTool()) {
+    tool->Interrupt();
+  }
 }
 
 // ---- timers ----

@@ -16,6 +16,7 @@ class RubberBandDrag : public Interaction {
   void Press(POINT) override {}
   // The band from the press to the pointer replaces the band to the last point.
   std::optional<RECT> Move(POINT point) override;
+  void Interrupt() override { EraseBand(); }
 
  protected:
   using Interaction::Interaction;

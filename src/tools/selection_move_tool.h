@@ -20,6 +20,8 @@ class SelectionMoveTool : public Interaction {
   // What the history gives back no longer matches where the pixels were moved: the
   // tool goes back to plain rectangle selection.
   void Abandon() override;
+  // The captured pixels stay where the drag has brought them, as a release leaves them.
+  void Interrupt() override { Release(POINT{0, 0}); }
 
  private:
   Interaction& newRectangle_;

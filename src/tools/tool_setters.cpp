@@ -1,6 +1,7 @@
 // Choosing the tool: the tool-mode setters, the current colour, the pens and brushes
 // they select into the drawing layer, the selection box's size and the cursor that
 // shows the tool.
+#include <cstdint>
 #include <span>
 
 #include "editor/image_edit_wnd.h"
@@ -44,9 +45,15 @@ std::string CImageEditWnd::SetColor(LPCSTR lpszColor) {
 }
 
 void CImageEditWnd::RenewDrawingObjects() {
-  const ToolMode mode = m_tools.mode;
-  SetPen(m_tools.penSize);
-  SetShape(static_cast<int>(m_tools.shapeStyle));
+  if (!m_surfaces.drawingLayer.dc()) return;
+  CloseTextEntry();
+  MakeDrawingPen(PenStyleForSize(m_tools.penSize), m_tools.penSize, m_tools.color);
+  m_tools.shapeStyle = ShapeStyleFrom(static_cast<int>(m_tools.shapeStyle));
+  SelectShapeBrush();
+}
+
+void CImageEditWnd::ChooseTool(ToolMode mode) {
+  if (mode != m_tools.mode) EndDrag();
   m_tools.mode = mode;
 }
 
@@ -56,7 +63,7 @@ void CImageEditWnd::SelectColor() {
   CloseTextEntry();
   const Interaction* tool = ActiveTool();
   m_tools.savedMode = tool != nullptr && tool->ResumesAfterColorPick() ? m_tools.mode : ToolMode::Pen;
-  m_tools.mode = ToolMode::ColorPick;
+  ChooseTool(ToolMode::ColorPick);
 }
 
 void CImageEditWnd::FillWithSelectedColor() {
@@ -65,7 +72,7 @@ void CImageEditWnd::FillWithSelectedColor() {
   m_tools.PutBackBrush();
   platform::OwnedBrush brush(CreateSolidBrush(m_tools.color));
   if (!brush) return;
-  m_tools.mode = ToolMode::Fill;
+  ChooseTool(ToolMode::Fill);
   m_tools.SelectBrush(m_surfaces.drawingLayer.dc(), std::move(brush));
 }
 
@@ -85,7 +92,7 @@ void CImageEditWnd::SetEraser(int nEraserSize) {
   if (!m_surfaces.drawingLayer.dc()) return;
   CloseTextEntry();
   if (MakeDrawingPen(PS_GEOMETRIC | PS_ENDCAP_SQUARE, nEraserSize, kDrawingLayerKeyColor)) {
-    m_tools.mode = ToolMode::Eraser;
+    ChooseTool(ToolMode::Eraser);
   }
 }
 
@@ -93,7 +100,7 @@ void CImageEditWnd::SetPen(int nPenSize) {
   if (!m_surfaces.drawingLayer.dc()) return;
   CloseTextEntry();
   if (MakeDrawingPen(PenStyleForSize(nPenSize), nPenSize, m_tools.color)) {
-    m_tools.mode = ToolMode::Pen;
+    ChooseTool(ToolMode::Pen);
     m_tools.penSize = nPenSize;
   }
 }
@@ -102,13 +109,13 @@ void CImageEditWnd::SetBrush(int nBrushSize) {
   if (!m_surfaces.drawingLayer.dc()) return;
   const int size = NegatedSize(nBrushSize);
   SetPen(size);
-  if (m_tools.penSize == size) m_tools.mode = ToolMode::Brush;
+  if (m_tools.penSize == size) ChooseTool(ToolMode::Brush);
 }
 
 void CImageEditWnd::SetAirBrush(int nAirBrushSize) {
   if (!m_surfaces.drawingLayer.dc()) return;
   CloseTextEntry();
-  m_tools.mode = ToolMode::Airbrush;
+  ChooseTool(ToolMode::Airbrush);
   m_tools.penSize = nAirBrushSize;
   m_tools.toolWidth = nAirBrushSize;
   m_toolBox.airbrush().ResetDensity();
@@ -124,18 +131,32 @@ void CImageEditWnd::SetBitmapBrush(LPCSTR lpszFilePath) {
   BITMAP description{};
   if (!m_tools.bitmapBrush || !GetObjectA(m_tools.bitmapBrush.get(), sizeof description, &description))
     return;
-  m_tools.mode = ToolMode::BitmapBrush;
+  // The brush is recoloured as a square of side = its width: a brush whose square,
+  // with the pixels read to recolour it, would not fit the graphics memory is
+  // refused as one that could not be loaded, rather than kept as a brush that can
+  // never take the colour.
+  const auto side = static_cast<std::uint64_t>(description.bmWidth);
+  const auto stride = static_cast<std::uint64_t>(platform::DibRowStride(description.bmWidth, 24));
+  if (!platform::GraphicsMemoryWouldFit(side * (side * 4 + stride))) {
+    m_tools.bitmapBrush.reset();
+    return;
+  }
+  ChooseTool(ToolMode::BitmapBrush);
   m_tools.penSize = m_tools.toolWidth = description.bmWidth;
   RecolorBitmapBrush(m_tools.color);
 }
 
 void CImageEditWnd::SetShape(int nShapeStyle) {
-  HDC layer = m_surfaces.drawingLayer.dc();
-  if (!layer) return;
+  if (!m_surfaces.drawingLayer.dc()) return;
   CloseTextEntry();
   SetPen(m_tools.penSize);
-  m_tools.mode = ToolMode::Shape;
+  ChooseTool(ToolMode::Shape);
   m_tools.shapeStyle = ShapeStyleFrom(nShapeStyle);
+  SelectShapeBrush();
+}
+
+void CImageEditWnd::SelectShapeBrush() {
+  HDC layer = m_surfaces.drawingLayer.dc();
   if (m_tools.shapeStyle == ShapeStyle::FilledRectangle || m_tools.shapeStyle == ShapeStyle::FilledEllipse) {
     platform::OwnedBrush fill(CreateSolidBrush(m_tools.color));
     if (fill) {
@@ -149,31 +170,31 @@ void CImageEditWnd::SetShape(int nShapeStyle) {
 }
 
 void CImageEditWnd::EnterText() {
-  if (m_surfaces.drawingLayer.dc()) m_tools.mode = ToolMode::Text;
+  if (m_surfaces.drawingLayer.dc()) ChooseTool(ToolMode::Text);
 }
 
 void CImageEditWnd::SelectRectangle() {
   if (!m_surfaces.drawingLayer.dc()) return;
   CloseTextEntry();
-  m_tools.mode = ToolMode::RectangleSelection;
+  ChooseTool(ToolMode::RectangleSelection);
 }
 
 void CImageEditWnd::SelectIrregular() {
   if (!m_surfaces.drawingLayer.dc()) return;
   CloseTextEntry();
-  m_tools.mode = ToolMode::IrregularSelection;
+  ChooseTool(ToolMode::IrregularSelection);
 }
 
-void CImageEditWnd::SetNothing() { m_tools.mode = ToolMode::None; }
+void CImageEditWnd::SetNothing() { ChooseTool(ToolMode::None); }
 
 void CImageEditWnd::CutImage() {
   CloseTextEntry();
-  if (m_surfaces.composition.dc()) m_tools.mode = ToolMode::Cut;
+  if (m_surfaces.composition.dc()) ChooseTool(ToolMode::Cut);
 }
 
 void CImageEditWnd::MosaicImage() {
   CloseTextEntry();
-  if (m_surfaces.imageSurface.dc()) m_tools.mode = ToolMode::Mosaic;
+  if (m_surfaces.imageSurface.dc()) ChooseTool(ToolMode::Mosaic);
 }
 
 void CImageEditWnd::SetSelectionBox(int nWidth, int nHeight) {

@@ -166,6 +166,7 @@ void CImageEditWnd::Scroll(int bar, UINT code, int position) {
 
 BOOL CImageEditWnd::ScaleImage(int nScaleFactor) {
   if (!m_view.scalingAllowed) return FALSE;
+  EndDrag();  // the surfaces a drag works on are drawn afresh
   const int percent = std::clamp(nScaleFactor, 0, 200);
   m_view.scale = ScaleFromPercentage(percent, m_view.originalWidth, m_view.originalHeight,
                                      m_surfaces.imageSurface.width(), m_surfaces.imageSurface.height());
@@ -191,6 +192,8 @@ void CImageEditWnd::DrawScaledOriginal(const Surface& surface) {
 }
 
 void CImageEditWnd::SetImageWidth(int nImageWidth) {
+  // A drag's points are those of the layout it began in.
+  EndDrag();
   CloseTextEntry();
   if (nImageWidth == 0) {
     m_view.requestedImageWidth = 0;

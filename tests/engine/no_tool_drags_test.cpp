@@ -109,8 +109,9 @@ TEST_F(NoToolDragsTest, AResizeScalesThePictureAsInserted) {
 
 // What goes mid-drag takes the drag with it. An undo gives back the level before the
 // press, with no drag in it; Delete frees the dragged slot, and an object inserted
-// there afterwards is not moved; a tool chosen meanwhile neither ends the drag nor
-// paints with it. Releases that drag nothing record nothing.
+// there afterwards is not moved; a tool chosen meanwhile ends the drag as its
+// release would, and nothing paints with it. Releases that drag nothing record
+// nothing.
 TEST_F(NoToolDragsTest, NothingDanglesFromADragWhoseObjectOrToolChanges) {
   InsertIcon(10, 10, 30, 20);
   InsertIcon(60, 40, 30, 20);
@@ -140,12 +141,15 @@ TEST_F(NoToolDragsTest, NothingDanglesFromADragWhoseObjectOrToolChanges) {
   EXPECT_EQ(editor().m_history.count(), levels);
   EXPECT_EQ(GetCapture(), nullptr);
 
+  // Choosing a tool ends the object's drag where it is, as its release would.
   live_.Mouse(WM_LBUTTONDOWN, 55, 55);
+  live_.Mouse(WM_MOUSEMOVE, 60, 58);
   editor().SetPen(3);
+  EXPECT_FALSE(editor().m_noToolDrags.Active());
+  EXPECT_EQ(objects().dragged(), -1);
   live_.Mouse(WM_MOUSEMOVE, 75, 65);
   live_.Mouse(WM_LBUTTONUP, 75, 65);
-  EXPECT_EQ(objects().Object(0).x, 70);
-  EXPECT_FALSE(editor().m_noToolDrags.Active());
+  EXPECT_EQ(std::make_pair(objects().Object(0).x, objects().Object(0).y), std::make_pair(55, 53));
   EXPECT_EQ(GetPixel(editor().m_surfaces.drawingLayer.dc(), 75, 65), kDrawingLayerKeyColor);
   EXPECT_EQ(GetCapture(), nullptr);
 }

@@ -81,6 +81,28 @@ TEST_F(ToolsTest, PenSettersSelectThePenTheSizeCallsFor) {
 
 // Styles 1 to 6 are kept and anything else draws lines; only the filled shapes have a
 // brush of their own. A new colour in shape mode reaches both outline and fill.
+// A pen wider than the raster can draw is refused where it is made, so each pen
+// setter takes its failure path: the tool stays what it was and a drag records
+// nothing. The widest drawable pen is still taken.
+TEST_F(ToolsTest, PensTooWideToDrawAreRefusedAndRecordNothing) {
+  constexpr int kTooWide = (1 << 18) + 1;
+  const Setter setters[] = {[](CImageEditWnd& e) { e.SetPen(kTooWide); },
+                            [](CImageEditWnd& e) { e.SetBrush(-kTooWide); },
+                            [](CImageEditWnd& e) { e.SetEraser(kTooWide); }};
+  for (const Setter& set : setters) {
+    const ToolMode mode = live_->m_tools.mode;
+    const int levels = live_->m_history.count();
+    set(*live_.editor);
+    EXPECT_EQ(live_->m_tools.mode, mode);
+    EXPECT_NE(live_->m_tools.toolWidth, kTooWide);
+    live_.Drag(10, 10, 60, 50);
+    EXPECT_EQ(live_->m_history.count(), levels);
+  }
+  live_->SetPen(1 << 18);
+  EXPECT_EQ(live_->m_tools.mode, ToolMode::Pen);
+  EXPECT_EQ(SelectedPen().elpWidth, 1u << 18);
+}
+
 TEST_F(ToolsTest, SetShapeKeepsStylesOneToSixAndFillsOnlyTheFilledShapes) {
   live_->SetColor("00FF00");
   live_->SetPen(2);
@@ -204,8 +226,9 @@ TEST_F(ToolsTest, TheTextToolOpensABoxWhereItWasDragged) {
 }
 
 // Tools are kept while others are chosen: a curve half built is carried on when the
-// curve is chosen again, and an airbrush held still keeps spraying on its timer.
-// Only a move through the history gives up a half-built curve.
+// curve is chosen again. Only a move through the history gives up a half-built curve.
+// A drag, though, ends when another tool is chosen: an airbrush held still stops
+// spraying, and the moves that follow draw with nothing.
 TEST_F(ToolsTest, AToolCarriesOnWhereItWasWhenChosenAgain) {
   live_->SetPen(1);
   live_->SetShape(2);
@@ -231,9 +254,12 @@ TEST_F(ToolsTest, AToolCarriesOnWhereItWasWhenChosenAgain) {
   live_->SetAirBrush(20);
   live_.Mouse(WM_LBUTTONDOWN, 50, 40);
   live_->SetPen(2);
+  EXPECT_EQ(GetCapture(), nullptr);
   platform::AdvanceClock(200);
-  EXPECT_EQ(live_->State().airbrushDensity, 32) << "the spray timer runs on";
-  live_.Mouse(WM_LBUTTONUP, 50, 40);
+  EXPECT_EQ(live_->State().airbrushDensity, 64) << "the spray timer stopped";
+  live_.Mouse(WM_MOUSEMOVE, 80, 60);
+  live_.Mouse(WM_LBUTTONUP, 80, 60);
+  EXPECT_EQ(GetPixel(Layer(), 65, 50), kDrawingLayerKeyColor);
 }
 
 }  // namespace

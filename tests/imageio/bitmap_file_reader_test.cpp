@@ -97,7 +97,7 @@ TEST(BitmapFileReader, MalformedFilesGiveNothing) {
   };
   EXPECT_FALSE(variant([](BmpLayout& s) { s.infoSize = 20; }));
   EXPECT_FALSE(variant([](BmpLayout& s) { s.bitCount = 2; }));
-  EXPECT_FALSE(variant([](BmpLayout& s) { s.compression = 1; }));  // run-length
+  EXPECT_FALSE(variant([](BmpLayout& s) { s.compression = 1; }));  // run-length needs 8 bits
   EXPECT_FALSE(variant([](BmpLayout& s) { s.compression = 3; }));  // bitfields need 16 or 32 bits
   EXPECT_FALSE(variant([](BmpLayout& s) { s.width = 0; }));
   EXPECT_FALSE(variant([](BmpLayout& s) { s.width = -2; }));

@@ -198,11 +198,19 @@ TEST(GdiDraw, CoordinatesBeyondDeviceSpaceFailAndHugeFiguresStayCheap) {
   EXPECT_FALSE(Ellipse(s.dc(), -(1 << 20), 0, 1 << 20, 10));  // too large to trace
   SelectObject(s.dc(), old);
   DeleteObject(thin);
-  HPEN tooWide = Pen(PS_GEOMETRIC, 1 << 20);
-  old = SelectObject(s.dc(), tooWide);
-  EXPECT_FALSE(LineTo(s.dc(), 5, 5));
+  // A pen wider than the raster traces is refused when made, at either sign.
+  const LOGBRUSH solid{BS_SOLID, kRed, 0};
+  for (DWORD width : {(1u << 18) + 1, 0u - ((1u << 18) + 1)})
+    EXPECT_EQ(ExtCreatePen(PS_GEOMETRIC, width, &solid, 0, nullptr), nullptr) << width;
+  EXPECT_EQ(CreatePen(PS_SOLID, (1 << 18) + 1, kRed), nullptr);
+  HPEN widest = Pen(PS_GEOMETRIC, 1 << 18);
+  ASSERT_NE(widest, nullptr);
+  old = SelectObject(s.dc(), widest);
+  MoveToEx(s.dc(), 0, 0, nullptr);
+  EXPECT_TRUE(LineTo(s.dc(), 5, 5));
+  EXPECT_EQ(Pixels(s.dc(), 0, 0, 40, 20), std::vector<COLORREF>(800, kRed));
   SelectObject(s.dc(), old);
-  DeleteObject(tooWide);
+  DeleteObject(widest);
 }
 
 TEST(GdiDraw, FloodFillStaysInsideItsColourAndTheClip) {
