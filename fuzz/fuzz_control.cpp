@@ -658,8 +658,10 @@ class Session : public platform::Host {
     return Variant::String(Env().strings[data_.ConsumeIntegralInRange<std::size_t>(0, 3)]);
   }
 
+  // A release ends whatever drag captured the mouse.
   void Mouse(UINT message, POINT at, const char* what) {
     platform::MouseInput(hostWindow_, message, at.x, at.y);
+    if (message == WM_LBUTTONUP) Check(GetCapture() == nullptr, what, "a release left the mouse captured");
     checks_->AfterStep(what);
   }
   void Call(std::string_view name) {
