@@ -180,9 +180,11 @@ struct ParameterValues {
 const std::vector<ParameterValues>& ValuesByParameter() {
   static const std::vector<ParameterValues> table{
       {{"nStep"}, {INT_MIN, -65536, -1, 0, 1, 2, 3, 5, 12}, false},
-      {{"nEraserSize", "nPenSize", "nBrushSize", "nAirBrushSize"},
+      {{"nEraserSize", "nPenSize", "nBrushSize"},
        {INT_MIN, -65536, -120, -17, -2, -1, 0, 1, 2, 3, 4, 9, 33, 120},
        false},
+      // A spray's dots grow with the square of its size whatever the window.
+      {{"nAirBrushSize"}, {-120, -17, -2, -1, 0, 1, 2, 3, 4, 9, 33, 120}, false},
       {{"nWidth", "nHeight"}, {INT_MIN, -1, 0, 1, 2, 3, 8, 41, 120}, false},
       {{"nTextStartX", "nTextStartY", "nTextEndX", "nTextEndY"}, {-7, -1, 0, 1, 2, 5, 23, 70}, false},
       {{"nImageWidth"},
@@ -312,7 +314,7 @@ class StateChecks {
   void AfterCall(const std::string& method, std::span<const Variant> args, const InvokeResult& result) {
     const std::string& step = method;
     const EditorState after = control_.State();
-    if (Tracing()) PrintState(step, after);
+    if (Tracing()) PrintState(result.hr == S_OK ? step : step + " (refused)", after);
     if (result.hr == S_OK) CheckOutcome(step, method, args, result, after);
     Examine(step, after, false);
   }
