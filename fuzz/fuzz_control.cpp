@@ -9,8 +9,8 @@
 //
 // Most of the time goes where faults hide: tools and their drags, drags cut short by
 // another call, extreme setter values and tiny windows. Values whose cost grows with
-// their size (filter steps, pen and spray sizes, saved sizes) are offered only up to
-// small ones, so that a sequence takes milliseconds and a run tries thousands.
+// their size (filter steps, spray sizes, saved sizes) are offered only up to small
+// ones, so that a sequence takes milliseconds and a run tries thousands.
 //
 // What is exercised is data: the methods come from the dispatch table, the strings,
 // integers and events from the tables below. A new feature needs at most a line in
@@ -169,9 +169,10 @@ int AnyInteger(FuzzedDataProvider& data) {
 }
 
 // The integers offered to parameters by name: what means something to them, their
-// edges and extremes. Where the work grows with the value (filter steps, pen, spray
-// and text-box sizes, saved and selected sizes), only these are offered, so the large
-// values stop at about a hundred; the others also get any integer now and then.
+// edges and extremes. Where the work grows with the value (filter steps, spray and
+// text-box sizes, saved and selected sizes) the positive values stop at about a
+// hundred; pens keep their extremes, since the surfaces clip what they draw. Rows
+// marked so also get any integer now and then.
 struct ParameterValues {
   std::vector<std::string_view> names;
   std::vector<int> values;
@@ -183,7 +184,8 @@ const std::vector<ParameterValues>& ValuesByParameter() {
       {{"nEraserSize", "nPenSize", "nBrushSize"},
        {INT_MIN, -65536, -120, -17, -2, -1, 0, 1, 2, 3, 4, 9, 33, 120},
        false},
-      // A spray's dots grow with the square of its size whatever the window.
+      // A spray's dots grow with the square of its size, either sign, whatever the
+      // window.
       {{"nAirBrushSize"}, {-120, -17, -2, -1, 0, 1, 2, 3, 4, 9, 33, 120}, false},
       {{"nWidth", "nHeight"}, {INT_MIN, -1, 0, 1, 2, 3, 8, 41, 120}, false},
       {{"nTextStartX", "nTextStartY", "nTextEndX", "nTextEndY"}, {-7, -1, 0, 1, 2, 5, 23, 70}, false},
