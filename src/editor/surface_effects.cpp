@@ -108,15 +108,17 @@ struct PicturePoint {
 };
 
 // The point of the picture under an inserted object's centre; a centre beyond the
-// picture counts from the picture's nearest edge.
+// picture counts from the picture's nearest edge. Worked in doubles: an object may
+// lie anywhere an int reaches, and its centre beyond that.
 PicturePoint PictureUnder(const CInsertedObject& object, const ViewPlacement& view) {
-  const POINT centre = view.ToSurface(POINT{object.x + object.width / 2, object.y + object.height / 2});
+  const double centreX = static_cast<double>(object.x) + object.width / 2 + view.hScrollPos();
+  const double centreY = static_cast<double>(object.y) + object.height / 2 + view.vScrollPos();
   const RECT& image = view.imageRect();
   const auto fraction = [](double offset, int length) {
     return length > 0 ? std::clamp(offset / length, 0.0, 1.0) : 0.5;
   };
-  return PicturePoint{fraction(static_cast<double>(centre.x - image.left), view.displayedWidth()),
-                      fraction(static_cast<double>(centre.y - image.top), view.displayedHeight())};
+  return PicturePoint{fraction(centreX - image.left, view.displayedWidth()),
+                      fraction(centreY - image.top, view.displayedHeight())};
 }
 
 // Puts an inserted object's centre over that point of the picture as the view now

@@ -2,6 +2,7 @@
 // objects over it, and the wiring of the surface effects (their rules are pinned in
 // tests/pixels/effects_test.cpp): levels, rebuilds, blend, memory, mapped rows.
 #include <algorithm>
+#include <climits>
 #include <functional>
 #include <random>
 #include <set>
@@ -185,6 +186,20 @@ TEST_F(EffectsTest, ObjectsFollowThePicturePointUnderTheirCentre) {
   editor().RotateImage(-90);
   EXPECT_EQ(onPicture.x, 12);
   EXPECT_EQ(onPicture.y, 11);
+}
+
+// An object may lie as far right as an int reaches; its centre, beyond that, still
+// counts from the picture's right edge, also where the picture starts at the
+// window's left edge.
+TEST_F(EffectsTest, AnObjectAtTheFarEndOfTheWindowFollowsThePicturesEdge) {
+  live_.Show(40, 30, kGrey);
+  const std::string icon = live_.files.Write("icon.bmp", BitmapFile(4, 3, std::vector<COLORREF>(12, kBlue)));
+  editor().InsertIcon(INT_MAX - 1, 6, icon.c_str());  // centre 7/30 down, beyond the right edge
+  editor().RotateImage(90);
+  // Turned, the right edge is the top: 7/30 across it.
+  const CInsertedObject& object = editor().m_objects.Object(0);
+  EXPECT_EQ(object.x, Image().left + 7 - 2);
+  EXPECT_EQ(object.y, Image().top - 1);
 }
 
 // The middle row of an odd height stays; each flip records a level.
