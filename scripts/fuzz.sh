@@ -9,6 +9,10 @@ set -eu
 seconds=${1:-30}
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
+# Undefined behaviour stops a run as the debug build's does, so that the input that
+# reached it is kept.
+UBSAN_OPTIONS=${UBSAN_OPTIONS:-halt_on_error=1:print_stacktrace=1}
+export UBSAN_OPTIONS
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j2 --target fuzz_all
 for target in bitmap_file jpeg png gif image_source script_line control font_string draw_text balloon_text; do
