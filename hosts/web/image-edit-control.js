@@ -85,7 +85,7 @@ ${SIZING_STYLE}${DIALOG_STYLE}${MENU_STYLE}${TEXT_BOX_STYLE}`;
 const MB_ICONMASK = 0x00F0, MB_ICONHAND = 0x0010;
 
 export class ImageEditControl extends HTMLElement {
-  static observedAttributes = ['width', 'height', 'lang'];
+  static observedAttributes = ['width', 'height', 'lang', 'memory-budget'];
 
   #engine = null;    // the engine module, or the Promise of it while the control is made
   #memory = null;    // its WebAssembly memory
@@ -159,6 +159,7 @@ export class ImageEditControl extends HTMLElement {
 
   attributeChangedCallback(name) {
     if (name === 'lang') this.#internals.ariaLabel = this.#spoken().name;
+    else if (name === 'memory-budget') this.#applyMemoryBudget();
     else this.#sizing.attributesChanged();
   }
 
@@ -173,12 +174,20 @@ export class ImageEditControl extends HTMLElement {
     this.#engine = engine;
     this.#memory = memory;
     this.#release = release;
+    this.#applyMemoryBudget();
     this.#context = this.#canvas.getContext('2d');
     this.#control = new engine.WebControl(size.width, size.height, LANGUAGES[this.#language()] ?? ENGLISH,
       this.#pageSide());
     this.#control.connectSink(Object.fromEntries(EVENTS.map((name) =>
       [name, (detail) => this.dispatchEvent(new CustomEvent(name, { detail }))])));
     this.#resolveReady(this);
+  }
+
+  // `memory-budget` is in MiB; absent, 0 or not a number, the engine's default.
+  #applyMemoryBudget() {
+    if (this.#engine === null || this.#engine instanceof Promise) return;
+    const mebibytes = Number(this.getAttribute('memory-budget'));
+    this.#engine.setGraphicsMemoryBudget(Number.isFinite(mebibytes) && mebibytes > 0 ? mebibytes : 0);
   }
 
   // Gives up the control and everything it holds: the engine (its memory goes once

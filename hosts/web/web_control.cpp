@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -283,10 +284,20 @@ class WebControl {
   std::map<DWORD, std::unique_ptr<ScriptSink>> sinks_;
 };
 
+// The engine's graphics-memory budget in MiB; 0 restores the default, what the
+// engine's memory may grow to. Past the 4 GiB a 32-bit memory can address it stays
+// at the most.
+void SetGraphicsMemoryBudget(double mebibytes) {
+  const double bytes = mebibytes * 1048576.0;
+  constexpr double kMost = static_cast<double>(SIZE_MAX);
+  platform::SetGraphicsMemoryBudget(bytes > 0 ? static_cast<std::size_t>(bytes < kMost ? bytes : kMost) : 0);
+}
+
 }  // namespace web
 
 EMSCRIPTEN_BINDINGS(image_edit_engine) {
   using web::WebControl;
+  emscripten::function("setGraphicsMemoryBudget", &web::SetGraphicsMemoryBudget);
   emscripten::class_<WebControl>("WebControl")
       .constructor<int, int, int, emscripten::val>()
       .function("invoke", &WebControl::invoke)

@@ -267,6 +267,9 @@ class CImageEditWnd : public CWnd {
   // Scrolls by a pixel when a drag is near an edge with a scroll bar.
   void ScrollAtEdge(POINT window);
   void StopAutoScroll();
+  // What ends every drag, at its release or earlier: the cursor clip, the capture,
+  // the auto-scroll timer and the button state go.
+  void LetGoOfMouse();
   // Makes the free `slot`, whose kind-specific fields are set, a live object of that
   // kind showing `picture` (of that description), placed at (startX, startY) or
   // centred when either is negative, in front of the others; then repaints and

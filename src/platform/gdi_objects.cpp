@@ -94,7 +94,7 @@ class HandleTable {
     stock_[SYSTEM_FONT] = Add(StockFont("System", 16, 700), true);
     stock_[DEFAULT_GUI_FONT] = Add(StockFont("MS Shell Dlg", -11, 400), true);
     BitmapObject bitmap;
-    bitmap.raster.Allocate(1, 1, true);
+    bitmap.raster.Allocate(1, 1, true, false);  // the system's, never the budget's
     stockBitmap_ = Add(std::move(bitmap), true);
   }
 
@@ -186,16 +186,26 @@ bool AllowCreation(GdiKind kind) {
 
 void* Register(GdiObject object) { return Table().Add(std::move(object), false); }
 
-HBITMAP NewBitmap(int width, int height, bool mono, bool dibSection, LONG dibHeight) {
+namespace {
+
+HBITMAP MakeBitmap(int width, int height, bool mono, bool dibSection, LONG dibHeight, bool charged) {
   if (width <= 0 || height <= 0 || static_cast<std::int64_t>(width) * height > raster::kMaxPixels)
     return nullptr;
   if (!AllowCreation(GdiKind::Bitmap)) return nullptr;
   BitmapObject bitmap;
-  if (!bitmap.raster.Allocate(width, height, mono)) return nullptr;
+  if (!bitmap.raster.Allocate(width, height, mono, charged)) return nullptr;
   bitmap.dibSection = dibSection;
   bitmap.dibHeight = dibSection ? dibHeight : height;
   return static_cast<HBITMAP>(Register(std::move(bitmap)));
 }
+
+}  // namespace
+
+HBITMAP NewBitmap(int width, int height, bool mono, bool dibSection, LONG dibHeight) {
+  return MakeBitmap(width, height, mono, dibSection, dibHeight, true);
+}
+
+HBITMAP NewScreenFrame(int width, int height) { return MakeBitmap(width, height, false, false, 0, false); }
 
 std::optional<Surface> SurfaceOf(const DcObject& dc) {
   if (dc.type == DcType::Screen) return std::nullopt;

@@ -99,6 +99,10 @@ void* Register(GdiObject object);
 
 // A new bitmap: checks the creation budget and size limits; null on failure.
 HBITMAP NewBitmap(int width, int height, bool mono, bool dibSection = false, LONG dibHeight = 0);
+// A host window's frame: the screen the windows are drawn on, which the host makes
+// and which is not charged against the graphics-memory budget (as a display's memory
+// is not an application's bitmaps).
+HBITMAP NewScreenFrame(int width, int height);
 
 // A raster a DC draws on, with the DC's origin and the rectangle (raster coordinates)
 // it may read and write.

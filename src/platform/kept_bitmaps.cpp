@@ -20,11 +20,7 @@ raster::Raster* RasterOf(HBITMAP bitmap) {
 bool CompactBitmap(HBITMAP bitmap) {
   raster::Raster* pixels = RasterOf(bitmap);
   if (!pixels) return false;
-  try {
-    pixels->Compact();
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  pixels->Compact();
   return true;
 }
 

@@ -18,8 +18,9 @@ class Difference;
 
 // Packs the bitmap's rows where that pays, now and whenever whole rows are copied into
 // it later; packing rows copied from another bitmap is remembered with that bitmap's
-// rows, so that copying them again while unchanged costs nothing. False (the bitmap as
-// it was) for anything but a bitmap, or when memory runs out; the pixels never change.
+// rows, so that copying them again while unchanged costs nothing. Rows whose packed
+// form does not fit in memory stay unpacked. False for anything but a bitmap; the
+// pixels never change.
 bool CompactBitmap(HBITMAP bitmap);
 
 // What turns a bitmap's pixels into another's of the same size and kind, and back.

@@ -48,13 +48,13 @@ std::shared_ptr<Raster::Block> Raster::UniformBlock(std::uint32_t pixel) const {
   return block;
 }
 
-bool Raster::Allocate(int newWidth, int newHeight, bool newMono) {
+bool Raster::Allocate(int newWidth, int newHeight, bool newMono, bool charged) {
   if (newWidth <= 0 || newHeight <= 0 || static_cast<std::int64_t>(newWidth) * newHeight > kMaxPixels)
     return false;
   try {
     Raster fresh;
-    if (!fresh.charge_.Add(static_cast<std::size_t>(newWidth) * static_cast<std::size_t>(newHeight) *
-                           sizeof(std::uint32_t)))
+    if (charged && !fresh.charge_.Add(static_cast<std::size_t>(newWidth) *
+                                      static_cast<std::size_t>(newHeight) * sizeof(std::uint32_t)))
       return false;
     fresh.width = newWidth;
     fresh.height = newHeight;

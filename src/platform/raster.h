@@ -86,9 +86,9 @@ class Raster {
   }
 
   // Gives a black width x height raster, charged its whole size against the
-  // graphics-memory budget; false (raster untouched) when the size is not positive,
-  // beyond kMaxPixels or past the budget.
-  bool Allocate(int newWidth, int newHeight, bool newMono);
+  // graphics-memory budget unless `charged` is false; false (raster untouched) when
+  // the size is not positive, beyond kMaxPixels or past the budget.
+  bool Allocate(int newWidth, int newHeight, bool newMono, bool charged = true);
   // Columns [x0, x1) of rows [y0, y1) become `pixel`; bands covered whole become one
   // colour.
   void Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel);
@@ -105,7 +105,8 @@ class Raster {
   std::size_t StoredBytes() const;
 
   // Makes the raster compact: its bands packed now where that pays, and bands later
-  // copied in whole packed too. Pinned rasters stay as they are. Throws std::bad_alloc.
+  // copied in whole packed too. Pinned rasters stay as they are, and so do bands whose
+  // packed form does not fit in memory or the budget (the raster's charge covers them).
   void Compact();
   bool compact() const { return compact_; }
 

@@ -4,6 +4,7 @@
 
 #include "platform/cwnd.h"
 #include "platform/gdi.h"
+#include "platform/gdi_objects.h"
 #include "platform/text.h"
 #include "platform/user.h"
 #include "platform/user_internal.h"
@@ -346,9 +347,7 @@ namespace platform {
 
 HWND CreateHostWindow(int width, int height) {
   if (width <= 0 || height <= 0) return nullptr;
-  HDC screen = CreateScreenDC();
-  HBITMAP frame = CreateCompatibleBitmap(screen, width, height);
-  DeleteDC(screen);
+  HBITMAP frame = gdi::NewScreenFrame(width, height);
   if (frame == nullptr) return nullptr;
   // The host root shows white where no child covers it.
   window::WindowClass hostClass{"ImageEditHost", 0, nullptr, LoadCursorA(nullptr, IDC_ARROW),
@@ -365,9 +364,7 @@ bool ResizeHostWindow(HWND host, int width, int height) {
   Window* root = Find(host);
   if (root == nullptr || root->parent != nullptr || width <= 0 || height <= 0) return false;
   if (root->rect.right == width && root->rect.bottom == height) return true;
-  HDC screen = CreateScreenDC();
-  HBITMAP frame = CreateCompatibleBitmap(screen, width, height);
-  DeleteDC(screen);
+  HBITMAP frame = gdi::NewScreenFrame(width, height);
   if (frame == nullptr) return false;
   DeleteObject(root->frame);
   root->frame = frame;

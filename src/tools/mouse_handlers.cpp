@@ -142,10 +142,7 @@ void CImageEditWnd::OnLButtonUp(UINT flags, POINT point) {
   if (DragUnderWay()) {
     m_stroke.releaseClosedText = m_textEntry.IsShown();
     CloseTextEntry();
-    ClipCursor(nullptr);
-    ReleaseCapture();
-    StopAutoScroll();
-    m_stroke.buttonDown = false;
+    LetGoOfMouse();
     if (m_noToolDrags.Active()) {
       m_noToolDrags.Release();
     } else if (Interaction* tool = ActiveTool()) {
@@ -157,14 +154,18 @@ void CImageEditWnd::OnLButtonUp(UINT flags, POINT point) {
   CWnd::OnLButtonUp(flags, point);
 }
 
-// ---- ending early ----
-
-void CImageEditWnd::EndDrag() {
-  if (!DragUnderWay()) return;
+void CImageEditWnd::LetGoOfMouse() {
   ClipCursor(nullptr);
   ReleaseCapture();
   StopAutoScroll();
   m_stroke.buttonDown = false;
+}
+
+// ---- ending early ----
+
+void CImageEditWnd::EndDrag() {
+  if (!DragUnderWay()) return;
+  LetGoOfMouse();
   if (m_noToolDrags.Active()) {
     m_noToolDrags.Release();
   } else if (Interaction* tool = ActiveTool()) {

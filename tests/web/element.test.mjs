@@ -272,3 +272,36 @@ test('the demo on a phone: no sideways scrolling, the picture fitted, zoom in an
   await page.screenshot({ path: join(ROOT, 'build/web-test-artifacts/demo-phone.png') });
   await closePage(page);
 });
+
+test('past its memory budget the control refuses what does not fit and keeps working', async () => {
+  const page = await controlPage(120, 90);
+  // What a picture's call gives: 'loaded', or the code it rejects with.
+  await page.evaluate(() => {
+    window.load = (source) => document.getElementById('editor').SetImage(source)
+      .then(() => 'loaded', (error) => error.code);
+  });
+  const refused = await page.evaluate(async () => {
+    const editor = document.getElementById('editor');
+    editor.setAttribute('memory-budget', '32');  // the 12-megapixel picture alone takes 46 MiB
+    const big = await window.load('samples/landscape-12mp.jpg');
+    const small = await window.load('data/tools/scene_80x60.bmp');
+    editor.SetColor('C03020');
+    editor.SetPen(3);
+    return { big, small };
+  });
+  assert.deepEqual(refused, { big: 13, small: 'loaded' });
+  await page.mouse.move(30, 40);
+  await page.mouse.down();
+  await page.mouse.move(90, 40);
+  await page.mouse.up();
+  const shown = await canvasPixels(page);
+  const at = (x, y) => shown.rgb.slice((y * shown.width + x) * 3, (y * shown.width + x) * 3 + 3);
+  assert.deepEqual(at(60, 40), [0xC0, 0x30, 0x20], 'the stroke shows');
+  const again = await page.evaluate(() => {
+    document.getElementById('editor').removeAttribute('memory-budget');
+    return window.load('samples/landscape-12mp.jpg');
+  });
+  assert.equal(again, 'loaded');
+  assert.deepEqual(page.errors, []);
+  await closePage(page);
+});
