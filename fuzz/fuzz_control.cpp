@@ -1,8 +1,8 @@
 // A whole control, as a hostile page or a careless script would drive it: random
 // sequences of interface calls (any of the methods, by name or by DISPID, with any
 // arguments, wrong types and counts included) and input events (mouse drags, keys,
-// scroll bars, timer ticks, focus and capture loss, failed graphics creations) over
-// small pictures in windows from 1 x 1 up. The editor's state, taken whole as a host
+// scroll bars, timer ticks, focus and capture loss, failed graphics creations,
+// graphics memory running short) over small pictures in windows from 1 x 1 up. The editor's state, taken whole as a host
 // takes it, is checked after every step against what the control promises (see
 // StateChecks); after each sequence the control is destroyed, and every graphics
 // object, window, menu, cursor and timer it made must be gone.
@@ -43,6 +43,7 @@
 #include "control/image_edit_ctrl.h"
 #include "editor/editor_state.h"
 #include "imageio/url_download.h"
+#include "platform/graphics_memory.h"
 #include "platform/platform.h"
 
 namespace {
@@ -287,7 +288,7 @@ class StateChecks {
  public:
   explicit StateChecks(const CImageEditCtrl& control) : control_(control), before_(control.State()) {}
 
-  // A graphics creation will fail: the surfaces may keep an older size from then on.
+  // A graphics creation may fail: the surfaces may keep an older size from then on.
   void ExpectFailedCreations() { creationsMayFail_ = true; }
 
   void AfterStep(const std::string& step) { Examine(step, control_.State()); }
@@ -497,6 +498,7 @@ class Session : public platform::Host {
     platform::SetKeyDown(VK_SHIFT, false);
     platform::FailNthCreation(platform::GdiKind::Bitmap, 0);
     platform::FailNthCreation(platform::GdiKind::DC, 0);
+    platform::SetGraphicsMemoryBudget(0);
     control_->DestroyWindow();
     control_.reset();
     if (hostWindow_) DestroyWindow(hostWindow_);
@@ -625,6 +627,14 @@ class Session : public platform::Host {
     checks_->AfterStep("fail creation");
   }
 
+  // Graphics memory runs short: room is left for a few small bitmaps at most.
+  void TightenMemory() {
+    platform::SetGraphicsMemoryBudget(platform::GraphicsMemoryInUse() +
+                                      data_.ConsumeIntegralInRange<std::size_t>(1, 1 << 16));
+    checks_->ExpectFailedCreations();
+    checks_->AfterStep("memory short");
+  }
+
   // ---- the host's side: every dialog and menu gets an answer from the input ----
   UINT ShowPopupMenu(HMENU menu, int, int) override {
     const std::vector<platform::MenuItem> items = platform::MenuItems(menu);
@@ -714,6 +724,7 @@ const Step kSteps[] = {
     [](Session& s) { s.LoseFocus(); },
     [](Session& s) { s.LoseCapture(); },
     [](Session& s) { s.FailCreation(); },
+    [](Session& s) { s.TightenMemory(); },
 };
 
 }  // namespace
