@@ -36,6 +36,19 @@ std::optional<std::vector<Variant>> ArgumentsFromHost(const ocx::DISPPARAMS& par
   return args;
 }
 
+// Holds a reference for the length of a call into the engine: a sink that hears an
+// event may release the host's last reference while the engine is still at work.
+class KeepAlive {
+ public:
+  explicit KeepAlive(ocx::IUnknown& object) : object_(object) { object_.AddRef(); }
+  KeepAlive(const KeepAlive&) = delete;
+  KeepAlive& operator=(const KeepAlive&) = delete;
+  ~KeepAlive() { object_.Release(); }
+
+ private:
+  ocx::IUnknown& object_;
+};
+
 }  // namespace
 
 ControlObject::ControlObject() : control_(std::make_unique<CImageEditCtrl>()), events_(*this, *control_) {
@@ -98,8 +111,8 @@ ocx::HRESULT ControlObject::GetIDsOfNames(ocx::REFIID riid, ocx::LPOLESTR* names
   if (count == 0) return ocx::E_INVALIDARG;
   if (names == nullptr || dispids == nullptr) return ocx::E_POINTER;
   const auto name = [&](ocx::UINT i) {
-    return names[i] == nullptr ? std::string()
-                               : NarrowFromWide(names[i], std::char_traits<char16_t>::length(names[i]));
+    if (names[i] == nullptr) return std::string();
+    return NarrowFromWide(names[i], static_cast<ocx::UINT>(std::char_traits<char16_t>::length(names[i])));
   };
   const MethodInfo* method = FindMethod(name(0));
   dispids[0] = method != nullptr ? method->dispid : ocx::DISPID_UNKNOWN;
@@ -109,8 +122,9 @@ ocx::HRESULT ControlObject::GetIDsOfNames(ocx::REFIID riid, ocx::LPOLESTR* names
     if (method == nullptr) continue;
     const std::string paramName = name(i);
     for (std::size_t p = 0; p < method->params.size(); ++p) {
-      if (platform::EqualsIgnoringCase(method->params[p].name, paramName))
+      if (platform::EqualsIgnoringCase(method->params[p].name, paramName)) {
         dispids[i] = static_cast<ocx::DISPID>(p);
+      }
     }
     allKnown = allKnown && dispids[i] != ocx::DISPID_UNKNOWN;
   }
@@ -127,6 +141,7 @@ ocx::HRESULT ControlObject::Invoke(ocx::DISPID dispid, ocx::REFIID riid, ocx::LC
   if (params == nullptr || (params->cArgs > 0 && params->rgvarg == nullptr)) return ocx::E_INVALIDARG;
   if (params->cNamedArgs > 0) return ocx::DISP_E_NONAMEDARGS;
   if (result != nullptr) ocx::VariantInit(result);
+  const KeepAlive keep(static_cast<ocx::IDispatch&>(*this));
   // Nothing the engine throws may cross the boundary.
   try {
     const ocx::HRESULT hr = CallMethod(*method, *params, result, argError);
@@ -217,6 +232,7 @@ ocx::HRESULT ControlObject::Activate(ocx::INT width, ocx::INT height) {
 ocx::HRESULT ControlObject::MouseInput(ocx::UINT message, ocx::INT x, ocx::INT y) {
   if (hostWindow_ == nullptr) return ocx::E_UNEXPECTED;
   if (message < kFirstMouseMessage || message > kLastMouseMessage) return ocx::E_INVALIDARG;
+  const KeepAlive keep(static_cast<ocx::IDispatch&>(*this));
   try {
     platform::MouseInput(hostWindow_, message, x, y);
     FlushPaint();
