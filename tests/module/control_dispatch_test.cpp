@@ -84,6 +84,19 @@ TEST_F(ModuleTest, TwoControlsAreDrivenByNameAndByDispId) {
   EXPECT_EQ(scaled.result.get().vt, ocx::VT_I4);
 }
 
+// Strings cross as UTF-16 and reach the engine as UTF-8 (the platform's code page):
+// a face name outside ASCII comes back as it went in.
+TEST_F(ModuleTest, StringsKeepTheirCharactersBothWays) {
+  Ref<ocx::IDispatch> control;
+  CreateActiveControl(control, 40, 30);
+  Call font =
+      CallByName(control.get(), u"SetTextFont", {HostVariant::String(u"\uAD74\uB9BC,,Bold,8,,,2040A0")});
+  ASSERT_EQ(font.hr, ocx::S_OK);
+  ASSERT_EQ(font.result.get().vt, ocx::VT_BSTR);
+  const ocx::BSTR text = font.result.get().bstrVal;
+  EXPECT_EQ(std::u16string(text, ocx::SysStringLen(text)), u"\uAD74\uB9BC,,Bold,8,,,2040A0");
+}
+
 // A call that cannot be made changes nothing: the colour set first stays.
 TEST_F(ModuleTest, CallsThatCannotBeMadeReportWhyAndCallNothing) {
   Ref<ocx::IDispatch> control;

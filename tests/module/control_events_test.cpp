@@ -141,6 +141,28 @@ TEST_F(ControlEventsTest, ASinkMayDisconnectWhileItIsCalled) {
   EXPECT_EQ(second.references, 1u);
 }
 
+// The host may let go of the control while it hears the control's event: the control
+// lives until the input that fired the event has been handled.
+TEST_F(ControlEventsTest, TheHostMayReleaseTheControlWhileItHearsAnEvent) {
+  LoggingSink sink("sink", log_, true);
+  ocx::DWORD cookie = 0;
+  ASSERT_EQ(point_->Advise(&sink, &cookie), ocx::S_OK);
+  ASSERT_EQ(CallByName(control_.get(), u"SelectColor").hr, ocx::S_OK);
+  ocx::IImageEditWindow* window = nullptr;
+  ASSERT_EQ(control_->QueryInterface(ocx::IID_IImageEditWindow, reinterpret_cast<void**>(&window)),
+            ocx::S_OK);
+  window->Release();  // control_ holds the last reference
+  ASSERT_EQ(window->MouseInput(kLeftButtonDown, 55, 15), ocx::S_OK);
+  sink.onEvent = [&] {
+    point_.Reset();
+    control_.Reset();
+  };
+  EXPECT_EQ(window->MouseInput(kLeftButtonUp, 55, 15), ocx::S_OK);
+  EXPECT_EQ(log_, (std::vector<std::string>{"sink:1:00FF00"}));
+  EXPECT_EQ(sink.references, 1u);
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+}
+
 TEST_F(ControlEventsTest, TheConnectionPointIsTheEventInterfacesOnly) {
   ocx::IID iid{};
   ASSERT_EQ(point_->GetConnectionInterface(&iid), ocx::S_OK);
