@@ -19,14 +19,29 @@ std::size_t g_budget = 0;  // 0: the default, worked out on first use
 std::atomic<std::size_t> g_inUse{0};
 void (*g_reclaim)() = nullptr;
 
+// Whether `bytes` more fit beside `used`.
+bool FitsBeside(std::size_t used, std::uint64_t bytes) {
+  const std::size_t budget = GraphicsMemoryBudget();
+  return used <= budget && bytes <= budget - used;
+}
+
 // Charges `bytes` if they fit.
 bool TryCharge(std::size_t bytes) {
-  const std::size_t budget = GraphicsMemoryBudget();
   std::size_t used = g_inUse.load();
   do {
-    if (used > budget || bytes > budget - used) return false;
+    if (!FitsBeside(used, bytes)) return false;
   } while (!g_inUse.compare_exchange_weak(used, used + bytes));
   return true;
+}
+
+// An attempt, and when it fails a second one after the reclaimer gave back what is
+// kept only for speed.
+template <typename Attempt>
+bool OrAfterReclaiming(Attempt attempt) {
+  if (attempt()) return true;
+  if (!g_reclaim) return false;
+  g_reclaim();
+  return attempt();
 }
 
 }  // namespace
@@ -53,14 +68,7 @@ void SetGraphicsMemoryBudget(std::size_t bytes) { g_budget = bytes; }
 std::size_t GraphicsMemoryInUse() { return g_inUse; }
 
 bool GraphicsMemoryWouldFit(std::uint64_t bytes) {
-  const auto fits = [bytes] {
-    const std::size_t budget = GraphicsMemoryBudget();
-    const std::size_t used = g_inUse.load();
-    return used <= budget && bytes <= budget - used;
-  };
-  if (fits()) return true;
-  if (g_reclaim) g_reclaim();
-  return fits();
+  return OrAfterReclaiming([bytes] { return FitsBeside(g_inUse.load(), bytes); });
 }
 
 void SetGraphicsMemoryReclaimer(void (*reclaim)()) { g_reclaim = reclaim; }
@@ -75,11 +83,7 @@ GraphicsCharge& GraphicsCharge::operator=(GraphicsCharge&& other) noexcept {
 }
 
 bool GraphicsCharge::Add(std::size_t bytes) {
-  if (!TryCharge(bytes)) {
-    if (!g_reclaim) return false;
-    g_reclaim();
-    if (!TryCharge(bytes)) return false;
-  }
+  if (!OrAfterReclaiming([bytes] { return TryCharge(bytes); })) return false;
   bytes_ += bytes;
   return true;
 }

@@ -7,7 +7,9 @@
 // A bitmap is charged its whole size when it is made, as GDI commits a bitmap's
 // memory then. Our bitmaps share and pack their rows, so they often hold much less;
 // charging the whole is what lets a later write into shared rows never fail.
-// Everything else (pixel buffers, packed rows) is charged what it holds.
+// Everything else (pixel buffers, packed rows) is charged what it holds. The host's
+// window (the screen the windows are drawn on) and the stock objects are the system's
+// and are not charged.
 #pragma once
 
 #include <cstddef>
@@ -49,7 +51,6 @@ class GraphicsCharge {
   // As Add, but throws std::bad_alloc when they do not fit.
   void AddOrThrow(std::size_t bytes);
   void Release();
-  std::size_t bytes() const { return bytes_; }
 
  private:
   std::size_t bytes_ = 0;
