@@ -1,7 +1,6 @@
 #include "control/module/control_class_factory.h"
 
-#include <new>
-
+#include "control/module/boundary_guard.h"
 #include "control/module/control_object.h"
 #include "control/module/image_edit_ctrl_app.h"
 
@@ -19,13 +18,14 @@ ocx::HRESULT ControlClassFactory::CreateInstance(ocx::IUnknown* outer, ocx::REFI
   if (object == nullptr) return ocx::E_POINTER;
   *object = nullptr;
   if (outer != nullptr) return ocx::CLASS_E_NOAGGREGATION;
-  ControlObject* control = new (std::nothrow) ControlObject();
-  if (control == nullptr) return ocx::E_OUTOFMEMORY;
-  // The control starts with one reference, which the query's takes over or, when the
-  // interface is not one the control has, whose release destroys it.
-  const ocx::HRESULT hr = control->QueryInterface(riid, object);
-  control->Release();
-  return hr;
+  return CatchingEngineFailures([&] {
+    auto* control = new ControlObject();
+    // The control starts with one reference, which the query's takes over or, when the
+    // interface is not one the control has, whose release destroys it.
+    const ocx::HRESULT hr = control->QueryInterface(riid, object);
+    control->Release();
+    return hr;
+  });
 }
 
 ocx::HRESULT ControlClassFactory::LockServer(ocx::BOOL lock) {

@@ -1,13 +1,12 @@
 #include "control/module/control_object.h"
 
-#include <exception>
-#include <new>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "control/dispatch_table.h"
+#include "control/module/boundary_guard.h"
 #include "control/module/boundary_variant.h"
 #include "control/module/image_edit_ctrl_app.h"
 #include "platform/text.h"
@@ -110,6 +109,10 @@ ocx::HRESULT ControlObject::GetIDsOfNames(ocx::REFIID riid, ocx::LPOLESTR* names
   if (!(riid == ocx::IID_NULL)) return ocx::DISP_E_UNKNOWNINTERFACE;
   if (count == 0) return ocx::E_INVALIDARG;
   if (names == nullptr || dispids == nullptr) return ocx::E_POINTER;
+  return CatchingEngineFailures([&] { return LookUpNames(names, count, dispids); });
+}
+
+ocx::HRESULT ControlObject::LookUpNames(ocx::LPOLESTR* names, ocx::UINT count, ocx::DISPID* dispids) {
   const auto name = [&](ocx::UINT i) {
     if (names[i] == nullptr) return std::string();
     return NarrowFromWide(names[i], static_cast<ocx::UINT>(std::char_traits<char16_t>::length(names[i])));
@@ -142,16 +145,11 @@ ocx::HRESULT ControlObject::Invoke(ocx::DISPID dispid, ocx::REFIID riid, ocx::LC
   if (params->cNamedArgs > 0) return ocx::DISP_E_NONAMEDARGS;
   if (result != nullptr) ocx::VariantInit(result);
   const KeepAlive keep(static_cast<ocx::IDispatch&>(*this));
-  // Nothing the engine throws may cross the boundary.
-  try {
+  return CatchingEngineFailures([&] {
     const ocx::HRESULT hr = CallMethod(*method, *params, result, argError);
     FlushPaint();
     return hr;
-  } catch (const std::bad_alloc&) {
-    return ocx::E_OUTOFMEMORY;
-  } catch (const std::exception&) {
-    return ocx::E_FAIL;
-  }
+  });
 }
 
 ocx::HRESULT ControlObject::CallMethod(const MethodInfo& method, const ocx::DISPPARAMS& params,
@@ -210,18 +208,14 @@ ocx::HRESULT ControlObject::SetInterfaceSafetyOptions(ocx::REFIID riid, ocx::DWO
 ocx::HRESULT ControlObject::Activate(ocx::INT width, ocx::INT height) {
   if (hostWindow_ != nullptr) return ocx::E_UNEXPECTED;
   if (width < 1 || height < 1) return ocx::E_INVALIDARG;
-  ocx::HRESULT hr = ocx::S_OK;
-  try {
+  const ocx::HRESULT hr = CatchingEngineFailures([&] {
     hostWindow_ = platform::CreateHostWindow(width, height);
     if (hostWindow_ == nullptr) return ocx::E_OUTOFMEMORY;
-    if (control_->CreateControl(hostWindow_, width, height)) {
-      FlushPaint();
-      return ocx::S_OK;
-    }
-    hr = ocx::E_FAIL;
-  } catch (const std::bad_alloc&) {
-    hr = ocx::E_OUTOFMEMORY;
-  }
+    if (!control_->CreateControl(hostWindow_, width, height)) return ocx::E_FAIL;
+    FlushPaint();
+    return ocx::S_OK;
+  });
+  if (ocx::SUCCEEDED(hr)) return hr;
   // A failed activation leaves the control as it was, to be activated again.
   if (control_->m_hWnd != nullptr) control_->DestroyWindow();
   if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
@@ -233,13 +227,11 @@ ocx::HRESULT ControlObject::MouseInput(ocx::UINT message, ocx::INT x, ocx::INT y
   if (hostWindow_ == nullptr) return ocx::E_UNEXPECTED;
   if (message < kFirstMouseMessage || message > kLastMouseMessage) return ocx::E_INVALIDARG;
   const KeepAlive keep(static_cast<ocx::IDispatch&>(*this));
-  try {
+  return CatchingEngineFailures([&] {
     platform::MouseInput(hostWindow_, message, x, y);
     FlushPaint();
     return ocx::S_OK;
-  } catch (const std::bad_alloc&) {
-    return ocx::E_OUTOFMEMORY;
-  }
+  });
 }
 
 void ControlObject::FlushPaint() {

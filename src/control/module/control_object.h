@@ -52,6 +52,7 @@ class ControlObject final : public ocx::IDispatch,
   ocx::HRESULT MouseInput(ocx::UINT message, ocx::INT x, ocx::INT y) override;
 
  private:
+  ocx::HRESULT LookUpNames(ocx::LPOLESTR* names, ocx::UINT count, ocx::DISPID* dispids);
   ocx::HRESULT CallMethod(const MethodInfo& method, const ocx::DISPPARAMS& params, ocx::VARIANT* result,
                           ocx::UINT* argError);
   // What a message loop does between inputs: what they changed reaches the screen.

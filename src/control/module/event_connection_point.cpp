@@ -1,9 +1,9 @@
 #include "control/module/event_connection_point.h"
 
-#include <new>
 #include <utility>
 #include <vector>
 
+#include "control/module/boundary_guard.h"
 #include "control/module/boundary_variant.h"
 
 EventConnectionPoint::~EventConnectionPoint() { UnadviseAll(); }
@@ -43,16 +43,22 @@ ocx::HRESULT EventConnectionPoint::Advise(ocx::IUnknown* sink, ocx::DWORD* cooki
       ocx::FAILED(sink->QueryInterface(ocx::IID_IDispatch, &dispatch))) {
     return ocx::CONNECT_E_CANNOTCONNECT;
   }
-  auto connection = std::unique_ptr<SinkConnection>(
-      new (std::nothrow) SinkConnection(static_cast<ocx::IDispatch*>(dispatch)));
-  if (connection == nullptr) {
-    static_cast<ocx::IDispatch*>(dispatch)->Release();
-    return ocx::E_OUTOFMEMORY;
-  }
-  const ocx::DWORD connected = control_.Advise(connection.get());
-  connections_.emplace(connected, std::move(connection));
-  *cookie = connected;
-  return ocx::S_OK;
+  auto* connected = static_cast<ocx::IDispatch*>(dispatch);
+  const ocx::HRESULT hr = CatchingEngineFailures([&] {
+    auto connection = std::make_unique<SinkConnection>(connected);
+    connected = nullptr;  // the connection holds the reference now
+    const ocx::DWORD controlCookie = control_.Advise(connection.get());
+    try {
+      connections_.emplace(controlCookie, std::move(connection));
+    } catch (...) {
+      control_.Unadvise(controlCookie);  // it must not call a connection that is gone
+      throw;
+    }
+    *cookie = controlCookie;
+    return ocx::S_OK;
+  });
+  if (connected != nullptr) connected->Release();
+  return hr;
 }
 
 ocx::HRESULT EventConnectionPoint::Unadvise(ocx::DWORD cookie) {
