@@ -39,7 +39,12 @@ struct GUID {
   std::uint16_t Data2;
   std::uint16_t Data3;
   std::uint8_t Data4[8];
-  friend bool operator==(const GUID& a, const GUID& b) { return std::memcmp(&a, &b, sizeof(GUID)) == 0; }
+  friend constexpr bool operator==(const GUID& a, const GUID& b) {
+    for (int i = 0; i < 8; ++i) {
+      if (a.Data4[i] != b.Data4[i]) return false;
+    }
+    return a.Data1 == b.Data1 && a.Data2 == b.Data2 && a.Data3 == b.Data3;
+  }
 };
 using IID = GUID;
 using CLSID = GUID;
@@ -87,7 +92,9 @@ inline constexpr IID IID_IObjectSafety = {
     0xCB5BDC81, 0x93C1, 0x11CF, {0x8F, 0x20, 0x00, 0x80, 0x5F, 0x2C, 0xD0, 0x64}};
 
 // The module's own identifiers, chosen once for this control and never to change:
-// hosts and registrations name the control by them.
+// hosts and registrations name the control by them. The interface description
+// (resources/image_edit_ctrl.odl) gives the library's, the interfaces' and the
+// control's too, and the build stops when these differ from it.
 // {711CF030-FF31-4266-915A-FF6469BAB025} the type library OSTRELIMAGEEDITCTRL 1.1
 inline constexpr GUID LIBID_OSTRELIMAGEEDITCTRL = {
     0x711CF030, 0xFF31, 0x4266, {0x91, 0x5A, 0xFF, 0x64, 0x69, 0xBA, 0xB0, 0x25}};
