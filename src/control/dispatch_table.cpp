@@ -92,7 +92,8 @@ InvokeResult Invoke(CImageEditCtrl& control, const MethodInfo& method, std::span
     if (!value) {
       return {DISP_E_TYPEMISMATCH, Variant(),
               std::string(method.name) + ": argument " + std::to_string(i + 1) + " (" + param.name +
-                  ") must be " + ExpectedName(param.type) + ", not " + TypeName(args[i].type())};
+                  ") must be " + ExpectedName(param.type) + ", not " + TypeName(args[i].type()),
+              static_cast<int>(i)};
     }
     converted.push_back(std::move(*value));
   }

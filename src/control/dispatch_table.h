@@ -46,7 +46,8 @@ const MethodInfo* FindMethod(int dispid);
 struct InvokeResult {
   HRESULT hr = S_OK;
   Variant value;
-  std::string error;  // for a failed call: which argument and why
+  std::string error;     // for a failed call: which argument and why
+  int badArgument = -1;  // for DISP_E_TYPEMISMATCH: its position, the first is 0
 };
 
 // Checks the argument count (DISP_E_BADPARAMCOUNT) and converts each argument to its

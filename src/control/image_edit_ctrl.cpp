@@ -118,12 +118,16 @@ HRESULT CImageEditCtrl::GetInterfaceSafetyOptions(InterfaceId iid, DWORD* suppor
 
 // A host may ask for the two safety options the control has; asking for any other
 // option, or naming an option in the mask without enabling it, fails.
-HRESULT CImageEditCtrl::SetInterfaceSafetyOptions(InterfaceId iid, DWORD mask, DWORD enabled) {
-  if (FAILED(QueryInterface(iid))) return E_NOINTERFACE;
+bool SafetyOptionsAcceptable(DWORD mask, DWORD enabled) {
   constexpr DWORD kKnownOptions = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
   const bool onlyKnownOptions = (mask & ~kKnownOptions) == 0;
   const bool allEnabled = (mask & enabled) == mask;
-  return onlyKnownOptions && allEnabled ? S_OK : E_FAIL;
+  return onlyKnownOptions && allEnabled;
+}
+
+HRESULT CImageEditCtrl::SetInterfaceSafetyOptions(InterfaceId iid, DWORD mask, DWORD enabled) {
+  if (FAILED(QueryInterface(iid))) return E_NOINTERFACE;
+  return SafetyOptionsAcceptable(mask, enabled) ? S_OK : E_FAIL;
 }
 
 // ---- window ----

@@ -30,6 +30,8 @@ enum class InterfaceId {
 
 inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_CALLER = 1;
 inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_DATA = 2;
+// Whether a host may set these safety options on an interface the control has.
+bool SafetyOptionsAcceptable(DWORD mask, DWORD enabled);
 
 // The editor window is the control's child with this id: hosts reach it through the
 // platform (GetDlgItem) to send it window messages, such as those of its scroll bars.

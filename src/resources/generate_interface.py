@@ -295,6 +295,7 @@ class Method:
 class Interface:
     methods: list
     events: list
+    identifiers: list = field(default_factory=list)  # of (C++ constant, GUID text)
 
 
 def fits(shape, kinds):
@@ -331,28 +332,50 @@ class Checker:
         return attribute.args[0].text if attribute else None
 
     def check(self, library):
-        self.allow(library, "the library",
-                   {"version": "a number", "lcid": "a number", "helpfile": "a string", "helpstring": "a string"})
+        self.allow(library, "the library", {"version": "a number", "lcid": "a number", "helpfile": "a string",
+                                            "helpstring": "a string", "uuid": "a string"})
+        identifiers = [self.identifier(library, "LIBID")]
         interfaces, coclasses = {}, []
         for item in library.items:
             if item.kind == "dispinterface":
-                self.allow(item, "a dispinterface", {"helpstring": "a string", "hidden": "no value"})
+                self.allow(item, "a dispinterface", {"helpstring": "a string", "hidden": "no value",
+                                                     "uuid": "a string"})
                 if item.name in interfaces:
                     self.fail(item.line, f"dispinterface {item.name} is declared twice")
                 interfaces[item.name] = item
+                identifiers.append(self.identifier(item, "DIID"))
             else:
-                self.allow(item, "a coclass", {"helpstring": "a string", "control": "no value"})
+                self.allow(item, "a coclass", {"helpstring": "a string", "control": "no value", "uuid": "a string"})
                 coclasses.append(item)
+                identifiers.append(self.identifier(item, "CLSID"))
         if len(coclasses) != 1:
             self.fail(library.line, "the library declares one coclass, the control")
+        seen = {}
+        for name, uuid, line in identifiers:
+            if uuid in seen:
+                self.fail(line, f"{name} has the same uuid as {seen[uuid]}")
+            seen[uuid] = name
         methods, events = self.coclass_interfaces(coclasses[0], interfaces)
-        interface = Interface([self.method(m) for m in methods.methods], [self.event(e) for e in events.methods])
+        interface = Interface([self.method(m) for m in methods.methods], [self.event(e) for e in events.methods],
+                              [(name, uuid) for name, uuid, _ in identifiers])
         for members in (interface.methods, interface.events):
             self.unique(members, "DISPID", lambda member: member.dispid)
             # Hosts find methods by name whatever its case.
             self.unique(members, "name", lambda member: member.name.lower())
         self.editor_operations_agree(interface.methods)
         return interface
+
+    def identifier(self, declaration, prefix):
+        """The declaration's fixed GUID, as (C++ constant, upper-case GUID text, line):
+        hosts and registrations name the library, the interfaces and the control by
+        them."""
+        uuid = self.value(declaration, "uuid")
+        if uuid is None:
+            self.fail(declaration.line, f"{declaration.name} has no uuid(...)")
+        if not re.fullmatch(r"[0-9A-Fa-f]{8}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{4}-[0-9A-Fa-f]{12}", uuid):
+            self.fail(declaration.line, f'{declaration.name}: "{uuid}" is no GUID '
+                                        f"(XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX, hexadecimal)")
+        return f"{prefix}_{declaration.name}", uuid.upper(), declaration.line
 
     def coclass_interfaces(self, coclass, interfaces):
         """The coclass's default interface (the methods) and default source (the events)."""
@@ -586,6 +609,23 @@ def cpp_dispatch_table(interface, description):
             "  static const std::vector<MethodInfo> methods = {\n" +
             "\n".join(cpp_dispatch_row(m) for m in interface.methods) +
             "\n  };\n  return methods;\n}\n")
+
+
+def cpp_guid(uuid):
+    parts = uuid.split("-")
+    data4 = parts[3] + parts[4]
+    bytes_ = ", ".join(f"0x{data4[i:i + 2]}" for i in range(0, 16, 2))
+    return f"ocx::GUID{{0x{parts[0]}, 0x{parts[1]}, 0x{parts[2]}, {{{bytes_}}}}}"
+
+
+def cpp_module_identifiers(interface, description):
+    checks = "".join(f"static_assert(ocx::{name} == {cpp_guid(uuid)},\n"
+                     f'              "ocx::{name} must be {{{uuid}}}, as {Path(description).name} says");\n'
+                     for name, uuid in interface.identifiers)
+    return (generated_note(description) +
+            "// The module's binary interface names the library, its interfaces and the control by\n"
+            "// the GUIDs the description gives them: the build stops at one that differs.\n"
+            '#include "control/module/module_abi.h"\n\n' + checks)
 
 
 def event_constant(event):
@@ -876,6 +916,7 @@ def generate(mode, description, template=None):
             "control_methods.cpp": cpp_forwarding(interface, description),
             "dispatch_methods.cpp": cpp_dispatch_table(interface, description),
             "control_events.h": cpp_events(interface, description),
+            "module_identifiers.cpp": cpp_module_identifiers(interface, description),
         }
     return {
         "image-edit-interface.js": js_module(interface, description),

@@ -15,23 +15,23 @@ TEMPLATE = ROOT / "hosts/web/image-edit-control.d.ts.in"
 
 # A case adds a method as line 10, after the others, or an event as line 16.
 VALID = """\
-[version(1.1), lcid(0x0409)]
+[version(1.1), lcid(0x0409), uuid("00000000-0000-0000-0000-00000000000A")]
 library L
 {
-  [helpstring("Methods"), hidden]
+  [helpstring("Methods"), hidden, uuid("00000000-0000-0000-0000-00000000000B")]
   dispinterface _DMethods
   {
     methods:
     [id(1), helpstring("Loads")] void SetImage([picture] BSTR lpszFilePath);
     [id(2), helpstring("Grays")] void GrayImage([editor(bool)] BOOL bGraying);
   };
-  [helpstring("Events")]
+  [helpstring("Events"), uuid("00000000-0000-0000-0000-00000000000C")]
   dispinterface _DEvents
   {
     methods:
     [id(1), helpstring("Picked")] void ColorSelected(BSTR lpszColor);
   };
-  [helpstring("Control"), control]
+  [helpstring("Control"), control, uuid("00000000-0000-0000-0000-00000000000D")]
   coclass Control
   {
     [default] dispinterface _DMethods;
@@ -121,6 +121,9 @@ FAULTS = [
     (VALID.replace("[default] dispinterface _DMethods", "[default] dispinterface _DMissing"), 20,
      "no dispinterface is named _DMissing"),
     (VALID + "library M {};\n", 24, "expected the end of the file after the library, found 'library'"),
+    (VALID.replace(', uuid("00000000-0000-0000-0000-00000000000C")', ""), 12, "_DEvents has no uuid(...)"),
+    (VALID.replace("0000000D", "0000000G"), 18, '"00000000-0000-0000-0000-00000000000G" is no GUID'),
+    (VALID.replace("0000000D", "0000000B"), 18, "CLSID_Control has the same uuid as DIID__DMethods"),
 ]
 
 
@@ -136,7 +139,7 @@ class GeneratorTest(unittest.TestCase):
         return path, output, result
 
     def test_the_valid_description_gives_every_file(self):
-        for mode, template, count in (("cpp", None, 4), ("web", TEMPLATE, 2)):
+        for mode, template, count in (("cpp", None, 5), ("web", TEMPLATE, 2)):
             _, output, result = self.run_generator(mode, VALID, template)
             self.assertEqual(result.returncode, 0, result.stderr)
             self.assertEqual(len(list(output.iterdir())), count)

@@ -1,0 +1,239 @@
+#include "control/module/control_object.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "control/dispatch_table.h"
+#include "control/module/boundary_guard.h"
+#include "control/module/boundary_variant.h"
+#include "control/module/image_edit_ctrl_app.h"
+#include "platform/text.h"
+#include "platform/user.h"
+
+namespace {
+
+constexpr ocx::UINT kFirstMouseMessage = WM_MOUSEMOVE;
+constexpr ocx::UINT kLastMouseMessage = 0x0209;  // WM_MBUTTONDBLCLK
+
+// The arguments of a call in the engine's order (automation passes them last one
+// first); nullopt with *argError set to the automation index of the first argument
+// no method could take.
+std::optional<std::vector<Variant>> ArgumentsFromHost(const ocx::DISPPARAMS& params, ocx::UINT* argError) {
+  std::vector<Variant> args;
+  args.reserve(params.cArgs);
+  for (ocx::UINT i = 0; i < params.cArgs; ++i) {
+    const ocx::UINT hostIndex = params.cArgs - 1 - i;
+    std::optional<Variant> value = VariantFromHost(params.rgvarg[hostIndex]);
+    if (!value) {
+      if (argError != nullptr) *argError = hostIndex;
+      return std::nullopt;
+    }
+    args.push_back(std::move(*value));
+  }
+  return args;
+}
+
+// Holds a reference for the length of a call into the engine: a sink that hears an
+// event may release the host's last reference while the engine is still at work.
+class KeepAlive {
+ public:
+  explicit KeepAlive(ocx::IUnknown& object) : object_(object) { object_.AddRef(); }
+  KeepAlive(const KeepAlive&) = delete;
+  KeepAlive& operator=(const KeepAlive&) = delete;
+  ~KeepAlive() { object_.Release(); }
+
+ private:
+  ocx::IUnknown& object_;
+};
+
+}  // namespace
+
+ControlObject::ControlObject() : control_(std::make_unique<CImageEditCtrl>()), events_(*this, *control_) {
+  TheModule().ObjectCreated();
+}
+
+// The same steps as a host that owns its control: the sinks go, then the control's
+// window (its editor's with it), the control, and last the host window they lived in.
+ControlObject::~ControlObject() {
+  events_.UnadviseAll();
+  if (control_->m_hWnd != nullptr) control_->DestroyWindow();
+  control_.reset();
+  if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
+  TheModule().ObjectDestroyed();
+}
+
+ocx::HRESULT ControlObject::QueryInterface(ocx::REFIID riid, void** object) {
+  if (object == nullptr) return ocx::E_POINTER;
+  if (riid == ocx::IID_IUnknown || riid == ocx::IID_IDispatch || riid == ocx::DIID__DImageEditCtrl) {
+    *object = static_cast<ocx::IDispatch*>(this);
+  } else if (riid == ocx::IID_IConnectionPointContainer) {
+    *object = static_cast<ocx::IConnectionPointContainer*>(this);
+  } else if (riid == ocx::IID_IObjectSafety) {
+    *object = static_cast<ocx::IObjectSafety*>(this);
+  } else if (riid == ocx::IID_IImageEditWindow) {
+    *object = static_cast<ocx::IImageEditWindow*>(this);
+  } else {
+    *object = nullptr;
+    return ocx::E_NOINTERFACE;
+  }
+  AddRef();
+  return ocx::S_OK;
+}
+
+ocx::ULONG ControlObject::Release() {
+  const ocx::ULONG left = --references_;
+  if (left == 0) delete this;
+  return left;
+}
+
+// ---- dispatch ----
+
+ocx::HRESULT ControlObject::GetTypeInfoCount(ocx::UINT* count) {
+  if (count == nullptr) return ocx::E_POINTER;
+  *count = 0;
+  return ocx::S_OK;
+}
+
+ocx::HRESULT ControlObject::GetTypeInfo(ocx::UINT, ocx::LCID, ocx::ITypeInfo** typeInfo) {
+  if (typeInfo == nullptr) return ocx::E_POINTER;
+  *typeInfo = nullptr;
+  return ocx::DISP_E_BADINDEX;
+}
+
+// Names match regardless of case, as automation's do. Every name is looked up, so a
+// host learns every one that is unknown.
+ocx::HRESULT ControlObject::GetIDsOfNames(ocx::REFIID riid, ocx::LPOLESTR* names, ocx::UINT count, ocx::LCID,
+                                          ocx::DISPID* dispids) {
+  if (!(riid == ocx::IID_NULL)) return ocx::DISP_E_UNKNOWNINTERFACE;
+  if (count == 0) return ocx::E_INVALIDARG;
+  if (names == nullptr || dispids == nullptr) return ocx::E_POINTER;
+  return CatchingEngineFailures([&] { return LookUpNames(names, count, dispids); });
+}
+
+ocx::HRESULT ControlObject::LookUpNames(ocx::LPOLESTR* names, ocx::UINT count, ocx::DISPID* dispids) {
+  const auto name = [&](ocx::UINT i) {
+    if (names[i] == nullptr) return std::string();
+    return NarrowFromWide(names[i], static_cast<ocx::UINT>(std::char_traits<char16_t>::length(names[i])));
+  };
+  const MethodInfo* method = FindMethod(name(0));
+  dispids[0] = method != nullptr ? method->dispid : ocx::DISPID_UNKNOWN;
+  bool allKnown = method != nullptr;
+  for (ocx::UINT i = 1; i < count; ++i) {
+    dispids[i] = ocx::DISPID_UNKNOWN;
+    if (method == nullptr) continue;
+    const std::string paramName = name(i);
+    for (std::size_t p = 0; p < method->params.size(); ++p) {
+      if (platform::EqualsIgnoringCase(method->params[p].name, paramName)) {
+        dispids[i] = static_cast<ocx::DISPID>(p);
+      }
+    }
+    allKnown = allKnown && dispids[i] != ocx::DISPID_UNKNOWN;
+  }
+  return allKnown ? ocx::S_OK : ocx::DISP_E_UNKNOWNNAME;
+}
+
+ocx::HRESULT ControlObject::Invoke(ocx::DISPID dispid, ocx::REFIID riid, ocx::LCID, ocx::WORD flags,
+                                   ocx::DISPPARAMS* params, ocx::VARIANT* result, ocx::EXCEPINFO*,
+                                   ocx::UINT* argError) {
+  if (!(riid == ocx::IID_NULL)) return ocx::DISP_E_UNKNOWNINTERFACE;
+  const MethodInfo* method = FindMethod(dispid);
+  // Every member is a method: there are no properties to get or put.
+  if (method == nullptr || (flags & ocx::DISPATCH_METHOD) == 0) return ocx::DISP_E_MEMBERNOTFOUND;
+  if (params == nullptr || (params->cArgs > 0 && params->rgvarg == nullptr)) return ocx::E_INVALIDARG;
+  if (params->cNamedArgs > 0) return ocx::DISP_E_NONAMEDARGS;
+  if (result != nullptr) ocx::VariantInit(result);
+  const KeepAlive keep(static_cast<ocx::IDispatch&>(*this));
+  return CatchingEngineFailures([&] {
+    const ocx::HRESULT hr = CallMethod(*method, *params, result, argError);
+    FlushPaint();
+    return hr;
+  });
+}
+
+ocx::HRESULT ControlObject::CallMethod(const MethodInfo& method, const ocx::DISPPARAMS& params,
+                                       ocx::VARIANT* result, ocx::UINT* argError) {
+  if (params.cArgs != method.params.size()) return ocx::DISP_E_BADPARAMCOUNT;
+  std::optional<std::vector<Variant>> args = ArgumentsFromHost(params, argError);
+  if (!args) return ocx::DISP_E_TYPEMISMATCH;
+  const InvokeResult called = ::Invoke(*control_, method, *args);
+  if (called.hr == ocx::DISP_E_TYPEMISMATCH && argError != nullptr) {
+    *argError = params.cArgs - 1 - static_cast<ocx::UINT>(called.badArgument);
+  }
+  if (ocx::FAILED(called.hr) || result == nullptr) return called.hr;
+  return ResultToHost(called.value, method.result, result);
+}
+
+// ---- events ----
+
+ocx::HRESULT ControlObject::EnumConnectionPoints(ocx::IEnumConnectionPoints** points) {
+  if (points != nullptr) *points = nullptr;
+  return ocx::E_NOTIMPL;
+}
+
+ocx::HRESULT ControlObject::FindConnectionPoint(ocx::REFIID riid, ocx::IConnectionPoint** point) {
+  if (point == nullptr) return ocx::E_POINTER;
+  *point = nullptr;
+  if (!(riid == ocx::DIID__DImageEditCtrlEvents)) return ocx::CONNECT_E_NOCONNECTION;
+  events_.AddRef();
+  *point = &events_;
+  return ocx::S_OK;
+}
+
+// ---- safety ----
+
+// Safe for untrusted callers and data on every interface the control has; the answer
+// for an interface it lacks still fills both values, but reports E_NOINTERFACE.
+ocx::HRESULT ControlObject::GetInterfaceSafetyOptions(ocx::REFIID riid, ocx::DWORD* supported,
+                                                      ocx::DWORD* enabled) {
+  if (supported == nullptr || enabled == nullptr) return ocx::E_POINTER;
+  void* found = nullptr;
+  const ocx::HRESULT hr = QueryInterface(riid, &found);
+  if (ocx::SUCCEEDED(hr)) Release();
+  *supported = ocx::INTERFACESAFE_FOR_UNTRUSTED_CALLER | ocx::INTERFACESAFE_FOR_UNTRUSTED_DATA;
+  *enabled = ocx::INTERFACESAFE_FOR_UNTRUSTED_CALLER | ocx::INTERFACESAFE_FOR_UNTRUSTED_DATA;
+  return hr;
+}
+
+ocx::HRESULT ControlObject::SetInterfaceSafetyOptions(ocx::REFIID riid, ocx::DWORD mask, ocx::DWORD enabled) {
+  void* found = nullptr;
+  if (ocx::FAILED(QueryInterface(riid, &found))) return ocx::E_NOINTERFACE;
+  Release();
+  return SafetyOptionsAcceptable(mask, enabled) ? ocx::S_OK : ocx::E_FAIL;
+}
+
+// ---- window ----
+
+ocx::HRESULT ControlObject::Activate(ocx::INT width, ocx::INT height) {
+  if (hostWindow_ != nullptr) return ocx::E_UNEXPECTED;
+  if (width < 1 || height < 1) return ocx::E_INVALIDARG;
+  const ocx::HRESULT hr = CatchingEngineFailures([&] {
+    hostWindow_ = platform::CreateHostWindow(width, height);
+    if (hostWindow_ == nullptr) return ocx::E_OUTOFMEMORY;
+    if (!control_->CreateControl(hostWindow_, width, height)) return ocx::E_FAIL;
+    FlushPaint();
+    return ocx::S_OK;
+  });
+  if (ocx::SUCCEEDED(hr)) return hr;
+  // A failed activation leaves the control as it was, to be activated again.
+  if (control_->m_hWnd != nullptr) control_->DestroyWindow();
+  if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
+  hostWindow_ = nullptr;
+  return hr;
+}
+
+ocx::HRESULT ControlObject::MouseInput(ocx::UINT message, ocx::INT x, ocx::INT y) {
+  if (hostWindow_ == nullptr) return ocx::E_UNEXPECTED;
+  if (message < kFirstMouseMessage || message > kLastMouseMessage) return ocx::E_INVALIDARG;
+  const KeepAlive keep(static_cast<ocx::IDispatch&>(*this));
+  return CatchingEngineFailures([&] {
+    platform::MouseInput(hostWindow_, message, x, y);
+    FlushPaint();
+    return ocx::S_OK;
+  });
+}
+
+void ControlObject::FlushPaint() {
+  if (hostWindow_ != nullptr) platform::FlushPaint(hostWindow_);
+}

@@ -1,0 +1,332 @@
+// The binary interface of the control module, libOstrelImageEditCtrl.so: what a host
+// that loads the module with dlopen sees, and the only thing both sides share. It is
+// the component object model's shape: interfaces are tables of functions reached
+// through a pointer to the object, found by interface identifier with QueryInterface
+// and kept alive by reference counts; a class factory, got from DllGetClassObject by
+// class identifier, makes the objects.
+//
+// The interfaces are C++ classes with pure virtual functions only, no data and no
+// virtual destructor, so each has exactly one function table laid out in declaration
+// order, the same on both sides of the boundary. Everything lives in namespace ocx so
+// that a host may also include the engine's platform header, which declares some of
+// the same Windows names.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace ocx {
+
+using HRESULT = std::int32_t;
+using ULONG = std::uint32_t;
+using DWORD = std::uint32_t;
+using WORD = std::uint16_t;
+using UINT = unsigned int;
+using INT = int;
+using BOOL = int;
+using LCID = std::uint32_t;
+using DISPID = std::int32_t;
+using VARTYPE = std::uint16_t;
+using VARIANT_BOOL = std::int16_t;
+using OLECHAR = char16_t;
+using LPOLESTR = OLECHAR*;
+using BSTR = OLECHAR*;
+
+struct GUID {
+  std::uint32_t Data1;
+  std::uint16_t Data2;
+  std::uint16_t Data3;
+  std::uint8_t Data4[8];
+  friend constexpr bool operator==(const GUID& a, const GUID& b) {
+    for (int i = 0; i < 8; ++i) {
+      if (a.Data4[i] != b.Data4[i]) return false;
+    }
+    return a.Data1 == b.Data1 && a.Data2 == b.Data2 && a.Data3 == b.Data3;
+  }
+};
+using IID = GUID;
+using CLSID = GUID;
+using REFIID = const IID&;
+using REFCLSID = const CLSID&;
+
+// ---- results, with the values Windows gives them ----
+
+inline constexpr HRESULT S_OK = 0;
+inline constexpr HRESULT S_FALSE = 1;
+inline constexpr HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80004001u);
+inline constexpr HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80004002u);
+inline constexpr HRESULT E_POINTER = static_cast<HRESULT>(0x80004003u);
+inline constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005u);
+inline constexpr HRESULT E_UNEXPECTED = static_cast<HRESULT>(0x8000FFFFu);
+inline constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000Eu);
+inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057u);
+inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110u);
+inline constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = static_cast<HRESULT>(0x80040111u);
+inline constexpr HRESULT DISP_E_UNKNOWNINTERFACE = static_cast<HRESULT>(0x80020001u);
+inline constexpr HRESULT DISP_E_MEMBERNOTFOUND = static_cast<HRESULT>(0x80020003u);
+inline constexpr HRESULT DISP_E_TYPEMISMATCH = static_cast<HRESULT>(0x80020005u);
+inline constexpr HRESULT DISP_E_UNKNOWNNAME = static_cast<HRESULT>(0x80020006u);
+inline constexpr HRESULT DISP_E_NONAMEDARGS = static_cast<HRESULT>(0x80020007u);
+inline constexpr HRESULT DISP_E_BADINDEX = static_cast<HRESULT>(0x8002000Bu);
+inline constexpr HRESULT DISP_E_BADPARAMCOUNT = static_cast<HRESULT>(0x8002000Eu);
+inline constexpr HRESULT CONNECT_E_NOCONNECTION = static_cast<HRESULT>(0x80040200u);
+inline constexpr HRESULT CONNECT_E_CANNOTCONNECT = static_cast<HRESULT>(0x80040202u);
+
+inline constexpr bool SUCCEEDED(HRESULT hr) { return hr >= 0; }
+inline constexpr bool FAILED(HRESULT hr) { return hr < 0; }
+
+// ---- identifiers ----
+
+// The interfaces every component of this model shares keep their well-known values.
+inline constexpr IID IID_NULL = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
+inline constexpr IID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IClassFactory = {0x00000001, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IDispatch = {0x00020400, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IConnectionPointContainer = {
+    0xB196B284, 0xBAB4, 0x101A, {0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07}};
+inline constexpr IID IID_IConnectionPoint = {
+    0xB196B286, 0xBAB4, 0x101A, {0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07}};
+inline constexpr IID IID_IObjectSafety = {
+    0xCB5BDC81, 0x93C1, 0x11CF, {0x8F, 0x20, 0x00, 0x80, 0x5F, 0x2C, 0xD0, 0x64}};
+
+// The module's own identifiers, chosen once for this control and never to change:
+// hosts and registrations name the control by them. The interface description
+// (resources/image_edit_ctrl.odl) gives the library's, the interfaces' and the
+// control's too, and the build stops when these differ from it.
+// {711CF030-FF31-4266-915A-FF6469BAB025} the type library OSTRELIMAGEEDITCTRL 1.1
+inline constexpr GUID LIBID_OSTRELIMAGEEDITCTRL = {
+    0x711CF030, 0xFF31, 0x4266, {0x91, 0x5A, 0xFF, 0x64, 0x69, 0xBA, 0xB0, 0x25}};
+// {204FAB7E-2001-4065-AF63-CE06594A96EF} the control, "Ostrel.ImageEditCtrl.1"
+inline constexpr CLSID CLSID_ImageEditCtrl = {
+    0x204FAB7E, 0x2001, 0x4065, {0xAF, 0x63, 0xCE, 0x06, 0x59, 0x4A, 0x96, 0xEF}};
+// {22FEED03-B9E7-4E00-B6DC-03F5D7454DDD} the property page, "Ostrel.ImageEditCtrlPropPage.1"
+inline constexpr CLSID CLSID_ImageEditCtrlPropPage = {
+    0x22FEED03, 0xB9E7, 0x4E00, {0xB6, 0xDC, 0x03, 0xF5, 0xD7, 0x45, 0x4D, 0xDD}};
+// {45792727-EF33-4343-BA7B-AD353896C787} the dispatch interface _DImageEditCtrl
+inline constexpr IID DIID__DImageEditCtrl = {
+    0x45792727, 0xEF33, 0x4343, {0xBA, 0x7B, 0xAD, 0x35, 0x38, 0x96, 0xC7, 0x87}};
+// {0A72752C-7686-4D27-8BAA-ADF168CB5CF9} the event interface _DImageEditCtrlEvents
+inline constexpr IID DIID__DImageEditCtrlEvents = {
+    0x0A72752C, 0x7686, 0x4D27, {0x8B, 0xAA, 0xAD, 0xF1, 0x68, 0xCB, 0x5C, 0xF9}};
+// {C31A225B-7C79-48B5-8048-6FB14DB086EF} IImageEditWindow (below)
+inline constexpr IID IID_IImageEditWindow = {
+    0xC31A225B, 0x7C79, 0x48B5, {0x80, 0x48, 0x6F, 0xB1, 0x4D, 0xB0, 0x86, 0xEF}};
+
+// ---- strings ----
+
+// A BSTR points at UTF-16 text that ends in a null character and is preceded by its
+// length in bytes (32 bits). A null BSTR is the empty string to a method that reads
+// it; a method's string result tells the two apart (null: "no value"). The module
+// exports nothing but its four entry points, so both sides allocate and free strings
+// with these inline functions, over the C runtime's allocator that they share.
+inline BSTR SysAllocStringLen(const OLECHAR* text, UINT length) {
+  auto* block =
+      static_cast<std::uint32_t*>(std::malloc(sizeof(std::uint32_t) + (length + 1) * sizeof(OLECHAR)));
+  if (block == nullptr) return nullptr;
+  *block = static_cast<std::uint32_t>(length * sizeof(OLECHAR));
+  BSTR bstr = reinterpret_cast<BSTR>(block + 1);
+  if (text != nullptr) std::memcpy(bstr, text, length * sizeof(OLECHAR));
+  bstr[length] = 0;
+  return bstr;
+}
+inline BSTR SysAllocString(const OLECHAR* text) {
+  if (text == nullptr) return nullptr;
+  UINT length = 0;
+  while (text[length] != 0) ++length;
+  return SysAllocStringLen(text, length);
+}
+inline UINT SysStringLen(BSTR bstr) {
+  return bstr == nullptr ? 0 : reinterpret_cast<const std::uint32_t*>(bstr)[-1] / sizeof(OLECHAR);
+}
+inline void SysFreeString(BSTR bstr) {
+  if (bstr != nullptr) std::free(reinterpret_cast<std::uint32_t*>(bstr) - 1);
+}
+
+// ---- variants ----
+
+inline constexpr VARTYPE VT_EMPTY = 0;
+inline constexpr VARTYPE VT_NULL = 1;
+inline constexpr VARTYPE VT_I2 = 2;
+inline constexpr VARTYPE VT_I4 = 3;
+inline constexpr VARTYPE VT_BSTR = 8;
+inline constexpr VARTYPE VT_BOOL = 11;
+inline constexpr VARTYPE VT_VARIANT = 12;
+inline constexpr VARTYPE VT_UI1 = 17;
+inline constexpr VARTYPE VT_INT = 22;
+inline constexpr VARTYPE VT_BYREF = 0x4000;
+
+inline constexpr VARIANT_BOOL VARIANT_TRUE = -1;
+inline constexpr VARIANT_BOOL VARIANT_FALSE = 0;
+
+// The automation variant, laid out as on Windows: the type, three reserved words and
+// a value the size of two pointers.
+struct VARIANT {
+  VARTYPE vt;
+  WORD wReserved1;
+  WORD wReserved2;
+  WORD wReserved3;
+  union {
+    std::int32_t lVal;
+    INT intVal;
+    std::int16_t iVal;
+    std::uint8_t bVal;
+    VARIANT_BOOL boolVal;
+    BSTR bstrVal;
+    VARIANT* pvarVal;
+    struct {
+      void* pvRecord;
+      void* pRecInfo;
+    } brecVal;
+  };
+};
+static_assert(sizeof(VARIANT) == 8 + 2 * sizeof(void*));
+static_assert(offsetof(VARIANT, lVal) == 8);
+
+// Sets *variant to empty.
+inline void VariantInit(VARIANT* variant) { std::memset(variant, 0, sizeof(VARIANT)); }
+// Frees what *variant owns (its string) and leaves it empty.
+inline void VariantClear(VARIANT* variant) {
+  if (variant->vt == VT_BSTR) SysFreeString(variant->bstrVal);
+  VariantInit(variant);
+}
+
+// ---- interfaces ----
+
+class IUnknown {
+ public:
+  virtual HRESULT QueryInterface(REFIID riid, void** object) = 0;
+  virtual ULONG AddRef() = 0;
+  virtual ULONG Release() = 0;
+
+ protected:
+  ~IUnknown() = default;  // objects are destroyed by Release, never through an interface
+};
+
+class IClassFactory : public IUnknown {
+ public:
+  // Makes one object and returns its `riid` interface. Aggregation is not offered:
+  // `outer` must be null.
+  virtual HRESULT CreateInstance(IUnknown* outer, REFIID riid, void** object) = 0;
+  // Locks the module in memory (TRUE) or releases one lock (FALSE).
+  virtual HRESULT LockServer(BOOL lock) = 0;
+
+ protected:
+  ~IClassFactory() = default;
+};
+
+inline constexpr WORD DISPATCH_METHOD = 1;
+inline constexpr DISPID DISPID_UNKNOWN = -1;
+
+struct DISPPARAMS {
+  VARIANT* rgvarg;  // the arguments, last one first
+  DISPID* rgdispidNamedArgs;
+  UINT cArgs;
+  UINT cNamedArgs;
+};
+
+struct EXCEPINFO {
+  WORD wCode;
+  WORD wReserved;
+  BSTR bstrSource;
+  BSTR bstrDescription;
+  BSTR bstrHelpFile;
+  DWORD dwHelpContext;
+  void* pvReserved;
+  HRESULT (*pfnDeferredFillIn)(EXCEPINFO*);
+  HRESULT scode;
+};
+
+class ITypeInfo;
+
+class IDispatch : public IUnknown {
+ public:
+  virtual HRESULT GetTypeInfoCount(UINT* count) = 0;
+  virtual HRESULT GetTypeInfo(UINT index, LCID locale, ITypeInfo** typeInfo) = 0;
+  // names[0] is a method's name, any others the names of its parameters; each gets
+  // its DISPID (a parameter's is its position) or DISPID_UNKNOWN.
+  virtual HRESULT GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID locale, DISPID* dispids) = 0;
+  // On DISP_E_TYPEMISMATCH, *argError is the index into params->rgvarg of the argument
+  // that has the wrong type.
+  virtual HRESULT Invoke(DISPID dispid, REFIID riid, LCID locale, WORD flags, DISPPARAMS* params,
+                         VARIANT* result, EXCEPINFO* exception, UINT* argError) = 0;
+
+ protected:
+  ~IDispatch() = default;
+};
+
+class IConnectionPointContainer;
+class IEnumConnections;
+class IEnumConnectionPoints;
+
+class IConnectionPoint : public IUnknown {
+ public:
+  virtual HRESULT GetConnectionInterface(IID* iid) = 0;
+  virtual HRESULT GetConnectionPointContainer(IConnectionPointContainer** container) = 0;
+  // Connects a sink (it must answer the event interface or IDispatch) and returns the
+  // cookie that disconnects it.
+  virtual HRESULT Advise(IUnknown* sink, DWORD* cookie) = 0;
+  virtual HRESULT Unadvise(DWORD cookie) = 0;
+  virtual HRESULT EnumConnections(IEnumConnections** connections) = 0;
+
+ protected:
+  ~IConnectionPoint() = default;
+};
+
+class IConnectionPointContainer : public IUnknown {
+ public:
+  virtual HRESULT EnumConnectionPoints(IEnumConnectionPoints** points) = 0;
+  virtual HRESULT FindConnectionPoint(REFIID riid, IConnectionPoint** point) = 0;
+
+ protected:
+  ~IConnectionPointContainer() = default;
+};
+
+inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_CALLER = 1;
+inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_DATA = 2;
+
+class IObjectSafety : public IUnknown {
+ public:
+  virtual HRESULT GetInterfaceSafetyOptions(REFIID riid, DWORD* supported, DWORD* enabled) = 0;
+  virtual HRESULT SetInterfaceSafetyOptions(REFIID riid, DWORD mask, DWORD enabled) = 0;
+
+ protected:
+  ~IObjectSafety() = default;
+};
+
+// The module's own interface for placing a control: on Windows a container activates
+// a control in a window of the host's and the system delivers its input, but here
+// windows live inside the module, so the host asks the control to make its window
+// and hands it the input.
+class IImageEditWindow : public IUnknown {
+ public:
+  // Activates the control in a host window of its own with a client area of width x
+  // height (both at least 1): the control's window, then the editor's, whose methods
+  // then come alive. E_UNEXPECTED when already active.
+  virtual HRESULT Activate(INT width, INT height) = 0;
+  // A mouse message (WM_MOUSEMOVE 0x200 to WM_MBUTTONDBLCLK 0x209) at a point of the
+  // host window's client area. E_UNEXPECTED before Activate.
+  virtual HRESULT MouseInput(UINT message, INT x, INT y) = 0;
+
+ protected:
+  ~IImageEditWindow() = default;
+};
+
+// ---- the module's entry points (its only exported functions) ----
+
+using DllGetClassObjectFunction = HRESULT (*)(REFCLSID clsid, REFIID riid, void** object);
+using DllCanUnloadNowFunction = HRESULT (*)();
+using DllRegisterServerFunction = HRESULT (*)();
+using DllUnregisterServerFunction = HRESULT (*)();
+
+}  // namespace ocx
+
+extern "C" {
+// The class factory of the control; CLASS_E_CLASSNOTAVAILABLE for any other class.
+ocx::HRESULT DllGetClassObject(ocx::REFCLSID clsid, ocx::REFIID riid, void** object);
+// S_OK when no object of the module and no lock is alive, S_FALSE otherwise.
+ocx::HRESULT DllCanUnloadNow();
+ocx::HRESULT DllRegisterServer();
+ocx::HRESULT DllUnregisterServer();
+}

@@ -1,0 +1,25 @@
+# Lists the functions and data the module's dynamic symbol table defines (nm -D
+# --defined-only) and fails unless they are exactly the four entry points.
+execute_process(COMMAND ${NM} -D --defined-only ${MODULE} OUTPUT_VARIABLE listing RESULT_VARIABLE status)
+if(NOT status EQUAL 0)
+  message(FATAL_ERROR "${NM} cannot read ${MODULE}")
+endif()
+string(REPLACE "\n" ";" lines "${listing}")
+set(exported)
+foreach(line ${lines})
+  # "ADDRESS TYPE NAME"; the linker's own markers of the image (absolute symbols) and
+  # its init and fini sections are no part of what the module offers.
+  if(line MATCHES "^[0-9a-fA-F]+ ([A-Za-z]) ([^ @]+)")
+    set(type ${CMAKE_MATCH_1})
+    set(name ${CMAKE_MATCH_2})
+    if(NOT type STREQUAL "A" AND NOT name MATCHES "^_(init|fini)$")
+      list(APPEND exported ${name})
+    endif()
+  endif()
+endforeach()
+list(SORT exported)
+set(expected DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer)
+if(NOT exported STREQUAL expected)
+  message(FATAL_ERROR "the module exports ${exported}; expected exactly ${expected}")
+endif()
+message(STATUS "exports: ${exported}")

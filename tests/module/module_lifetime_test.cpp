@@ -1,0 +1,106 @@
+// The module's entry points, its class factory and what keeps it loaded.
+#include "module_host.h"
+
+namespace {
+
+constexpr ocx::CLSID kUnknownClass = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
+
+TEST_F(ModuleTest, TheFactoryIsHandedOutForTheControlsClassOnly) {
+  Ref<ocx::IUnknown> object;
+  for (const ocx::CLSID& clsid : {kUnknownClass, ocx::IID_IClassFactory}) {
+    void* out = &object;  // must be cleared
+    EXPECT_EQ(Module().getClassObject(clsid, ocx::IID_IClassFactory, &out), ocx::CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(out, nullptr);
+  }
+  EXPECT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IClassFactory, nullptr),
+            ocx::E_POINTER);
+  // One factory serves every request, under both of its interfaces.
+  EXPECT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IUnknown, object.Out()), ocx::S_OK);
+  EXPECT_EQ(static_cast<void*>(object.get()), static_cast<void*>(factory_.get()));
+  EXPECT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IDispatch, object.Out()),
+            ocx::E_NOINTERFACE);
+  EXPECT_FALSE(object);
+}
+
+TEST_F(ModuleTest, TheModuleStaysWhileAControlOrALockLives) {
+  // Holding the factory alone does not keep the module; a lock does.
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  ASSERT_EQ(factory_->LockServer(1), ocx::S_OK);
+  ASSERT_EQ(factory_->LockServer(1), ocx::S_OK);
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  ASSERT_EQ(factory_->LockServer(0), ocx::S_OK);
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  ASSERT_EQ(factory_->LockServer(0), ocx::S_OK);
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  EXPECT_EQ(factory_->LockServer(0), ocx::E_UNEXPECTED);
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+
+  Ref<ocx::IDispatch> first;
+  Ref<ocx::IDispatch> second;
+  CreateControl(first);
+  CreateActiveControl(second, 40, 30);
+  EXPECT_NE(first.get(), second.get());
+  first.Reset();
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  // Any interface of a control keeps it, the connection point among them.
+  Ref<ocx::IConnectionPointContainer> container;
+  Ref<ocx::IConnectionPoint> point;
+  ASSERT_EQ(second->QueryInterface(ocx::IID_IConnectionPointContainer, container.Out()), ocx::S_OK);
+  ASSERT_EQ(container->FindConnectionPoint(ocx::DIID__DImageEditCtrlEvents, point.OutTyped()), ocx::S_OK);
+  second.Reset();
+  container.Reset();
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  point.Reset();
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+}
+
+TEST_F(ModuleTest, ACreationThatFailsLeavesNoObjectBehind) {
+  Ref<ocx::IDispatch> control;
+  CreateControl(control);
+  Ref<ocx::IUnknown> made;
+  EXPECT_EQ(factory_->CreateInstance(control.get(), ocx::IID_IUnknown, made.Out()),
+            ocx::CLASS_E_NOAGGREGATION);
+  EXPECT_FALSE(made);
+  control.Reset();
+  EXPECT_EQ(factory_->CreateInstance(nullptr, ocx::IID_IClassFactory, made.Out()), ocx::E_NOINTERFACE);
+  EXPECT_FALSE(made);
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+}
+
+// Every interface of a control leads back to the same object, and the control says no
+// to interfaces it lacks.
+TEST_F(ModuleTest, AControlAnswersItsInterfacesWithOneIdentity) {
+  Ref<ocx::IDispatch> control;
+  CreateControl(control);
+  Ref<ocx::IUnknown> identity;
+  ASSERT_EQ(control->QueryInterface(ocx::IID_IUnknown, identity.Out()), ocx::S_OK);
+  for (const ocx::IID& iid :
+       {ocx::IID_IDispatch, ocx::DIID__DImageEditCtrl, ocx::IID_IConnectionPointContainer,
+        ocx::IID_IObjectSafety, ocx::IID_IImageEditWindow}) {
+    Ref<ocx::IUnknown> part;
+    ASSERT_EQ(control->QueryInterface(iid, part.Out()), ocx::S_OK);
+    Ref<ocx::IUnknown> back;
+    ASSERT_EQ(part->QueryInterface(ocx::IID_IUnknown, back.Out()), ocx::S_OK);
+    EXPECT_EQ(back.get(), identity.get());
+  }
+  Ref<ocx::IUnknown> none;
+  EXPECT_EQ(control->QueryInterface(ocx::IID_IClassFactory, none.Out()), ocx::E_NOINTERFACE);
+  EXPECT_EQ(control->QueryInterface(ocx::DIID__DImageEditCtrlEvents, none.Out()), ocx::E_NOINTERFACE);
+  EXPECT_FALSE(none);
+}
+
+TEST_F(ModuleTest, ActivationNeedsASizeAndHappensOnce) {
+  Ref<ocx::IDispatch> control;
+  CreateControl(control);
+  Ref<ocx::IImageEditWindow> window;
+  ASSERT_EQ(control->QueryInterface(ocx::IID_IImageEditWindow, window.Out()), ocx::S_OK);
+  EXPECT_EQ(window->MouseInput(0x0201, 1, 1), ocx::E_UNEXPECTED);
+  EXPECT_EQ(window->Activate(0, 10), ocx::E_INVALIDARG);
+  EXPECT_EQ(window->Activate(10, -1), ocx::E_INVALIDARG);
+  ASSERT_EQ(window->Activate(10, 10), ocx::S_OK);
+  EXPECT_EQ(window->Activate(10, 10), ocx::E_UNEXPECTED);
+  EXPECT_EQ(window->MouseInput(0x0100, 1, 1), ocx::E_INVALIDARG);  // a key is no mouse message
+  EXPECT_EQ(window->MouseInput(0x0200, 1, 1), ocx::S_OK);
+}
+
+}  // namespace
