@@ -162,6 +162,12 @@ inline constexpr VARIANT_BOOL VARIANT_FALSE = 0;
 
 // The automation variant, laid out as on Windows: the type, three reserved words and
 // a value the size of two pointers.
+// A record's two pointers: the largest member of a variant, which gives it its size.
+struct VariantRecord {
+  void* pvRecord;
+  void* pRecInfo;
+};
+
 struct VARIANT {
   VARTYPE vt;
   WORD wReserved1;
@@ -175,10 +181,7 @@ struct VARIANT {
     VARIANT_BOOL boolVal;
     BSTR bstrVal;
     VARIANT* pvarVal;
-    struct {
-      void* pvRecord;
-      void* pRecInfo;
-    } brecVal;
+    VariantRecord brecVal;
   };
 };
 static_assert(sizeof(VARIANT) == 8 + 2 * sizeof(void*));
