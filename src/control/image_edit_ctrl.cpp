@@ -111,16 +111,14 @@ HRESULT CImageEditCtrl::QueryInterface(InterfaceId iid) {
 HRESULT CImageEditCtrl::GetInterfaceSafetyOptions(InterfaceId iid, DWORD* supported, DWORD* enabled) {
   if (supported == nullptr || enabled == nullptr) return E_POINTER;
   const HRESULT hr = QueryInterface(iid);
-  *supported = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
-  *enabled = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
+  *supported = *enabled = kSafetyOptions;
   return hr;
 }
 
 // A host may ask for the two safety options the control has; asking for any other
 // option, or naming an option in the mask without enabling it, fails.
 bool SafetyOptionsAcceptable(DWORD mask, DWORD enabled) {
-  constexpr DWORD kKnownOptions = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
-  const bool onlyKnownOptions = (mask & ~kKnownOptions) == 0;
+  const bool onlyKnownOptions = (mask & ~kSafetyOptions) == 0;
   const bool allEnabled = (mask & enabled) == mask;
   return onlyKnownOptions && allEnabled;
 }

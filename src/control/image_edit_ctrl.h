@@ -30,6 +30,9 @@ enum class InterfaceId {
 
 inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_CALLER = 1;
 inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_DATA = 2;
+// The options the control supports, all enabled: it is safe for untrusted callers and
+// data on every interface it has.
+inline constexpr DWORD kSafetyOptions = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
 // Whether a host may set these safety options on an interface the control has.
 bool SafetyOptionsAcceptable(DWORD mask, DWORD enabled);
 

@@ -191,8 +191,7 @@ ocx::HRESULT ControlObject::GetInterfaceSafetyOptions(ocx::REFIID riid, ocx::DWO
   void* found = nullptr;
   const ocx::HRESULT hr = QueryInterface(riid, &found);
   if (ocx::SUCCEEDED(hr)) Release();
-  *supported = ocx::INTERFACESAFE_FOR_UNTRUSTED_CALLER | ocx::INTERFACESAFE_FOR_UNTRUSTED_DATA;
-  *enabled = ocx::INTERFACESAFE_FOR_UNTRUSTED_CALLER | ocx::INTERFACESAFE_FOR_UNTRUSTED_DATA;
+  *supported = *enabled = kSafetyOptions;
   return hr;
 }
 
