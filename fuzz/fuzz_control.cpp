@@ -2,10 +2,11 @@
 // sequences of interface calls (any of the methods, by name or by DISPID, with any
 // arguments, wrong types and counts included) and input events (mouse drags, keys,
 // scroll bars, timer ticks, focus and capture loss, failed graphics creations,
-// graphics memory running short) over small pictures in windows from 1 x 1 up. The editor's state, taken whole as a host
-// takes it, is checked after every step against what the control promises (see
-// StateChecks); after each sequence the control is destroyed, and every graphics
-// object, window, menu, cursor and timer it made must be gone.
+// graphics memory running short) over small pictures in windows from 1 x 1 up. The
+// editor's state, taken whole as a host takes it, is checked after every step against
+// what the control promises (see StateChecks); after each sequence the control is
+// destroyed, and every graphics object, window, menu, cursor and timer it made must be
+// gone.
 //
 // Most of the time goes where faults hide: tools and their drags, drags cut short by
 // another call, extreme setter values and tiny windows. Values whose cost grows with
