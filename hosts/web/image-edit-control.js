@@ -15,7 +15,9 @@
 // TypeScript declaration (image-edit-control.d.ts) are generated from the control's
 // interface description.
 
-import { askColor, askFont, DIALOG_STYLE, openDialog } from './image-edit-dialogs.js';
+import {
+  artworkUrl, askColor, askFont, DIALOG_STYLE, openDialog, openResourceDialog,
+} from './image-edit-dialogs.js';
 import { loadEngine } from './image-edit-engine-loader.js';
 import { EVENTS, METHODS } from './image-edit-interface.js';
 import { keyKeptFromPage, KeyboardExit } from './image-edit-keys.js';
@@ -48,7 +50,6 @@ const FETCH_TIMEOUT_MS = 60_000, MAX_FETCH_BYTES = 64 * 1024 * 1024;
 
 const LANGUAGES = { ko: 0x0412, zh: 0x0804 };
 const ENGLISH = 0x0409;
-const ABOUT_TEXT = { 1: 'Image Edit Control Version 1.1' };
 // The faces the font dialog offers: those the engine draws in a page.
 const FONT_FACES = ['Arial', '굴림체', '宋体'];
 // What the font dialog's sample shows, by the element's language.
@@ -512,9 +513,7 @@ export class ImageEditControl extends HTMLElement {
         const icon = (type & MB_ICONMASK) === MB_ICONHAND ? '<span class="stop" aria-hidden="true">&times;</span>' : '';
         openDialog(this.shadowRoot, caption, text, icon, [['OK', true]]);
       },
-      showDialog: (id, title) => {
-        this.#openDialogs.push(openDialog(this.shadowRoot, title, ABOUT_TEXT[id] ?? '', '', [['OK', true]]));
-      },
+      showDialog: (layout) => { this.#openDialogs.push(openResourceDialog(this.shadowRoot, layout)); },
       askColor: (color, custom) => { this.#dialogStart = { color, custom }; },
       askFont: (start) => { this.#dialogStart = start; },
       pictureRead: (source, error, message) => this.#pictureReads.push({ source, error, message }),
@@ -550,15 +549,7 @@ export class ImageEditControl extends HTMLElement {
     if (id === 32514) return 'wait';
     if (!this.#cursorCache.has(id)) {
       const art = this.#control.cursorArtwork(id);
-      let css = 'default';
-      if (art) {
-        const canvas = document.createElement('canvas');
-        canvas.width = art.width;
-        canvas.height = art.height;
-        canvas.getContext('2d').putImageData(new ImageData(art.rgba, art.width, art.height), 0, 0);
-        css = `url(${canvas.toDataURL('image/png')}) ${art.hotX} ${art.hotY}, auto`;
-      }
-      this.#cursorCache.set(id, css);
+      this.#cursorCache.set(id, art ? `url(${artworkUrl(art)}) ${art.hotX} ${art.hotY}, auto` : 'default');
     }
     return this.#cursorCache.get(id);
   }

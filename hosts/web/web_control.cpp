@@ -252,21 +252,7 @@ class WebControl {
   val cursorArtwork(int resourceId) const {
     platform::CursorArtwork artwork;
     if (!platform::GetCursorArtwork(resourceId, &artwork)) return val::null();
-    std::vector<std::uint8_t> rgba;
-    rgba.reserve(artwork.pixels.size() * 4);
-    for (std::uint32_t p : artwork.pixels) {
-      rgba.insert(rgba.end(), {static_cast<std::uint8_t>(p >> 16), static_cast<std::uint8_t>(p >> 8),
-                               static_cast<std::uint8_t>(p), static_cast<std::uint8_t>(p >> 24)});
-    }
-    val picture = val::object();
-    picture.set("width", artwork.width);
-    picture.set("height", artwork.height);
-    picture.set("hotX", artwork.hotSpot.x);
-    picture.set("hotY", artwork.hotSpot.y);
-    // A copy: the view onto this function's vector would not outlive it.
-    const val view(emscripten::typed_memory_view(rgba.size(), rgba.data()));
-    picture.set("rgba", val::global("Uint8ClampedArray").new_(view));
-    return picture;
+    return ArtworkToScript(artwork);
   }
 
  private:

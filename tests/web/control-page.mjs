@@ -150,11 +150,16 @@ export function nativeBitmapFile(width, height, statements, write, settings = []
   }
 }
 
+// What the native script host prints for the script's statements.
+export function nativeTranscript(width, height, statements) {
+  const script = [`create ${width} ${height}`, ...statements].join('\n');
+  return execFileSync(IMAGEEDIT, ['run', '-'], { cwd: ROOT, input: `${script}\n` }).toString();
+}
+
 // The native script host's `state` report (only `keys`, when given) after the
 // script's statements.
 export function nativeState(width, height, statements, keys = []) {
-  const script = [`create ${width} ${height}`, ...statements, ['state', ...keys].join(' ')].join('\n');
-  const printed = execFileSync(IMAGEEDIT, ['run', '-'], { cwd: ROOT, input: `${script}\n` }).toString();
+  const printed = nativeTranscript(width, height, [...statements, ['state', ...keys].join(' ')]);
   return JSON.parse(printed.trim().split('\n').pop());
 }
 
