@@ -110,6 +110,7 @@ export class ImageEditControl extends HTMLElement {
   #textBox;                    // the page's text field over the engine's open text box
   #dialogStart = null;         // what the colour or font dialog the engine opened starts from
   #frameCopy = null;           // the frames of the engine with threads, copied out of shared memory
+  #waitingPasses = null;       // lengthy calls waiting for the next frame, [name, args] each
 
   constructor() {
     super();
@@ -129,12 +130,17 @@ export class ImageEditControl extends HTMLElement {
     surface.append(this.#canvas);
     root.append(style, boxStyle, surface, this.#status);
     this.#sizing = new ControlSizing(this, this.#canvas, boxStyle, (width, height) => {
-      this.#control?.resize(width, height);
+      if (this.#control === null) return;
+      this.#runWaitingPasses();
+      this.#control.resize(width, height);
       this.#keepTime();
     });
     this.#menu = new PopupMenu(root, (command) => this.#menuClosed(command));
     this.#textBox = new TextBoxOverlay(surface, this.#canvas, {
-      setText: (text) => this.#control.setTextBoxText(text),
+      setText: (text) => {
+        this.#runWaitingPasses();
+        return this.#control.setTextBoxText(text);
+      },
       key: (message, event) => this.#sendKey(message, event, 0),
       readFont: (path) => this.#engine.FS.readFile(path),
     });
@@ -142,7 +148,8 @@ export class ImageEditControl extends HTMLElement {
   }
 
   // True from a Promise-returning call (a picture being fetched and decoded, a dialog
-  // waiting for the person) until it settles; `aria-busy` says the same.
+  // waiting for the person) until it settles, and from a lengthy call until it has
+  // run; `aria-busy` says the same.
   get busy() { return this.#busy > 0; }
 
   connectedCallback() {
@@ -200,6 +207,10 @@ export class ImageEditControl extends HTMLElement {
     this.#engine = null;
     this.#control = null;
     if (control !== null) {
+      if (this.#waitingPasses !== null) {
+        this.#waitingPasses = null;
+        this.#setBusy(-1);
+      }
       clearInterval(this.#ticker);
       this.#ticker = 0;
       this.#menu.close(0);
@@ -252,6 +263,7 @@ export class ImageEditControl extends HTMLElement {
     if (this.#control === null) throw new Error(`${name}: the element was removed from the page`);
     // A popup menu is modal: anything else the engine is asked to do means it is gone.
     this.#menu.close(0);
+    this.#runWaitingPasses();
     const outcome = this.#control.invoke(name, args);
     this.#keepTime();
     if ('error' in outcome) throw new TypeError(outcome.error);
@@ -260,7 +272,42 @@ export class ImageEditControl extends HTMLElement {
 
   #call(method, args) {
     if (this.#control === null) return method.empty;
-    return method.savefile === undefined ? this.#invoke(method.name, args) : this.#save(method, args);
+    if (method.savefile !== undefined) return this.#save(method, args);
+    if (method.lengthy) return this.#callAtNextFrame(method.name, args);
+    return this.#invoke(method.name, args);
+  }
+
+  // A call that may pass over the whole picture runs at the next frame, once the
+  // browser has shown the wait cursor: run at once, it would freeze the page with no
+  // sign, since nothing the page changes is shown until the call returns. Whatever
+  // reaches the control first (another call, the person's input, a resize, a timer)
+  // runs the waiting calls before it, so any sequence of calls and input gives what
+  // it gives when every call runs at once. The arguments are checked now: a bad call
+  // throws here, as it does at once.
+  #callAtNextFrame(name, args) {
+    this.#menu.close(0);
+    const refused = this.#control.check(name, args);
+    if (refused !== null) throw new TypeError(refused);
+    if (this.#waitingPasses === null) {
+      const waiting = [];
+      this.#waitingPasses = waiting;
+      this.#setBusy(+1);
+      // After the frame that shows the cursor, not in it: a frame callback runs before
+      // the browser paints.
+      requestAnimationFrame(() => setTimeout(() => {
+        if (this.#waitingPasses === waiting) this.#runWaitingPasses();
+      }));
+    }
+    this.#waitingPasses.push([name, args]);
+  }
+
+  #runWaitingPasses() {
+    const waiting = this.#waitingPasses;
+    if (waiting === null) return;
+    this.#waitingPasses = null;
+    for (const [name, args] of waiting) this.#control.invoke(name, args);
+    this.#keepTime();
+    this.#setBusy(-1);
   }
 
   // A Promise-returning call: after the calls before it, once the control exists; it
@@ -364,6 +411,7 @@ export class ImageEditControl extends HTMLElement {
 
   // The person closed the shortcut menu, with the command they picked or 0.
   #menuClosed(command) {
+    this.#runWaitingPasses();
     this.#control.menuChosen(command);
     this.#keepTime();
     if (command !== 0) this.focus({ preventScroll: true });
@@ -532,7 +580,10 @@ export class ImageEditControl extends HTMLElement {
       const now = performance.now();
       const elapsed = Math.floor(now - last);
       last += elapsed;
-      if (elapsed > 0) this.#control.tick(elapsed);
+      if (elapsed > 0) {
+        this.#runWaitingPasses();
+        this.#control.tick(elapsed);
+      }
       if (!this.#control.hasTimers()) {
         clearInterval(this.#ticker);
         this.#ticker = 0;
@@ -549,6 +600,7 @@ export class ImageEditControl extends HTMLElement {
     // the browser will draw.
     const send = (message, events) => {
       if (this.#control === null) return;
+      this.#runWaitingPasses();
       const box = canvas.getBoundingClientRect();
       events.forEach((event, i) => {
         const { x, y } = this.#sizing.pointAt(event, box);
@@ -621,6 +673,7 @@ export class ImageEditControl extends HTMLElement {
 
   // A key to the engine; true when the control's key routing took it.
   #sendKey(message, event, character) {
+    this.#runWaitingPasses();
     const taken = this.#control.key(message, event.keyCode, event.ctrlKey || event.metaKey, event.shiftKey,
       event.repeat, character);
     this.#keepTime();

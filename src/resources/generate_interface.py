@@ -294,6 +294,7 @@ class Method:
     line: int
     editor_operation: str = None  # None: the control answers the call itself
     dialog: str = None  # a dialog the call always opens
+    lengthy: bool = False  # may pass over the whole picture: a page runs it at its next frame
 
 
 @dataclass
@@ -447,11 +448,15 @@ class Checker:
         return event
 
     def method(self, declaration):
-        method = self.member(declaration, "a method", {"editor": "a name", "dialog": "a name"})
+        method = self.member(declaration, "a method", {"editor": "a name", "dialog": "a name", "lengthy": "no value"})
         method.params = [self.parameter(method, param) for param in declaration.params]
         operation = self.value(declaration, "editor") or method.name
         method.editor_operation = None if operation == "none" else operation
         method.dialog = self.value(declaration, "dialog")
+        method.lengthy = "lengthy" in declaration.attributes
+        if method.lengthy and (method.result != "void" or method.dialog):
+            self.fail(declaration.line, f"{method.name}: only a call that returns nothing and opens no dialog "
+                                        f"can wait for the next frame")
         if method.dialog is not None and method.dialog not in METHOD_DIALOGS:
             self.fail(declaration.line, f"{method.name}: a method itself opens only the dialog "
                                         f"{', '.join(METHOD_DIALOGS)}; the others are opened by a parameter")
@@ -728,6 +733,8 @@ def js_method(method):
             fields.append(f"dialog: {{ kind: '{param.dialog}', parameter: {i}, values: [{values}] }}")
     if method.dialog:
         fields.append(f"dialog: {{ kind: '{method.dialog}' }}")
+    if method.lengthy:
+        fields.append("lengthy: true")
     return "  { " + ", ".join(fields) + " },"
 
 
@@ -737,7 +744,8 @@ def js_module(interface, description):
             "// they apply: `empty`, its result before the control exists (else undefined); `pictures`,\n"
             "// the arguments naming pictures to fetch before the call; `savefile`, the argument naming\n"
             "// the bitmap file it writes; `dialog`, the dialog it opens: always, or when argument\n"
-            "// `parameter` is one of `values` in any case (null and undefined stand for '').\n"
+            "// `parameter` is one of `values` in any case (null and undefined stand for ''); `lengthy`,\n"
+            "// true when it may pass over the whole picture.\n"
             "export const METHODS = [\n" + "\n".join(js_method(m) for m in interface.methods) + "\n];\n\n"
             "// The events; the argument each carries is the event's detail.\n"
             "export const EVENTS = [" + ", ".join(f"'{e.name}'" for e in interface.events) + "];\n")
@@ -907,6 +915,9 @@ def reference_result(method):
                              for value in dialog.dialog_values)
         return (f"with {md_code(dialog.name)} {values}, a Promise that {resolves} once the person closes the "
                 f"dialog; otherwise {gives}, at once{empty}.")
+    if method.lengthy:
+        return ("nothing, at once; the call itself runs at the page's next frame, with the wait cursor shown and "
+                "`busy` true until then, or earlier when another call or the person's input comes first.")
     return f"{gives}, at once{empty}."
 
 

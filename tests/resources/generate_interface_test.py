@@ -68,7 +68,7 @@ FAULTS = [
     (with_method('[id(3)] void Undo();'), METHOD_LINE, "Undo has no helpstring(...)"),
     (with_method('[id(three), helpstring("Undo")] void Undo();'), METHOD_LINE, "attribute 'id' takes a number"),
     (with_method('[id(3), helpstring("Undo"), propget] void Undo();'), METHOD_LINE,
-     "unknown attribute 'propget' on a method (known: id, helpstring, editor, dialog)"),
+     "unknown attribute 'propget' on a method (known: id, helpstring, editor, dialog, lengthy)"),
     (with_method('[id(3), helpstring("Undo"), id(4)] void Undo();'), METHOD_LINE, "attribute 'id' given twice"),
     (with_method('[id(3), helpstring("Clear")] void Clear(BOOL bImage);'), METHOD_LINE,
      "Clear: parameter bImage is a BOOL: say whether the editor receives it as editor(bool) or editor(long)"),
@@ -100,6 +100,8 @@ FAULTS = [
     (with_method('[id(3), helpstring("Undo")] void Undo() @'), METHOD_LINE, "unexpected character '@'"),
     # A missing semicolon is noticed at the next token, on the next line.
     (with_method('[id(3), helpstring("Undo")] void Undo()'), METHOD_LINE + 1, "expected ';', found '}'"),
+    (with_method('[id(3), helpstring("Colour"), lengthy] BSTR GetColor();'), METHOD_LINE,
+     "GetColor: only a call that returns nothing and opens no dialog can wait for the next frame"),
     (with_event('[id(2), helpstring("Scaled")] BSTR ImageScaled(int nScaleFactor);'), EVENT_LINE,
      "ImageScaled: an event has no result (void)"),
     (with_event('[id(2), helpstring("Scaled")] void ImageScaled([picture] BSTR lpszFile);'), EVENT_LINE,

@@ -104,8 +104,9 @@ export async function openControlPage(browser, base, width, height, { lang = 'en
   return page;
 }
 
-// What the control shows: RGB triples, top-down rows.
-export function canvasPixels(page) {
+// What the control shows, once its lengthy calls have run: RGB triples, top-down rows.
+export async function canvasPixels(page) {
+  await page.waitForFunction(() => !document.getElementById('editor').busy);
   return page.evaluate(() => {
     const canvas = document.getElementById('editor').shadowRoot.querySelector('canvas');
     const { data, width, height } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
