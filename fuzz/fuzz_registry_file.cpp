@@ -7,7 +7,8 @@
 #include "control/module/registry/registry_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const RegistryReading reading = RegistryFile::Read(std::string_view(reinterpret_cast<const char*>(data), size));
+  const RegistryReading reading =
+      RegistryFile::Read(std::string_view(reinterpret_cast<const char*>(data), size));
   if (!reading.file) {
     if (reading.error.rfind("line ", 0) != 0) std::abort();
     return 0;

@@ -8,7 +8,8 @@
 #include "control/module/registry/type_library.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const TypeLibraryReading reading = ReadTypeLibrary(std::string_view(reinterpret_cast<const char*>(data), size));
+  const TypeLibraryReading reading =
+      ReadTypeLibrary(std::string_view(reinterpret_cast<const char*>(data), size));
   if (!reading.library) {
     if (reading.error.rfind("line ", 0) != 0) std::abort();
     return 0;

@@ -1001,7 +1001,8 @@ def generate(mode, description, template=None):
 
 
 def main(argv):
-    if not ((len(argv) == 3 and argv[0] in ("cpp", "typelib")) or (len(argv) == 4 and argv[0] in ("web", "reference"))):
+    if not ((len(argv) == 3 and argv[0] in ("cpp", "typelib")) or
+            (len(argv) == 4 and argv[0] in ("web", "reference"))):
         print("usage: generate_interface.py cpp DESCRIPTION OUTPUT_DIR\n"
               "       generate_interface.py typelib DESCRIPTION OUTPUT_DIR\n"
               "       generate_interface.py web DESCRIPTION DTS_TEMPLATE OUTPUT_DIR\n"

@@ -163,6 +163,9 @@ TEST(TypeLibraryText, MalformedTextIsRefusedAtItsLine) {
                 "dispinterface _DM {00000000-0000-0000-0000-00000000000E} dispatchable \"E\""),
        "line 9: a second dispinterface _DM"},
       {replaced("function 1 SetImage", "function 99999999999 SetImage VOID \"x\""), "line 4: '99999999999'"},
+      // The one magnitude whose negation would overflow.
+      {replaced("function 1 SetImage", "function -9223372036854775808 SetImage VOID \"x\""),
+       "line 4: '-9223372036854775808' is no number"},
       {replaced("function 1 SetImage", "function 1 SetImage LONG \"x\""), "line 4: unknown type 'LONG'"},
       {replaced("function 1 SetImage", "function 23 SetImage VOID \"x\""),
        "line 7: ScaleImage: a second function with its name or DISPID"},

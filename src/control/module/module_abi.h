@@ -367,7 +367,7 @@ ocx::HRESULT DllGetClassObject(ocx::REFCLSID clsid, ocx::REFIID riid, void** obj
 // S_OK when no object of the module and no lock is alive, S_FALSE otherwise.
 ocx::HRESULT DllCanUnloadNow();
 // Registers the type library, then the control's and its property page's classes, in
-// the per-user registry file (registry/registry_location.h says where):
+// the per-user registry file (registry/registry_store.h says where):
 // SELFREG_E_TYPELIB when the first step fails, which leaves no class registered;
 // SELFREG_E_CLASS when the second does.
 ocx::HRESULT DllRegisterServer();

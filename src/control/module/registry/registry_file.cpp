@@ -10,14 +10,13 @@ char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + '
 
 bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
 
-bool IsBelow(std::string_view key, std::string_view root) {
-  if (key.size() <= root.size() || key[root.size()] != '\\') return false;
-  return !RegistryNameLess()(key.substr(0, root.size()), root) &&
-         !RegistryNameLess()(root, key.substr(0, root.size()));
-}
-
 bool SameName(std::string_view a, std::string_view b) {
   return !RegistryNameLess()(a, b) && !RegistryNameLess()(b, a);
+}
+
+// Whether `key` lies somewhere under `root`.
+bool IsBelow(std::string_view key, std::string_view root) {
+  return key.size() > root.size() && key[root.size()] == '\\' && SameName(key.substr(0, root.size()), root);
 }
 
 std::string Quoted(std::string_view text) {

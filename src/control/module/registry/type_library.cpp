@@ -1,5 +1,6 @@
 #include "control/module/registry/type_library.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <initializer_list>
@@ -114,10 +115,14 @@ class Line {
     }
     std::uint64_t magnitude = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), magnitude, base);
-    const std::int64_t value =
-        negative ? -static_cast<std::int64_t>(magnitude) : static_cast<std::int64_t>(magnitude);
-    if (digits.empty() || error != std::errc() || end != digits.data() + digits.size() ||
-        magnitude > static_cast<std::uint64_t>(INT64_MAX) || value < low || value > high) {
+    // Every bound is far inside 63 bits, so a larger magnitude is out of range anyway
+    // and must not be negated.
+    const bool read = !digits.empty() && error == std::errc() && end == digits.data() + digits.size() &&
+                      magnitude <= (std::uint64_t{1} << 62);
+    const std::int64_t value = !read      ? 0
+                               : negative ? -static_cast<std::int64_t>(magnitude)
+                                          : static_cast<std::int64_t>(magnitude);
+    if (!read || value < low || value > high) {
       throw Fail("'" + std::string(text) + "' is no number from " + std::to_string(low) + " to " +
                  std::to_string(high));
     }
