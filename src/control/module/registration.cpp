@@ -11,16 +11,14 @@
 #include "control/module/registry/module_keys.h"
 #include "control/module/registry/registry_store.h"
 #include "control/module/registry/type_library.h"
+#include "platform/dialog_resources.h"
+#include "resources/module_resources.h"
 
 namespace {
 
-// The type names a container shows for the control and its page.
-constexpr const char* kControlTypeName = "Image Edit Control";
-constexpr const char* kPropertyPageTypeName = "Image Edit Control Property Page";
 // OLEMISC_SETCLIENTSITEFIRST | ACTIVATEWHENVISIBLE | INSIDEOUT | CANTLINKINSIDE |
 // RECOMPOSEONRESIZE.
 constexpr unsigned kMiscStatus = 0x20191;
-constexpr int kToolboxBitmap = 1;
 // The system's automation marshaller: dispatch interfaces need no proxy of their own.
 constexpr const char* kAutomationProxy = "{00020420-0000-0000-C000-000000000046}";
 
@@ -67,22 +65,28 @@ void AddTypeLibrary(RegistryFile& registry, const TypeLibrary& library, const st
 // offered for insertion (no Insertable key), named by its ProgID; then its property
 // page, which has no ProgID.
 void AddClasses(RegistryFile& registry, const TypeLibrary& library, const std::string& module) {
+  // The type names a container shows for the control and its page are the module's
+  // strings 1 and 2.
+  RegisterModuleResources();
+  const std::string controlTypeName = platform::LoadStringResource(resources::kControlTypeNameString);
+  const std::string pageTypeName = platform::LoadStringResource(resources::kPropertyPageTypeNameString);
   const std::string control = ControlClassKey();
-  registry.SetValue(control, "", kControlTypeName);
+  registry.SetValue(control, "", controlTypeName);
   registry.CreateKey(control + "\\Control");
   registry.SetValue(control + "\\InprocServer32", "", module);
   registry.SetValue(control + "\\InprocServer32", "ThreadingModel", "Apartment");
   registry.SetValue(control + "\\MiscStatus", "", "0");
   registry.SetValue(control + "\\MiscStatus\\1", "", std::to_string(kMiscStatus));
   registry.SetValue(control + "\\ProgID", "", kControlProgId);
-  registry.SetValue(control + "\\ToolboxBitmap32", "", module + ", " + std::to_string(kToolboxBitmap));
+  registry.SetValue(control + "\\ToolboxBitmap32", "",
+                    module + ", " + std::to_string(resources::kToolboxBitmapId));
   registry.SetValue(control + "\\TypeLib", "", GuidText(library.libid));
   registry.SetValue(control + "\\Version", "", Version(library));
-  registry.SetValue(kControlProgId, "", kControlTypeName);
+  registry.SetValue(kControlProgId, "", controlTypeName);
   registry.SetValue(std::string(kControlProgId) + "\\CLSID", "", GuidText(ocx::CLSID_ImageEditCtrl));
 
   const std::string page = PropertyPageClassKey();
-  registry.SetValue(page, "", kPropertyPageTypeName);
+  registry.SetValue(page, "", pageTypeName);
   registry.SetValue(page + "\\InprocServer32", "", module);
 }
 
