@@ -163,6 +163,104 @@ TEST_F(ControlEventsTest, TheHostMayReleaseTheControlWhileItHearsAnEvent) {
   EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
 }
 
+// The cookies of the connections an enumerator yields from where it stands; each
+// connection's sink reference is released again.
+std::vector<ocx::DWORD> RemainingCookies(ocx::IEnumConnections* connections) {
+  std::vector<ocx::DWORD> cookies;
+  ocx::CONNECTDATA item{};
+  while (connections->Next(1, &item, nullptr) == ocx::S_OK) {
+    cookies.push_back(item.dwCookie);
+    item.pUnk->Release();
+  }
+  return cookies;
+}
+
+// An enumerator yields the connections as they were when it was made, holding their
+// sinks until it goes, and a clone moves on its own.
+TEST_F(ControlEventsTest, ConnectionsAreEnumeratedAsTheyWereWhenAsked) {
+  LoggingSink first("first", log_, true);
+  LoggingSink second("second", log_, false);
+  LoggingSink third("third", log_, true);
+  ocx::DWORD cookies[3] = {};
+  ASSERT_EQ(point_->Advise(&first, &cookies[0]), ocx::S_OK);
+  ASSERT_EQ(point_->Advise(&second, &cookies[1]), ocx::S_OK);
+  ASSERT_EQ(point_->Advise(&third, &cookies[2]), ocx::S_OK);
+
+  Ref<ocx::IEnumConnections> all;
+  ASSERT_EQ(point_->EnumConnections(all.OutTyped()), ocx::S_OK);
+  ASSERT_EQ(point_->Unadvise(cookies[1]), ocx::S_OK);
+  EXPECT_EQ(second.references, 2u);  // still the snapshot's
+
+  ocx::CONNECTDATA items[4] = {};
+  ocx::ULONG fetched = 9;
+  ASSERT_EQ(all->Next(4, items, &fetched), ocx::S_FALSE);
+  ASSERT_EQ(fetched, 3u);
+  const LoggingSink* sinks[] = {&first, &second, &third};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(items[i].dwCookie, cookies[i]);
+    EXPECT_EQ(static_cast<void*>(items[i].pUnk), static_cast<const void*>(sinks[i]));
+    items[i].pUnk->Release();
+  }
+  EXPECT_EQ(all->Next(1, items, &fetched), ocx::S_FALSE);
+  EXPECT_EQ(fetched, 0u);
+  EXPECT_EQ(all->Next(2, items, nullptr), ocx::E_POINTER);
+
+  // Clones start where their original stands and share nothing else with it.
+  ASSERT_EQ(all->Reset(), ocx::S_OK);
+  ASSERT_EQ(all->Skip(1), ocx::S_OK);
+  Ref<ocx::IEnumConnections> clone;
+  ASSERT_EQ(all->Clone(clone.OutTyped()), ocx::S_OK);
+  EXPECT_EQ(all->Skip(5), ocx::S_FALSE);
+  EXPECT_EQ(RemainingCookies(all.get()), std::vector<ocx::DWORD>{});
+  EXPECT_EQ(RemainingCookies(clone.get()), (std::vector<ocx::DWORD>{cookies[1], cookies[2]}));
+  ASSERT_EQ(all->Reset(), ocx::S_OK);
+  EXPECT_EQ(RemainingCookies(all.get()), (std::vector<ocx::DWORD>{cookies[0], cookies[1], cookies[2]}));
+
+  // A new enumerator sees the connection gone; the old ones let go of its sink last.
+  Ref<ocx::IEnumConnections> now;
+  ASSERT_EQ(point_->EnumConnections(now.OutTyped()), ocx::S_OK);
+  EXPECT_EQ(RemainingCookies(now.get()), (std::vector<ocx::DWORD>{cookies[0], cookies[2]}));
+  all.Reset();
+  EXPECT_EQ(second.references, 2u);
+  clone.Reset();
+  EXPECT_EQ(second.references, 1u);
+
+  // An enumerator keeps the control, and with it the module, until it goes.
+  point_.Reset();
+  control_.Reset();
+  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  ASSERT_EQ(now->Reset(), ocx::S_OK);
+  EXPECT_EQ(RemainingCookies(now.get()), (std::vector<ocx::DWORD>{cookies[0], cookies[2]}));
+  now.Reset();
+  EXPECT_EQ(first.references, 1u);
+  EXPECT_EQ(third.references, 1u);
+}
+
+TEST_F(ControlEventsTest, TheContainerEnumeratesItsOnePoint) {
+  Ref<ocx::IConnectionPointContainer> container;
+  ASSERT_EQ(control_->QueryInterface(ocx::IID_IConnectionPointContainer, container.Out()), ocx::S_OK);
+  Ref<ocx::IEnumConnectionPoints> points;
+  ASSERT_EQ(container->EnumConnectionPoints(points.OutTyped()), ocx::S_OK);
+  ocx::IConnectionPoint* found[2] = {};
+  ocx::ULONG fetched = 0;
+  ASSERT_EQ(points->Next(2, found, &fetched), ocx::S_FALSE);
+  ASSERT_EQ(fetched, 1u);
+  EXPECT_EQ(found[0], point_.get());
+  found[0]->Release();
+
+  ASSERT_EQ(points->Reset(), ocx::S_OK);
+  Ref<ocx::IEnumConnectionPoints> clone;
+  ASSERT_EQ(points->Clone(clone.OutTyped()), ocx::S_OK);
+  EXPECT_EQ(points->Skip(1), ocx::S_OK);
+  EXPECT_EQ(points->Next(1, found, nullptr), ocx::S_FALSE);
+  ASSERT_EQ(clone->Next(1, found, nullptr), ocx::S_OK);
+  ocx::IID iid{};
+  EXPECT_EQ(found[0]->GetConnectionInterface(&iid), ocx::S_OK);
+  EXPECT_EQ(iid, ocx::DIID__DImageEditCtrlEvents);
+  found[0]->Release();
+  EXPECT_EQ(container->EnumConnectionPoints(nullptr), ocx::E_POINTER);
+}
+
 TEST_F(ControlEventsTest, TheConnectionPointIsTheEventInterfacesOnly) {
   ocx::IID iid{};
   ASSERT_EQ(point_->GetConnectionInterface(&iid), ocx::S_OK);

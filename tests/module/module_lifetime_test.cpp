@@ -1,11 +1,11 @@
-// The module's entry points, its class factory and what keeps it loaded.
+// The module's entry points, the control's class factory and what keeps it loaded.
 #include "module_host.h"
 
 namespace {
 
 constexpr ocx::CLSID kUnknownClass = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
 
-TEST_F(ModuleTest, TheFactoryIsHandedOutForTheControlsClassOnly) {
+TEST_F(ModuleTest, TheFactoriesAreHandedOutForTheModulesClassesOnly) {
   Ref<ocx::IUnknown> object;
   for (const ocx::CLSID& clsid : {kUnknownClass, ocx::IID_IClassFactory}) {
     void* out = &object;  // must be cleared
@@ -76,7 +76,8 @@ TEST_F(ModuleTest, AControlAnswersItsInterfacesWithOneIdentity) {
   ASSERT_EQ(control->QueryInterface(ocx::IID_IUnknown, identity.Out()), ocx::S_OK);
   for (const ocx::IID& iid :
        {ocx::IID_IDispatch, ocx::DIID__DImageEditCtrl, ocx::IID_IConnectionPointContainer,
-        ocx::IID_IObjectSafety, ocx::IID_IImageEditWindow}) {
+        ocx::IID_IObjectSafety, ocx::IID_IImageEditWindow, ocx::IID_IImageEditObject,
+        ocx::IID_ISpecifyPropertyPages, ocx::IID_IPersist, ocx::IID_IPersistPropertyBag}) {
     Ref<ocx::IUnknown> part;
     ASSERT_EQ(control->QueryInterface(iid, part.Out()), ocx::S_OK);
     Ref<ocx::IUnknown> back;

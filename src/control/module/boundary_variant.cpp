@@ -1,6 +1,6 @@
 #include "control/module/boundary_variant.h"
 
-#include <vector>
+#include <string>
 
 #include "platform/kernel.h"
 
@@ -13,13 +13,18 @@ std::string NarrowFromWide(const ocx::OLECHAR* text, ocx::UINT length) {
   return narrow;
 }
 
-ocx::BSTR BstrFromNarrow(const std::string& text) {
-  if (text.empty()) return ocx::SysAllocStringLen(nullptr, 0);
+std::u16string WideFromNarrow(const std::string& text) {
+  if (text.empty()) return std::u16string();
   const int narrowLength = static_cast<int>(text.size());
   const int size = MultiByteToWideChar(CP_ACP, 0, text.data(), narrowLength, nullptr, 0);
-  std::vector<WCHAR> wide(static_cast<std::size_t>(size));
+  std::u16string wide(static_cast<std::size_t>(size), u'\0');
   MultiByteToWideChar(CP_ACP, 0, text.data(), narrowLength, wide.data(), size);
-  return ocx::SysAllocStringLen(wide.data(), static_cast<ocx::UINT>(size));
+  return wide;
+}
+
+ocx::BSTR BstrFromNarrow(const std::string& text) {
+  const std::u16string wide = WideFromNarrow(text);
+  return ocx::SysAllocStringLen(wide.data(), static_cast<ocx::UINT>(wide.size()));
 }
 
 std::optional<Variant> VariantFromHost(const ocx::VARIANT& argument) {

@@ -25,5 +25,7 @@ ocx::HRESULT ResultToHost(const Variant& value, ResultType type, ocx::VARIANT* o
 
 // Narrow text in the ANSI code page from UTF-16 of the given length.
 std::string NarrowFromWide(const ocx::OLECHAR* text, ocx::UINT length);
+// UTF-16 of narrow text in the ANSI code page.
+std::u16string WideFromNarrow(const std::string& text);
 // A new BSTR of narrow text; null when it cannot be allocated.
 ocx::BSTR BstrFromNarrow(const std::string& text);

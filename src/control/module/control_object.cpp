@@ -10,6 +10,7 @@
 #include "control/module/boundary_variant.h"
 #include "control/module/image_edit_ctrl_app.h"
 #include "control/module/registry/type_library.h"
+#include "control/module/snapshot_enumerator.h"
 #include "control/module/type_info.h"
 #include "platform/text.h"
 #include "platform/user.h"
@@ -76,6 +77,12 @@ ocx::HRESULT ControlObject::QueryInterface(ocx::REFIID riid, void** object) {
     *object = static_cast<ocx::IObjectSafety*>(this);
   } else if (riid == ocx::IID_IImageEditWindow) {
     *object = static_cast<ocx::IImageEditWindow*>(this);
+  } else if (riid == ocx::IID_IImageEditObject) {
+    *object = static_cast<ocx::IImageEditObject*>(this);
+  } else if (riid == ocx::IID_ISpecifyPropertyPages) {
+    *object = static_cast<ocx::ISpecifyPropertyPages*>(this);
+  } else if (riid == ocx::IID_IPersist || riid == ocx::IID_IPersistPropertyBag) {
+    *object = static_cast<ocx::IPersistPropertyBag*>(this);
   } else {
     *object = nullptr;
     return ocx::E_NOINTERFACE;
@@ -156,6 +163,8 @@ ocx::HRESULT ControlObject::Invoke(ocx::DISPID dispid, ocx::REFIID riid, ocx::LC
   if (result != nullptr) ocx::VariantInit(result);
   const KeepAlive keep(static_cast<ocx::IDispatch&>(*this));
   return CatchingEngineFailures([&] {
+    // The About box, for one, shows through the container's site.
+    const SiteDialogs dialogs(site_.get());
     const ocx::HRESULT hr = CallMethod(*method, *params, result, argError);
     FlushPaint();
     return hr;
@@ -178,8 +187,12 @@ ocx::HRESULT ControlObject::CallMethod(const MethodInfo& method, const ocx::DISP
 // ---- events ----
 
 ocx::HRESULT ControlObject::EnumConnectionPoints(ocx::IEnumConnectionPoints** points) {
-  if (points != nullptr) *points = nullptr;
-  return ocx::E_NOTIMPL;
+  if (points == nullptr) return ocx::E_POINTER;
+  *points = nullptr;
+  return CatchingEngineFailures([&] {
+    *points = ConnectionPointEnumerator::Make(static_cast<ocx::IDispatch&>(*this), {&events_});
+    return ocx::S_OK;
+  });
 }
 
 ocx::HRESULT ControlObject::FindConnectionPoint(ocx::REFIID riid, ocx::IConnectionPoint** point) {
@@ -221,6 +234,7 @@ ocx::HRESULT ControlObject::Activate(ocx::INT width, ocx::INT height) {
     hostWindow_ = platform::CreateHostWindow(width, height);
     if (hostWindow_ == nullptr) return ocx::E_OUTOFMEMORY;
     if (!control_->CreateControl(hostWindow_, width, height)) return ocx::E_FAIL;
+    extent_ = ExtentFromPixels(width, height);
     FlushPaint();
     return ocx::S_OK;
   });
@@ -245,4 +259,68 @@ ocx::HRESULT ControlObject::MouseInput(ocx::UINT message, ocx::INT x, ocx::INT y
 
 void ControlObject::FlushPaint() {
   if (hostWindow_ != nullptr) platform::FlushPaint(hostWindow_);
+}
+
+// ---- verbs and property page ----
+
+ocx::HRESULT ControlObject::SetClientSite(ocx::IImageEditSite* site) {
+  site_.Set(site);
+  return ocx::S_OK;
+}
+
+// The verbs a control answers in place. Activation takes a size, which only
+// IImageEditWindow::Activate is given, so the activating verbs report whether that
+// has happened rather than do it.
+ocx::HRESULT ControlObject::DoVerb(std::int32_t verb) {
+  switch (verb) {
+    case ocx::OLEIVERB_PROPERTIES: {
+      const KeepAlive keep(static_cast<ocx::IDispatch&>(*this));
+      return CatchingEngineFailures([&] {
+        const SiteDialogs dialogs(site_.get());
+        control_->OnProperties();
+        return ocx::S_OK;
+      });
+    }
+    case ocx::OLEIVERB_PRIMARY:
+    case ocx::OLEIVERB_SHOW:
+    case ocx::OLEIVERB_UIACTIVATE:
+    case ocx::OLEIVERB_INPLACEACTIVATE:
+      return hostWindow_ != nullptr ? ocx::S_OK : ocx::OLE_E_NOT_INPLACEACTIVE;
+    case ocx::OLEIVERB_HIDE:
+    case ocx::OLEIVERB_DISCARDUNDOSTATE:
+      return ocx::S_OK;
+    default:
+      // Opening in a window of its own (OLEIVERB_OPEN) is not something a control does.
+      return verb < 0 ? ocx::E_NOTIMPL : ocx::OLEOBJ_S_INVALIDVERB;
+  }
+}
+
+ocx::HRESULT ControlObject::GetPages(ocx::CAUUID* pages) {
+  if (pages == nullptr) return ocx::E_POINTER;
+  pages->cElems = 0;
+  pages->pElems = static_cast<ocx::GUID*>(ocx::CoTaskMemAlloc(sizeof(ocx::GUID)));
+  if (pages->pElems == nullptr) return ocx::E_OUTOFMEMORY;
+  pages->pElems[0] = ocx::CLSID_ImageEditCtrlPropPage;
+  pages->cElems = 1;
+  return ocx::S_OK;
+}
+
+// ---- persistence ----
+
+ocx::HRESULT ControlObject::GetClassID(ocx::CLSID* clsid) {
+  if (clsid == nullptr) return ocx::E_POINTER;
+  *clsid = ocx::CLSID_ImageEditCtrl;
+  return ocx::S_OK;
+}
+
+// The extent loaded is what the control saves next; the window of a control already
+// placed keeps its size, as the control never resizes it.
+ocx::HRESULT ControlObject::Load(ocx::IPropertyBag* bag, ocx::IErrorLog*) {
+  if (bag == nullptr) return ocx::E_POINTER;
+  return CatchingEngineFailures([&] { return LoadProperties(*bag, &extent_); });
+}
+
+ocx::HRESULT ControlObject::Save(ocx::IPropertyBag* bag, ocx::BOOL, ocx::BOOL) {
+  if (bag == nullptr) return ocx::E_POINTER;
+  return CatchingEngineFailures([&] { return SaveProperties(*bag, extent_); });
 }

@@ -1,7 +1,7 @@
 // A control as the module hands it to a host: the control object behind the dispatch
-// interface, the connection point container of its events, the safety answers and
-// its window placement. Its life is its reference count; while it lives it counts as
-// one of the module's objects.
+// interface, the connection point container of its events, the safety answers, its
+// window placement, its verbs and property page, and what it keeps in a property bag. Its life is its
+// reference count; while it lives it counts as one of the module's objects.
 #pragma once
 
 #include <memory>
@@ -10,11 +10,16 @@
 #include "control/image_edit_ctrl.h"
 #include "control/module/event_connection_point.h"
 #include "control/module/module_abi.h"
+#include "control/module/property_exchange.h"
+#include "control/module/site_dialogs.h"
 
 class ControlObject final : public ocx::IDispatch,
                             public ocx::IConnectionPointContainer,
                             public ocx::IObjectSafety,
-                            public ocx::IImageEditWindow {
+                            public ocx::IImageEditWindow,
+                            public ocx::IImageEditObject,
+                            public ocx::ISpecifyPropertyPages,
+                            public ocx::IPersistPropertyBag {
  public:
   // Constructed with one reference; the control is constructed, its window is not.
   ControlObject();
@@ -38,7 +43,6 @@ class ControlObject final : public ocx::IDispatch,
                       ocx::UINT* argError) override;
 
   // ---- IConnectionPointContainer: the one point is the event interface's ----
-  // Not offered: the one point is found by its interface.
   ocx::HRESULT EnumConnectionPoints(ocx::IEnumConnectionPoints** points) override;
   ocx::HRESULT FindConnectionPoint(ocx::REFIID riid, ocx::IConnectionPoint** point) override;
 
@@ -51,6 +55,20 @@ class ControlObject final : public ocx::IDispatch,
   ocx::HRESULT Activate(ocx::INT width, ocx::INT height) override;
   ocx::HRESULT MouseInput(ocx::UINT message, ocx::INT x, ocx::INT y) override;
 
+  // ---- IImageEditObject ----
+  ocx::HRESULT SetClientSite(ocx::IImageEditSite* site) override;
+  ocx::HRESULT DoVerb(std::int32_t verb) override;
+
+  // ---- ISpecifyPropertyPages: the one page ----
+  ocx::HRESULT GetPages(ocx::CAUUID* pages) override;
+
+  // ---- IPersistPropertyBag (property_exchange.h says what is kept) ----
+  ocx::HRESULT GetClassID(ocx::CLSID* clsid) override;
+  // Nothing of the control's own to set to its defaults.
+  ocx::HRESULT InitNew() override { return ocx::S_OK; }
+  ocx::HRESULT Load(ocx::IPropertyBag* bag, ocx::IErrorLog* log) override;
+  ocx::HRESULT Save(ocx::IPropertyBag* bag, ocx::BOOL clearDirty, ocx::BOOL saveAllProperties) override;
+
  private:
   ocx::HRESULT LookUpNames(ocx::LPOLESTR* names, ocx::UINT count, ocx::DISPID* dispids);
   ocx::HRESULT CallMethod(const MethodInfo& method, const ocx::DISPPARAMS& params, ocx::VARIANT* result,
@@ -62,4 +80,7 @@ class ControlObject final : public ocx::IDispatch,
   std::unique_ptr<CImageEditCtrl> control_;
   HWND hostWindow_ = nullptr;
   EventConnectionPoint events_;
+  HeldSite site_;
+  // Until the control is placed or loaded, the size a container gives a new control.
+  ControlExtent extent_ = ExtentFromPixels(100, 50);
 };

@@ -5,6 +5,7 @@
 
 #include "control/module/boundary_guard.h"
 #include "control/module/boundary_variant.h"
+#include "control/module/snapshot_enumerator.h"
 
 EventConnectionPoint::~EventConnectionPoint() { UnadviseAll(); }
 
@@ -67,9 +68,17 @@ ocx::HRESULT EventConnectionPoint::Unadvise(ocx::DWORD cookie) {
   return ocx::S_OK;
 }
 
+// The connections in the order they were made (cookies only grow).
 ocx::HRESULT EventConnectionPoint::EnumConnections(ocx::IEnumConnections** connections) {
-  if (connections != nullptr) *connections = nullptr;
-  return ocx::E_NOTIMPL;
+  if (connections == nullptr) return ocx::E_POINTER;
+  *connections = nullptr;
+  return CatchingEngineFailures([&] {
+    std::vector<ocx::CONNECTDATA> items;
+    items.reserve(connections_.size());
+    for (const auto& [cookie, connection] : connections_) items.push_back({connection->sink(), cookie});
+    *connections = ConnectionEnumerator::Make(*this, std::move(items));
+    return ocx::S_OK;
+  });
 }
 
 void EventConnectionPoint::UnadviseAll() {

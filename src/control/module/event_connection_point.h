@@ -26,7 +26,6 @@ class EventConnectionPoint final : public ocx::IConnectionPoint {
   ocx::HRESULT GetConnectionPointContainer(ocx::IConnectionPointContainer** container) override;
   ocx::HRESULT Advise(ocx::IUnknown* sink, ocx::DWORD* cookie) override;
   ocx::HRESULT Unadvise(ocx::DWORD cookie) override;
-  // Not offered: hosts keep their own cookies.
   ocx::HRESULT EnumConnections(ocx::IEnumConnections** connections) override;
 
   // Disconnects every sink; the control object does it before its control goes.
@@ -43,6 +42,7 @@ class EventConnectionPoint final : public ocx::IConnectionPoint {
     SinkConnection& operator=(const SinkConnection&) = delete;
     ~SinkConnection() override { sink_->Release(); }
     void Invoke(int dispid, const std::vector<Variant>& args) override;
+    ocx::IDispatch* sink() const { return sink_; }
 
    private:
     ocx::IDispatch* sink_;

@@ -76,6 +76,10 @@ inline constexpr HRESULT CONNECT_E_CANNOTCONNECT = static_cast<HRESULT>(0x800402
 inline constexpr HRESULT SELFREG_E_TYPELIB = static_cast<HRESULT>(0x80040200u);
 inline constexpr HRESULT SELFREG_E_CLASS = static_cast<HRESULT>(0x80040201u);
 inline constexpr HRESULT TYPE_E_ELEMENTNOTFOUND = static_cast<HRESULT>(0x8002802Bu);
+inline constexpr HRESULT OLE_E_NOT_INPLACEACTIVE = static_cast<HRESULT>(0x80040010u);
+inline constexpr HRESULT OLEOBJ_S_INVALIDVERB = static_cast<HRESULT>(0x00040180u);
+// Saved data written by a newer version of the object than this one.
+inline constexpr HRESULT STG_E_OLDDLL = static_cast<HRESULT>(0x80030105u);
 
 inline constexpr bool SUCCEEDED(HRESULT hr) { return hr >= 0; }
 inline constexpr bool FAILED(HRESULT hr) { return hr < 0; }
@@ -93,6 +97,17 @@ inline constexpr IID IID_IConnectionPoint = {
     0xB196B286, 0xBAB4, 0x101A, {0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07}};
 inline constexpr IID IID_IObjectSafety = {
     0xCB5BDC81, 0x93C1, 0x11CF, {0x8F, 0x20, 0x00, 0x80, 0x5F, 0x2C, 0xD0, 0x64}};
+inline constexpr IID IID_IEnumConnectionPoints = {
+    0xB196B285, 0xBAB4, 0x101A, {0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07}};
+inline constexpr IID IID_IEnumConnections = {
+    0xB196B287, 0xBAB4, 0x101A, {0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07}};
+inline constexpr IID IID_ISpecifyPropertyPages = {
+    0xB196B28B, 0xBAB4, 0x101A, {0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07}};
+inline constexpr IID IID_IPersist = {0x0000010C, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IPersistPropertyBag = {
+    0x37D84F60, 0x42CB, 0x11CE, {0x81, 0x35, 0x00, 0xAA, 0x00, 0x4B, 0xB8, 0x51}};
+inline constexpr IID IID_IPropertyBag = {
+    0x55272A00, 0x42CB, 0x11CE, {0x81, 0x35, 0x00, 0xAA, 0x00, 0x4B, 0xB8, 0x51}};
 
 // The module's own identifiers, chosen once for this control and never to change:
 // hosts and registrations name the control by them. The interface description
@@ -119,6 +134,15 @@ inline constexpr IID IID_ITypeInfo = {
 // {C31A225B-7C79-48B5-8048-6FB14DB086EF} IImageEditWindow (below)
 inline constexpr IID IID_IImageEditWindow = {
     0xC31A225B, 0x7C79, 0x48B5, {0x80, 0x48, 0x6F, 0xB1, 0x4D, 0xB0, 0x86, 0xEF}};
+// {6B0E2F4A-93D1-4C57-A2E8-1F7C5D3B9A64} IImageEditSite (below)
+inline constexpr IID IID_IImageEditSite = {
+    0x6B0E2F4A, 0x93D1, 0x4C57, {0xA2, 0xE8, 0x1F, 0x7C, 0x5D, 0x3B, 0x9A, 0x64}};
+// {D3A85C1E-7B26-4F09-8E4D-5A2C61F0B7E3} IImageEditObject (below)
+inline constexpr IID IID_IImageEditObject = {
+    0xD3A85C1E, 0x7B26, 0x4F09, {0x8E, 0x4D, 0x5A, 0x2C, 0x61, 0xF0, 0xB7, 0xE3}};
+// {90C4E7B2-18F3-4A6D-B5C0-3E9D27A4F816} IImageEditPropertyPage (below)
+inline constexpr IID IID_IImageEditPropertyPage = {
+    0x90C4E7B2, 0x18F3, 0x4A6D, {0xB5, 0xC0, 0x3E, 0x9D, 0x27, 0xA4, 0xF8, 0x16}};
 
 // ---- strings ----
 
@@ -149,6 +173,11 @@ inline UINT SysStringLen(BSTR bstr) {
 inline void SysFreeString(BSTR bstr) {
   if (bstr != nullptr) std::free(reinterpret_cast<std::uint32_t*>(bstr) - 1);
 }
+
+// Memory one side allocates and the other frees (a page list's identifiers): the C
+// runtime's allocator again, standing in for the task allocator.
+inline void* CoTaskMemAlloc(std::size_t size) { return std::malloc(size); }
+inline void CoTaskMemFree(void* block) { std::free(block); }
 
 // ---- variants ----
 
@@ -295,9 +324,40 @@ class IDispatch : public IUnknown {
   ~IDispatch() = default;
 };
 
+class IConnectionPoint;
 class IConnectionPointContainer;
-class IEnumConnections;
-class IEnumConnectionPoints;
+
+struct CONNECTDATA {
+  IUnknown* pUnk;  // the connected sink, with a reference the receiver releases
+  DWORD dwCookie;
+};
+
+// An enumerator hands out a snapshot taken when it was made: connections made or
+// broken later do not change what it yields. Next gives up to `count` items (each
+// with a reference the caller releases) and answers S_FALSE when it gave fewer;
+// `fetched` may be null only when count is 1. A clone starts where its original
+// stands and moves on its own.
+class IEnumConnections : public IUnknown {
+ public:
+  virtual HRESULT Next(ULONG count, CONNECTDATA* items, ULONG* fetched) = 0;
+  virtual HRESULT Skip(ULONG count) = 0;
+  virtual HRESULT Reset() = 0;
+  virtual HRESULT Clone(IEnumConnections** copy) = 0;
+
+ protected:
+  ~IEnumConnections() = default;
+};
+
+class IEnumConnectionPoints : public IUnknown {
+ public:
+  virtual HRESULT Next(ULONG count, IConnectionPoint** items, ULONG* fetched) = 0;
+  virtual HRESULT Skip(ULONG count) = 0;
+  virtual HRESULT Reset() = 0;
+  virtual HRESULT Clone(IEnumConnectionPoints** copy) = 0;
+
+ protected:
+  ~IEnumConnectionPoints() = default;
+};
 
 class IConnectionPoint : public IUnknown {
  public:
@@ -352,6 +412,142 @@ class IImageEditWindow : public IUnknown {
   ~IImageEditWindow() = default;
 };
 
+// ---- property pages and verbs ----
+
+struct CAUUID {
+  ULONG cElems;
+  GUID* pElems;  // from CoTaskMemAlloc; the receiver frees it with CoTaskMemFree
+};
+
+// The property pages an object offers, by class identifier.
+class ISpecifyPropertyPages : public IUnknown {
+ public:
+  virtual HRESULT GetPages(CAUUID* pages) = 0;
+
+ protected:
+  ~ISpecifyPropertyPages() = default;
+};
+
+// One control of a dialog as the host is asked to show it, in pixels of the dialog's
+// client area.
+enum DIALOGITEMKIND : INT {
+  DIALOGITEM_ICON = 0,
+  DIALOGITEM_TEXT = 1,
+  DIALOGITEM_BUTTON = 2,
+  DIALOGITEM_DEFBUTTON = 3
+};
+struct DIALOGITEM {
+  INT id;  // -1 for a static item
+  INT kind;
+  const OLECHAR* text;  // an icon's is empty
+  INT iconId;           // an icon's resource id, 0 otherwise
+  INT left, top, right, bottom;
+};
+// A dialog of the module's, laid out from its template: valid for the length of the
+// call that hands it over.
+struct DIALOGINFO {
+  INT resourceId;
+  const OLECHAR* caption;
+  BOOL framed;        // a caption bar and a modal frame around the client area
+  INT width, height;  // the client area
+  const OLECHAR* fontFace;
+  INT fontPoints;
+  UINT itemCount;
+  const DIALOGITEM* items;
+};
+
+// What a container offers a control or a page it shows: on Windows the system would
+// put their dialogs on the screen, here the host does.
+class IImageEditSite : public IUnknown {
+ public:
+  // Shows the dialog modally; *button is the id of the button that closed it (1 for
+  // OK, 2 for the close box).
+  virtual HRESULT ShowDialog(const DIALOGINFO* dialog, INT* button) = 0;
+
+ protected:
+  ~IImageEditSite() = default;
+};
+
+inline constexpr std::int32_t OLEIVERB_PRIMARY = 0;
+inline constexpr std::int32_t OLEIVERB_SHOW = -1;
+inline constexpr std::int32_t OLEIVERB_OPEN = -2;
+inline constexpr std::int32_t OLEIVERB_HIDE = -3;
+inline constexpr std::int32_t OLEIVERB_UIACTIVATE = -4;
+inline constexpr std::int32_t OLEIVERB_INPLACEACTIVATE = -5;
+inline constexpr std::int32_t OLEIVERB_DISCARDUNDOSTATE = -6;
+inline constexpr std::int32_t OLEIVERB_PROPERTIES = -7;
+
+// The part of the embedded object's interface a container needs from this control:
+// its site and its verbs.
+class IImageEditObject : public IUnknown {
+ public:
+  // The site the control's dialogs (its property page, its About box) are shown
+  // through; null takes it away. The control holds a reference.
+  virtual HRESULT SetClientSite(IImageEditSite* site) = 0;
+  // OLEIVERB_PROPERTIES shows the property page; OLEIVERB_PRIMARY, _SHOW, _UIACTIVATE
+  // and _INPLACEACTIVATE answer S_OK once the control is active (IImageEditWindow)
+  // and OLE_E_NOT_INPLACEACTIVE before; _HIDE and _DISCARDUNDOSTATE do nothing;
+  // _OPEN is E_NOTIMPL (a control has no window of its own to open in), as is any
+  // other negative verb; a positive verb the control does not have is
+  // OLEOBJ_S_INVALIDVERB, doing nothing.
+  virtual HRESULT DoVerb(std::int32_t verb) = 0;
+
+ protected:
+  ~IImageEditObject() = default;
+};
+
+// A property page as its container drives it: it says its caption and size, shows
+// itself through the site the container gives it, and applies what was changed.
+class IImageEditPropertyPage : public IUnknown {
+ public:
+  // The site the page shows through; null takes it away. The page holds a reference.
+  virtual HRESULT SetPageSite(IImageEditSite* site) = 0;
+  // The caption (the caller frees it) and the size in pixels of the laid-out page.
+  virtual HRESULT GetPageInfo(BSTR* title, INT* width, INT* height) = 0;
+  // Shows the page modally through the site (without one, nobody sees it).
+  virtual HRESULT Show() = 0;
+  virtual HRESULT Apply() = 0;
+  // S_OK when something changed that Apply would store, S_FALSE otherwise.
+  virtual HRESULT IsPageDirty() = 0;
+
+ protected:
+  ~IImageEditPropertyPage() = default;
+};
+
+// ---- persistence ----
+
+class IErrorLog;  // never used by this module: hosts pass null
+
+// Named values a container keeps for an object, as a page's parameters keep them.
+class IPropertyBag : public IUnknown {
+ public:
+  // Reads `name` into *value; on entry value->vt is the type the reader wants (or
+  // VT_EMPTY for any). E_INVALIDARG when the bag has no such value.
+  virtual HRESULT Read(const OLECHAR* name, VARIANT* value, IErrorLog* log) = 0;
+  virtual HRESULT Write(const OLECHAR* name, VARIANT* value) = 0;
+
+ protected:
+  ~IPropertyBag() = default;
+};
+
+class IPersist : public IUnknown {
+ public:
+  virtual HRESULT GetClassID(CLSID* clsid) = 0;
+
+ protected:
+  ~IPersist() = default;
+};
+
+class IPersistPropertyBag : public IPersist {
+ public:
+  virtual HRESULT InitNew() = 0;
+  virtual HRESULT Load(IPropertyBag* bag, IErrorLog* log) = 0;
+  virtual HRESULT Save(IPropertyBag* bag, BOOL clearDirty, BOOL saveAllProperties) = 0;
+
+ protected:
+  ~IPersistPropertyBag() = default;
+};
+
 // ---- the module's entry points (its only exported functions) ----
 
 using DllGetClassObjectFunction = HRESULT (*)(REFCLSID clsid, REFIID riid, void** object);
@@ -362,7 +558,8 @@ using DllUnregisterServerFunction = HRESULT (*)();
 }  // namespace ocx
 
 extern "C" {
-// The class factory of the control; CLASS_E_CLASSNOTAVAILABLE for any other class.
+// The class factory of the control or of its property page; CLASS_E_CLASSNOTAVAILABLE
+// for any other class.
 ocx::HRESULT DllGetClassObject(ocx::REFCLSID clsid, ocx::REFIID riid, void** object);
 // S_OK when no object of the module and no lock is alive, S_FALSE otherwise.
 ocx::HRESULT DllCanUnloadNow();

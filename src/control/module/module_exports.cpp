@@ -2,15 +2,20 @@
 // defined in this one file so that they are made when the module loads in this order
 // and destroyed when it unloads in the reverse one.
 #include "control/module/boundary_guard.h"
-#include "control/module/control_class_factory.h"
+#include "control/module/class_factory.h"
+#include "control/module/control_object.h"
 #include "control/module/image_edit_ctrl_app.h"
+#include "control/module/image_edit_ctrl_prop_page.h"
 #include "control/module/module_abi.h"
 #include "control/module/registration.h"
 
 namespace {
 
 CImageEditCtrlApp theApp;
-ControlClassFactory theControlFactory;
+ClassFactory theControlFactory([]() -> ocx::IUnknown* {
+  return static_cast<ocx::IDispatch*>(new ControlObject());
+});
+ClassFactory thePropPageFactory([]() -> ocx::IUnknown* { return new CImageEditCtrlPropPage(); });
 
 }  // namespace
 
@@ -22,6 +27,7 @@ IE_MODULE_EXPORT ocx::HRESULT DllGetClassObject(ocx::REFCLSID clsid, ocx::REFIID
   if (object == nullptr) return ocx::E_POINTER;
   *object = nullptr;
   if (clsid == ocx::CLSID_ImageEditCtrl) return theControlFactory.QueryInterface(riid, object);
+  if (clsid == ocx::CLSID_ImageEditCtrlPropPage) return thePropPageFactory.QueryInterface(riid, object);
   return ocx::CLASS_E_CLASSNOTAVAILABLE;
 }
 
