@@ -15,6 +15,7 @@
 #include "control/module/registry/module_keys.h"
 #include "control/module/registry/registry_store.h"
 #include "control/module/registry/type_library.h"
+#include "resources/module_resources.h"
 #include "script_runner.h"
 
 namespace script {
@@ -130,6 +131,10 @@ int PrintRegistration(std::ostream& out, std::ostream& errors) {
     errors << "imageedit: " << error << '\n';
     return kExitFailure;
   }
+  const resources::ModuleVersion& version = resources::kModuleVersion;
+  out << "module " << version.internalName << " (" << version.originalFileName << ") version "
+      << version.parts[0] << '.' << version.parts[1] << '.' << version.parts[2] << '.' << version.parts[3]
+      << (version.selfRegistering ? ", self-registering" : "") << '\n';
   out << "registry " << path->string() << '\n';
   bool anyClass = false;
   for (const std::string& root : ClassKeyRoots()) anyClass = anyClass || !registry->Tree(root).empty();

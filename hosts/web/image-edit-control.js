@@ -306,9 +306,12 @@ export class ImageEditControl extends HTMLElement {
     const waiting = this.#waitingPasses;
     if (waiting === null) return;
     this.#waitingPasses = null;
-    for (const [name, args] of waiting) this.#control.invoke(name, args);
-    this.#keepTime();
-    this.#setBusy(-1);
+    try {
+      for (const [name, args] of waiting) this.#control.invoke(name, args);
+      this.#keepTime();
+    } finally {
+      this.#setBusy(-1);
+    }
   }
 
   // A Promise-returning call: after the calls before it, once the control exists; it

@@ -1,6 +1,7 @@
 #include "platform/dialog_resources.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <map>
@@ -17,6 +18,7 @@ struct ModuleResources {
   std::map<int, DialogTemplate> dialogs;
   std::map<int, std::string> strings;
   std::map<int, std::vector<CursorArtwork>> icons;
+  std::map<int, CursorArtwork> bitmaps;
 };
 
 ModuleResources& Resources() {
@@ -117,6 +119,7 @@ void RegisterStringResource(int id, std::string text) { Resources().strings[id] 
 void RegisterIconResource(int id, std::vector<CursorArtwork> images) {
   Resources().icons[id] = std::move(images);
 }
+void RegisterBitmapResource(int id, CursorArtwork picture) { Resources().bitmaps[id] = std::move(picture); }
 
 std::string LoadStringResource(int id) {
   const auto found = Resources().strings.find(id);
@@ -234,6 +237,18 @@ HBITMAP DrawDialogPicture(const DialogLayout& layout) {
 }
 
 }  // namespace platform
+
+HBITMAP LoadBitmapA(HINSTANCE /*instance*/, LPCSTR name) {
+  const auto id = static_cast<int>(reinterpret_cast<std::uintptr_t>(name));
+  const auto found = platform::Resources().bitmaps.find(id);
+  if (found == platform::Resources().bitmaps.end()) return nullptr;
+  const platform::CursorArtwork& picture = found->second;
+  // Rows of 0x00RRGGBB, as a 32-bit bitmap stores them.
+  std::vector<std::uint32_t> rows(picture.pixels.size());
+  std::transform(picture.pixels.begin(), picture.pixels.end(), rows.begin(),
+                 [](std::uint32_t argb) { return argb & 0xFFFFFF; });
+  return CreateBitmap(picture.width, picture.height, 1, 32, rows.data());
+}
 
 int LoadStringA(HINSTANCE /*instance*/, UINT id, LPSTR buffer, int size) {
   const auto found = platform::Resources().strings.find(static_cast<int>(id));

@@ -1,4 +1,4 @@
-// The module's dialogs, strings and icons as USER finds them: the resources layer
+// The module's dialogs, strings, icons and bitmaps as USER finds them: the resources layer
 // registers them at start-up, and they are then loaded by id as Windows loads a
 // module's resources. A dialog is laid out from its dialog units in the pixels of its
 // font, as Windows lays out a DS_SETFONT template, and shown through the host, which
@@ -44,6 +44,9 @@ struct DialogTemplate {
   std::vector<DialogItemTemplate> items;
 };
 
+// Bitmap resource `name` (MAKEINTRESOURCEA(id)) as a new bitmap the caller deletes;
+// null when the module has none.
+HBITMAP LoadBitmapA(HINSTANCE instance, LPCSTR name);
 // Copies string resource `id` into the buffer (cut to size - 1 bytes and terminated);
 // its length, or 0 when the module has no such string.
 int LoadStringA(HINSTANCE instance, UINT id, LPSTR buffer, int size);
@@ -54,6 +57,8 @@ void RegisterDialogResource(int id, DialogTemplate dialog);
 void RegisterStringResource(int id, std::string text);
 // An icon resource: one picture for each size it comes in.
 void RegisterIconResource(int id, std::vector<CursorArtwork> images);
+// A bitmap resource: an opaque picture (its alpha is ignored).
+void RegisterBitmapResource(int id, CursorArtwork picture);
 // The string resource, or empty when there is none.
 std::string LoadStringResource(int id);
 // The picture of icon `id` in the size closest to `size`; false when there is none.

@@ -1,7 +1,7 @@
 // The module's own resources besides the cursors: its strings, its two dialogs, its
 // icon and the toolbox bitmap a host's control palette shows. The pictures are drawn
 // here in the cursors' sixteen colours (cursor_file.h), one character a pixel, top row
-// first.
+// first; the bitmap, having no transparency, on silver.
 #include <array>
 #include <string_view>
 
@@ -12,34 +12,79 @@
 namespace resources {
 namespace {
 
+// clang-format off
 constexpr std::string_view kIcon32[] = {
-    "................................", "................................",
-    "############################....", "#CCCCCCCCCCCCCCCCCCCCCCCCCC#....",
-    "#CCCCCCCCCCCCCCCCCCCCCCCCCC#....", "#CCCCCCCCCCCCCCCCYCCCCCCCCC#....",
-    "#CCCCCCCCCCCCCCYYYYYCCCCCCC#....", "#CCCCCCCCCCCCCCYYYYYCCCCCCC#....",
-    "#CCCCCCCCCCCCCYYYYYYYCCCCCC#....", "#CCCCCCCCCCCCCCYYYYYCCCCCCC#....",
-    "#CCCCCCCCCCCCCCYYYYYCCCCCCC#....", "#CCCCCCCCCCCCCCCCYCCCgGgggg#....",
-    "#CCCCCCCCCCCCCCCCCCgggggGgg#....", "#gCCCCCCCCCCCCCCCggGggggggG#....",
-    "#gggCCCCCCCCCCCggggggGggggg#....", "#gGgggCCCCCCCgggGggggggGggg#....",
-    "#gggGgggCCCGggggggGggggggGg#.sss", "#gggggGggggggGggggggGgggggg#sss.",
-    "#GggggggGggggggGggggggGggggrRR..", "#ggGggggggGggggggGggggggGgrRR...",
-    "#ggggGggggggGggggggGgggggrRR....", "#ggggggGggggggGggggggGggrRR#....",
-    "#gGggggggGggggggGggggggrRRg#....", "#gggGggggggGggggggGgggrRRGg#....",
-    "#gggggGggggggGggggggGrRRggg#....", "#GggggggGggggggGggggrRRgggg#....",
-    "#ggGggggggGggggggGgrRRggGgg#....", "##################rRR#######....",
-    ".................rRR............", "................yyy.............",
-    "...............yyy..............", "..............#yy..............."};
+    "................................",
+    "................................",
+    "############################....",
+    "#CCCCCCCCCCCCCCCCCCCCCCCCCC#....",
+    "#CCCCCCCCCCCCCCCCCCCCCCCCCC#....",
+    "#CCCCCCCCCCCCCCCCYCCCCCCCCC#....",
+    "#CCCCCCCCCCCCCCYYYYYCCCCCCC#....",
+    "#CCCCCCCCCCCCCCYYYYYCCCCCCC#....",
+    "#CCCCCCCCCCCCCYYYYYYYCCCCCC#....",
+    "#CCCCCCCCCCCCCCYYYYYCCCCCCC#....",
+    "#CCCCCCCCCCCCCCYYYYYCCCCCCC#....",
+    "#CCCCCCCCCCCCCCCCYCCCgGgggg#....",
+    "#CCCCCCCCCCCCCCCCCCgggggGgg#....",
+    "#gCCCCCCCCCCCCCCCggGggggggG#....",
+    "#gggCCCCCCCCCCCggggggGggggg#....",
+    "#gGgggCCCCCCCgggGggggggGggg#....",
+    "#gggGgggCCCGggggggGggggggGg#.sss",
+    "#gggggGggggggGggggggGgggggg#sss.",
+    "#GggggggGggggggGggggggGggggrRR..",
+    "#ggGggggggGggggggGggggggGgrRR...",
+    "#ggggGggggggGggggggGgggggrRR....",
+    "#ggggggGggggggGggggggGggrRR#....",
+    "#gGggggggGggggggGggggggrRRg#....",
+    "#gggGggggggGggggggGgggrRRGg#....",
+    "#gggggGggggggGggggggGrRRggg#....",
+    "#GggggggGggggggGggggrRRgggg#....",
+    "#ggGggggggGggggggGgrRRggGgg#....",
+    "##################rRR#######....",
+    ".................rRR............",
+    "................yyy.............",
+    "...............yyy..............",
+    "..............#yy...............",
+};
 
 constexpr std::string_view kIcon16[] = {
-    "................", "##############..", "#CCCCCCCYCCCC#..", "#CCCCCCYYYCCC#..",
-    "#CCCCCYYYYYCC#..", "#CCCCCCYYYCCC#..", "#CCCCCCCggggG#..", "#ggCCCgGggggg#..",
-    "#gGggggggGggg#ss", "#gggGggggggGgss.", "#gggggGgggggrR..", "#GggggggGggrR#..",
-    "#ggGggggggrRg#..", "#########rR###..", "........yy......", ".......#y......."};
+    "................",
+    "##############..",
+    "#CCCCCCCYCCCC#..",
+    "#CCCCCCYYYCCC#..",
+    "#CCCCCYYYYYCC#..",
+    "#CCCCCCYYYCCC#..",
+    "#CCCCCCCggggG#..",
+    "#ggCCCgGggggg#..",
+    "#gGggggggGggg#ss",
+    "#gggGggggggGgss.",
+    "#gggggGgggggrR..",
+    "#GggggggGggrR#..",
+    "#ggGggggggrRg#..",
+    "#########rR###..",
+    "........yy......",
+    ".......#y.......",
+};
 
 constexpr std::string_view kToolbox[] = {
-    "................", "##############..", "#CCCCCCCYCCCC#..", "#CCCCCCYYYCCC#..", "#CCCCCYYYYYCC#..",
-    "#CCCCCCYYYCCC#..", "#CCCCCCCggggG#..", "#ggCCCgGggggg#ss", "#gGggggggGgggss.", "#gggGggggggGrR..",
-    "#gggggGggggrR#..", "#GggggggGgrRg#..", "#########rR###..", "........yy......", ".......#y......."};
+    "ssssssssssssssss",
+    "##############ss",
+    "#CCCCCCCYCCCC#ss",
+    "#CCCCCCYYYCCC#ss",
+    "#CCCCCYYYYYCC#ss",
+    "#CCCCCCYYYCCC#ss",
+    "#CCCCCCCggggG#ss",
+    "#ggCCCgGggggg#ss",
+    "#gGggggggGgggsss",
+    "#gggGggggggGrRss",
+    "#gggggGggggrR#ss",
+    "#GggggggGgrRg#ss",
+    "#########rR###ss",
+    "ssssssssyyssssss",
+    "sssssss#ysssssss",
+};
+// clang-format on
 
 // Every row as wide as the picture, in palette characters only.
 template <std::size_t N>
@@ -102,9 +147,7 @@ DialogTemplate PropertyPageDialog() {
 
 }  // namespace
 
-platform::CursorArtwork ToolboxBitmap() { return Artwork(kToolbox); }
-
-void RegisterDialogsStringsAndIcon() {
+void RegisterStringsDialogsAndPictures() {
   platform::RegisterStringResource(kControlTypeNameString, "Image Edit Control");
   platform::RegisterStringResource(kPropertyPageTypeNameString, "Image Edit Control Property Page");
   platform::RegisterStringResource(kPropertyPageCaptionString, "General");
@@ -112,6 +155,7 @@ void RegisterDialogsStringsAndIcon() {
   platform::RegisterDialogResource(kAboutDialogId, AboutDialog());
   platform::RegisterDialogResource(kPropertyPageDialogId, PropertyPageDialog());
   platform::RegisterIconResource(kModuleIconId, {Artwork(kIcon32), Artwork(kIcon16)});
+  platform::RegisterBitmapResource(kToolboxBitmapId, Artwork(kToolbox));
 }
 
 }  // namespace resources

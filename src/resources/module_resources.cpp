@@ -60,7 +60,7 @@ void RegisterModuleResources() {
       }
       platform::RegisterCursorResource(file.header.id, std::move(artwork));
     }
-    resources::RegisterDialogsStringsAndIcon();
+    resources::RegisterStringsDialogsAndPictures();
     return true;
   }();
   (void)registered;

@@ -38,10 +38,9 @@ inline constexpr ModuleVersion kModuleVersion{{1, 1, 0, 1},
                                               "Image Edit Control",
                                               true};
 
-// The toolbox bitmap (16 x 15, the cursors' sixteen colours), for a host's palette.
-platform::CursorArtwork ToolboxBitmap();
-// Registers the strings, the two dialogs and the icon with the platform.
-void RegisterDialogsStringsAndIcon();
+// Registers the strings, the two dialogs, the icon and the toolbox bitmap (16 x 15, for
+// a container's palette of controls) with the platform.
+void RegisterStringsDialogsAndPictures();
 
 }  // namespace resources
 

@@ -122,6 +122,19 @@ TEST_F(DialogResourcesTest, ThePictureShowsTheFrameCaptionIconTextAndDefaultButt
   EXPECT_NE(client(cancel.left, cancel.top + 5), RGB(0, 0, 0));
 }
 
+TEST(BitmapResources, LoadBitmapMakesANewOpaqueBitmapOfTheRegisteredPicture) {
+  platform::RegisterBitmapResource(7005, RedIcon(4));
+  const platform::OwnedBitmap first(LoadBitmapA(nullptr, MAKEINTRESOURCEA(7005)));
+  const platform::OwnedBitmap second(LoadBitmapA(nullptr, MAKEINTRESOURCEA(7005)));
+  ASSERT_TRUE(first && second);
+  EXPECT_NE(first.get(), second.get());
+  const std::vector<COLORREF> pixels = BitmapColors(first.get());
+  ASSERT_EQ(pixels.size(), 16u);
+  EXPECT_EQ(pixels[0], RGB(0, 0, 0));  // transparent in the picture: black, as alpha is ignored
+  EXPECT_EQ(pixels[15], RGB(0xFF, 0, 0));
+  EXPECT_EQ(LoadBitmapA(nullptr, MAKEINTRESOURCEA(7006)), nullptr);
+}
+
 TEST(StringResources, LoadStringCopiesCutsAndTerminates) {
   platform::RegisterStringResource(7003, "Image Edit Control");
   char buffer[8];
