@@ -27,8 +27,6 @@ class PackedRows {
   // `count` rows of `width` pixels, `step` pixels apart. Throws std::bad_alloc, also
   // when the packed rows do not fit the graphics-memory budget.
   PackedRows(const std::uint32_t* rows, std::size_t step, int width, int count);
-  // Same, for the exclusive or of two sets of rows: what turns either into the other.
-  PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size_t step, int width, int count);
   PackedRows(const PackedRows&) = delete;
   PackedRows& operator=(const PackedRows&) = delete;
   ~PackedRows();
