@@ -1,9 +1,9 @@
-// Rows of 32-bit pixels that are mostly zero, kept as a bit per pixel telling which
-// are not and those pixels in order, packed as runs. A spray changes scattered dots
-// over much of a layer: the exclusive or of two of its states is zero between the
-// dots, which runs pack poorly (a piece for every gap), while a bit per pixel and one
-// repeated colour cost a few kilobytes a band. Writing the rows into pixels touches
-// only the pixels that are not zero.
+// Rows of 32-bit pixels that are mostly one pixel (the background), kept as a bit per
+// pixel telling which are not and those pixels in order, packed as runs. A spray
+// leaves scattered dots over much of a layer: runs pack that poorly (a piece for every
+// gap between dots), while a bit per pixel and the dots' one colour cost a few
+// kilobytes a band. The exclusive or of two states of a layer is such rows too, with
+// a background of 0; writing it into pixels touches only the pixels that change.
 #pragma once
 
 #include <cstddef>
@@ -18,9 +18,9 @@ namespace platform::raster {
 
 class MaskedRows {
  public:
-  // `count` rows of `width` pixels, `step` pixels apart. Throws std::bad_alloc, also
-  // when the rows do not fit the graphics-memory budget.
-  MaskedRows(const std::uint32_t* rows, std::size_t step, int width, int count);
+  // `count` rows of `width` pixels, `step` pixels apart, against `background`. Throws
+  // std::bad_alloc, also when the rows do not fit the graphics-memory budget.
+  MaskedRows(const std::uint32_t* rows, std::size_t step, int width, int count, std::uint32_t background = 0);
   MaskedRows(const MaskedRows&) = delete;
   MaskedRows& operator=(const MaskedRows&) = delete;
   ~MaskedRows();
@@ -28,18 +28,29 @@ class MaskedRows {
   // What the mask alone of that many rows costs: below it, runs are the smaller form.
   static std::size_t MaskBytes(int width, int count);
 
-  // Exclusive-ors the rows into `out` (rows `step` pixels apart), visiting only the
-  // pixels that are not zero.
+  // The pixel that occurs in more than half of a row's `width` pixels, if one does;
+  // otherwise one of them. The first row of a band tells its background well enough.
+  static std::uint32_t MostPixels(const std::uint32_t* row, int width);
+
+  // Writes the rows to `out` (rows `step` pixels apart).
+  void Unpack(std::uint32_t* out, std::size_t step) const;
+  // Exclusive-ors the rows into `out`: with a background of 0, only the pixels that
+  // are not the background are visited.
   void XorInto(std::uint32_t* out, std::size_t step) const;
-  bool AllZero() const { return values_ == nullptr; }
+  bool AllZero() const { return background_ == 0 && values_ == nullptr; }
 
   int width() const { return width_; }
   int rows() const { return rows_; }
   std::size_t bytes() const { return counted_; }
 
  private:
+  // Calls visit(pixel, value) for each pixel that is not the background, in order.
+  template <typename Visit>
+  void ForEachValue(std::uint32_t* out, std::size_t step, Visit visit) const;
+
   int width_;
   int rows_;
+  std::uint32_t background_;
   std::size_t wordsPerRow_;
   std::vector<std::uint64_t> mask_;  // row by row; bit x % 64 of word x / 64 for pixel x
   // The pixels that are not zero, in row order, as one packed row; none when all are.

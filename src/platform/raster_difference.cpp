@@ -80,10 +80,20 @@ Difference Difference::Between(const Raster& a, const Raster& b) {
 }
 
 void Difference::ApplyTo(Raster& raster) const {
+  Scratch scratch;
   for (const Band& band : bands_) {
-    // A compact raster's band known packed takes runs as runs.
-    if (band.runs && raster.compact() && raster.BandPacked(band.index)) {
-      raster.SetBandPacked(band.index, PackedRows::Xor(*raster.BandPacked(band.index), *band.runs));
+    if (raster.compact() && !raster.pinned()) {
+      // A band known packed takes runs as runs. Others change in a scratch band and go
+      // back packed where that pays: a kept band is not given rows of its own only to
+      // be packed again.
+      if (band.runs && raster.BandPacked(band.index)) {
+        raster.SetBandPacked(band.index, PackedRows::Xor(*raster.BandPacked(band.index), *band.runs));
+        continue;
+      }
+      std::uint32_t* rows = BandBuffer(scratch, raster.width);
+      raster.ReadBand(band.index, rows);
+      band.XorInto(rows, static_cast<std::size_t>(raster.width));
+      raster.ReplaceBand(band.index, rows);
       continue;
     }
     std::uint32_t* rows = raster.MutableRow(band.index << kBandShift);
