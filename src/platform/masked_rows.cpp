@@ -27,13 +27,16 @@ std::uint32_t MaskedRows::MostPixels(const std::uint32_t* row, int width) {
   return candidate;
 }
 
-MaskedRows::MaskedRows(const std::uint32_t* rows, std::size_t step, int width, int count,
-                       std::uint32_t background)
+MaskedRows::MaskedRows(int width, int count, std::uint32_t background)
     : width_(width),
       rows_(count),
       background_(background),
       wordsPerRow_((static_cast<std::size_t>(width) + kMaskBits - 1) / kMaskBits),
-      mask_(wordsPerRow_ * static_cast<std::size_t>(count), 0) {
+      mask_(wordsPerRow_ * static_cast<std::size_t>(count), 0) {}
+
+MaskedRows::MaskedRows(const std::uint32_t* rows, std::size_t step, int width, int count,
+                       std::uint32_t background)
+    : MaskedRows(width, count, background) {
   // Every pixel is stored once and counted only when it is not the background, so the
   // loop has no branch on the pixels.
   std::vector<std::uint32_t> values(static_cast<std::size_t>(width) * static_cast<std::size_t>(count));
@@ -49,11 +52,65 @@ MaskedRows::MaskedRows(const std::uint32_t* rows, std::size_t step, int width, i
       found += set;
     }
   }
-  charge_.AddOrThrow(mask_.size() * sizeof(std::uint64_t));
+  Finish(values, found);
+}
+
+void MaskedRows::Finish(std::vector<std::uint32_t>& values, std::size_t found) {
+  const std::size_t maskBytes = mask_.size() * sizeof(std::uint64_t);
+  charge_.AddOrThrow(maskBytes);
   if (found > 0)
     values_ = std::make_unique<const PackedRows>(values.data(), found, static_cast<int>(found), 1);
-  counted_ = mask_.size() * sizeof(std::uint64_t) + (values_ ? values_->bytes() : 0);
-  CountPixelStorage(static_cast<std::ptrdiff_t>(mask_.size() * sizeof(std::uint64_t)));
+  counted_ = maskBytes + (values_ ? values_->bytes() : 0);
+  CountPixelStorage(static_cast<std::ptrdiff_t>(maskBytes));
+}
+
+std::vector<std::uint32_t> MaskedRows::Values() const {
+  const std::size_t count = values_ ? static_cast<std::size_t>(values_->width()) : 0;
+  std::vector<std::uint32_t> values(count + 1, 0);
+  if (values_) values_->Unpack(values.data(), count);
+  return values;
+}
+
+std::shared_ptr<const MaskedRows> MaskedRows::Xor(const MaskedRows& kept, const MaskedRows& change) {
+  std::shared_ptr<MaskedRows> result(new MaskedRows(kept.width_, kept.rows_, kept.background_));
+  const std::vector<std::uint32_t> keptValues = kept.Values();
+  const std::vector<std::uint32_t> changeValues = change.Values();
+  std::vector<std::uint32_t> values(keptValues.size() + changeValues.size());
+  const std::uint32_t* from = keptValues.data();
+  const std::uint32_t* by = changeValues.data();
+  std::size_t found = 0;
+  const std::uint32_t background = kept.background_;
+  for (std::size_t w = 0; w < kept.mask_.size(); ++w) {
+    const std::uint64_t keptBits = kept.mask_[w];
+    const std::uint64_t changeBits = change.mask_[w];
+    if (changeBits == 0) {
+      // The word's pixels stay as they are.
+      const auto count = static_cast<std::size_t>(std::popcount(keptBits));
+      std::copy_n(from, count, values.data() + found);
+      from += count;
+      found += count;
+      result->mask_[w] = keptBits;
+      continue;
+    }
+    // Without branches on the bits, which follow no pattern: each stream is read
+    // whether or not the pixel has a value there (the vectors have one to spare).
+    std::uint64_t resultBits = 0;
+    for (std::uint64_t either = keptBits | changeBits; either != 0; either &= either - 1) {
+      const int at = std::countr_zero(either);
+      const auto inKept = static_cast<std::uint32_t>((keptBits >> at) & 1);
+      const auto inChange = static_cast<std::uint32_t>((changeBits >> at) & 1);
+      const std::uint32_t pixel = (inKept ? *from : background) ^ (*by & (0u - inChange));
+      from += inKept;
+      by += inChange;
+      const auto set = static_cast<std::uint64_t>(pixel != background);
+      resultBits |= set << at;
+      values[found] = pixel;
+      found += set;
+    }
+    result->mask_[w] = resultBits;
+  }
+  result->Finish(values, found);
+  return result;
 }
 
 MaskedRows::~MaskedRows() {

@@ -28,6 +28,12 @@ class MaskedRows {
   // What the mask alone of that many rows costs: below it, runs are the smaller form.
   static std::size_t MaskBytes(int width, int count);
 
+  // Rows as `kept` has them, each pixel exclusive-ored with that of `change` (rows of
+  // one size with a background of 0), without unpacking either: the cost goes with
+  // the pixels that are not the background, not with the rows' size. Throws
+  // std::bad_alloc.
+  static std::shared_ptr<const MaskedRows> Xor(const MaskedRows& kept, const MaskedRows& change);
+
   // The pixel that occurs in more than half of a row's `width` pixels, if one does;
   // otherwise one of them. The first row of a band tells its background well enough.
   static std::uint32_t MostPixels(const std::uint32_t* row, int width);
@@ -44,6 +50,12 @@ class MaskedRows {
   std::size_t bytes() const { return counted_; }
 
  private:
+  MaskedRows(int width, int count, std::uint32_t background);
+  // Counts and charges the rows once built.
+  void Finish(std::vector<std::uint32_t>& values, std::size_t found);
+  // The pixels that are not the background, in order, and a 0 after them.
+  std::vector<std::uint32_t> Values() const;
+
   // Calls visit(pixel, value) for each pixel that is not the background, in order.
   template <typename Visit>
   void ForEachValue(std::uint32_t* out, std::size_t step, Visit visit) const;

@@ -86,6 +86,10 @@ Raster::Band Raster::MaskedOnly(std::shared_ptr<const MaskedRows> masked) const 
   return band;
 }
 
+void Raster::SetBandMasked(int band, std::shared_ptr<const MaskedRows> masked) {
+  bands_[static_cast<std::size_t>(band)] = MaskedOnly(std::move(masked));
+}
+
 void Raster::SetBandPacked(int band, std::shared_ptr<const PackedRows> packed) {
   bands_[static_cast<std::size_t>(band)] = PackedOnly(std::move(packed));
 }

@@ -128,8 +128,14 @@ class Raster {
   const std::shared_ptr<const PackedRows>& BandPacked(int band) const {
     return bands_[static_cast<std::size_t>(band)].packed;
   }
+  // Band `band` masked, when that is known; null otherwise.
+  const std::shared_ptr<const MaskedRows>& BandMasked(int band) const {
+    return bands_[static_cast<std::size_t>(band)].masked;
+  }
   // Band `band` becomes `packed` (of the band's size), stored packed.
   void SetBandPacked(int band, std::shared_ptr<const PackedRows> packed);
+  // The same, stored masked.
+  void SetBandMasked(int band, std::shared_ptr<const MaskedRows> masked);
   // Band `band` becomes the pixels of `rows` (rows `width` apart), kept as a compact
   // raster keeps a band: packed where that pays. For a writer that works on a band
   // elsewhere and puts it back whole, so the band's old storage is never copied.

@@ -83,11 +83,15 @@ void Difference::ApplyTo(Raster& raster) const {
   Scratch scratch;
   for (const Band& band : bands_) {
     if (raster.compact() && !raster.pinned()) {
-      // A band known packed takes runs as runs. Others change in a scratch band and go
-      // back packed where that pays: a kept band is not given rows of its own only to
-      // be packed again.
+      // A band known packed takes runs as runs, and one known masked a mask as a mask.
+      // Others change in a scratch band and go back packed where that pays: a kept band
+      // is not given rows of its own only to be packed again.
       if (band.runs && raster.BandPacked(band.index)) {
         raster.SetBandPacked(band.index, PackedRows::Xor(*raster.BandPacked(band.index), *band.runs));
+        continue;
+      }
+      if (band.masked && raster.BandMasked(band.index)) {
+        raster.SetBandMasked(band.index, MaskedRows::Xor(*raster.BandMasked(band.index), *band.masked));
         continue;
       }
       std::uint32_t* rows = BandBuffer(scratch, raster.width);

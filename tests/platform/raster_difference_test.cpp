@@ -149,6 +149,44 @@ TEST(MaskedRows, ChangeExactlyThePixelsTheyHold) {
   }
 }
 
+// Masked against a background that is not 0 (a layer's key colour), and changed by
+// masked differences without unpacking: whatever the two masks hold in each word.
+TEST(MaskedRows, KeepAnyBackgroundAndTakeAMaskedChange) {
+  std::mt19937 random(21);
+  for (const int width : {1, 63, 64, 65, 200}) {
+    SCOPED_TRACE(width);
+    const int rows = 1 + static_cast<int>(random() % 16);
+    const auto step = static_cast<std::size_t>(width);
+    const std::uint32_t key = 0xFF00FF;
+    std::vector<std::uint32_t> layer =
+        Dotted(random, width, rows, 0x0000FF, [&](int, int) { return random() % 3 == 0; });
+    for (auto& pixel : layer) pixel = pixel ? pixel : key;
+    EXPECT_EQ(MaskedRows::MostPixels(layer.data(), width), width < 3 ? layer[0] : key);
+    const MaskedRows kept(layer.data(), step, width, rows, key);
+    std::vector<std::uint32_t> out(layer.size(), 7);
+    kept.Unpack(out.data(), step);
+    EXPECT_EQ(out, layer);
+    EXPECT_FALSE(kept.AllZero());
+
+    for (int round = 0; round < 4; ++round) {
+      // Some changes turn pixels into the key, some the key into dots, some none.
+      const std::vector<std::uint32_t> change =
+          Dotted(random, width, rows, 0, [&](int, int) { return random() % (2 + round) == 0; });
+      std::vector<std::uint32_t> expected = layer;
+      for (std::size_t i = 0; i < expected.size(); ++i) expected[i] ^= change[i];
+      const MaskedRows masked(change.data(), step, width, rows);
+      const auto changed = MaskedRows::Xor(kept, masked);
+      changed->Unpack(out.data(), step);
+      EXPECT_EQ(out, expected);
+      // Undone, it is the kept rows again.
+      const auto back = MaskedRows::Xor(*changed, masked);
+      back->Unpack(out.data(), step);
+      EXPECT_EQ(out, layer);
+      EXPECT_EQ(back->bytes(), kept.bytes());
+    }
+  }
+}
+
 TEST(MaskedRows, ASprayOfOneColourCostsItsMaskAndAFewWords) {
   std::mt19937 random(8);
   const int width = 4000;
