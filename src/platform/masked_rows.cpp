@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace platform::raster {
 
@@ -16,13 +17,13 @@ std::size_t MaskedRows::MaskBytes(int width, int count) {
          sizeof(std::uint64_t);
 }
 
-std::uint32_t MaskedRows::MostPixels(const std::uint32_t* row, int width) {
+std::uint32_t MaskedRows::MostPixels(const std::uint32_t* pixels, int count) {
   // Boyer and Moore's majority vote.
-  std::uint32_t candidate = row[0];
+  std::uint32_t candidate = pixels[0];
   int votes = 0;
-  for (int x = 0; x < width; ++x) {
-    if (votes == 0) candidate = row[x];
-    votes += row[x] == candidate ? 1 : -1;
+  for (int i = 0; i < count; ++i) {
+    if (votes == 0) candidate = pixels[i];
+    votes += pixels[i] == candidate ? 1 : -1;
   }
   return candidate;
 }
@@ -71,7 +72,43 @@ std::vector<std::uint32_t> MaskedRows::Values() const {
   return values;
 }
 
+std::shared_ptr<const MaskedRows> MaskedRows::XorOfTwoPixels(const MaskedRows& kept, const MaskedRows& change,
+                                                             std::uint32_t dot) {
+  // A dot where exactly one of the two has its bit: a change over a dot clears it.
+  std::vector<std::uint64_t> mask(kept.mask_.size());
+  std::size_t found = 0;
+  for (std::size_t w = 0; w < mask.size(); ++w) {
+    mask[w] = kept.mask_[w] ^ change.mask_[w];
+    found += static_cast<std::size_t>(std::popcount(mask[w]));
+  }
+  // Once the dots are most of the pixels, they are the background and the rest the
+  // dots: the mask turns over.
+  std::uint32_t background = kept.background_;
+  const std::size_t pixels = static_cast<std::size_t>(kept.width_) * static_cast<std::size_t>(kept.rows_);
+  if (found * 2 > pixels) {
+    const int lastBits = kept.width_ % kMaskBits;
+    const std::uint64_t lastWord = lastBits ? (std::uint64_t{1} << lastBits) - 1 : ~std::uint64_t{0};
+    for (std::size_t w = 0; w < mask.size(); ++w)
+      mask[w] = ~mask[w] & ((w + 1) % kept.wordsPerRow_ == 0 ? lastWord : ~std::uint64_t{0});
+    std::swap(background, dot);
+    found = pixels - found;
+  }
+  std::shared_ptr<MaskedRows> result(new MaskedRows(kept.width_, kept.rows_, background));
+  result->mask_ = std::move(mask);
+  std::vector<std::uint32_t> values(found, dot);
+  result->Finish(values, found);
+  return result;
+}
+
 std::shared_ptr<const MaskedRows> MaskedRows::Xor(const MaskedRows& kept, const MaskedRows& change) {
+  // A layer of one colour with dots of another, as a spray of one colour leaves it.
+  std::uint32_t keptValue = 0, changeValue = 0;
+  if (change.values_ && change.values_->OneValue(&changeValue)) {
+    const std::uint32_t dot = kept.background_ ^ changeValue;
+    if (!kept.values_ || (kept.values_->OneValue(&keptValue) && keptValue == dot)) {
+      return XorOfTwoPixels(kept, change, dot);
+    }
+  }
   std::shared_ptr<MaskedRows> result(new MaskedRows(kept.width_, kept.rows_, kept.background_));
   const std::vector<std::uint32_t> keptValues = kept.Values();
   const std::vector<std::uint32_t> changeValues = change.Values();
@@ -110,7 +147,22 @@ std::shared_ptr<const MaskedRows> MaskedRows::Xor(const MaskedRows& kept, const 
     result->mask_[w] = resultBits;
   }
   result->Finish(values, found);
-  return result;
+  return result->Mostly() ? result : result->Rebased();
+}
+
+bool MaskedRows::Mostly() const {
+  const std::size_t pixels = static_cast<std::size_t>(width_) * static_cast<std::size_t>(rows_);
+  return !values_ || static_cast<std::size_t>(values_->width()) * 2 <= pixels;
+}
+
+std::shared_ptr<const MaskedRows> MaskedRows::Rebased() const {
+  const std::size_t pixels = static_cast<std::size_t>(width_) * static_cast<std::size_t>(rows_);
+  std::vector<std::uint32_t> rows(pixels);
+  const auto step = static_cast<std::size_t>(width_);
+  Unpack(rows.data(), step);
+  // Told from every pixel, not the first row: that row may be as unlike the rest.
+  return std::make_shared<const MaskedRows>(rows.data(), step, width_, rows_,
+                                            MostPixels(rows.data(), static_cast<int>(pixels)));
 }
 
 MaskedRows::~MaskedRows() {

@@ -34,9 +34,9 @@ class MaskedRows {
   // std::bad_alloc.
   static std::shared_ptr<const MaskedRows> Xor(const MaskedRows& kept, const MaskedRows& change);
 
-  // The pixel that occurs in more than half of a row's `width` pixels, if one does;
-  // otherwise one of them. The first row of a band tells its background well enough.
-  static std::uint32_t MostPixels(const std::uint32_t* row, int width);
+  // The pixel that occurs in more than half of `count` pixels, if one does; otherwise
+  // one of them. A band's first row mostly tells its background well enough.
+  static std::uint32_t MostPixels(const std::uint32_t* pixels, int count);
 
   // Writes the rows to `out` (rows `step` pixels apart).
   void Unpack(std::uint32_t* out, std::size_t step) const;
@@ -44,6 +44,8 @@ class MaskedRows {
   // are not the background are visited.
   void XorInto(std::uint32_t* out, std::size_t step) const;
   bool AllZero() const { return background_ == 0 && values_ == nullptr; }
+  // Whether at most half of the pixels are not the background.
+  bool Mostly() const;
 
   int width() const { return width_; }
   int rows() const { return rows_; }
@@ -53,6 +55,12 @@ class MaskedRows {
   MaskedRows(int width, int count, std::uint32_t background);
   // Counts and charges the rows once built.
   void Finish(std::vector<std::uint32_t>& values, std::size_t found);
+  // Xor for rows of two pixels, the background and `dot`, changed by a change that
+  // turns one into the other: word by word, whatever the number of dots.
+  static std::shared_ptr<const MaskedRows> XorOfTwoPixels(const MaskedRows& kept, const MaskedRows& change,
+                                                          std::uint32_t dot);
+  // The same rows masked against another background, when most pixels are not it.
+  std::shared_ptr<const MaskedRows> Rebased() const;
   // The pixels that are not the background, in order, and a 0 after them.
   std::vector<std::uint32_t> Values() const;
 

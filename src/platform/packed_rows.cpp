@@ -156,6 +156,21 @@ std::shared_ptr<const PackedRows> PackedRows::Xor(const PackedRows& a, const Pac
   return result;
 }
 
+bool PackedRows::OneValue(std::uint32_t* pixel) const {
+  if (words_.size() < 2) return false;
+  const std::uint32_t first = words_[1];
+  bool one = true;
+  for (int r = 0; r < rows_ && one; ++r) {
+    ForEachPiece(r, [&](int, int count, const std::uint32_t* pixels, bool repeated) {
+      one = one && (repeated ? *pixels == first : std::all_of(pixels, pixels + count, [&](std::uint32_t p) {
+              return p == first;
+            }));
+    });
+  }
+  if (one) *pixel = first;
+  return one;
+}
+
 PackedRows::~PackedRows() { CountPixelStorage(-static_cast<std::ptrdiff_t>(counted_)); }
 
 void PackedRows::PackRow(const std::uint32_t* row) {

@@ -41,6 +41,8 @@ class PackedRows {
   void XorInto(std::uint32_t* out, std::size_t step) const;
   // Whether every pixel is 0 (an exclusive or of equal rows).
   bool AllZero() const { return allZero_; }
+  // Whether every pixel is one pixel, which is then stored in `pixel`.
+  bool OneValue(std::uint32_t* pixel) const;
   // Calls visit(x, count, pixels, repeated) for each piece of row `row` in order:
   // `pixels` points at the one repeated pixel or at the `count` literal ones.
   template <typename Visit>

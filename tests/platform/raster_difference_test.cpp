@@ -184,6 +184,25 @@ TEST(MaskedRows, KeepAnyBackgroundAndTakeAMaskedChange) {
       EXPECT_EQ(out, layer);
       EXPECT_EQ(back->bytes(), kept.bytes());
     }
+
+    // Sprays of the dots' colour and their undoing, word by word: once the dots are
+    // most pixels the mask turns over, and every pixel still reads right.
+    std::shared_ptr<const MaskedRows> sprayed =
+        std::make_shared<const MaskedRows>(layer.data(), step, width, rows, key);
+    std::vector<std::uint32_t> expected = layer;
+    for (int round = 0; round < 6; ++round) {
+      std::vector<std::uint32_t> change(layer.size(), 0);
+      for (std::size_t i = 0; i < change.size(); ++i) {
+        const bool dotted = expected[i] != key;
+        if (random() % 3 == 0 && (round < 4 ? !dotted : dotted)) change[i] = key ^ 0x0000FF;
+      }
+      for (std::size_t i = 0; i < expected.size(); ++i) expected[i] ^= change[i];
+      if (std::all_of(change.begin(), change.end(), [](std::uint32_t p) { return p == 0; })) continue;
+      sprayed = MaskedRows::Xor(*sprayed, MaskedRows(change.data(), step, width, rows));
+      sprayed->Unpack(out.data(), step);
+      ASSERT_EQ(out, expected) << round;
+      EXPECT_TRUE(sprayed->Mostly());
+    }
   }
 }
 
