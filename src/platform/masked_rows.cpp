@@ -17,6 +17,15 @@ std::size_t MaskedRows::MaskBytes(int width, int count) {
          sizeof(std::uint64_t);
 }
 
+bool MaskedRows::BeatsRuns(const std::uint32_t* rows, std::size_t step, int width, int count) {
+  std::size_t changes = 0;
+  for (int r = 0; r < count; ++r) {
+    const std::uint32_t* row = rows + static_cast<std::size_t>(r) * step;
+    for (int x = 1; x < width; ++x) changes += row[x] != row[x - 1];
+  }
+  return changes * 2 * sizeof(std::uint32_t) > MaskBytes(width, count);
+}
+
 std::uint32_t MaskedRows::MostPixels(const std::uint32_t* pixels, int count) {
   // Boyer and Moore's majority vote.
   std::uint32_t candidate = pixels[0];

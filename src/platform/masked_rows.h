@@ -27,6 +27,10 @@ class MaskedRows {
 
   // What the mask alone of that many rows costs: below it, runs are the smaller form.
   static std::size_t MaskBytes(int width, int count);
+  // Whether runs of these rows (`step` apart) would cost at least a mask: each place
+  // where a row changes pixel costs runs a word or two, and a mask a bit a pixel
+  // whatever the pixels.
+  static bool BeatsRuns(const std::uint32_t* rows, std::size_t step, int width, int count);
 
   // Rows as `kept` has them, each pixel exclusive-ored with that of `change` (rows of
   // one size with a background of 0), without unpacking either: the cost goes with

@@ -167,16 +167,9 @@ Raster::Band Raster::Kept(Band& from, int rows) const {
 }
 
 bool Raster::PackWherePays(const std::uint32_t* rows, std::size_t step, int count, Band& band) const {
-  // Each place where a row changes pixel costs runs a word or two, and a mask costs a
-  // bit a pixel whatever the pixels: runs are tried where they must be the smaller.
-  std::size_t changes = 0;
-  for (int r = 0; r < count; ++r) {
-    const std::uint32_t* row = rows + static_cast<std::size_t>(r) * step;
-    for (int x = 1; x < width; ++x) changes += row[x] != row[x - 1];
-  }
   // Packing pays when it saves at least half of the rows.
   const std::size_t half = static_cast<std::size_t>(count) * width * sizeof(std::uint32_t) / 2;
-  if (changes * 2 * sizeof(std::uint32_t) <= MaskedRows::MaskBytes(width, count)) {
+  if (!MaskedRows::BeatsRuns(rows, step, width, count)) {
     auto packed = std::make_shared<const PackedRows>(rows, step, width, count);
     if (packed->bytes() > half) return false;
     band.packed = std::move(packed);

@@ -25,6 +25,9 @@ void Difference::Band::XorInto(std::uint32_t* out, std::size_t step) const {
 Difference::Band Difference::Smaller(int index, const std::uint32_t* rows, int width, int count,
                                      std::shared_ptr<const PackedRows> runs) {
   const auto step = static_cast<std::size_t>(width);
+  // Rows that change too often along them for runs are masked without trying runs.
+  if (!runs && MaskedRows::BeatsRuns(rows, step, width, count))
+    return Band{index, nullptr, std::make_shared<const MaskedRows>(rows, step, width, count)};
   if (!runs) runs = std::make_shared<const PackedRows>(rows, step, width, count);
   // Runs that cost less than a mask would are kept without trying one.
   if (runs->bytes() <= MaskedRows::MaskBytes(width, count)) return Band{index, std::move(runs), nullptr};
