@@ -156,10 +156,10 @@ std::shared_ptr<const MaskedRows> MaskedRows::Xor(const MaskedRows& kept, const 
     result->mask_[w] = resultBits;
   }
   result->Finish(values, found);
-  return result->Mostly() ? result : result->Rebased();
+  return result->MostlyBackground() ? result : result->Rebased();
 }
 
-bool MaskedRows::Mostly() const {
+bool MaskedRows::MostlyBackground() const {
   const std::size_t pixels = static_cast<std::size_t>(width_) * static_cast<std::size_t>(rows_);
   return !values_ || static_cast<std::size_t>(values_->width()) * 2 <= pixels;
 }

@@ -49,7 +49,7 @@ class MaskedRows {
   void XorInto(std::uint32_t* out, std::size_t step) const;
   bool AllZero() const { return background_ == 0 && values_ == nullptr; }
   // Whether at most half of the pixels are not the background.
-  bool Mostly() const;
+  bool MostlyBackground() const;
 
   int width() const { return width_; }
   int rows() const { return rows_; }
@@ -77,7 +77,8 @@ class MaskedRows {
   std::uint32_t background_;
   std::size_t wordsPerRow_;
   std::vector<std::uint64_t> mask_;  // row by row; bit x % 64 of word x / 64 for pixel x
-  // The pixels that are not zero, in row order, as one packed row; none when all are.
+  // The pixels that are not the background, in row order, as one packed row; none
+  // when all are.
   std::unique_ptr<const PackedRows> values_;
   std::size_t counted_ = 0;  // the mask's bytes and the values', as counted and charged
   GraphicsCharge charge_;    // the mask's bytes (the values charge their own)

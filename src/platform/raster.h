@@ -172,9 +172,9 @@ class Raster {
   // The band (of `rows` rows) as a compact raster keeps it: packed when packing pays.
   // Packing is remembered on `from`, which may belong to another raster.
   Band Kept(Band& from, int rows) const;
-  // Sets the packed form of `count` rows (`step` apart) on `band`, the smaller of the
-  // two, when it saves at least half of them; false, `band` as it was, otherwise.
-  // Throws std::bad_alloc, also past the budget.
+  // Sets the packed form of `count` rows (`step` apart) on `band`, runs or a mask as
+  // the rows suit (MaskedRows::BeatsRuns), when it saves at least half of them; false,
+  // `band` as it was, otherwise. Throws std::bad_alloc, also past the budget.
   bool PackWherePays(const std::uint32_t* rows, std::size_t step, int count, Band& band) const;
 
   // Mutable because Row() unpacks a packed band on first read; the pixels stay as they are.

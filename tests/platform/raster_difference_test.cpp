@@ -201,7 +201,7 @@ TEST(MaskedRows, KeepAnyBackgroundAndTakeAMaskedChange) {
       sprayed = MaskedRows::Xor(*sprayed, MaskedRows(change.data(), step, width, rows));
       sprayed->Unpack(out.data(), step);
       ASSERT_EQ(out, expected) << round;
-      EXPECT_TRUE(sprayed->Mostly());
+      EXPECT_TRUE(sprayed->MostlyBackground());
     }
   }
 }
