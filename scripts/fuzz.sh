@@ -15,7 +15,8 @@ UBSAN_OPTIONS=${UBSAN_OPTIONS:-halt_on_error=1:print_stacktrace=1}
 export UBSAN_OPTIONS
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j2 --target fuzz_all
-for target in bitmap_file jpeg png gif image_source script_line control font_string draw_text balloon_text; do
+for target in bitmap_file jpeg png gif image_source script_line control font_string draw_text balloon_text \
+  registry_file type_library; do
   work="build/fuzz/corpus/$target"
   mkdir -p "$work"
   options=""

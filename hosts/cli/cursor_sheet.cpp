@@ -4,6 +4,7 @@
 
 #include "platform/gdi_handles.h"
 #include "resources/cursor_table.h"
+#include "resources/module_resources.h"
 
 namespace script {
 namespace {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "cursor_sheet.h"
+#include "module_commands.h"
 #include "script_runner.h"
 
 namespace {
@@ -13,6 +14,7 @@ namespace {
 constexpr const char* kUsage =
     "usage: imageedit [--trace] run FILE|-\n"
     "       imageedit cursors FILE\n"
+    "       imageedit register|unregister|info\n"
     "       imageedit --help\n";
 
 constexpr const char* kHelp =
@@ -39,6 +41,11 @@ constexpr const char* kHelp =
     "Options: --trace prints `cursor N` whenever the cursor changes.\n"
     "`imageedit cursors FILE` draws every cursor into one picture (PNG for .png, else\n"
     "BMP): ids, 100 % and 200 % on light and dark, magenta ticks at the hot spot.\n"
+    "`imageedit register` and `unregister` load the control module beside this program\n"
+    "and register it in, or remove it from, the per-user registry file\n"
+    "($OSTREL_REGISTRY, else $XDG_CONFIG_HOME/ostrel/registry, else\n"
+    "~/.config/ostrel/registry); `imageedit info` shows what is registered there and\n"
+    "the interfaces of the registered type library with their DISPIDs.\n"
     "Exit status: 0 the script ran to its end; 1 it could not finish (unreadable\n"
     "script, unwritable file, missing surface); 2 a statement is malformed or names\n"
     "nothing, or the command line is wrong.\n";
@@ -69,6 +76,10 @@ int main(int argc, char** argv) {
       return script::kExitOk;
     }
     if (arg == "cursors" && argc == 3 && i == 1) return WriteCursorSheet(argv[2]);
+    if ((arg == "register" || arg == "unregister") && argc == 2) {
+      return script::RegisterModule(arg == "unregister", std::cout, std::cerr);
+    }
+    if (arg == "info" && argc == 2) return script::PrintRegistration(std::cout, std::cerr);
     if (arg == "--trace") {
       options.trace = true;
     } else if (arg == "run" && !run && i + 1 < argc) {

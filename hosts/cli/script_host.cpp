@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "picture_files.h"
+#include "platform/gdi_handles.h"
+
 namespace script {
 
 template <typename T>
@@ -117,8 +120,49 @@ bool ScriptHost::ChooseFont(LOGFONTA& font, COLORREF& color) {
   return true;
 }
 
-void ScriptHost::ShowDialog(int /*dialogId*/, const std::string& title) {
-  out_ << "dialog " << QuoteString(title) << " closed with OK\n";
+namespace {
+
+const char* ItemKindName(platform::DialogLayout::ItemKind kind) {
+  switch (kind) {
+    case platform::DialogLayout::ItemKind::Icon:
+      return "icon";
+    case platform::DialogLayout::ItemKind::Text:
+      return "text";
+    case platform::DialogLayout::ItemKind::Button:
+      return "button";
+    case platform::DialogLayout::ItemKind::DefaultButton:
+      return "default button";
+  }
+  return "item";
+}
+
+}  // namespace
+
+// A dialog is read, shot when a shot is queued, and closed with OK: the module's
+// dialogs offer nothing else to answer.
+int ScriptHost::ShowDialog(const platform::DialogLayout& dialog) {
+  out_ << "dialog " << QuoteString(dialog.caption) << " shown: dialog " << dialog.resourceId << ", "
+       << dialog.client.cx << " x " << dialog.client.cy << (dialog.framed ? " framed" : "") << ", font "
+       << QuoteString(dialog.fontFace) << ' ' << dialog.fontPoints << '\n';
+  for (const platform::DialogLayout::Item& item : dialog.items) {
+    out_ << "  " << ItemKindName(item.kind) << ' ';
+    if (item.kind == platform::DialogLayout::ItemKind::Icon) {
+      out_ << item.iconId;
+    } else {
+      out_ << QuoteString(item.text);
+    }
+    out_ << " at " << item.rect.left << ',' << item.rect.top << ' ' << item.rect.right - item.rect.left
+         << " x " << item.rect.bottom - item.rect.top << '\n';
+  }
+  if (!dialogShots_.empty()) {
+    const std::string path = std::move(dialogShots_.front());
+    dialogShots_.pop_front();
+    const platform::OwnedBitmap picture(platform::DrawDialogPicture(dialog));
+    const bool written = WritePictureFile(picture.get(), path) == PictureResult::Written;
+    out_ << "  shot " << QuoteString(path) << (written ? "" : " could not be written") << '\n';
+  }
+  out_ << "dialog " << QuoteString(dialog.caption) << " closed with OK\n";
+  return IDOK;
 }
 
 void EventPrinter::Invoke(int dispid, const std::vector<Variant>& args) {

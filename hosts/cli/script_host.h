@@ -30,13 +30,15 @@ class ScriptHost : public platform::Host {
                                   : std::nullopt);
   }
   void QueueFontAnswer(std::optional<FontChoice> font) { fontAnswers_.push_back(font); }
+  // The next dialog is shot, as it shows, to the picture file before it closes.
+  void QueueDialogShot(std::string path) { dialogShots_.push_back(std::move(path)); }
 
   void ShowCursor(int resourceId) override;
   UINT ShowPopupMenu(HMENU menu, int x, int y) override;
   int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override;
   bool ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) override;
   bool ChooseFont(LOGFONTA& font, COLORREF& color) override;
-  void ShowDialog(int dialogId, const std::string& title) override;
+  int ShowDialog(const platform::DialogLayout& dialog) override;
 
  private:
   struct ColorAnswer {
@@ -52,6 +54,7 @@ class ScriptHost : public platform::Host {
   std::deque<std::optional<UINT>> menuAnswers_;
   std::deque<std::optional<ColorAnswer>> colorAnswers_;
   std::deque<std::optional<FontChoice>> fontAnswers_;
+  std::deque<std::string> dialogShots_;
 };
 
 // Prints every event the control fires: `event NAME ARGS...`.

@@ -90,6 +90,7 @@ const std::vector<ScriptRunner::Statement>& ScriptRunner::Statements() {
       {"shot", &ScriptRunner::Shot, true},
       {"dump", &ScriptRunner::Dump, true},
       {"state", &ScriptRunner::State, true},
+      {"properties", &ScriptRunner::Properties, true},
   };
   return statements;
 }
@@ -262,9 +263,15 @@ void ScriptRunner::Wait(Args args) {
 
 void ScriptRunner::Answer(Args args) {
   const std::string usage =
-      "usage: answer menu ID|cancel, answer color RRGGBB [custom N]|cancel, answer font \"FONT\"|cancel";
+      "usage: answer menu ID|cancel, answer color RRGGBB [custom N]|cancel, answer font \"FONT\"|cancel, "
+      "answer dialog shot FILE";
   if (args.size() < 2) throw ParseError(usage);
   const std::string& kind = WordArg(args[0], "answer: kind");
+  if (kind == "dialog") {
+    if (args.size() != 3 || WordArg(args[1], "answer dialog: what") != "shot") throw ParseError(usage);
+    host_.QueueDialogShot(PathArg(args[2]));
+    return;
+  }
   const Token& value = args[1];
   // Only a chosen colour takes more: the custom-colour box it is also put into.
   const bool customBox = kind == "color" && !IsCancel(value) && args.size() == 4 &&
@@ -284,7 +291,7 @@ void ScriptRunner::Answer(Args args) {
                               ? std::nullopt
                               : std::optional<FontChoice>(ParseFontAnswer(StringArg(value, "answer font"))));
   } else {
-    throw ParseError("answer: unknown kind '" + kind + "' (menu, color or font)");
+    throw ParseError("answer: unknown kind '" + kind + "' (menu, color, font or dialog)");
   }
 }
 
@@ -301,6 +308,12 @@ void ScriptRunner::Scroll(UINT message, Args args) {
   // The position travels in the high word of the message, as a scroll bar sends it.
   const int pos = args.size() > 1 ? IntArgInRange(args[1], "scroll POS", 0, 0xFFFF) : 0;
   SendMessageA(EditorWindow(), message, static_cast<WPARAM>(code | (static_cast<UINT>(pos) << 16)), 0);
+}
+
+// The host's Properties verb: the control shows its property page.
+void ScriptRunner::Properties(Args args) {
+  ExpectCount(args, 0, 0, "properties");
+  control_->OnProperties();
 }
 
 void ScriptRunner::HScroll(Args args) { Scroll(WM_HSCROLL, args); }

@@ -79,6 +79,7 @@ class ScriptRunner {
   void Shot(Args args);
   void Dump(Args args);
   void State(Args args);
+  void Properties(Args args);
   void CallMethod(const std::string& name, Args args);
 
   void Mouse(UINT message, Args args);

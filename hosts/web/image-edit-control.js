@@ -15,7 +15,9 @@
 // TypeScript declaration (image-edit-control.d.ts) are generated from the control's
 // interface description.
 
-import { askColor, askFont, DIALOG_STYLE, openDialog } from './image-edit-dialogs.js';
+import {
+  artworkUrl, askColor, askFont, DIALOG_STYLE, openDialog, openResourceDialog,
+} from './image-edit-dialogs.js';
 import { loadEngine } from './image-edit-engine-loader.js';
 import { EVENTS, METHODS } from './image-edit-interface.js';
 import { keyKeptFromPage, KeyboardExit } from './image-edit-keys.js';
@@ -48,7 +50,6 @@ const FETCH_TIMEOUT_MS = 60_000, MAX_FETCH_BYTES = 64 * 1024 * 1024;
 
 const LANGUAGES = { ko: 0x0412, zh: 0x0804 };
 const ENGLISH = 0x0409;
-const ABOUT_TEXT = { 1: 'Image Edit Control Version 1.1' };
 // The faces the font dialog offers: those the engine draws in a page.
 const FONT_FACES = ['Arial', '굴림체', '宋体'];
 // What the font dialog's sample shows, by the element's language.
@@ -110,6 +111,7 @@ export class ImageEditControl extends HTMLElement {
   #textBox;                    // the page's text field over the engine's open text box
   #dialogStart = null;         // what the colour or font dialog the engine opened starts from
   #frameCopy = null;           // the frames of the engine with threads, copied out of shared memory
+  #waitingPasses = null;       // lengthy calls waiting for the next frame, [name, args] each
 
   constructor() {
     super();
@@ -129,12 +131,17 @@ export class ImageEditControl extends HTMLElement {
     surface.append(this.#canvas);
     root.append(style, boxStyle, surface, this.#status);
     this.#sizing = new ControlSizing(this, this.#canvas, boxStyle, (width, height) => {
-      this.#control?.resize(width, height);
+      if (this.#control === null) return;
+      this.#runWaitingPasses();
+      this.#control.resize(width, height);
       this.#keepTime();
     });
     this.#menu = new PopupMenu(root, (command) => this.#menuClosed(command));
     this.#textBox = new TextBoxOverlay(surface, this.#canvas, {
-      setText: (text) => this.#control.setTextBoxText(text),
+      setText: (text) => {
+        this.#runWaitingPasses();
+        return this.#control.setTextBoxText(text);
+      },
       key: (message, event) => this.#sendKey(message, event, 0),
       readFont: (path) => this.#engine.FS.readFile(path),
     });
@@ -142,7 +149,8 @@ export class ImageEditControl extends HTMLElement {
   }
 
   // True from a Promise-returning call (a picture being fetched and decoded, a dialog
-  // waiting for the person) until it settles; `aria-busy` says the same.
+  // waiting for the person) until it settles, and from a lengthy call until it has
+  // run; `aria-busy` says the same.
   get busy() { return this.#busy > 0; }
 
   connectedCallback() {
@@ -200,6 +208,10 @@ export class ImageEditControl extends HTMLElement {
     this.#engine = null;
     this.#control = null;
     if (control !== null) {
+      if (this.#waitingPasses !== null) {
+        this.#waitingPasses = null;
+        this.#setBusy(-1);
+      }
       clearInterval(this.#ticker);
       this.#ticker = 0;
       this.#menu.close(0);
@@ -252,6 +264,7 @@ export class ImageEditControl extends HTMLElement {
     if (this.#control === null) throw new Error(`${name}: the element was removed from the page`);
     // A popup menu is modal: anything else the engine is asked to do means it is gone.
     this.#menu.close(0);
+    this.#runWaitingPasses();
     const outcome = this.#control.invoke(name, args);
     this.#keepTime();
     if ('error' in outcome) throw new TypeError(outcome.error);
@@ -260,7 +273,45 @@ export class ImageEditControl extends HTMLElement {
 
   #call(method, args) {
     if (this.#control === null) return method.empty;
-    return method.savefile === undefined ? this.#invoke(method.name, args) : this.#save(method, args);
+    if (method.savefile !== undefined) return this.#save(method, args);
+    if (method.lengthy) return this.#callAtNextFrame(method.name, args);
+    return this.#invoke(method.name, args);
+  }
+
+  // A call that may pass over the whole picture runs at the next frame, once the
+  // browser has shown the wait cursor: run at once, it would freeze the page with no
+  // sign, since nothing the page changes is shown until the call returns. Whatever
+  // reaches the control first (another call, the person's input, a resize, a timer)
+  // runs the waiting calls before it, so any sequence of calls and input gives what
+  // it gives when every call runs at once. The arguments are checked now: a bad call
+  // throws here, as it does at once.
+  #callAtNextFrame(name, args) {
+    this.#menu.close(0);
+    const refused = this.#control.check(name, args);
+    if (refused !== null) throw new TypeError(refused);
+    if (this.#waitingPasses === null) {
+      const waiting = [];
+      this.#waitingPasses = waiting;
+      this.#setBusy(+1);
+      // After the frame that shows the cursor, not in it: a frame callback runs before
+      // the browser paints.
+      requestAnimationFrame(() => setTimeout(() => {
+        if (this.#waitingPasses === waiting) this.#runWaitingPasses();
+      }));
+    }
+    this.#waitingPasses.push([name, args]);
+  }
+
+  #runWaitingPasses() {
+    const waiting = this.#waitingPasses;
+    if (waiting === null) return;
+    this.#waitingPasses = null;
+    try {
+      for (const [name, args] of waiting) this.#control.invoke(name, args);
+      this.#keepTime();
+    } finally {
+      this.#setBusy(-1);
+    }
   }
 
   // A Promise-returning call: after the calls before it, once the control exists; it
@@ -364,6 +415,7 @@ export class ImageEditControl extends HTMLElement {
 
   // The person closed the shortcut menu, with the command they picked or 0.
   #menuClosed(command) {
+    this.#runWaitingPasses();
     this.#control.menuChosen(command);
     this.#keepTime();
     if (command !== 0) this.focus({ preventScroll: true });
@@ -464,9 +516,7 @@ export class ImageEditControl extends HTMLElement {
         const icon = (type & MB_ICONMASK) === MB_ICONHAND ? '<span class="stop" aria-hidden="true">&times;</span>' : '';
         openDialog(this.shadowRoot, caption, text, icon, [['OK', true]]);
       },
-      showDialog: (id, title) => {
-        this.#openDialogs.push(openDialog(this.shadowRoot, title, ABOUT_TEXT[id] ?? '', '', [['OK', true]]));
-      },
+      showDialog: (layout) => { this.#openDialogs.push(openResourceDialog(this.shadowRoot, layout)); },
       askColor: (color, custom) => { this.#dialogStart = { color, custom }; },
       askFont: (start) => { this.#dialogStart = start; },
       pictureRead: (source, error, message) => this.#pictureReads.push({ source, error, message }),
@@ -502,15 +552,7 @@ export class ImageEditControl extends HTMLElement {
     if (id === 32514) return 'wait';
     if (!this.#cursorCache.has(id)) {
       const art = this.#control.cursorArtwork(id);
-      let css = 'default';
-      if (art) {
-        const canvas = document.createElement('canvas');
-        canvas.width = art.width;
-        canvas.height = art.height;
-        canvas.getContext('2d').putImageData(new ImageData(art.rgba, art.width, art.height), 0, 0);
-        css = `url(${canvas.toDataURL('image/png')}) ${art.hotX} ${art.hotY}, auto`;
-      }
-      this.#cursorCache.set(id, css);
+      this.#cursorCache.set(id, art ? `url(${artworkUrl(art)}) ${art.hotX} ${art.hotY}, auto` : 'default');
     }
     return this.#cursorCache.get(id);
   }
@@ -532,7 +574,10 @@ export class ImageEditControl extends HTMLElement {
       const now = performance.now();
       const elapsed = Math.floor(now - last);
       last += elapsed;
-      if (elapsed > 0) this.#control.tick(elapsed);
+      if (elapsed > 0) {
+        this.#runWaitingPasses();
+        this.#control.tick(elapsed);
+      }
       if (!this.#control.hasTimers()) {
         clearInterval(this.#ticker);
         this.#ticker = 0;
@@ -549,6 +594,7 @@ export class ImageEditControl extends HTMLElement {
     // the browser will draw.
     const send = (message, events) => {
       if (this.#control === null) return;
+      this.#runWaitingPasses();
       const box = canvas.getBoundingClientRect();
       events.forEach((event, i) => {
         const { x, y } = this.#sizing.pointAt(event, box);
@@ -621,6 +667,7 @@ export class ImageEditControl extends HTMLElement {
 
   // A key to the engine; true when the control's key routing took it.
   #sendKey(message, event, character) {
+    this.#runWaitingPasses();
     const taken = this.#control.key(message, event.keyCode, event.ctrlKey || event.metaKey, event.shiftKey,
       event.repeat, character);
     this.#keepTime();

@@ -1,5 +1,5 @@
-// The control's dialogs as page dialogs: message boxes, the About box, the colour
-// dialog and the font dialog. Each is a modal <dialog> in the element's shadow root,
+// The control's dialogs as page dialogs: message boxes, the module's dialogs (the
+// About box, the property page), the colour dialog and the font dialog. Each is a modal <dialog> in the element's shadow root,
 // driven by the keyboard (Tab between fields, Enter for OK, Escape for Cancel) as
 // well as the mouse.
 
@@ -26,6 +26,10 @@ export const DIALOG_STYLE = `
   dialog.box .font-chooser fieldset { border: 1px solid #dde1e6; border-radius: 4px; margin: 0; padding: 4px 8px 6px;
                                       display: grid; gap: 2px; }
   dialog.box .font-chooser fieldset label { display: flex; gap: 6px; align-items: center; }
+  dialog.box .laid-out { position: relative; padding: 0; display: block; }
+  dialog.box .laid-out > * { position: absolute; box-sizing: border-box; margin: 0; }
+  dialog.box .laid-out button { min-width: 0; padding: 0; }
+  dialog.box .laid-out button.default { outline: 1px solid #000; }
   dialog.box .font-chooser .sample { grid-column: 1 / -1; border: 1px solid #dde1e6; border-radius: 4px; height: 56px;
                                      display: grid; place-items: center; overflow: hidden; white-space: nowrap;
                                      line-height: normal; }
@@ -203,4 +207,60 @@ export async function askFont(root, start, faces, sample) {
   const closed = openDialog(root, 'Font', '', '', [['OK', true], ['Cancel', false]], chooser);
   face.focus();
   return (await closed) ? choice() : null;
+}
+
+// A picture of the module's ({width, height, rgba}) as a URL an <img> or a cursor takes.
+export function artworkUrl(art) {
+  const canvas = document.createElement('canvas');
+  canvas.width = art.width;
+  canvas.height = art.height;
+  canvas.getContext('2d').putImageData(new ImageData(art.rgba, art.width, art.height), 0, 0);
+  return canvas.toDataURL('image/png');
+}
+
+// One of the module's dialogs as the engine laid it out: each item where its dialog
+// units put it, in pixels of the dialog's own font, under the caption. Resolves with
+// the id of the button that closed it (2, IDCANCEL, for Escape).
+export function openResourceDialog(root, layout) {
+  const dialog = document.createElement('dialog');
+  dialog.className = 'box';
+  dialog.setAttribute('aria-label', layout.caption);
+  const header = document.createElement('header');
+  header.textContent = layout.caption;
+  const body = document.createElement('div');
+  body.className = 'laid-out';
+  Object.assign(body.style, {
+    width: `${layout.width}px`, height: `${layout.height}px`,
+    font: `${layout.fontPixels}px '${layout.fontFace}', 'Liberation Sans', Arial, sans-serif`,
+  });
+  let closedWith = 2;
+  for (const item of layout.items) {
+    let element;
+    if (item.kind === 'icon') {
+      element = document.createElement('img');
+      element.alt = '';
+      if (item.picture) element.src = artworkUrl(item.picture);
+    } else if (item.kind === 'text') {
+      element = document.createElement('span');
+      element.textContent = item.text;
+    } else {
+      element = document.createElement('button');
+      element.type = 'button';
+      element.textContent = item.text;
+      element.classList.toggle('default', item.kind === 'default');
+      element.addEventListener('click', () => { closedWith = item.id; dialog.close(); });
+    }
+    Object.assign(element.style, {
+      left: `${item.left}px`, top: `${item.top}px`, width: `${item.width}px`, height: `${item.height}px`,
+    });
+    body.append(element);
+  }
+  dialog.append(header, body);
+  const closed = new Promise((resolve) => {
+    dialog.addEventListener('close', () => { dialog.remove(); resolve(closedWith); });
+  });
+  root.append(dialog);
+  dialog.showModal();
+  (body.querySelector('button.default') ?? body.querySelector('button'))?.focus();
+  return closed;
 }

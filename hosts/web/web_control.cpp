@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -80,6 +81,18 @@ bool FromScript(const val& value, Variant* out) {
   return true;
 }
 
+// The page's arguments of a call as variants; what is wrong with them, if anything.
+std::optional<std::string> ArgumentsOf(const std::string& name, const val& args,
+                                       std::vector<Variant>* values) {
+  const unsigned count = args["length"].as<unsigned>();
+  values->resize(count);
+  for (unsigned i = 0; i < count; ++i) {
+    if (!FromScript(args[i], &(*values)[i]))
+      return name + ": argument " + std::to_string(i + 1) + " is beyond 32 bits";
+  }
+  return std::nullopt;
+}
+
 val Outcome(const char* key, val value) {
   val outcome = val::object();
   outcome.set(key, std::move(value));
@@ -108,18 +121,23 @@ class WebControl {
   // One interface method by name: {value} with its result (undefined for none), or
   // {error} when the name or the arguments do not fit, and nothing was called.
   val invoke(const std::string& name, const val& args) {
-    const unsigned count = args["length"].as<unsigned>();
-    std::vector<Variant> values(count);
-    for (unsigned i = 0; i < count; ++i) {
-      if (!FromScript(args[i], &values[i])) {
-        return Outcome("error", val(name + ": argument " + std::to_string(i + 1) + " is beyond 32 bits"));
-      }
-    }
+    std::vector<Variant> values;
+    if (std::optional<std::string> error = ArgumentsOf(name, args, &values))
+      return Outcome("error", val(*error));
     const InvokeResult result = Invoke(control_, name, values);
     host_.ForgetAnswers();
     Flush();
     if (FAILED(result.hr)) return Outcome("error", val(result.error));
     return Outcome("value", ToScript(result.value));
+  }
+
+  // Why `invoke` would refuse the call, or null when it would make it; nothing is
+  // called. The page checks a call it runs later.
+  val check(const std::string& name, const val& args) const {
+    std::vector<Variant> values;
+    if (std::optional<std::string> error = ArgumentsOf(name, args, &values)) return val(*error);
+    const InvokeResult result = CheckCall(name, values);
+    return FAILED(result.hr) ? val(result.error) : val::null();
   }
 
   // A mouse message at a point of the control, with the modifier keys as they are.
@@ -234,21 +252,7 @@ class WebControl {
   val cursorArtwork(int resourceId) const {
     platform::CursorArtwork artwork;
     if (!platform::GetCursorArtwork(resourceId, &artwork)) return val::null();
-    std::vector<std::uint8_t> rgba;
-    rgba.reserve(artwork.pixels.size() * 4);
-    for (std::uint32_t p : artwork.pixels) {
-      rgba.insert(rgba.end(), {static_cast<std::uint8_t>(p >> 16), static_cast<std::uint8_t>(p >> 8),
-                               static_cast<std::uint8_t>(p), static_cast<std::uint8_t>(p >> 24)});
-    }
-    val picture = val::object();
-    picture.set("width", artwork.width);
-    picture.set("height", artwork.height);
-    picture.set("hotX", artwork.hotSpot.x);
-    picture.set("hotY", artwork.hotSpot.y);
-    // A copy: the view onto this function's vector would not outlive it.
-    const val view(emscripten::typed_memory_view(rgba.size(), rgba.data()));
-    picture.set("rgba", val::global("Uint8ClampedArray").new_(view));
-    return picture;
+    return ArtworkToScript(artwork);
   }
 
  private:
@@ -301,6 +305,7 @@ EMSCRIPTEN_BINDINGS(image_edit_engine) {
   emscripten::class_<WebControl>("WebControl")
       .constructor<int, int, int, emscripten::val>()
       .function("invoke", &WebControl::invoke)
+      .function("check", &WebControl::check)
       .function("pointer", &WebControl::pointer)
       .function("key", &WebControl::key)
       .function("resize", &WebControl::resize)

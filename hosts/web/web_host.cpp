@@ -3,7 +3,9 @@
 #include <emscripten/val.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <vector>
 
 namespace web {
 
@@ -160,8 +162,56 @@ bool WebHost::ChooseFont(LOGFONTA& font, COLORREF& color) {
   return true;
 }
 
-void WebHost::ShowDialog(int dialogId, const std::string& title) {
-  page_.call<void>("showDialog", dialogId, title);
+val ArtworkToScript(const platform::CursorArtwork& artwork) {
+  std::vector<std::uint8_t> rgba;
+  rgba.reserve(artwork.pixels.size() * 4);
+  for (std::uint32_t p : artwork.pixels) {
+    rgba.insert(rgba.end(), {static_cast<std::uint8_t>(p >> 16), static_cast<std::uint8_t>(p >> 8),
+                             static_cast<std::uint8_t>(p), static_cast<std::uint8_t>(p >> 24)});
+  }
+  val picture = val::object();
+  picture.set("width", artwork.width);
+  picture.set("height", artwork.height);
+  picture.set("hotX", artwork.hotSpot.x);
+  picture.set("hotY", artwork.hotSpot.y);
+  // A copy: the view onto this function's vector would not outlive it.
+  const val view(emscripten::typed_memory_view(rgba.size(), rgba.data()));
+  picture.set("rgba", val::global("Uint8ClampedArray").new_(view));
+  return picture;
+}
+
+// The page shows the dialog as it is laid out, its icons' pictures included; the call
+// returns at once and the page's dialog stays until the person closes it, as with a
+// message box.
+int WebHost::ShowDialog(const platform::DialogLayout& dialog) {
+  static constexpr const char* kKinds[] = {"icon", "text", "button", "default"};
+  val items = val::array();
+  for (const platform::DialogLayout::Item& item : dialog.items) {
+    val placed = val::object();
+    placed.set("kind", kKinds[static_cast<int>(item.kind)]);
+    placed.set("id", item.id);
+    placed.set("text", item.text);
+    placed.set("left", item.rect.left);
+    placed.set("top", item.rect.top);
+    placed.set("width", item.rect.right - item.rect.left);
+    placed.set("height", item.rect.bottom - item.rect.top);
+    platform::CursorArtwork icon;
+    if (item.kind == platform::DialogLayout::ItemKind::Icon &&
+        platform::GetIconArtwork(item.iconId, item.rect.right - item.rect.left, &icon)) {
+      placed.set("picture", ArtworkToScript(icon));
+    }
+    items.call<void>("push", placed);
+  }
+  val layout = val::object();
+  layout.set("resourceId", dialog.resourceId);
+  layout.set("caption", dialog.caption);
+  layout.set("width", dialog.client.cx);
+  layout.set("height", dialog.client.cy);
+  layout.set("fontFace", dialog.fontFace);
+  layout.set("fontPixels", MulDiv(dialog.fontPoints, 96, 72));
+  layout.set("items", items);
+  page_.call<void>("showDialog", layout);
+  return IDOK;
 }
 
 void WebHost::PictureRead(const std::string& source, DWORD error, const std::string& message) {

@@ -25,6 +25,10 @@
 
 namespace web {
 
+// A picture of the module's (a cursor's or an icon's) as the page takes it: {width,
+// height, hotX, hotY, rgba}.
+emscripten::val ArtworkToScript(const platform::CursorArtwork& artwork);
+
 class WebHost : public platform::Host {
  public:
   explicit WebHost(emscripten::val page) : page_(std::move(page)) {}
@@ -65,7 +69,7 @@ class WebHost : public platform::Host {
   int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override;
   bool ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) override;
   bool ChooseFont(LOGFONTA& font, COLORREF& color) override;
-  void ShowDialog(int dialogId, const std::string& title) override;
+  int ShowDialog(const platform::DialogLayout& dialog) override;
   void PictureRead(const std::string& source, DWORD error, const std::string& message) override;
 
  private:

@@ -62,6 +62,34 @@ const char* ExpectedName(ParamType type) {
   return "a value";
 }
 
+// Checks the argument count and converts each argument for `method` into `converted`;
+// what Invoke answers for a call it does not make, or S_OK.
+InvokeResult ConvertArguments(const MethodInfo& method, std::span<const Variant> args,
+                              std::vector<Variant>* converted) {
+  if (args.size() != method.params.size()) {
+    return {DISP_E_BADPARAMCOUNT, Variant(),
+            std::string(method.name) + " takes " + std::to_string(method.params.size()) +
+                " argument(s), not " + std::to_string(args.size())};
+  }
+  converted->reserve(args.size());
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const ParamInfo& param = method.params[i];
+    std::optional<Variant> value = ConvertArgument(param, args[i]);
+    if (!value) {
+      return {DISP_E_TYPEMISMATCH, Variant(),
+              std::string(method.name) + ": argument " + std::to_string(i + 1) + " (" + param.name +
+                  ") must be " + ExpectedName(param.type) + ", not " + TypeName(args[i].type()),
+              static_cast<int>(i)};
+    }
+    converted->push_back(std::move(*value));
+  }
+  return {};
+}
+
+InvokeResult UnknownName(std::string_view name) {
+  return {DISP_E_UNKNOWNNAME, Variant(), "no method named " + std::string(name)};
+}
+
 }  // namespace
 
 const MethodInfo* FindMethod(std::string_view name) {
@@ -79,31 +107,20 @@ const MethodInfo* FindMethod(int dispid) {
 }
 
 InvokeResult Invoke(CImageEditCtrl& control, const MethodInfo& method, std::span<const Variant> args) {
-  if (args.size() != method.params.size()) {
-    return {DISP_E_BADPARAMCOUNT, Variant(),
-            std::string(method.name) + " takes " + std::to_string(method.params.size()) +
-                " argument(s), not " + std::to_string(args.size())};
-  }
   std::vector<Variant> converted;
-  converted.reserve(args.size());
-  for (std::size_t i = 0; i < args.size(); ++i) {
-    const ParamInfo& param = method.params[i];
-    std::optional<Variant> value = ConvertArgument(param, args[i]);
-    if (!value) {
-      return {DISP_E_TYPEMISMATCH, Variant(),
-              std::string(method.name) + ": argument " + std::to_string(i + 1) + " (" + param.name +
-                  ") must be " + ExpectedName(param.type) + ", not " + TypeName(args[i].type()),
-              static_cast<int>(i)};
-    }
-    converted.push_back(std::move(*value));
-  }
+  InvokeResult refused = ConvertArguments(method, args, &converted);
+  if (FAILED(refused.hr)) return refused;
   return {S_OK, method.invoke(control, converted), std::string()};
 }
 
 InvokeResult Invoke(CImageEditCtrl& control, std::string_view name, std::span<const Variant> args) {
   const MethodInfo* method = FindMethod(name);
-  if (method == nullptr) {
-    return {DISP_E_UNKNOWNNAME, Variant(), "no method named " + std::string(name)};
-  }
-  return Invoke(control, *method, args);
+  return method == nullptr ? UnknownName(name) : Invoke(control, *method, args);
+}
+
+InvokeResult CheckCall(std::string_view name, std::span<const Variant> args) {
+  const MethodInfo* method = FindMethod(name);
+  if (method == nullptr) return UnknownName(name);
+  std::vector<Variant> converted;
+  return ConvertArguments(*method, args, &converted);
 }

@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "resources/module_resources.h"
+
 namespace {
 
 constexpr char kControlClassName[] = "OstrelImageEditCtrl";
@@ -10,8 +12,6 @@ constexpr char kEditorTitle[] = "Image Edit";
 // Shown only once it exists.
 constexpr DWORD kEditorStyle = WS_CHILD | kClassStyleBits;
 constexpr UINT kControlClassStyle = CS_VREDRAW | CS_HREDRAW | CS_DBLCLKS;
-constexpr int kAboutDialogId = 1;
-constexpr char kAboutDialogTitle[] = "About Image Edit Control";
 
 // Keys the editor handles itself; the host must never see them while the control has
 // the focus (Tab would move the focus out, the arrows would scroll the host page).
@@ -56,7 +56,12 @@ BOOL CImageEditCtrl::CreateControl(HWND parent, int width, int height) {
 // All but AboutBox forward to the editor (interface/control_methods.cpp, generated).
 
 // The About box needs no editor: it works in every state, modal, with no parent.
-void CImageEditCtrl::AboutBox() { platform::CurrentHost().ShowDialog(kAboutDialogId, kAboutDialogTitle); }
+void CImageEditCtrl::AboutBox() { platform::ShowDialogResource(resources::kAboutDialogId); }
+
+void CImageEditCtrl::OnProperties() {
+  platform::ShowDialogResource(resources::kPropertyPageDialogId,
+                               platform::LoadStringResource(resources::kPropertyPageCaptionString));
+}
 
 // ---- what hosts read ----
 

@@ -61,6 +61,9 @@ class CImageEditCtrl : public CWnd, public EditorEvents {
   // is the one the control answers itself, in every state.
 #include "interface/control_methods.inc"
 
+  // The Properties verb: the control's one property page, which has nothing to set.
+  void OnProperties();
+
   // ---- events ----
   // Connects a sink; returns its cookie, 0 for a null sink. A sink stays connected
   // until Unadvise; the control does not own it.

@@ -1,6 +1,7 @@
 #include "editor/shell_resources.h"
 
 #include "editor/object_commands.h"
+#include "resources/module_resources.h"
 
 namespace {
 

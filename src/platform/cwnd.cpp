@@ -1,11 +1,13 @@
 #include "platform/cwnd.h"
 
+#include "platform/dialog_resources.h"
 #include "platform/user_internal.h"
 #include "platform/window_tree.h"
 
 namespace {
 
-constexpr char kModuleTitle[] = "Image Edit Control";
+// The string the framework captions its message boxes with: the module's title.
+constexpr UINT AFX_IDS_APP_TITLE = 0xE000;
 
 // The wait cursor nests: the outermost Begin saves the cursor it replaces and the
 // matching End puts it back.
@@ -208,7 +210,7 @@ void CWnd::EndWaitCursor() {
 }
 
 int AfxMessageBox(LPCSTR text, UINT type, UINT /*helpId*/) {
-  return MessageBoxA(nullptr, text, kModuleTitle, type);
+  return MessageBoxA(nullptr, text, platform::LoadStringResource(AFX_IDS_APP_TITLE).c_str(), type);
 }
 
 BOOL AfxRegisterClass(WNDCLASSA* windowClass) { return RegisterClassA(windowClass); }

@@ -120,7 +120,7 @@ class CEdit : public CWnd {
   void Clear() { SendMessage(WM_CLEAR); }
 };
 
-// The framework's message box: caption "Image Edit Control", the module's title.
+// The framework's message box, captioned with the module's title (its string 57344).
 int AfxMessageBox(LPCSTR text, UINT type = MB_OK, UINT helpId = 0);
 // Registers a window class; false when the name is taken or the class is invalid.
 BOOL AfxRegisterClass(WNDCLASSA* windowClass);

@@ -10,6 +10,7 @@
 namespace platform {
 
 struct MenuChoice;
+struct DialogLayout;
 
 class Host {
  public:
@@ -33,8 +34,9 @@ class Host {
   virtual bool ChooseColor(COLORREF& /*color*/, std::span<COLORREF, 16> /*customColors*/) { return false; }
   // The font dialog: true with the chosen font and colour, false when cancelled.
   virtual bool ChooseFont(LOGFONTA& /*font*/, COLORREF& /*color*/) { return false; }
-  // A modal dialog from the module's resources (the About box is dialog 1).
-  virtual void ShowDialog(int /*dialogId*/, const std::string& /*title*/) {}
+  // A modal dialog from the module's resources, laid out (dialog_resources.h); returns
+  // the id of the button that closed it (IDOK = 1, IDCANCEL = 2 for the close box).
+  virtual int ShowDialog(const DialogLayout& /*dialog*/) { return 1; }
   // The control tried to load the picture `source`: `error` is 0 when it loaded,
   // otherwise the error code and `message` the text the control shows for it while
   // verbose. Heard whether or not the control shows it, so that a host can tell its

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/cwnd.h"
+#include "platform/dialog_resources.h"
 #include "platform/gdi.h"
 #include "platform/gdi_text.h"
 #include "platform/graphics_memory.h"

@@ -43,6 +43,3 @@ inline constexpr CursorResource kCursorTable[kCursorCount] = {
     {kArrowRectangleCursor, 3, 2},  {kArrowEllipseCursor, 3, 2},    {kArrowTextCursor, 3, 2},
     {kArrowSelectionCursor, 3, 2},  {kArrowGridCursor, 0, 0},
 };
-
-// Makes the module's resources (the cursors) known to the platform; runs once.
-void RegisterModuleResources();

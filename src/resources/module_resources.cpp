@@ -1,3 +1,5 @@
+#include "resources/module_resources.h"
+
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -58,6 +60,7 @@ void RegisterModuleResources() {
       }
       platform::RegisterCursorResource(file.header.id, std::move(artwork));
     }
+    resources::RegisterStringsDialogsAndPictures();
     return true;
   }();
   (void)registered;

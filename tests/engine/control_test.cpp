@@ -73,8 +73,8 @@ TEST_F(ControlTest, EveryMethodButAboutBoxIsInertBeforeTheEditorWindowExists) {
 TEST_F(ControlTest, AboutBoxShowsDialogOneEvenBeforeTheEditorWindowExists) {
   EXPECT_EQ(Call("AboutBox").hr, S_OK);
   ASSERT_EQ(host_.dialogs.size(), 1u);
-  EXPECT_EQ(host_.dialogs[0].id, 1);
-  EXPECT_EQ(host_.dialogs[0].title, "About Image Edit Control");
+  EXPECT_EQ(host_.dialogs[0].resourceId, 1);
+  EXPECT_EQ(host_.dialogs[0].caption, "About Image Edit Control");
 }
 
 TEST_F(ControlTest, MouseActivationMakesTheControlUIActive) {
@@ -144,7 +144,8 @@ TEST_F(ControlTest, AResizedHostAndControlLeaveTheEditorAsItWasMade) {
   const auto frame = [this] {
     BITMAP description{};
     GetObjectA(platform::HostFrame(hostWindow_), sizeof description, &description);
-    return std::pair{SIZE{description.bmWidth, description.bmHeight}, BitmapColors(platform::HostFrame(hostWindow_))};
+    return std::pair{SIZE{description.bmWidth, description.bmHeight},
+                     BitmapColors(platform::HostFrame(hostWindow_))};
   };
   const auto [size, before] = frame();
   ASSERT_EQ(size.cx, 160);

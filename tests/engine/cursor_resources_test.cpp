@@ -6,6 +6,7 @@
 #include "platform/platform.h"
 #include "resources/cursor_file.h"
 #include "resources/cursor_table.h"
+#include "resources/module_resources.h"
 
 namespace {
 

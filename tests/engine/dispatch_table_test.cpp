@@ -79,6 +79,10 @@ TEST(InvokeErrors, RefusedCallsSayWhatIsWrongAndAcceptableOnesPass) {
     const InvokeResult result = Invoke(control, c.name, c.args);
     EXPECT_EQ(result.hr, c.hr);
     EXPECT_NE(result.error.find(c.errorPart), std::string::npos) << result.error;
+    // A host that runs a call later refuses it at once with the same answer.
+    const InvokeResult checked = CheckCall(c.name, c.args);
+    EXPECT_EQ(checked.hr, c.hr);
+    EXPECT_EQ(checked.error, result.error);
     if (c.hr != S_OK) {
       EXPECT_TRUE(result.value.isEmpty());
     }

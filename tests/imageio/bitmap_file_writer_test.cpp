@@ -6,6 +6,7 @@
 
 #include "bmp_builder.h"
 #include "imageio/messages.h"
+#include "resources/module_resources.h"
 #include "support/bitmap_colors.h"
 #include "support/recording_host.h"
 #include "support/temp_files.h"
@@ -17,6 +18,9 @@ using imageio::WriteContext;
 
 class BitmapFileWriterTest : public ::testing::Test {
  protected:
+  // Message boxes are captioned with the module's title, one of its strings.
+  void SetUp() override { RegisterModuleResources(); }
+
   InstalledRecordingHost host_;
   TempFiles files_{"imageio_writer_"};
 };

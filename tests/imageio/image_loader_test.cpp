@@ -6,6 +6,7 @@
 #include "imageio/url_download.h"
 #include "local_http_server.h"
 #include "platform/platform.h"
+#include "resources/module_resources.h"
 #include "sample_files.h"
 #include "support/bitmap_colors.h"
 #include "support/recording_host.h"
@@ -23,7 +24,10 @@ const LoadContext kVerbose{nullptr, true, 0x09};
 
 class ImageLoaderTest : public ::testing::Test {
  protected:
-  void SetUp() override { baseline_ = platform::LiveGdiObjects().bitmaps; }
+  void SetUp() override {
+    RegisterModuleResources();  // message boxes are captioned with one of its strings
+    baseline_ = platform::LiveGdiObjects().bitmaps;
+  }
   void TearDown() override {
     imageio::SetDownloadLimits({});
     EXPECT_EQ(platform::LiveGdiObjects().bitmaps, baseline_) << "a bitmap leaked";
@@ -70,8 +74,8 @@ TEST_F(ImageLoaderTest, ABitmapFileBecomesADeviceBitmapAndDamagedDataNothing) {
   // The host still hears what became of each, a damaged picture as invalid data.
   ASSERT_EQ(host_.pictures.size(), 3u);
   EXPECT_EQ(host_.pictures[0], (RecordingHost::PictureOutcome{path, 0, ""}));
-  EXPECT_EQ(host_.pictures[1],
-            (RecordingHost::PictureOutcome{damaged, 13, "I failed to read " + damaged + ". An error code is 13."}));
+  EXPECT_EQ(host_.pictures[1], (RecordingHost::PictureOutcome{
+                                   damaged, 13, "I failed to read " + damaged + ". An error code is 13."}));
   EXPECT_EQ(host_.pictures[2].error, 13u);
 }
 
@@ -84,8 +88,8 @@ TEST_F(ImageLoaderTest, AMissingFileIsReportedOnlyWhileVerbose) {
   EXPECT_TRUE(host_.messages.empty());
   // Heard by the host though the person is not told, with the text they would read.
   ASSERT_EQ(host_.pictures.size(), 3u);
-  EXPECT_EQ(host_.pictures[0],
-            (RecordingHost::PictureOutcome{missing, 2, "I failed to read " + missing + ". An error code is 2."}));
+  EXPECT_EQ(host_.pictures[0], (RecordingHost::PictureOutcome{
+                                   missing, 2, "I failed to read " + missing + ". An error code is 2."}));
   EXPECT_NE(host_.pictures[2].error, 0u) << "the empty string is refused";
   ExpectReadFailure(missing, "2");
   EXPECT_EQ(host_.messages[0].caption, "Image Edit Control");

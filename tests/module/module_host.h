@@ -17,6 +17,8 @@
 struct ModuleEntryPoints {
   ocx::DllGetClassObjectFunction getClassObject = nullptr;
   ocx::DllCanUnloadNowFunction canUnloadNow = nullptr;
+  ocx::DllRegisterServerFunction registerServer = nullptr;
+  ocx::DllUnregisterServerFunction unregisterServer = nullptr;
 };
 
 inline const ModuleEntryPoints& Module() {
@@ -30,6 +32,10 @@ inline const ModuleEntryPoints& Module() {
     loaded.getClassObject =
         reinterpret_cast<ocx::DllGetClassObjectFunction>(dlsym(module, "DllGetClassObject"));
     loaded.canUnloadNow = reinterpret_cast<ocx::DllCanUnloadNowFunction>(dlsym(module, "DllCanUnloadNow"));
+    loaded.registerServer =
+        reinterpret_cast<ocx::DllRegisterServerFunction>(dlsym(module, "DllRegisterServer"));
+    loaded.unregisterServer =
+        reinterpret_cast<ocx::DllUnregisterServerFunction>(dlsym(module, "DllUnregisterServer"));
     return loaded;
   }();
   return entryPoints;

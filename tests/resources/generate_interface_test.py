@@ -68,7 +68,7 @@ FAULTS = [
     (with_method('[id(3)] void Undo();'), METHOD_LINE, "Undo has no helpstring(...)"),
     (with_method('[id(three), helpstring("Undo")] void Undo();'), METHOD_LINE, "attribute 'id' takes a number"),
     (with_method('[id(3), helpstring("Undo"), propget] void Undo();'), METHOD_LINE,
-     "unknown attribute 'propget' on a method (known: id, helpstring, editor, dialog)"),
+     "unknown attribute 'propget' on a method (known: id, helpstring, editor, dialog, lengthy)"),
     (with_method('[id(3), helpstring("Undo"), id(4)] void Undo();'), METHOD_LINE, "attribute 'id' given twice"),
     (with_method('[id(3), helpstring("Clear")] void Clear(BOOL bImage);'), METHOD_LINE,
      "Clear: parameter bImage is a BOOL: say whether the editor receives it as editor(bool) or editor(long)"),
@@ -100,6 +100,8 @@ FAULTS = [
     (with_method('[id(3), helpstring("Undo")] void Undo() @'), METHOD_LINE, "unexpected character '@'"),
     # A missing semicolon is noticed at the next token, on the next line.
     (with_method('[id(3), helpstring("Undo")] void Undo()'), METHOD_LINE + 1, "expected ';', found '}'"),
+    (with_method('[id(3), helpstring("Colour"), lengthy] BSTR GetColor();'), METHOD_LINE,
+     "GetColor: only a call that returns nothing and opens no dialog can wait for the next frame"),
     (with_event('[id(2), helpstring("Scaled")] BSTR ImageScaled(int nScaleFactor);'), EVENT_LINE,
      "ImageScaled: an event has no result (void)"),
     (with_event('[id(2), helpstring("Scaled")] void ImageScaled([picture] BSTR lpszFile);'), EVENT_LINE,
@@ -139,7 +141,7 @@ class GeneratorTest(unittest.TestCase):
         return path, output, result
 
     def test_the_valid_description_gives_every_file(self):
-        for mode, template, count in (("cpp", None, 5), ("web", TEMPLATE, 2)):
+        for mode, template, count in (("cpp", None, 5), ("typelib", None, 1), ("web", TEMPLATE, 2)):
             _, output, result = self.run_generator(mode, VALID, template)
             self.assertEqual(result.returncode, 0, result.stderr)
             self.assertEqual(len(list(output.iterdir())), count)
@@ -189,6 +191,32 @@ class GeneratorTest(unittest.TestCase):
                          (folder / "REFERENCE.md").read_text(encoding="utf-8"),
                          "REFERENCE.md is out of date; remake it with: python3 src/resources/generate_interface.py "
                          "reference src/resources/image_edit_ctrl.odl hosts/web/image-edit-control.d.ts.in .")
+
+    def test_the_type_library_declares_every_type_function_and_parameter(self):
+        _, output, result = self.run_generator("typelib", VALID)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        source = (output / "type_library_text.cpp").read_text(encoding="utf-8")
+        text = source[source.index('R"typelib(') + len('R"typelib('):source.index(')typelib"')]
+        self.assertEqual(text.splitlines()[1:], [
+            'library L {00000000-0000-0000-0000-00000000000A} 1.1 0x0409 ""',
+            'dispinterface _DMethods {00000000-0000-0000-0000-00000000000B} dispatchable,hidden "Methods"',
+            'function 1 SetImage VOID "Loads"',
+            "param BSTR lpszFilePath",
+            # A flag is a 32-bit integer in the type library.
+            'function 2 GrayImage VOID "Grays"',
+            "param I4 bGraying",
+            'dispinterface _DEvents {00000000-0000-0000-0000-00000000000C} dispatchable "Events"',
+            'function 1 ColorSelected VOID "Picked"',
+            "param BSTR lpszColor",
+            'coclass Control {00000000-0000-0000-0000-00000000000D} creatable,control "Control"',
+            "interface default _DMethods",
+            "interface default,source _DEvents",
+        ])
+        # A description with a fault gives no type library either.
+        path, output, result = self.run_generator("typelib", FAULTS[0][0])
+        self.assertEqual(result.returncode, 1)
+        self.assertIn(f"{path}:{FAULTS[0][1]}: {FAULTS[0][2]}", result.stderr)
+        self.assertFalse(output.exists())
 
     def test_the_template_must_have_each_generated_part(self):
         folder = Path(self.enterContext(tempfile.TemporaryDirectory()))

@@ -19,10 +19,6 @@ class RecordingHost : public platform::Host {
     std::string caption;
     UINT type;
   };
-  struct Dialog {
-    int id;
-    std::string title;
-  };
   struct PictureOutcome {
     std::string source;
     DWORD error;
@@ -42,7 +38,10 @@ class RecordingHost : public platform::Host {
     messages.push_back({text, caption, type});
     return IDOK;
   }
-  void ShowDialog(int dialogId, const std::string& title) override { dialogs.push_back({dialogId, title}); }
+  int ShowDialog(const platform::DialogLayout& dialog) override {
+    dialogs.push_back(dialog);
+    return IDOK;
+  }
   void PictureRead(const std::string& source, DWORD error, const std::string& message) override {
     pictures.push_back({source, error, message});
   }
@@ -63,7 +62,7 @@ class RecordingHost : public platform::Host {
   }
 
   std::vector<Message> messages;
-  std::vector<Dialog> dialogs;
+  std::vector<platform::DialogLayout> dialogs;
   std::vector<PictureOutcome> pictures;
   std::vector<int> cursors;
   int presented = 0;

@@ -104,8 +104,9 @@ export async function openControlPage(browser, base, width, height, { lang = 'en
   return page;
 }
 
-// What the control shows: RGB triples, top-down rows.
-export function canvasPixels(page) {
+// What the control shows, once its lengthy calls have run: RGB triples, top-down rows.
+export async function canvasPixels(page) {
+  await page.waitForFunction(() => !document.getElementById('editor').busy);
   return page.evaluate(() => {
     const canvas = document.getElementById('editor').shadowRoot.querySelector('canvas');
     const { data, width, height } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
@@ -149,11 +150,16 @@ export function nativeBitmapFile(width, height, statements, write, settings = []
   }
 }
 
+// What the native script host prints for the script's statements.
+export function nativeTranscript(width, height, statements) {
+  const script = [`create ${width} ${height}`, ...statements].join('\n');
+  return execFileSync(IMAGEEDIT, ['run', '-'], { cwd: ROOT, input: `${script}\n` }).toString();
+}
+
 // The native script host's `state` report (only `keys`, when given) after the
 // script's statements.
 export function nativeState(width, height, statements, keys = []) {
-  const script = [`create ${width} ${height}`, ...statements, ['state', ...keys].join(' ')].join('\n');
-  const printed = execFileSync(IMAGEEDIT, ['run', '-'], { cwd: ROOT, input: `${script}\n` }).toString();
+  const printed = nativeTranscript(width, height, [...statements, ['state', ...keys].join(' ')]);
   return JSON.parse(printed.trim().split('\n').pop());
 }
 

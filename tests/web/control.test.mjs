@@ -8,8 +8,8 @@ import { test } from 'node:test';
 
 import { ROOT, serve, WEB_ROOT } from './browser.mjs';
 import {
-  assertSamePixels, call, calls, canvasPixels, closePage, cursorHotSpot, nativeBitmapFile, nativeShot, readBmp,
-  useBrowser,
+  assertSamePixels, call, calls, canvasPixels, closePage, cursorHotSpot, nativeBitmapFile, nativeShot,
+  nativeTranscript, readBmp, useBrowser,
 } from './control-page.mjs';
 
 const web = useBrowser();
@@ -229,8 +229,23 @@ test('dialogs are page dialogs, and their calls resolve once the person closes t
   const dialog = page.locator('image-edit-control dialog[open]');
   const about = page.evaluate(() => document.getElementById('editor').AboutBox().then(() => 'closed'));
   await dialog.waitFor();
-  assert.deepEqual([await dialog.locator('header').textContent(), await dialog.locator('.text').textContent()],
-    ['About Image Edit Control', 'Image Edit Control Version 1.1']);
+  // Laid out as the script host lays it out, from the same dialog units and font.
+  const shown = await dialog.evaluate((box) => {
+    const place = (element) => [element.offsetLeft, element.offsetTop, element.offsetWidth, element.offsetHeight];
+    const body = box.querySelector('.laid-out');
+    return {
+      caption: box.querySelector('header').textContent, size: [body.offsetWidth, body.offsetHeight],
+      text: box.querySelector('.laid-out span').textContent, ok: place(box.querySelector('button.default')),
+      icon: box.querySelector('img').src.startsWith('data:image/png'),
+    };
+  });
+  const native = nativeTranscript(100, 80, ['AboutBox']);
+  const [, width, height] = native.match(/shown: dialog 1, (\d+) x (\d+)/);
+  const okAt = native.match(/default button "OK" at (\d+),(\d+) (\d+) x (\d+)/).slice(1).map(Number);
+  assert.deepEqual(shown, {
+    caption: 'About Image Edit Control', size: [Number(width), Number(height)],
+    text: 'Image Edit Control Version 1.1', ok: okAt, icon: true,
+  });
   await dialog.getByRole('button', { name: 'OK' }).click();
   assert.equal(await about, 'closed');
   const color = call(page, 'SetColor', 'dialog');

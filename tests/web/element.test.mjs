@@ -7,7 +7,9 @@ import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 
 import { ROOT, serve, WEB_ROOT } from './browser.mjs';
-import { canvasPixels, closePage, readBmp, useBrowser } from './control-page.mjs';
+import {
+  assertSamePixels, calls, canvasPixels, closePage, nativeShot, readBmp, useBrowser,
+} from './control-page.mjs';
 
 const ROOTS = [WEB_ROOT, join(ROOT, 'tests/web'), join(ROOT, 'tests')];
 const shared = useBrowser(ROOTS);
@@ -245,6 +247,39 @@ test('the element is an application with a name, shows its focus and tells assis
   assert.equal(await page.evaluate(() => getComputedStyle(document.getElementById('editor')).outlineStyle), 'solid');
   await closePage(page);
 });
+
+test('a lengthy call waits for the next frame behind the wait cursor, and what reaches the control first runs it',
+  async () => {
+    const page = await controlPage(120, 90);
+    const steps = await calls(page, [['SetImage', 'data/tools/scene_80x60.bmp']]);
+    const seen = await page.evaluate(async () => {
+      const editor = document.getElementById('editor');
+      const canvas = editor.shadowRoot.querySelector('canvas');
+      const seen = {};
+      editor.BrightenImage(170);
+      seen.waiting = [editor.busy, canvas.style.cursor];
+      try {
+        editor.ContrastImage('high');
+      } catch (error) {
+        seen.refused = error.name;
+      }
+      await new Promise((shown) => requestAnimationFrame(() => setTimeout(shown)));
+      seen.ran = [editor.busy, canvas.style.cursor === 'wait'];
+      editor.BrightenImage(120);
+      canvas.dispatchEvent(new PointerEvent('pointermove', { clientX: 20, clientY: 20 }));
+      seen.afterInput = editor.busy;
+      editor.BrightenImage(150);
+      editor.GetColor();
+      seen.afterCall = editor.busy;
+      return seen;
+    });
+    assert.deepEqual(seen, {
+      waiting: [true, 'wait'], refused: 'TypeError', ran: [false, false], afterInput: false, afterCall: false,
+    });
+    steps.push('BrightenImage 170', 'BrightenImage 120', 'BrightenImage 150');
+    assertSamePixels(await canvasPixels(page), nativeShot(120, 90, steps), 'after the three calls');
+    await closePage(page);
+  });
 
 test('the demo on a phone: no sideways scrolling, the picture fitted, zoom in and back to fit', async () => {
   const page = await shared.browser.newPage({ viewport: { width: 390, height: 844 }, deviceScaleFactor: 3 });

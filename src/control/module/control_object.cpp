@@ -9,6 +9,8 @@
 #include "control/module/boundary_guard.h"
 #include "control/module/boundary_variant.h"
 #include "control/module/image_edit_ctrl_app.h"
+#include "control/module/registry/type_library.h"
+#include "control/module/type_info.h"
 #include "platform/text.h"
 #include "platform/user.h"
 
@@ -92,14 +94,22 @@ ocx::ULONG ControlObject::Release() {
 
 ocx::HRESULT ControlObject::GetTypeInfoCount(ocx::UINT* count) {
   if (count == nullptr) return ocx::E_POINTER;
-  *count = 0;
+  *count = 1;
   return ocx::S_OK;
 }
 
-ocx::HRESULT ControlObject::GetTypeInfo(ocx::UINT, ocx::LCID, ocx::ITypeInfo** typeInfo) {
+ocx::HRESULT ControlObject::GetTypeInfo(ocx::UINT index, ocx::LCID, ocx::ITypeInfo** typeInfo) {
   if (typeInfo == nullptr) return ocx::E_POINTER;
   *typeInfo = nullptr;
-  return ocx::DISP_E_BADINDEX;
+  if (index != 0) return ocx::DISP_E_BADINDEX;
+  const TypeLibrary* library = EmbeddedTypeLibrary();
+  const InterfaceDescription* methods =
+      library != nullptr ? library->FindInterface(ocx::DIID__DImageEditCtrl) : nullptr;
+  if (methods == nullptr) return ocx::E_UNEXPECTED;
+  return CatchingEngineFailures([&] {
+    *typeInfo = new DispatchTypeInfo(*methods);
+    return ocx::S_OK;
+  });
 }
 
 // Names match regardless of case, as automation's do. Every name is looked up, so a

@@ -28,7 +28,7 @@ class ControlObject final : public ocx::IDispatch,
   ocx::ULONG Release() override;
 
   // ---- IDispatch: the methods of the dispatch table ----
-  // No type information is offered through the object.
+  // One type information: the dispatch interface's, from the embedded type library.
   ocx::HRESULT GetTypeInfoCount(ocx::UINT* count) override;
   ocx::HRESULT GetTypeInfo(ocx::UINT index, ocx::LCID locale, ocx::ITypeInfo** typeInfo) override;
   ocx::HRESULT GetIDsOfNames(ocx::REFIID riid, ocx::LPOLESTR* names, ocx::UINT count, ocx::LCID locale,

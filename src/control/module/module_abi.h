@@ -73,6 +73,9 @@ inline constexpr HRESULT DISP_E_BADINDEX = static_cast<HRESULT>(0x8002000Bu);
 inline constexpr HRESULT DISP_E_BADPARAMCOUNT = static_cast<HRESULT>(0x8002000Eu);
 inline constexpr HRESULT CONNECT_E_NOCONNECTION = static_cast<HRESULT>(0x80040200u);
 inline constexpr HRESULT CONNECT_E_CANNOTCONNECT = static_cast<HRESULT>(0x80040202u);
+inline constexpr HRESULT SELFREG_E_TYPELIB = static_cast<HRESULT>(0x80040200u);
+inline constexpr HRESULT SELFREG_E_CLASS = static_cast<HRESULT>(0x80040201u);
+inline constexpr HRESULT TYPE_E_ELEMENTNOTFOUND = static_cast<HRESULT>(0x8002802Bu);
 
 inline constexpr bool SUCCEEDED(HRESULT hr) { return hr >= 0; }
 inline constexpr bool FAILED(HRESULT hr) { return hr < 0; }
@@ -110,6 +113,9 @@ inline constexpr IID DIID__DImageEditCtrl = {
 // {0A72752C-7686-4D27-8BAA-ADF168CB5CF9} the event interface _DImageEditCtrlEvents
 inline constexpr IID DIID__DImageEditCtrlEvents = {
     0x0A72752C, 0x7686, 0x4D27, {0x8B, 0xAA, 0xAD, 0xF1, 0x68, 0xCB, 0x5C, 0xF9}};
+// {E4823CC3-5E20-4CDC-93C3-CAF854F64309} ITypeInfo (below), which has a shape of its own
+inline constexpr IID IID_ITypeInfo = {
+    0xE4823CC3, 0x5E20, 0x4CDC, {0x93, 0xC3, 0xCA, 0xF8, 0x54, 0xF6, 0x43, 0x09}};
 // {C31A225B-7C79-48B5-8048-6FB14DB086EF} IImageEditWindow (below)
 inline constexpr IID IID_IImageEditWindow = {
     0xC31A225B, 0x7C79, 0x48B5, {0x80, 0x48, 0x6F, 0xB1, 0x4D, 0xB0, 0x86, 0xEF}};
@@ -155,6 +161,7 @@ inline constexpr VARTYPE VT_BOOL = 11;
 inline constexpr VARTYPE VT_VARIANT = 12;
 inline constexpr VARTYPE VT_UI1 = 17;
 inline constexpr VARTYPE VT_INT = 22;
+inline constexpr VARTYPE VT_VOID = 24;  // a function's result when it has none
 inline constexpr VARTYPE VT_BYREF = 0x4000;
 
 inline constexpr VARIANT_BOOL VARIANT_TRUE = -1;
@@ -241,7 +248,36 @@ struct EXCEPINFO {
   HRESULT scode;
 };
 
-class ITypeInfo;
+inline constexpr DISPID MEMBERID_NIL = -1;  // the type itself, not one of its functions
+
+inline constexpr WORD TYPEFLAG_FCANCREATE = 0x0002;
+inline constexpr WORD TYPEFLAG_FHIDDEN = 0x0010;
+inline constexpr WORD TYPEFLAG_FCONTROL = 0x0020;
+inline constexpr WORD TYPEFLAG_FDISPATCHABLE = 0x1000;
+
+// What a host learns of a dispatch interface from the control: its functions with
+// their DISPIDs, names, parameter names and types and result types, as the type
+// library describes them. It keeps the type information's familiar name and its
+// GetNames, but is smaller than the system's: enough to list and call every method.
+class ITypeInfo : public IUnknown {
+ public:
+  // The interface's identifier, its TYPEFLAG_ flags and how many functions it has.
+  virtual HRESULT GetTypeAttr(IID* iid, WORD* typeFlags, UINT* functionCount) = 0;
+  // Function `index` (0 to functionCount - 1, in the library's order): its DISPID,
+  // its result type (VT_VOID for none) and how many parameters it takes.
+  virtual HRESULT GetFuncDesc(UINT index, DISPID* dispid, VARTYPE* result, UINT* paramCount) = 0;
+  // The type of parameter `param` of function `index`: VT_INT, VT_I4 or VT_BSTR.
+  virtual HRESULT GetParamType(UINT index, UINT param, VARTYPE* type) = 0;
+  // The function's name, then its parameters' names, at most maxNames of them;
+  // *count says how many were given. The caller frees each.
+  virtual HRESULT GetNames(DISPID dispid, BSTR* names, UINT maxNames, UINT* count) = 0;
+  // The name and help string of a function, or of the interface for MEMBERID_NIL;
+  // either out-parameter may be null. The caller frees them.
+  virtual HRESULT GetDocumentation(DISPID dispid, BSTR* name, BSTR* docString) = 0;
+
+ protected:
+  ~ITypeInfo() = default;
+};
 
 class IDispatch : public IUnknown {
  public:
@@ -330,6 +366,12 @@ extern "C" {
 ocx::HRESULT DllGetClassObject(ocx::REFCLSID clsid, ocx::REFIID riid, void** object);
 // S_OK when no object of the module and no lock is alive, S_FALSE otherwise.
 ocx::HRESULT DllCanUnloadNow();
+// Registers the type library, then the control's and its property page's classes, in
+// the per-user registry file (registry/registry_store.h says where):
+// SELFREG_E_TYPELIB when the first step fails, which leaves no class registered;
+// SELFREG_E_CLASS when the second does.
 ocx::HRESULT DllRegisterServer();
+// Removes the module's entries in the same order with the same results, and nothing
+// else; what is not registered is no failure.
 ocx::HRESULT DllUnregisterServer();
 }

@@ -1,9 +1,11 @@
 // The module-wide objects and the module's four exported functions. The objects are
 // defined in this one file so that they are made when the module loads in this order
 // and destroyed when it unloads in the reverse one.
+#include "control/module/boundary_guard.h"
 #include "control/module/control_class_factory.h"
 #include "control/module/image_edit_ctrl_app.h"
 #include "control/module/module_abi.h"
+#include "control/module/registration.h"
 
 namespace {
 
@@ -25,7 +27,5 @@ IE_MODULE_EXPORT ocx::HRESULT DllGetClassObject(ocx::REFCLSID clsid, ocx::REFIID
 
 IE_MODULE_EXPORT ocx::HRESULT DllCanUnloadNow() { return theApp.CanUnloadNow() ? ocx::S_OK : ocx::S_FALSE; }
 
-// Registration writes the per-user registry file, which this module does not have
-// yet: both say so rather than pretend.
-IE_MODULE_EXPORT ocx::HRESULT DllRegisterServer() { return ocx::E_NOTIMPL; }
-IE_MODULE_EXPORT ocx::HRESULT DllUnregisterServer() { return ocx::E_NOTIMPL; }
+IE_MODULE_EXPORT ocx::HRESULT DllRegisterServer() { return CatchingEngineFailures(RegisterServer); }
+IE_MODULE_EXPORT ocx::HRESULT DllUnregisterServer() { return CatchingEngineFailures(UnregisterServer); }

@@ -1,0 +1,32 @@
+// The type information of one dispatch interface of the type library, as
+// IDispatch::GetTypeInfo hands it out. While it lives it counts as one of the
+// module's objects.
+#pragma once
+
+#include "control/module/module_abi.h"
+#include "control/module/registry/type_library.h"
+
+class DispatchTypeInfo final : public ocx::ITypeInfo {
+ public:
+  // Constructed with one reference; `interface` outlives it (it is the embedded
+  // library's).
+  explicit DispatchTypeInfo(const InterfaceDescription& interface);
+  DispatchTypeInfo(const DispatchTypeInfo&) = delete;
+  DispatchTypeInfo& operator=(const DispatchTypeInfo&) = delete;
+  ~DispatchTypeInfo();
+
+  ocx::HRESULT QueryInterface(ocx::REFIID riid, void** object) override;
+  ocx::ULONG AddRef() override { return ++references_; }
+  ocx::ULONG Release() override;
+
+  ocx::HRESULT GetTypeAttr(ocx::IID* iid, ocx::WORD* typeFlags, ocx::UINT* functionCount) override;
+  ocx::HRESULT GetFuncDesc(ocx::UINT index, ocx::DISPID* dispid, ocx::VARTYPE* result,
+                           ocx::UINT* paramCount) override;
+  ocx::HRESULT GetParamType(ocx::UINT index, ocx::UINT param, ocx::VARTYPE* type) override;
+  ocx::HRESULT GetNames(ocx::DISPID dispid, ocx::BSTR* names, ocx::UINT maxNames, ocx::UINT* count) override;
+  ocx::HRESULT GetDocumentation(ocx::DISPID dispid, ocx::BSTR* name, ocx::BSTR* docString) override;
+
+ private:
+  ocx::ULONG references_ = 1;
+  const InterfaceDescription& interface_;
+};
