@@ -10,6 +10,7 @@
 #include "platform/gdi_handles.h"
 #include "platform/gdi_text.h"
 #include "platform/host.h"
+#include "platform/three_d_look.h"
 
 namespace platform {
 namespace {
@@ -31,12 +32,8 @@ ModuleResources& Resources() {
 constexpr int kFrame = 3;
 constexpr int kCaption = 19;
 
-// The face and edges of dialogs, as the scroll bars draw theirs.
-constexpr COLORREF kFace = RGB(0xF0, 0xF0, 0xF0);
-constexpr COLORREF kLight = RGB(0xE3, 0xE3, 0xE3);
-constexpr COLORREF kHighlight = RGB(0xFF, 0xFF, 0xFF);
-constexpr COLORREF kShadow = RGB(0xA0, 0xA0, 0xA0);
-constexpr COLORREF kDarkShadow = RGB(0x69, 0x69, 0x69);
+using three_d::DrawRaisedButton;
+using three_d::kFace;
 constexpr COLORREF kCaptionColor = RGB(0x00, 0x00, 0x80);
 constexpr COLORREF kCaptionText = RGB(0xFF, 0xFF, 0xFF);
 
@@ -76,21 +73,7 @@ DialogLayout::ItemKind KindOf(const DialogItemTemplate& item) {
 }
 
 void Fill(HDC dc, int left, int top, int right, int bottom, COLORREF color) {
-  const OwnedBrush brush(CreateSolidBrush(color));
-  const RECT rect{left, top, right, bottom};
-  FillRect(dc, &rect, brush.get());
-}
-
-// A raised edge two pixels wide inside the rectangle (DrawEdge's EDGE_RAISED).
-void RaisedEdge(HDC dc, RECT r) {
-  const COLORREF outer[2] = {kLight, kDarkShadow}, inner[2] = {kHighlight, kShadow};
-  for (const COLORREF* colors : {outer, inner}) {
-    Fill(dc, r.left, r.top, r.right - 1, r.top + 1, colors[0]);
-    Fill(dc, r.left, r.top, r.left + 1, r.bottom - 1, colors[0]);
-    Fill(dc, r.left, r.bottom - 1, r.right, r.bottom, colors[1]);
-    Fill(dc, r.right - 1, r.top, r.right, r.bottom, colors[1]);
-    r = RECT{r.left + 1, r.top + 1, r.right - 1, r.bottom - 1};
-  }
+  three_d::Fill(dc, RECT{left, top, right, bottom}, color);
 }
 
 void DrawIconArtwork(HDC dc, int iconId, int size, int x, int y) {
@@ -191,15 +174,14 @@ HBITMAP DrawDialogPicture(const DialogLayout& layout) {
   const SelectionGuard shown(dc.get(), picture.get());
   Fill(dc.get(), 0, 0, width, height, kFace);
   if (layout.framed) {
-    RaisedEdge(dc.get(), RECT{0, 0, width, height});
+    DrawRaisedButton(dc.get(), RECT{0, 0, width, height});
     Fill(dc.get(), frame, frame, width - frame, frame + captionBar - 1, kCaptionColor);
     DrawText(dc.get(), bold.get(), layout.caption,
              RECT{frame + 4, frame, width - frame - 20, frame + captionBar - 1},
              DT_LEFT | DT_VCENTER | DT_SINGLELINE, kCaptionText);
     // The close box of the system menu: a small raised button with its cross.
     const RECT close{width - frame - 18, frame + 2, width - frame - 2, frame + captionBar - 3};
-    Fill(dc.get(), close.left, close.top, close.right, close.bottom, kFace);
-    RaisedEdge(dc.get(), close);
+    DrawRaisedButton(dc.get(), close);
     const int cx = (close.left + close.right) / 2 - 1, cy = (close.top + close.bottom) / 2;
     for (int d = -3; d <= 3; ++d) {
       for (int thick = 0; thick < 2; ++thick) {
@@ -226,8 +208,7 @@ HBITMAP DrawDialogPicture(const DialogLayout& layout) {
           Fill(dc.get(), r.left, r.top, r.right, r.bottom, RGB(0, 0, 0));
           r = RECT{r.left + 1, r.top + 1, r.right - 1, r.bottom - 1};
         }
-        Fill(dc.get(), r.left, r.top, r.right, r.bottom, kFace);
-        RaisedEdge(dc.get(), r);
+        DrawRaisedButton(dc.get(), r);
         DrawText(dc.get(), font.get(), item.text, r, DT_CENTER | DT_VCENTER | DT_SINGLELINE, RGB(0, 0, 0));
         break;
       }

@@ -34,18 +34,6 @@ PackedRows::PackedRows(const std::uint32_t* rows, std::size_t step, int width, i
   Finish();
 }
 
-PackedRows::PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size_t step, int width, int count)
-    : width_(width), rows_(count) {
-  std::unique_ptr<std::uint32_t[]> row(new std::uint32_t[static_cast<std::size_t>(width)]);
-  rowStarts_.reserve(static_cast<std::size_t>(count));
-  for (int r = 0; r < count; ++r) {
-    const std::size_t offset = static_cast<std::size_t>(r) * step;
-    for (int x = 0; x < width; ++x) row[x] = a[offset + x] ^ b[offset + x];
-    PackRow(row.get());
-  }
-  Finish();
-}
-
 void PackedRows::BeginRow() {
   rowStarts_.push_back(static_cast<std::uint32_t>(words_.size()));
   lastRepeat_ = -1;
@@ -166,6 +154,21 @@ std::shared_ptr<const PackedRows> PackedRows::Xor(const PackedRows& a, const Pac
   }
   result->Finish();
   return result;
+}
+
+bool PackedRows::OneValue(std::uint32_t* pixel) const {
+  if (words_.size() < 2) return false;
+  const std::uint32_t first = words_[1];
+  bool one = true;
+  for (int r = 0; r < rows_ && one; ++r) {
+    ForEachPiece(r, [&](int, int count, const std::uint32_t* pixels, bool repeated) {
+      one = one && (repeated ? *pixels == first : std::all_of(pixels, pixels + count, [&](std::uint32_t p) {
+              return p == first;
+            }));
+    });
+  }
+  if (one) *pixel = first;
+  return one;
 }
 
 PackedRows::~PackedRows() { CountPixelStorage(-static_cast<std::ptrdiff_t>(counted_)); }

@@ -27,8 +27,6 @@ class PackedRows {
   // `count` rows of `width` pixels, `step` pixels apart. Throws std::bad_alloc, also
   // when the packed rows do not fit the graphics-memory budget.
   PackedRows(const std::uint32_t* rows, std::size_t step, int width, int count);
-  // Same, for the exclusive or of two sets of rows: what turns either into the other.
-  PackedRows(const std::uint32_t* a, const std::uint32_t* b, std::size_t step, int width, int count);
   PackedRows(const PackedRows&) = delete;
   PackedRows& operator=(const PackedRows&) = delete;
   ~PackedRows();
@@ -43,6 +41,8 @@ class PackedRows {
   void XorInto(std::uint32_t* out, std::size_t step) const;
   // Whether every pixel is 0 (an exclusive or of equal rows).
   bool AllZero() const { return allZero_; }
+  // Whether every pixel is one pixel, which is then stored in `pixel`.
+  bool OneValue(std::uint32_t* pixel) const;
   // Calls visit(x, count, pixels, repeated) for each piece of row `row` in order:
   // `pixels` points at the one repeated pixel or at the `count` literal ones.
   template <typename Visit>

@@ -8,7 +8,7 @@
 namespace platform::raster {
 
 // A band's rows: rows of its own, or (pinned rasters) a slice of the raster's one
-// block, or a single row of one colour. A band only packed has none.
+// block, or a single row of one colour. A band only packed (or masked) has none.
 struct Raster::Block {
   std::shared_ptr<std::uint32_t[]> memory;
   std::uint32_t* rows = nullptr;
@@ -80,14 +80,51 @@ Raster::Band Raster::PackedOnly(std::shared_ptr<const PackedRows> packed) const 
   return Band{nullptr, nullptr, static_cast<std::size_t>(width), std::move(packed), false};
 }
 
+Raster::Band Raster::MaskedOnly(std::shared_ptr<const MaskedRows> masked) const {
+  Band band{nullptr, nullptr, static_cast<std::size_t>(width), nullptr, false};
+  band.masked = std::move(masked);
+  return band;
+}
+
+void Raster::SetBandMasked(int band, std::shared_ptr<const MaskedRows> masked) {
+  bands_[static_cast<std::size_t>(band)] = MaskedOnly(std::move(masked));
+}
+
 void Raster::SetBandPacked(int band, std::shared_ptr<const PackedRows> packed) {
   bands_[static_cast<std::size_t>(band)] = PackedOnly(std::move(packed));
+}
+
+void Raster::ReplaceBand(int band, const std::uint32_t* rows) {
+  const int count = BandHeight(band);
+  const std::size_t bytes = static_cast<std::size_t>(count) * width * sizeof(std::uint32_t);
+  if (pinned_) {
+    std::memcpy(MutableRow(band << kBandShift), rows, bytes);
+    return;
+  }
+  bool packingFailed = false;
+  if (compact_) {
+    try {
+      Band packed = PackedOnly(nullptr);
+      if (PackWherePays(rows, static_cast<std::size_t>(width), count, packed)) {
+        bands_[static_cast<std::size_t>(band)] = std::move(packed);
+        return;
+      }
+      packingFailed = true;
+    } catch (const std::bad_alloc&) {
+      // Kept as rows of their own, to be packed when memory allows.
+    }
+  }
+  Band fresh = FreshBand(count);
+  std::memcpy(fresh.rows, rows, bytes);
+  fresh.packingFailed = packingFailed;
+  bands_[static_cast<std::size_t>(band)] = std::move(fresh);
 }
 
 void Raster::MakeWritable(int band) {
   Band& target = bands_[static_cast<std::size_t>(band)];
   if (target.step != 0 && target.rows && target.block.use_count() == 1) {
     target.packed.reset();
+    target.masked.reset();
     target.packingFailed = false;
     return;
   }
@@ -106,30 +143,43 @@ const std::uint32_t* Raster::Unpacked(int band) const {
   ReadBand(band, fresh.rows);
   // Unpacked and not yet written, the rows still have that packed form.
   fresh.packed = std::move(target.packed);
+  fresh.masked = std::move(target.masked);
   target = std::move(fresh);
   return target.rows;
 }
 
 Raster::Band Raster::Kept(Band& from, int rows) const {
   if (from.step == 0 || !from.rows || from.packingFailed || pinned_) return from;
-  if (!from.packed) {
+  if (!from.packed && !from.masked) {
     // Remembered on the band it was packed from (of this raster or of a copy's source),
     // so the next copy or compaction of the same pixels finds it done. Rows that
     // cannot be packed now stay as they are: this raster's charge already covers them.
-    std::shared_ptr<const PackedRows> packed;
     try {
-      packed = std::make_shared<const PackedRows>(from.rows, from.step, width, rows);
+      if (!PackWherePays(from.rows, from.step, rows, from)) {
+        from.packingFailed = true;
+        return from;
+      }
     } catch (const std::bad_alloc&) {
       return from;
     }
-    // Packing pays when it saves at least half of the rows.
-    if (packed->bytes() * 2 > static_cast<std::size_t>(rows) * width * sizeof(std::uint32_t)) {
-      from.packingFailed = true;
-      return from;
-    }
-    from.packed = std::move(packed);
   }
-  return PackedOnly(from.packed);
+  return from.packed ? PackedOnly(from.packed) : MaskedOnly(from.masked);
+}
+
+bool Raster::PackWherePays(const std::uint32_t* rows, std::size_t step, int count, Band& band) const {
+  // Packing pays when it saves at least half of the rows.
+  const std::size_t half = static_cast<std::size_t>(count) * width * sizeof(std::uint32_t) / 2;
+  if (!MaskedRows::BeatsRuns(rows, step, width, count)) {
+    auto packed = std::make_shared<const PackedRows>(rows, step, width, count);
+    if (packed->bytes() > half) return false;
+    band.packed = std::move(packed);
+    return true;
+  }
+  auto masked =
+      std::make_shared<const MaskedRows>(rows, step, width, count, MaskedRows::MostPixels(rows, width));
+  if (masked->bytes() > half) return false;
+  band.masked = std::move(masked);
+  return true;
 }
 
 void Raster::Compact() {
@@ -144,6 +194,7 @@ bool Raster::SameBand(const Raster& other, int band, int otherBand) const {
   const Band& b = other.bands_[static_cast<std::size_t>(otherBand)];
   if (a.block && a.block == b.block) return true;
   if (a.packed && a.packed == b.packed) return true;
+  if (a.masked && a.masked == b.masked) return true;
   return a.step == 0 && b.step == 0 && a.rows[0] == b.rows[0];
 }
 
@@ -152,7 +203,11 @@ void Raster::ReadBand(int band, std::uint32_t* out) const {
   const int rows = BandHeight(band);
   const std::size_t rowBytes = static_cast<std::size_t>(width) * sizeof(std::uint32_t);
   if (!from.rows) {
-    from.packed->Unpack(out, static_cast<std::size_t>(width));
+    if (from.packed) {
+      from.packed->Unpack(out, static_cast<std::size_t>(width));
+    } else {
+      from.masked->Unpack(out, static_cast<std::size_t>(width));
+    }
     return;
   }
   for (int r = 0; r < rows; ++r)
@@ -303,6 +358,7 @@ std::size_t Raster::StoredBytes() const {
                static_cast<std::size_t>(width) * sizeof(std::uint32_t);
     }
     if (first(band.packed.get())) total += band.packed->bytes();
+    if (first(band.masked.get())) total += band.masked->bytes();
   }
   return total;
 }

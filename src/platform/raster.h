@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/graphics_memory.h"
+#include "platform/masked_rows.h"
 #include "platform/packed_rows.h"
 #include "platform/types.h"
 
@@ -33,8 +34,10 @@ inline constexpr std::int64_t kMaxPixels = std::int64_t{1} << 28;
 // Every reader goes through Row() and every writer through MutableRow(), which is the
 // only way to get a writable pointer: never write through a pointer from Row().
 //
-// A compact raster (a history snapshot: kept, rarely drawn on) stores bands packed as
-// runs (packed_rows.h) where that pays. Reading or writing a packed band unpacks it
+// A compact raster (a history snapshot: kept, rarely drawn on) stores bands packed
+// where that pays: as runs (packed_rows.h), or, where the pixels change too often along
+// the rows for runs (dots sprayed over a layer), as a mask against the band's most
+// common pixel (masked_rows.h). Reading or writing a packed band unpacks it
 // into rows of its own first, so Row() may store rows but never changes a pixel;
 // Compact() packs what was unpacked. A band unpacked from a packed one, or packed for a
 // copy into a compact raster, remembers its packed form until it is written, so that
@@ -121,12 +124,22 @@ class Raster {
   bool SameBand(const Raster& other, int band, int otherBand) const;
   // Band `band`'s rows into `out` (rows `width` apart), leaving the raster as it is.
   void ReadBand(int band, std::uint32_t* out) const;
-  // Band `band` packed, when that is known; null otherwise.
+  // Band `band` packed as runs, when that is known; null otherwise.
   const std::shared_ptr<const PackedRows>& BandPacked(int band) const {
     return bands_[static_cast<std::size_t>(band)].packed;
   }
+  // Band `band` masked, when that is known; null otherwise.
+  const std::shared_ptr<const MaskedRows>& BandMasked(int band) const {
+    return bands_[static_cast<std::size_t>(band)].masked;
+  }
   // Band `band` becomes `packed` (of the band's size), stored packed.
   void SetBandPacked(int band, std::shared_ptr<const PackedRows> packed);
+  // The same, stored masked.
+  void SetBandMasked(int band, std::shared_ptr<const MaskedRows> masked);
+  // Band `band` becomes the pixels of `rows` (rows `width` apart), kept as a compact
+  // raster keeps a band: packed where that pays. For a writer that works on a band
+  // elsewhere and puts it back whole, so the band's old storage is never copied.
+  void ReplaceBand(int band, const std::uint32_t* rows);
 
  private:
   struct Block;
@@ -134,15 +147,19 @@ class Raster {
     std::shared_ptr<Block> block;   // none while the band is only packed
     std::uint32_t* rows = nullptr;  // null while the band is only packed
     std::size_t step = 0;           // width for rows of its own or packed, 0 for one colour
-    // The same pixels packed, while known; a write in place forgets them.
+    // The same pixels packed (as runs or masked, at most one), while known; a write in
+    // place forgets them.
     std::shared_ptr<const PackedRows> packed;
     bool packingFailed = false;  // packing was tried on these pixels and did not pay
+    std::shared_ptr<const MaskedRows> masked;
   };
   static bool Writable(const Band& band) {
-    return band.step != 0 && band.rows && !band.packed && !band.packingFailed && band.block.use_count() == 1;
+    return band.step != 0 && band.rows && !band.packed && !band.masked && !band.packingFailed &&
+           band.block.use_count() == 1;
   }
   static Band UniformBand(const std::shared_ptr<Block>& block);
   Band PackedOnly(std::shared_ptr<const PackedRows> packed) const;
+  Band MaskedOnly(std::shared_ptr<const MaskedRows> masked) const;
   // A band of that many rows of its own, its pixels not yet written.
   Band FreshBand(int rows) const;
   std::shared_ptr<Block> UniformBlock(std::uint32_t pixel) const;
@@ -155,6 +172,10 @@ class Raster {
   // The band (of `rows` rows) as a compact raster keeps it: packed when packing pays.
   // Packing is remembered on `from`, which may belong to another raster.
   Band Kept(Band& from, int rows) const;
+  // Sets the packed form of `count` rows (`step` apart) on `band`, runs or a mask as
+  // the rows suit (MaskedRows::BeatsRuns), when it saves at least half of them; false,
+  // `band` as it was, otherwise. Throws std::bad_alloc, also past the budget.
+  bool PackWherePays(const std::uint32_t* rows, std::size_t step, int count, Band& band) const;
 
   // Mutable because Row() unpacks a packed band on first read; the pixels stay as they are.
   mutable std::vector<Band> bands_;

@@ -1,50 +1,110 @@
 #include "platform/raster_difference.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace platform::raster {
 
 namespace {
 
-std::unique_ptr<std::uint32_t[]> BandBuffer(int width) {
-  return std::unique_ptr<std::uint32_t[]>(new std::uint32_t[static_cast<std::size_t>(width) * kBandRows]);
+std::uint32_t* BandBuffer(std::unique_ptr<std::uint32_t[]>& buffer, int width) {
+  if (!buffer) buffer.reset(new std::uint32_t[static_cast<std::size_t>(width) * kBandRows]);
+  return buffer.get();
 }
 
 }  // namespace
 
+void Difference::Band::XorInto(std::uint32_t* out, std::size_t step) const {
+  if (runs) {
+    runs->XorInto(out, step);
+  } else {
+    masked->XorInto(out, step);
+  }
+}
+
+Difference::Band Difference::Smaller(int index, const std::uint32_t* rows, int width, int count,
+                                     std::shared_ptr<const PackedRows> runs) {
+  const auto step = static_cast<std::size_t>(width);
+  // Rows that change too often along them for runs are masked without trying runs.
+  if (!runs && MaskedRows::BeatsRuns(rows, step, width, count))
+    return Band{index, nullptr, std::make_shared<const MaskedRows>(rows, step, width, count)};
+  if (!runs) runs = std::make_shared<const PackedRows>(rows, step, width, count);
+  // Runs that cost less than a mask would are kept without trying one.
+  if (runs->bytes() <= MaskedRows::MaskBytes(width, count)) return Band{index, std::move(runs), nullptr};
+  auto masked = std::make_shared<const MaskedRows>(rows, step, width, count);
+  if (masked->bytes() < runs->bytes()) return Band{index, nullptr, std::move(masked)};
+  return Band{index, std::move(runs), nullptr};
+}
+
+Difference::Band Difference::Smaller(int index, std::shared_ptr<const PackedRows> runs, Scratch& scratch) {
+  const int width = runs->width();
+  const int count = runs->rows();
+  if (runs->bytes() <= MaskedRows::MaskBytes(width, count)) return Band{index, std::move(runs), nullptr};
+  std::uint32_t* rows = BandBuffer(scratch, width);
+  runs->Unpack(rows, static_cast<std::size_t>(width));
+  return Smaller(index, rows, width, count, std::move(runs));
+}
+
+Difference::Band Difference::Combined(const Band& first, const Band& second, Scratch& scratch) {
+  if (first.runs && second.runs)
+    return Smaller(first.index, PackedRows::Xor(*first.runs, *second.runs), scratch);
+  const int width = first.width();
+  const int count = first.rows();
+  std::uint32_t* rows = BandBuffer(scratch, width);
+  const auto step = static_cast<std::size_t>(width);
+  std::fill_n(rows, step * static_cast<std::size_t>(count), 0u);
+  first.XorInto(rows, step);
+  second.XorInto(rows, step);
+  return Smaller(first.index, rows, width, count);
+}
+
 Difference Difference::Between(const Raster& a, const Raster& b) {
   Difference difference;
   // Bands read whole only where either side is not packed; most comparisons need none.
-  std::unique_ptr<std::uint32_t[]> left, right;
+  Scratch left, right;
   const auto step = static_cast<std::size_t>(a.width);
   for (int band = 0; band < a.BandCount(); ++band) {
     if (a.SameBand(b, band, band)) continue;
-    std::shared_ptr<const PackedRows> rows;
+    Band changed;
     if (a.BandPacked(band) && b.BandPacked(band)) {
-      rows = PackedRows::Xor(*a.BandPacked(band), *b.BandPacked(band));
+      changed = Smaller(band, PackedRows::Xor(*a.BandPacked(band), *b.BandPacked(band)), left);
     } else {
-      if (!left) {
-        left = BandBuffer(a.width);
-        right = BandBuffer(a.width);
-      }
-      a.ReadBand(band, left.get());
-      b.ReadBand(band, right.get());
-      rows = std::make_shared<const PackedRows>(left.get(), right.get(), step, a.width, a.BandHeight(band));
+      std::uint32_t* rows = BandBuffer(left, a.width);
+      std::uint32_t* other = BandBuffer(right, a.width);
+      a.ReadBand(band, rows);
+      b.ReadBand(band, other);
+      const std::size_t pixels = step * static_cast<std::size_t>(a.BandHeight(band));
+      for (std::size_t i = 0; i < pixels; ++i) rows[i] ^= other[i];
+      changed = Smaller(band, rows, a.width, a.BandHeight(band));
     }
-    if (!rows->AllZero()) difference.bands_.push_back(Band{band, std::move(rows)});
+    if (!changed.AllZero()) difference.bands_.push_back(std::move(changed));
   }
   return difference;
 }
 
 void Difference::ApplyTo(Raster& raster) const {
+  Scratch scratch;
   for (const Band& band : bands_) {
-    // A compact raster's band known packed takes the difference as runs.
-    if (raster.compact() && raster.BandPacked(band.index)) {
-      raster.SetBandPacked(band.index, PackedRows::Xor(*raster.BandPacked(band.index), *band.rows));
+    if (raster.compact() && !raster.pinned()) {
+      // A band known packed takes runs as runs, and one known masked a mask as a mask.
+      // Others change in a scratch band and go back packed where that pays: a kept band
+      // is not given rows of its own only to be packed again.
+      if (band.runs && raster.BandPacked(band.index)) {
+        raster.SetBandPacked(band.index, PackedRows::Xor(*raster.BandPacked(band.index), *band.runs));
+        continue;
+      }
+      if (band.masked && raster.BandMasked(band.index)) {
+        raster.SetBandMasked(band.index, MaskedRows::Xor(*raster.BandMasked(band.index), *band.masked));
+        continue;
+      }
+      std::uint32_t* rows = BandBuffer(scratch, raster.width);
+      raster.ReadBand(band.index, rows);
+      band.XorInto(rows, static_cast<std::size_t>(raster.width));
+      raster.ReplaceBand(band.index, rows);
       continue;
     }
     std::uint32_t* rows = raster.MutableRow(band.index << kBandShift);
-    band.rows->XorInto(rows, static_cast<std::size_t>(raster.width));
+    band.XorInto(rows, static_cast<std::size_t>(raster.width));
   }
 }
 
@@ -55,6 +115,7 @@ void Difference::Combine(const Difference& other) {
     return;
   }
   std::vector<Band> merged;
+  Scratch scratch;
   std::size_t i = 0, j = 0;
   while (i < bands_.size() || j < other.bands_.size()) {
     if (j == other.bands_.size() || (i < bands_.size() && bands_[i].index < other.bands_[j].index)) {
@@ -62,8 +123,8 @@ void Difference::Combine(const Difference& other) {
     } else if (i == bands_.size() || other.bands_[j].index < bands_[i].index) {
       merged.push_back(other.bands_[j++]);
     } else {
-      auto rows = PackedRows::Xor(*bands_[i].rows, *other.bands_[j].rows);
-      if (!rows->AllZero()) merged.push_back(Band{bands_[i].index, std::move(rows)});
+      Band both = Combined(bands_[i], other.bands_[j], scratch);
+      if (!both.AllZero()) merged.push_back(std::move(both));
       ++i;
       ++j;
     }
@@ -73,7 +134,7 @@ void Difference::Combine(const Difference& other) {
 
 std::size_t Difference::StoredBytes() const {
   std::size_t total = 0;
-  for (const Band& band : bands_) total += band.rows->bytes();
+  for (const Band& band : bands_) total += band.bytes();
   return total;
 }
 

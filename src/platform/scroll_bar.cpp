@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/gdi.h"
+#include "platform/three_d_look.h"
 
 namespace platform::scroll {
 namespace {
@@ -13,13 +14,10 @@ constexpr int kMinimumThumb = 8;
 // Without a page the thumb shows only the position, at a fixed square size.
 constexpr int kFixedThumb = SCROLLBAR_THICKNESS;
 
-// The classic three-dimensional look: a raised button of face colour with a light
-// outer and white inner edge at the top left, grey and dark grey at the bottom right.
-constexpr COLORREF kFace = RGB(0xF0, 0xF0, 0xF0);
-constexpr COLORREF kLight = RGB(0xE3, 0xE3, 0xE3);
-constexpr COLORREF kHighlight = RGB(0xFF, 0xFF, 0xFF);
-constexpr COLORREF kShadow = RGB(0xA0, 0xA0, 0xA0);
-constexpr COLORREF kDarkShadow = RGB(0x69, 0x69, 0x69);
+using three_d::DrawRaisedButton;
+using three_d::Fill;
+using three_d::kFace;
+using three_d::kShadow;
 constexpr COLORREF kTrack = RGB(0xE8, 0xE8, 0xE8);
 constexpr COLORREF kGlyph = RGB(0x20, 0x20, 0x20);
 
@@ -56,21 +54,6 @@ RECT Span(const RECT& bar, bool vertical, int from, int to) {
 int ThumbLength(int track, const window::ScrollBarState& state) {
   if (state.page == 0) return kFixedThumb;
   return std::max(static_cast<int>(Scale(track, PageOf(state), RangeOf(state))), kMinimumThumb);
-}
-
-void Fill(HDC dc, const RECT& r, COLORREF color) {
-  if (window::IsEmpty(r)) return;
-  HBRUSH brush = CreateSolidBrush(color);
-  FillRect(dc, &r, brush);
-  DeleteObject(brush);
-}
-
-void DrawRaisedButton(HDC dc, const RECT& r) {
-  Fill(dc, r, kDarkShadow);
-  Fill(dc, RECT{r.left, r.top, r.right - 1, r.bottom - 1}, kLight);
-  Fill(dc, RECT{r.left + 1, r.top + 1, r.right - 1, r.bottom - 1}, kShadow);
-  Fill(dc, RECT{r.left + 1, r.top + 1, r.right - 2, r.bottom - 2}, kHighlight);
-  Fill(dc, RECT{r.left + 2, r.top + 2, r.right - 2, r.bottom - 2}, kFace);
 }
 
 // A held arrow sinks: a grey frame round a flat face.

@@ -1,9 +1,9 @@
 // The banded, copy-on-write raster against a plain array of rows: seeded random
 // fills, row copies (aligned, so that bands are shared, and not), writes through
-// MutableRow, rows replaced whole, whole copies, compaction and pinning, on awkward
-// sizes; every row must read the same. Differences between such rasters must turn
-// either into the other. Also the 24-bit row packing against a byte-by-byte loop,
-// and paints that change nothing leaving shared bands shared.
+// MutableRow, sprayed dots, rows replaced whole, whole copies, compaction (as runs or
+// masks) and pinning, on awkward sizes; every row must read the same. Differences between such rasters must
+// turn either into the other. Also the 24-bit row packing against a byte-by-byte loop, and paints that change
+// nothing leaving shared bands shared.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -33,7 +33,7 @@ void ExpectSame(const Raster& raster, Plain& plain, const char* what, int round)
 
 TEST(RasterBands, RandomOperationsReadLikePlainRows) {
   std::mt19937 random(5);
-  const int sizes[][2] = {{1, 1}, {7, 33}, {64, 16}, {13, 47}, {40, 100}};
+  const int sizes[][2] = {{1, 1}, {7, 33}, {64, 16}, {13, 47}, {40, 100}, {130, 40}};
   for (const auto& size : sizes) {
     const int w = size[0], h = size[1];
     Raster rasters[2];
@@ -48,7 +48,7 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
       Raster& r = rasters[a];
       Plain& p = plains[a];
       const std::uint32_t colour = pick(3) == 0 ? 0x123456 : random() & 0xFFFFFF;
-      switch (pick(7)) {
+      switch (pick(8)) {
         case 0: {  // a fill, often of whole rows
           const bool whole = pick(2) == 0;
           const int x0 = whole ? 0 : pick(w), x1 = whole ? w : x0 + pick(w - x0 + 1);
@@ -93,6 +93,15 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
         }
         case 5:  // packed where that pays; later whole copies into it are packed too
           r.Compact();
+          break;
+        case 6:  // a spray: dots of one colour all over, which pack as a mask
+          for (int y = 0; y < h; ++y) {
+            for (int x = 0; x < w; ++x) {
+              if (pick(4) != 0) continue;
+              r.MutableRow(y)[x] = colour;
+              p.Row(y)[x] = colour;
+            }
+          }
           break;
         default:  // pinned: the block seen through the pointer is the raster's rows
           if (pick(8) == 0) {
@@ -201,6 +210,45 @@ TEST(RasterBands, PackingMatchesByteByByteConversion) {
     EXPECT_EQ(packed.back(), 0xEE) << "wrote past the row";
     EXPECT_EQ(unpacked.back(), 0xDEADBEEFu) << "wrote past the row";
   }
+}
+
+// A layer sprayed with dots keeps, compacted, a mask per band: a bit a pixel and the
+// dots' colour; it reads back, is written on and shared as any band is.
+TEST(RasterBands, SprayedBandsKeepAMaskAndReadBack) {
+  const int width = 1000, height = 40;
+  Raster layer;
+  ASSERT_TRUE(layer.Allocate(width, height, false));
+  layer.Fill(0, 0, width, height, 0xFF00FF);
+  std::mt19937 random(4);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      if (random() % 5 == 0) layer.MutableRow(y)[x] = 0x0000FF;
+    }
+  }
+  Plain plain{width, height, {}};
+  for (int y = 0; y < height; ++y)
+    plain.pixels.insert(plain.pixels.end(), layer.Row(y), layer.Row(y) + width);
+
+  Raster kept;
+  kept.Compact();
+  kept.ShareFrom(layer);
+  for (int band = 0; band < kept.BandCount(); ++band) EXPECT_TRUE(kept.BandMasked(band)) << band;
+  const std::size_t maskBytes = platform::raster::MaskedRows::MaskBytes(width, 16);
+  EXPECT_LE(kept.StoredBytes(), 3 * (maskBytes + 64));
+  ExpectSame(kept, plain, "masked", 0);
+
+  // A copy of the kept raster shares its masks; a write gives the band rows again.
+  Raster copy;
+  copy.Compact();
+  copy.ShareFrom(kept);
+  EXPECT_TRUE(copy.SameBand(kept, 1, 1));
+  copy.MutableRow(20)[999] = 0x123456;
+  plain.Row(20)[999] = 0x123456;
+  EXPECT_FALSE(copy.BandMasked(1));
+  ExpectSame(copy, plain, "written", 0);
+  copy.Compact();
+  EXPECT_TRUE(copy.BandMasked(1));
+  ExpectSame(copy, plain, "compacted again", 0);
 }
 
 }  // namespace
