@@ -58,10 +58,7 @@ BOOL CImageEditCtrl::CreateControl(HWND parent, int width, int height) {
 // The About box needs no editor: it works in every state, modal, with no parent.
 void CImageEditCtrl::AboutBox() { platform::ShowDialogResource(resources::kAboutDialogId); }
 
-void CImageEditCtrl::OnProperties() {
-  platform::ShowDialogResource(resources::kPropertyPageDialogId,
-                               platform::LoadStringResource(resources::kPropertyPageCaptionString));
-}
+void CImageEditCtrl::OnProperties() { resources::ShowPropertyPage(); }
 
 // ---- what hosts read ----
 

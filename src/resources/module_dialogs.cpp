@@ -158,4 +158,9 @@ void RegisterStringsDialogsAndPictures() {
   platform::RegisterBitmapResource(kToolboxBitmapId, Artwork(kToolbox));
 }
 
+int ShowPropertyPage() {
+  return platform::ShowDialogResource(kPropertyPageDialogId,
+                                      platform::LoadStringResource(kPropertyPageCaptionString));
+}
+
 }  // namespace resources

@@ -41,6 +41,9 @@ inline constexpr ModuleVersion kModuleVersion{{1, 1, 0, 1},
 // Registers the strings, the two dialogs, the icon and the toolbox bitmap (16 x 15, for
 // a container's palette of controls) with the platform.
 void RegisterStringsDialogsAndPictures();
+// Shows the property page, dialog 200 captioned with string 200, through the host:
+// the button that closed it, or -1 when it could not be shown.
+int ShowPropertyPage();
 
 }  // namespace resources
 

@@ -57,9 +57,6 @@ ocx::HRESULT CImageEditCtrlPropPage::GetPageInfo(ocx::BSTR* title, ocx::INT* wid
 ocx::HRESULT CImageEditCtrlPropPage::Show() {
   return CatchingEngineFailures([&] {
     const SiteDialogs dialogs(site_.get());
-    const int button =
-        platform::ShowDialogResource(resources::kPropertyPageDialogId,
-                                     platform::LoadStringResource(resources::kPropertyPageCaptionString));
-    return button < 0 ? ocx::E_FAIL : ocx::S_OK;
+    return resources::ShowPropertyPage() < 0 ? ocx::E_FAIL : ocx::S_OK;
   });
 }
