@@ -50,10 +50,22 @@ class RecordingSite final : public ocx::IImageEditSite {
     *button = closingButton;
     return ocx::S_OK;
   }
+  ocx::HRESULT ShowMessageBox(const ocx::OLECHAR* text, const ocx::OLECHAR* caption, ocx::UINT type,
+                              ocx::INT* button) override {
+    messages.push_back({Text(text), Text(caption), type});
+    *button = 1;
+    return ocx::S_OK;
+  }
 
+  struct Message {
+    std::string text;
+    std::string caption;
+    ocx::UINT type;
+  };
   ocx::ULONG references = 1;  // the test's own
   ocx::INT closingButton = 1;
   std::vector<Dialog> dialogs;
+  std::vector<Message> messages;
 
  private:
   static std::string Text(const ocx::OLECHAR* text) {
@@ -221,16 +233,25 @@ TEST_F(PropertyPageTest, ThePropertiesVerbShowsThePageThroughTheControlsSite) {
   EXPECT_EQ(site.dialogs.size(), 1u);
   EXPECT_EQ(CallByName(control.get(), u"ScaleImage", {HostVariant::Int(50)}).hr, ocx::S_OK);
 
-  // The About box goes through the same site; after the site is taken away nothing
-  // reaches it.
+  // The About box goes through the same site, and so does a failure told while
+  // verbose; after the site is taken away nothing reaches it.
   ASSERT_EQ(CallByName(control.get(), u"AboutBox").hr, ocx::S_OK);
   ASSERT_EQ(site.dialogs.size(), 2u);
   EXPECT_EQ(site.dialogs[1].caption, "About Image Edit Control");
   EXPECT_TRUE(site.dialogs[1].framed);
+  ASSERT_EQ(CallByName(control.get(), u"EnableVerbose", {HostVariant::Int(1)}).hr, ocx::S_OK);
+  ASSERT_EQ(CallByName(control.get(), u"SetImage", {HostVariant::String(u"no/such/picture.bmp")}).hr,
+            ocx::S_OK);
+  ASSERT_EQ(site.messages.size(), 1u);
+  EXPECT_NE(site.messages[0].text.find("no/such/picture.bmp"), std::string::npos) << site.messages[0].text;
+  EXPECT_EQ(site.messages[0].caption, "Image Edit Control");
   ASSERT_EQ(object->SetClientSite(nullptr), ocx::S_OK);
   EXPECT_EQ(site.references, 1u);
   EXPECT_EQ(object->DoVerb(ocx::OLEIVERB_PROPERTIES), ocx::S_OK);
+  EXPECT_EQ(CallByName(control.get(), u"SetImage", {HostVariant::String(u"no/such/picture.bmp")}).hr,
+            ocx::S_OK);
   EXPECT_EQ(site.dialogs.size(), 2u);
+  EXPECT_EQ(site.messages.size(), 1u);
 
   // A control that goes lets go of its site.
   ASSERT_EQ(object->SetClientSite(&site), ocx::S_OK);

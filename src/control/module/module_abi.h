@@ -463,6 +463,9 @@ class IImageEditSite : public IUnknown {
   // Shows the dialog modally; *button is the id of the button that closed it (1 for
   // OK, 2 for the close box).
   virtual HRESULT ShowDialog(const DIALOGINFO* dialog, INT* button) = 0;
+  // Shows a message box (`type` as MessageBox takes it: buttons and icon); *button is
+  // the button pressed (IDOK = 1). The texts are valid for the length of the call.
+  virtual HRESULT ShowMessageBox(const OLECHAR* text, const OLECHAR* caption, UINT type, INT* button) = 0;
 
  protected:
   ~IImageEditSite() = default;

@@ -55,6 +55,15 @@ int SiteDialogs::ShowDialog(const platform::DialogLayout& dialog) {
   return button;
 }
 
+// A site that cannot show the box answers as its OK would.
+int SiteDialogs::ShowMessageBox(const std::string& text, const std::string& caption, UINT type) {
+  const std::u16string wideText = WideFromNarrow(text);
+  const std::u16string wideCaption = WideFromNarrow(caption);
+  ocx::INT button = IDOK;
+  if (ocx::FAILED(site_->ShowMessageBox(wideText.c_str(), wideCaption.c_str(), type, &button))) button = IDOK;
+  return button;
+}
+
 void HeldSite::Set(ocx::IImageEditSite* site) {
   if (site != nullptr) site->AddRef();
   if (site_ != nullptr) site_->Release();

@@ -1,6 +1,7 @@
 // A container's site standing in as the platform's host for the length of one call:
-// the dialogs the engine shows meanwhile (a property page, the About box) go to the
-// site, everything else to the host that was there before.
+// the dialogs and message boxes the engine shows meanwhile (a property page, the About
+// box, a failure told while verbose) go to the site, everything else to the host that
+// was there before.
 #pragma once
 
 #include <span>
@@ -23,9 +24,7 @@ class SiteDialogs final : public platform::Host {
   void PresentFrame(HWND hostWindow) override { previous_.PresentFrame(hostWindow); }
   void ShowCursor(int resourceId) override { previous_.ShowCursor(resourceId); }
   UINT ShowPopupMenu(HMENU menu, int x, int y) override { return previous_.ShowPopupMenu(menu, x, y); }
-  int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override {
-    return previous_.ShowMessageBox(text, caption, type);
-  }
+  int ShowMessageBox(const std::string& text, const std::string& caption, UINT type) override;
   bool ChooseColor(COLORREF& color, std::span<COLORREF, 16> customColors) override {
     return previous_.ChooseColor(color, customColors);
   }
