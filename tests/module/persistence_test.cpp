@@ -149,12 +149,24 @@ TEST_F(PersistenceTest, LoadingAcceptsVersionsItCanConvertAndRefusesTheRest) {
   }
   MemoryBag negative = bag(0x00010001, 5, -1);
   EXPECT_EQ(loadedExtent(negative, ocx::E_INVALIDARG), kept);
-  for (const char16_t* name : {u"_ExtentX", u"_Version"}) {
-    MemoryBag text = bag(0x00010001, 5, 5);
-    text.values.erase(name);
-    text.values.emplace(name, HostVariant::String(u"65537"));
+  // Values written as text, as a page's parameters come, are read as decimals.
+  const auto textBag = [](const std::u16string& version, const std::u16string& cx) {
+    MemoryBag made;
+    made.values.emplace(u"_Version", HostVariant::String(version));
+    made.values.emplace(u"_ExtentX", HostVariant::String(cx));
+    made.values.emplace(u"_ExtentY", HostVariant::Int(200));
+    return made;
+  };
+  for (const char16_t* notDecimal : {u"", u"-", u"12x", u" 12", u"0x10", u"2147483648", u"1.5"}) {
+    MemoryBag text = textBag(u"65537", notDecimal);
     EXPECT_EQ(loadedExtent(text, ocx::DISP_E_TYPEMISMATCH), kept);
   }
+  MemoryBag newerAsText = textBag(u"131072", u"7");
+  EXPECT_EQ(loadedExtent(newerAsText, ocx::STG_E_OLDDLL), kept);
+  MemoryBag negativeAsText = textBag(u"+65537", u"-2147483648");
+  EXPECT_EQ(loadedExtent(negativeAsText, ocx::E_INVALIDARG), kept);
+  MemoryBag asText = textBag(u"+65537", u"2147483647");
+  EXPECT_EQ(loadedExtent(asText, ocx::S_OK), std::pair(2147483647, 200));
   // Smaller integer types are integers too.
   MemoryBag small = bag(0x00010001, 0, 0);
   small.values.erase(u"_ExtentX");

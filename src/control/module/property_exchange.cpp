@@ -30,8 +30,26 @@ ocx::HRESULT WriteInteger(ocx::IPropertyBag& bag, const char16_t* name, std::int
   return bag.Write(name, &variant);
 }
 
+// A decimal integer written as text, as a page's parameters come: an optional sign
+// and digits only, within 32 bits; nullopt for anything else.
+std::optional<std::int32_t> DecimalText(const ocx::OLECHAR* text, ocx::UINT length) {
+  ocx::UINT i = 0;
+  const bool negative = length > 0 && text[0] == u'-';
+  if (length > 0 && (text[0] == u'-' || text[0] == u'+')) ++i;
+  if (i == length) return std::nullopt;
+  std::int64_t magnitude = 0;
+  for (; i < length; ++i) {
+    if (text[i] < u'0' || text[i] > u'9') return std::nullopt;
+    magnitude = magnitude * 10 + (text[i] - u'0');
+    if (magnitude > 2147483648LL) return std::nullopt;
+  }
+  const std::int64_t value = negative ? -magnitude : magnitude;
+  if (value > 2147483647LL) return std::nullopt;
+  return static_cast<std::int32_t>(value);
+}
+
 // One integer of the bag: nullopt in *value when the bag has none, DISP_E_TYPEMISMATCH
-// when what it has is not an integer.
+// when what it has is neither an integer nor one written as text.
 ocx::HRESULT ReadInteger(ocx::IPropertyBag& bag, const char16_t* name, std::optional<std::int32_t>* value) {
   ocx::VARIANT variant;
   ocx::VariantInit(&variant);
@@ -52,6 +70,10 @@ ocx::HRESULT ReadInteger(ocx::IPropertyBag& bag, const char16_t* name, std::opti
       break;
     case ocx::VT_UI1:
       *value = variant.bVal;
+      break;
+    case ocx::VT_BSTR:
+      *value = DecimalText(variant.bstrVal, ocx::SysStringLen(variant.bstrVal));
+      if (!*value) hr = ocx::DISP_E_TYPEMISMATCH;
       break;
     default:
       hr = ocx::DISP_E_TYPEMISMATCH;
