@@ -2,35 +2,12 @@
 
 #include "control/module/boundary_guard.h"
 #include "control/module/boundary_variant.h"
-#include "control/module/image_edit_ctrl_app.h"
 #include "platform/dialog_resources.h"
 #include "resources/module_resources.h"
 
 // The page may be made before any control, so it makes sure the module's dialogs and
 // strings are there.
-CImageEditCtrlPropPage::CImageEditCtrlPropPage() {
-  RegisterModuleResources();
-  TheModule().ObjectCreated();
-}
-
-CImageEditCtrlPropPage::~CImageEditCtrlPropPage() { TheModule().ObjectDestroyed(); }
-
-ocx::HRESULT CImageEditCtrlPropPage::QueryInterface(ocx::REFIID riid, void** object) {
-  if (object == nullptr) return ocx::E_POINTER;
-  if (riid == ocx::IID_IUnknown || riid == ocx::IID_IImageEditPropertyPage) {
-    *object = static_cast<ocx::IImageEditPropertyPage*>(this);
-    AddRef();
-    return ocx::S_OK;
-  }
-  *object = nullptr;
-  return ocx::E_NOINTERFACE;
-}
-
-ocx::ULONG CImageEditCtrlPropPage::Release() {
-  const ocx::ULONG left = --references_;
-  if (left == 0) delete this;
-  return left;
-}
+CImageEditCtrlPropPage::CImageEditCtrlPropPage() { RegisterModuleResources(); }
 
 ocx::HRESULT CImageEditCtrlPropPage::SetPageSite(ocx::IImageEditSite* site) {
   site_.Set(site);

@@ -1,23 +1,17 @@
 // The control's property page as the module hands it to a container: dialog 200
 // captioned with string 200. The control has no property to set, so the page only
 // shows its text; applying changes nothing and it is never dirty. Its life is its
-// reference count; while it lives it counts as one of the module's objects.
+// reference count (module_object.h).
 #pragma once
 
 #include "control/module/module_abi.h"
+#include "control/module/module_object.h"
 #include "control/module/site_dialogs.h"
 
-class CImageEditCtrlPropPage final : public ocx::IImageEditPropertyPage {
+class CImageEditCtrlPropPage final
+    : public ModuleObject<ocx::IImageEditPropertyPage, ocx::IID_IImageEditPropertyPage> {
  public:
-  // Constructed with one reference.
   CImageEditCtrlPropPage();
-  CImageEditCtrlPropPage(const CImageEditCtrlPropPage&) = delete;
-  CImageEditCtrlPropPage& operator=(const CImageEditCtrlPropPage&) = delete;
-  ~CImageEditCtrlPropPage();
-
-  ocx::HRESULT QueryInterface(ocx::REFIID riid, void** object) override;
-  ocx::ULONG AddRef() override { return ++references_; }
-  ocx::ULONG Release() override;
 
   ocx::HRESULT SetPageSite(ocx::IImageEditSite* site) override;
   ocx::HRESULT GetPageInfo(ocx::BSTR* title, ocx::INT* width, ocx::INT* height) override;
@@ -26,6 +20,5 @@ class CImageEditCtrlPropPage final : public ocx::IImageEditPropertyPage {
   ocx::HRESULT IsPageDirty() override { return ocx::S_FALSE; }
 
  private:
-  ocx::ULONG references_ = 1;
   HeldSite site_;
 };

@@ -1,8 +1,7 @@
 // The enumerators of connection points and of connections: a snapshot of the items
 // taken when the enumerator is made, each item holding a reference, and a position in
-// it. Clones share the snapshot (it is never changed) but move on their own. While
-// an enumerator lives it counts as one of the module's objects, and it holds the
-// object it enumerates for, so that the items' owner outlives it.
+// it. Clones share the snapshot (it is never changed) but move on their own. An
+// enumerator holds the object it enumerates for, so that the items' owner outlives it.
 #pragma once
 
 #include <algorithm>
@@ -10,8 +9,8 @@
 #include <vector>
 
 #include "control/module/boundary_guard.h"
-#include "control/module/image_edit_ctrl_app.h"
 #include "control/module/module_abi.h"
+#include "control/module/module_object.h"
 
 // What an item is made of: the interface it comes from, and how an item takes and
 // gives back its reference.
@@ -21,33 +20,12 @@ inline void AddItemReference(const ocx::CONNECTDATA& connection) { connection.pU
 inline void ReleaseItemReference(const ocx::CONNECTDATA& connection) { connection.pUnk->Release(); }
 
 template <typename Interface, typename Item, const ocx::IID& kInterfaceId>
-class SnapshotEnumerator final : public Interface {
+class SnapshotEnumerator final : public ModuleObject<Interface, kInterfaceId> {
  public:
   // Takes a reference on every item and on `owner`; constructed with one reference.
   static SnapshotEnumerator* Make(ocx::IUnknown& owner, std::vector<Item> items) {
     return new SnapshotEnumerator(std::make_shared<const Snapshot>(owner, std::move(items)), 0);
   }
-  SnapshotEnumerator(const SnapshotEnumerator&) = delete;
-  SnapshotEnumerator& operator=(const SnapshotEnumerator&) = delete;
-  ~SnapshotEnumerator() { TheModule().ObjectDestroyed(); }
-
-  ocx::HRESULT QueryInterface(ocx::REFIID riid, void** object) override {
-    if (object == nullptr) return ocx::E_POINTER;
-    if (riid == ocx::IID_IUnknown || riid == kInterfaceId) {
-      *object = static_cast<Interface*>(this);
-      AddRef();
-      return ocx::S_OK;
-    }
-    *object = nullptr;
-    return ocx::E_NOINTERFACE;
-  }
-  ocx::ULONG AddRef() override { return ++references_; }
-  ocx::ULONG Release() override {
-    const ocx::ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
   ocx::HRESULT Next(ocx::ULONG count, Item* items, ocx::ULONG* fetched) override {
     if (items == nullptr || (fetched == nullptr && count != 1)) return ocx::E_POINTER;
     const std::vector<Item>& all = snapshot_->items;
@@ -96,11 +74,8 @@ class SnapshotEnumerator final : public Interface {
   };
 
   SnapshotEnumerator(std::shared_ptr<const Snapshot> snapshot, std::size_t position)
-      : snapshot_(std::move(snapshot)), position_(position) {
-    TheModule().ObjectCreated();
-  }
+      : snapshot_(std::move(snapshot)), position_(position) {}
 
-  ocx::ULONG references_ = 1;
   std::shared_ptr<const Snapshot> snapshot_;
   std::size_t position_;
 };

@@ -2,30 +2,6 @@
 
 #include "control/module/boundary_guard.h"
 #include "control/module/boundary_variant.h"
-#include "control/module/image_edit_ctrl_app.h"
-
-DispatchTypeInfo::DispatchTypeInfo(const InterfaceDescription& interface) : interface_(interface) {
-  TheModule().ObjectCreated();
-}
-
-DispatchTypeInfo::~DispatchTypeInfo() { TheModule().ObjectDestroyed(); }
-
-ocx::HRESULT DispatchTypeInfo::QueryInterface(ocx::REFIID riid, void** object) {
-  if (object == nullptr) return ocx::E_POINTER;
-  if (riid == ocx::IID_IUnknown || riid == ocx::IID_ITypeInfo) {
-    *object = static_cast<ocx::ITypeInfo*>(this);
-    AddRef();
-    return ocx::S_OK;
-  }
-  *object = nullptr;
-  return ocx::E_NOINTERFACE;
-}
-
-ocx::ULONG DispatchTypeInfo::Release() {
-  const ocx::ULONG left = --references_;
-  if (left == 0) delete this;
-  return left;
-}
 
 ocx::HRESULT DispatchTypeInfo::GetTypeAttr(ocx::IID* iid, ocx::WORD* typeFlags, ocx::UINT* functionCount) {
   if (iid == nullptr || typeFlags == nullptr || functionCount == nullptr) return ocx::E_POINTER;

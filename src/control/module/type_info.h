@@ -4,20 +4,13 @@
 #pragma once
 
 #include "control/module/module_abi.h"
+#include "control/module/module_object.h"
 #include "control/module/registry/type_library.h"
 
-class DispatchTypeInfo final : public ocx::ITypeInfo {
+class DispatchTypeInfo final : public ModuleObject<ocx::ITypeInfo, ocx::IID_ITypeInfo> {
  public:
-  // Constructed with one reference; `interface` outlives it (it is the embedded
-  // library's).
-  explicit DispatchTypeInfo(const InterfaceDescription& interface);
-  DispatchTypeInfo(const DispatchTypeInfo&) = delete;
-  DispatchTypeInfo& operator=(const DispatchTypeInfo&) = delete;
-  ~DispatchTypeInfo();
-
-  ocx::HRESULT QueryInterface(ocx::REFIID riid, void** object) override;
-  ocx::ULONG AddRef() override { return ++references_; }
-  ocx::ULONG Release() override;
+  // `interface` outlives it (it is the embedded library's).
+  explicit DispatchTypeInfo(const InterfaceDescription& interface) : interface_(interface) {}
 
   ocx::HRESULT GetTypeAttr(ocx::IID* iid, ocx::WORD* typeFlags, ocx::UINT* functionCount) override;
   ocx::HRESULT GetFuncDesc(ocx::UINT index, ocx::DISPID* dispid, ocx::VARTYPE* result,
@@ -27,6 +20,5 @@ class DispatchTypeInfo final : public ocx::ITypeInfo {
   ocx::HRESULT GetDocumentation(ocx::DISPID dispid, ocx::BSTR* name, ocx::BSTR* docString) override;
 
  private:
-  ocx::ULONG references_ = 1;
   const InterfaceDescription& interface_;
 };
