@@ -132,16 +132,12 @@ export class ImageEditControl extends HTMLElement {
     root.append(style, boxStyle, surface, this.#status);
     this.#sizing = new ControlSizing(this, this.#canvas, boxStyle, (width, height) => {
       if (this.#control === null) return;
-      this.#runWaitingPasses();
-      this.#control.resize(width, height);
+      this.#settled.resize(width, height);
       this.#keepTime();
     });
     this.#menu = new PopupMenu(root, (command) => this.#menuClosed(command));
     this.#textBox = new TextBoxOverlay(surface, this.#canvas, {
-      setText: (text) => {
-        this.#runWaitingPasses();
-        return this.#control.setTextBoxText(text);
-      },
+      setText: (text) => this.#settled.setTextBoxText(text),
       key: (message, event) => this.#sendKey(message, event, 0),
       readFont: (path) => this.#engine.FS.readFile(path),
     });
@@ -264,8 +260,7 @@ export class ImageEditControl extends HTMLElement {
     if (this.#control === null) throw new Error(`${name}: the element was removed from the page`);
     // A popup menu is modal: anything else the engine is asked to do means it is gone.
     this.#menu.close(0);
-    this.#runWaitingPasses();
-    const outcome = this.#control.invoke(name, args);
+    const outcome = this.#settled.invoke(name, args);
     this.#keepTime();
     if ('error' in outcome) throw new TypeError(outcome.error);
     return outcome.value;
@@ -300,6 +295,13 @@ export class ImageEditControl extends HTMLElement {
       }));
     }
     this.#waitingPasses.push([name, args]);
+  }
+
+  // The control, once the lengthy calls waiting for the next frame have run: every
+  // call and input reaches the engine through it, so none can overtake them.
+  get #settled() {
+    this.#runWaitingPasses();
+    return this.#control;
   }
 
   #runWaitingPasses() {
@@ -415,8 +417,7 @@ export class ImageEditControl extends HTMLElement {
 
   // The person closed the shortcut menu, with the command they picked or 0.
   #menuClosed(command) {
-    this.#runWaitingPasses();
-    this.#control.menuChosen(command);
+    this.#settled.menuChosen(command);
     this.#keepTime();
     if (command !== 0) this.focus({ preventScroll: true });
   }
@@ -574,10 +575,7 @@ export class ImageEditControl extends HTMLElement {
       const now = performance.now();
       const elapsed = Math.floor(now - last);
       last += elapsed;
-      if (elapsed > 0) {
-        this.#runWaitingPasses();
-        this.#control.tick(elapsed);
-      }
+      if (elapsed > 0) this.#settled.tick(elapsed);
       if (!this.#control.hasTimers()) {
         clearInterval(this.#ticker);
         this.#ticker = 0;
@@ -594,11 +592,11 @@ export class ImageEditControl extends HTMLElement {
     // the browser will draw.
     const send = (message, events) => {
       if (this.#control === null) return;
-      this.#runWaitingPasses();
+      const control = this.#settled;
       const box = canvas.getBoundingClientRect();
       events.forEach((event, i) => {
         const { x, y } = this.#sizing.pointAt(event, box);
-        this.#control.pointer(message, x, y, event.ctrlKey || event.metaKey, event.shiftKey, i === events.length - 1);
+        control.pointer(message, x, y, event.ctrlKey || event.metaKey, event.shiftKey, i === events.length - 1);
       });
       this.#keepTime();
     };
@@ -667,8 +665,7 @@ export class ImageEditControl extends HTMLElement {
 
   // A key to the engine; true when the control's key routing took it.
   #sendKey(message, event, character) {
-    this.#runWaitingPasses();
-    const taken = this.#control.key(message, event.keyCode, event.ctrlKey || event.metaKey, event.shiftKey,
+    const taken = this.#settled.key(message, event.keyCode, event.ctrlKey || event.metaKey, event.shiftKey,
       event.repeat, character);
     this.#keepTime();
     return taken;
