@@ -33,6 +33,7 @@ constexpr int kFrame = 3;
 constexpr int kCaption = 19;
 
 using three_d::DrawRaisedButton;
+using three_d::Fill;
 using three_d::kFace;
 constexpr COLORREF kCaptionColor = RGB(0x00, 0x00, 0x80);
 constexpr COLORREF kCaptionText = RGB(0xFF, 0xFF, 0xFF);
@@ -70,10 +71,6 @@ DialogLayout::ItemKind KindOf(const DialogItemTemplate& item) {
                                                           : DialogLayout::ItemKind::Button;
   }
   return (item.style & SS_TYPEMASK) == SS_ICON ? DialogLayout::ItemKind::Icon : DialogLayout::ItemKind::Text;
-}
-
-void Fill(HDC dc, int left, int top, int right, int bottom, COLORREF color) {
-  three_d::Fill(dc, RECT{left, top, right, bottom}, color);
 }
 
 void DrawIconArtwork(HDC dc, int iconId, int size, int x, int y) {
@@ -172,10 +169,10 @@ HBITMAP DrawDialogPicture(const DialogLayout& layout) {
   const OwnedFont bold = DialogFont(layout.fontFace, layout.fontPoints, FW_BOLD);
   if (!picture || !dc || !font || !bold) return nullptr;
   const SelectionGuard shown(dc.get(), picture.get());
-  Fill(dc.get(), 0, 0, width, height, kFace);
+  Fill(dc.get(), RECT{0, 0, width, height}, kFace);
   if (layout.framed) {
     DrawRaisedButton(dc.get(), RECT{0, 0, width, height});
-    Fill(dc.get(), frame, frame, width - frame, frame + captionBar - 1, kCaptionColor);
+    Fill(dc.get(), RECT{frame, frame, width - frame, frame + captionBar - 1}, kCaptionColor);
     DrawText(dc.get(), bold.get(), layout.caption,
              RECT{frame + 4, frame, width - frame - 20, frame + captionBar - 1},
              DT_LEFT | DT_VCENTER | DT_SINGLELINE, kCaptionText);
@@ -205,7 +202,7 @@ HBITMAP DrawDialogPicture(const DialogLayout& layout) {
       case DialogLayout::ItemKind::Button: {
         // A default push button has a black frame around its raised edge.
         if (item.kind == DialogLayout::ItemKind::DefaultButton) {
-          Fill(dc.get(), r.left, r.top, r.right, r.bottom, RGB(0, 0, 0));
+          Fill(dc.get(), r, RGB(0, 0, 0));
           r = RECT{r.left + 1, r.top + 1, r.right - 1, r.bottom - 1};
         }
         DrawRaisedButton(dc.get(), r);
