@@ -1,7 +1,5 @@
 #include "module_commands.h"
 
-#include <dlfcn.h>
-
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -15,27 +13,17 @@
 #include "control/module/registry/module_keys.h"
 #include "control/module/registry/registry_store.h"
 #include "control/module/registry/type_library.h"
+#include "loaded_module.h"
 #include "resources/module_resources.h"
 #include "script_runner.h"
 
 namespace script {
 namespace {
 
-constexpr const char* kModuleFile = "libOstrelImageEditCtrl.so";
-
-std::optional<std::filesystem::path> ModuleBesideProgram() {
-  std::error_code code;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", code);
-  if (code) return std::nullopt;
-  return program.parent_path() / kModuleFile;
-}
-
 std::string HresultText(ocx::HRESULT hr) {
-  char hex[16];
-  std::snprintf(hex, sizeof hex, "0x%08X", static_cast<unsigned>(hr));
-  if (hr == ocx::SELFREG_E_TYPELIB) return std::string("SELFREG_E_TYPELIB (") + hex + ")";
-  if (hr == ocx::SELFREG_E_CLASS) return std::string("SELFREG_E_CLASS (") + hex + ")";
-  return hex;
+  if (hr == ocx::SELFREG_E_TYPELIB) return "SELFREG_E_TYPELIB (" + HresultHex(hr) + ")";
+  if (hr == ocx::SELFREG_E_CLASS) return "SELFREG_E_CLASS (" + HresultHex(hr) + ")";
+  return HresultHex(hr);
 }
 
 std::string ValueText(const RegistryValue& value) {
@@ -97,24 +85,24 @@ bool PrintTypeLibrary(const std::filesystem::path& file, std::ostream& out, std:
 }  // namespace
 
 int RegisterModule(bool unregister, std::ostream& out, std::ostream& errors) {
-  const std::optional<std::filesystem::path> path = ModuleBesideProgram();
-  void* module = path ? dlopen(path->c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
-  if (module == nullptr) {
-    errors << "imageedit: cannot load the module: " << (path ? dlerror() : "this program's folder is unknown")
-           << '\n';
+  ocx::HRESULT hr = ocx::E_FAIL;
+  std::filesystem::path path;
+  const char* entry = unregister ? "DllUnregisterServer" : "DllRegisterServer";
+  try {
+    // Registration makes no object, so nothing keeps the module loaded after it.
+    const LoadedModule module;
+    path = module.path();
+    hr = unregister ? module.UnregisterServer() : module.RegisterServer();
+  } catch (const std::runtime_error& error) {
+    errors << "imageedit: " << error.what() << '\n';
     return kExitFailure;
   }
-  const char* entry = unregister ? "DllUnregisterServer" : "DllRegisterServer";
-  const auto call = reinterpret_cast<ocx::DllRegisterServerFunction>(dlsym(module, entry));
-  const ocx::HRESULT hr = call != nullptr ? call() : ocx::E_FAIL;
-  // Registration makes no object, so nothing keeps the module loaded.
-  dlclose(module);
   if (ocx::FAILED(hr)) {
     errors << "imageedit: " << entry << " failed: " << HresultText(hr) << '\n';
     return kExitFailure;
   }
   const std::optional<std::filesystem::path> registry = RegistryPath();
-  out << (unregister ? "unregistered " : "registered ") << path->string() << (unregister ? " from " : " in ")
+  out << (unregister ? "unregistered " : "registered ") << path.string() << (unregister ? " from " : " in ")
       << (registry ? registry->string() : "the registry") << '\n';
   return kExitOk;
 }

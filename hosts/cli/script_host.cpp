@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "control/module/registry/type_library.h"
 #include "picture_files.h"
 #include "platform/gdi_handles.h"
+#include "platform/kernel.h"
 
 namespace script {
 
@@ -165,22 +167,50 @@ int ScriptHost::ShowDialog(const platform::DialogLayout& dialog) {
   return IDOK;
 }
 
-void EventPrinter::Invoke(int dispid, const std::vector<Variant>& args) {
-  const char* name = EventName(dispid);
-  out_ << "event " << (name ? std::string(name) : std::to_string(dispid));
-  for (const Variant& arg : args) out_ << ' ' << FormatVariant(arg);
-  out_ << '\n';
+ocx::HRESULT EventPrinter::QueryInterface(ocx::REFIID riid, void** object) {
+  if (object == nullptr) return ocx::E_POINTER;
+  if (riid == ocx::IID_IUnknown || riid == ocx::IID_IDispatch || riid == ocx::DIID__DImageEditCtrlEvents) {
+    *object = static_cast<ocx::IDispatch*>(this);
+    return ocx::S_OK;
+  }
+  *object = nullptr;
+  return ocx::E_NOINTERFACE;
 }
 
-std::string FormatVariant(const Variant& value) {
-  switch (value.type()) {
-    case Variant::Type::String:
-      return QuoteString(value.asString());
-    case Variant::Type::Int:
-    case Variant::Type::Bool:
-      return std::to_string(value.asInt());
-    case Variant::Type::Null:
-    case Variant::Type::Empty:
+ocx::HRESULT EventPrinter::GetTypeInfoCount(ocx::UINT* count) {
+  if (count == nullptr) return ocx::E_POINTER;
+  *count = 0;
+  return ocx::S_OK;
+}
+
+// The event's name comes from the control's type library, which this program carries
+// as a host built against the library does.
+ocx::HRESULT EventPrinter::Invoke(ocx::DISPID dispid, ocx::REFIID, ocx::LCID, ocx::WORD,
+                                  ocx::DISPPARAMS* params, ocx::VARIANT*, ocx::EXCEPINFO*, ocx::UINT*) {
+  if (params == nullptr) return ocx::E_INVALIDARG;
+  const TypeLibrary* library = EmbeddedTypeLibrary();
+  const InterfaceDescription* events =
+      library != nullptr ? library->FindInterface(ocx::DIID__DImageEditCtrlEvents) : nullptr;
+  const FunctionDescription* event = events != nullptr ? events->FindFunction(dispid) : nullptr;
+  out_ << "event " << (event != nullptr ? event->name : std::to_string(dispid));
+  // Automation passes the arguments last one first.
+  for (ocx::UINT i = params->cArgs; i > 0; --i) out_ << ' ' << FormatVariant(params->rgvarg[i - 1]);
+  out_ << '\n';
+  return ocx::S_OK;
+}
+
+std::string FormatVariant(const ocx::VARIANT& value) {
+  switch (value.vt) {
+    case ocx::VT_BSTR:
+      if (value.bstrVal == nullptr) break;
+      return QuoteString(NarrowFromWide(value.bstrVal, ocx::SysStringLen(value.bstrVal)));
+    case ocx::VT_I4:
+      return std::to_string(value.lVal);
+    case ocx::VT_INT:
+      return std::to_string(value.intVal);
+    case ocx::VT_BOOL:
+      return std::to_string(value.boolVal != ocx::VARIANT_FALSE ? 1 : 0);
+    default:
       break;
   }
   return "null";

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "control/image_edit_ctrl.h"
+#include "control/module/module_abi.h"
 #include "platform/platform.h"
 #include "script_parser.h"
 
@@ -57,17 +57,30 @@ class ScriptHost : public platform::Host {
   std::deque<std::string> dialogShots_;
 };
 
-// Prints every event the control fires: `event NAME ARGS...`.
-class EventPrinter : public IEventSink {
+// Prints every event the control fires: `event NAME ARGS...`. It is the sink the
+// script host connects to the control's event interface; the host owns it for the
+// length of the run, so its reference count only answers.
+class EventPrinter final : public ocx::IDispatch {
  public:
   explicit EventPrinter(std::ostream& out) : out_(out) {}
-  void Invoke(int dispid, const std::vector<Variant>& args) override;
+
+  ocx::HRESULT QueryInterface(ocx::REFIID riid, void** object) override;
+  ocx::ULONG AddRef() override { return 1; }
+  ocx::ULONG Release() override { return 1; }
+  ocx::HRESULT GetTypeInfoCount(ocx::UINT* count) override;
+  ocx::HRESULT GetTypeInfo(ocx::UINT, ocx::LCID, ocx::ITypeInfo**) override { return ocx::E_NOTIMPL; }
+  ocx::HRESULT GetIDsOfNames(ocx::REFIID, ocx::LPOLESTR*, ocx::UINT, ocx::LCID, ocx::DISPID*) override {
+    return ocx::E_NOTIMPL;
+  }
+  ocx::HRESULT Invoke(ocx::DISPID dispid, ocx::REFIID riid, ocx::LCID locale, ocx::WORD flags,
+                      ocx::DISPPARAMS* params, ocx::VARIANT* result, ocx::EXCEPINFO* exception,
+                      ocx::UINT* argError) override;
 
  private:
   std::ostream& out_;
 };
 
 // A variant as the script would write it: a quoted string, a number, or null.
-std::string FormatVariant(const Variant& value);
+std::string FormatVariant(const ocx::VARIANT& value);
 
 }  // namespace script

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "control/dispatch_table.h"
 #include "picture_files.h"
-#include "state_json.h"
+#include "platform/kernel.h"
 
 namespace script {
 namespace {
@@ -58,13 +57,8 @@ ScriptRunner::ScriptRunner(std::ostream& out, RunOptions options)
 }
 
 ScriptRunner::~ScriptRunner() {
-  // The control goes first: its windows are children of the host window.
-  if (control_) {
-    control_->Unadvise(eventCookie_);
-    control_->DestroyWindow();
-    control_.reset();
-  }
-  if (hostWindow_ != nullptr) DestroyWindow(hostWindow_);
+  control_.reset();
+  module_.reset();
   platform::SetHost(nullptr);
 }
 
@@ -110,7 +104,7 @@ int ScriptRunner::Run(std::istream& script, const std::string& scriptName, std::
       if (!tokens.empty()) Execute(tokens);
       // What the statement changed reaches the screen before the next one, as a
       // message loop paints between inputs.
-      if (hostWindow_ != nullptr) platform::FlushPaint(hostWindow_);
+      if (control_) platform::FlushPaint(HostWindow());
       out_.flush();
     } catch (const ParseError& error) {
       return fail(kExitScriptError, error.what());
@@ -133,27 +127,22 @@ void ScriptRunner::Execute(const std::vector<Token>& tokens) {
   if (statement != statements.end()) {
     if (statement->needsControl) EnsureControl();
     (this->*statement->execute)(args);
-  } else if (FindMethod(head.text) != nullptr) {
+  } else if (const FunctionDescription* method = DescribedMethod(head.text)) {
     EnsureControl();
-    CallMethod(head.text, args);
+    CallMethod(*method, args);
   } else {
     throw ParseError("unknown statement or method '" + head.text + "'");
   }
 }
 
 void ScriptRunner::CreateControl(int width, int height) {
-  hostWindow_ = platform::CreateHostWindow(width, height);
-  if (hostWindow_ == nullptr) throw RunFailure("cannot create the host window");
-  control_ = std::make_unique<CImageEditCtrl>();
-  if (!control_->CreateControl(hostWindow_, width, height)) throw RunFailure("cannot create the control");
-  eventCookie_ = control_->Advise(&events_);
+  module_ = std::make_unique<LoadedModule>();
+  control_ = std::make_unique<HostedControl>(*module_, width, height, events_);
 }
 
 void ScriptRunner::EnsureControl() {
   if (!control_) CreateControl(kDefaultWidth, kDefaultHeight);
 }
-
-HWND ScriptRunner::EditorWindow() const { return GetDlgItem(control_->m_hWnd, kEditorWindowId); }
 
 // ---- set-up ----
 
@@ -195,7 +184,7 @@ void ScriptRunner::Mouse(UINT message, Args args) {
   // Window points travel as two 16-bit halves of a message parameter.
   const int x = IntArgInRange(args[0], "X", -32768, 32767);
   const int y = IntArgInRange(args[1], "Y", -32768, 32767);
-  platform::MouseInput(hostWindow_, message, x, y);
+  platform::MouseInput(HostWindow(), message, x, y);
 }
 
 void ScriptRunner::Down(Args args) { Mouse(WM_LBUTTONDOWN, args); }
@@ -241,8 +230,8 @@ void ScriptRunner::Key(Args args) {
   // The modifiers are held around the key, as a person presses them.
   platform::SetKeyDown(VK_CONTROL, ctrl);
   platform::SetKeyDown(VK_SHIFT, shift);
-  platform::KeyInput(hostWindow_, WM_KEYDOWN, key, repeat);
-  platform::KeyInput(hostWindow_, WM_KEYUP, key);
+  platform::KeyInput(HostWindow(), WM_KEYDOWN, key, repeat);
+  platform::KeyInput(HostWindow(), WM_KEYUP, key);
   platform::SetKeyDown(VK_CONTROL, false);
   platform::SetKeyDown(VK_SHIFT, false);
 }
@@ -250,7 +239,7 @@ void ScriptRunner::Key(Args args) {
 void ScriptRunner::Type(Args args) {
   ExpectCount(args, 1, 1, "type \"TEXT\"");
   for (char32_t codePoint : DecodeUtf8(StringArg(args[0], "type: TEXT"))) {
-    platform::CharInput(hostWindow_, static_cast<unsigned>(codePoint));
+    platform::CharInput(HostWindow(), static_cast<unsigned>(codePoint));
   }
 }
 
@@ -307,13 +296,14 @@ void ScriptRunner::Scroll(UINT message, Args args) {
   }
   // The position travels in the high word of the message, as a scroll bar sends it.
   const int pos = args.size() > 1 ? IntArgInRange(args[1], "scroll POS", 0, 0xFFFF) : 0;
-  SendMessageA(EditorWindow(), message, static_cast<WPARAM>(code | (static_cast<UINT>(pos) << 16)), 0);
+  SendMessageA(control_->editorWindow(), message, static_cast<WPARAM>(code | (static_cast<UINT>(pos) << 16)),
+               0);
 }
 
 // The host's Properties verb: the control shows its property page.
 void ScriptRunner::Properties(Args args) {
   ExpectCount(args, 0, 0, "properties");
-  control_->OnProperties();
+  control_->ShowProperties();
 }
 
 void ScriptRunner::HScroll(Args args) { Scroll(WM_HSCROLL, args); }
@@ -334,54 +324,60 @@ void ScriptRunner::WritePicture(HBITMAP bitmap, const std::string& path, const s
 
 void ScriptRunner::Shot(Args args) {
   ExpectCount(args, 1, 1, "shot FILE");
-  WritePicture(platform::HostFrame(hostWindow_), PathArg(args[0]), "shot");
+  WritePicture(platform::HostFrame(HostWindow()), PathArg(args[0]), "shot");
 }
 
 void ScriptRunner::Dump(Args args) {
   ExpectCount(args, 2, 2, "dump image|drawing|composition|snapshot|original FILE");
   const std::string& surface = WordArg(args[0], "dump: surface");
-  static const std::pair<const char*, SurfaceName> kSurfaces[] = {{"image", SurfaceName::Image},
-                                                                  {"drawing", SurfaceName::Drawing},
-                                                                  {"composition", SurfaceName::Composition},
-                                                                  {"snapshot", SurfaceName::Snapshot},
-                                                                  {"original", SurfaceName::Original}};
+  static const std::pair<const char*, ocx::INSPECTED_SURFACE> kSurfaces[] = {
+      {"image", ocx::SURFACE_IMAGE},
+      {"drawing", ocx::SURFACE_DRAWING},
+      {"composition", ocx::SURFACE_COMPOSITION},
+      {"snapshot", ocx::SURFACE_SNAPSHOT},
+      {"original", ocx::SURFACE_ORIGINAL}};
   const auto named = std::find_if(std::begin(kSurfaces), std::end(kSurfaces),
                                   [&](const auto& entry) { return surface == entry.first; });
   if (named == std::end(kSurfaces)) {
     throw ParseError("dump: unknown surface '" + surface +
                      "' (image, drawing, composition, snapshot, original)");
   }
-  WritePicture(control_->SurfaceBitmap(named->second), PathArg(args[1]), "dump " + surface);
+  WritePicture(control_->Surface(named->second), PathArg(args[1]), "dump " + surface);
 }
 
 void ScriptRunner::State(Args args) {
   std::vector<std::string> keys;
-  for (const Token& token : args) {
-    const std::string& key = WordArg(token, "state: KEY");
-    if (!IsStateKey(key)) throw ParseError("state: unknown key '" + key + "'");
-    keys.push_back(key);
+  for (const Token& token : args) keys.push_back(WordArg(token, "state: KEY"));
+  try {
+    out_ << control_->State(keys) << '\n';
+  } catch (const std::invalid_argument& unknown) {
+    throw ParseError(std::string("state: unknown key '") + unknown.what() + "'");
   }
-  out_ << EditorStateJson(control_->State(), keys) << '\n';
 }
 
 // ---- interface methods ----
 
-void ScriptRunner::CallMethod(const std::string& name, Args args) {
-  const MethodInfo& method = *FindMethod(name);
-  std::vector<Variant> values;
+// Strings reach the control as UTF-16, numbers as 32-bit integers; the control
+// converts them for the method and says why when it cannot.
+void ScriptRunner::CallMethod(const FunctionDescription& method, Args args) {
+  std::vector<ocx::HostVariant> values;
   for (const Token& arg : args) {
     if (!arg.isWord()) {
-      values.push_back(Variant::String(arg.text));
+      values.push_back(ocx::HostVariant::String(WideFromNarrow(arg.text)));
     } else if (LooksLikeNumber(arg.text)) {
-      values.push_back(Variant::Int(ParseInteger(arg.text)));
+      values.push_back(ocx::HostVariant::Int(ParseInteger(arg.text)));
     } else {
-      throw ParseError(std::string(method.name) + ": argument '" + arg.text +
-                       "' is neither a number nor a quoted string");
+      throw ParseError(method.name + ": argument '" + arg.text + "' is neither a number nor a quoted string");
     }
   }
-  InvokeResult result = Invoke(*control_, method, values);
-  if (FAILED(result.hr)) throw ParseError(result.error);
-  if (method.result != ResultType::None) out_ << method.name << " -> " << FormatVariant(result.value) << '\n';
+  const ocx::Call call = control_->CallMethod(method, std::move(values));
+  if (ocx::FAILED(call.hr)) {
+    throw ParseError(call.description.empty() ? method.name + " failed (" + HresultHex(call.hr) + ")"
+                                              : NarrowFromWide(call.description.data(),
+                                                               static_cast<UINT>(call.description.size())));
+  }
+  if (method.result != ocx::VT_VOID)
+    out_ << method.name << " -> " << FormatVariant(call.result.get()) << '\n';
 }
 
 }  // namespace script

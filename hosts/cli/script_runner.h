@@ -1,5 +1,6 @@
-// Runs a script against one control: it owns the host window, the control and the
-// host interface for the length of the run, and executes one statement a line.
+// Runs a script against one control that the control module makes: it loads the
+// module, holds the control and the host interface for the length of the run, and
+// executes one statement a line.
 #pragma once
 
 #include <istream>
@@ -10,7 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "control/image_edit_ctrl.h"
+#include "hosted_control.h"
+#include "loaded_module.h"
 #include "script_host.h"
 #include "script_parser.h"
 
@@ -56,7 +58,7 @@ class ScriptRunner {
   void Execute(const std::vector<Token>& tokens);
   void CreateControl(int width, int height);
   void EnsureControl();
-  HWND EditorWindow() const;
+  HWND HostWindow() const { return control_->hostWindow(); }
 
   // statements
   void Create(Args args);
@@ -80,7 +82,7 @@ class ScriptRunner {
   void Dump(Args args);
   void State(Args args);
   void Properties(Args args);
-  void CallMethod(const std::string& name, Args args);
+  void CallMethod(const FunctionDescription& method, Args args);
 
   void Mouse(UINT message, Args args);
   void Scroll(UINT message, Args args);
@@ -89,9 +91,9 @@ class ScriptRunner {
   std::ostream& out_;
   ScriptHost host_;
   EventPrinter events_;
-  HWND hostWindow_ = nullptr;
-  std::unique_ptr<CImageEditCtrl> control_;
-  DWORD eventCookie_ = 0;
+  // Loaded with the first control; the control goes before the module.
+  std::unique_ptr<LoadedModule> module_;
+  std::unique_ptr<HostedControl> control_;
 };
 
 }  // namespace script

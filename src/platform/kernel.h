@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "platform/types.h"
 
@@ -51,6 +52,10 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, const char* src, int srcLeng
                         int destSize);
 int WideCharToMultiByte(UINT codePage, DWORD flags, const WCHAR* src, int srcLength, char* dest, int destSize,
                         const char* defaultChar, BOOL* usedDefault);
+// The same conversions in the ANSI code page, for text that crosses between a narrow
+// program and a wide interface (the control module's strings).
+std::string NarrowFromWide(const WCHAR* text, UINT length);
+std::u16string WideFromNarrow(std::string_view text);
 
 // Compares two strings regardless of the case of ASCII letters: below, at or above 0
 // as `a` sorts before, with or after `b`.

@@ -216,8 +216,8 @@ class DecodedEncodingTable {
     std::string out;
     converter.Reset();
     if (!converter.Run(in, inLeft, out) || out.size() != 2) return;
-    const auto unit = static_cast<char16_t>(static_cast<unsigned char>(out[0]) |
-                                            (static_cast<unsigned char>(out[1]) << 8));
+    const auto unit =
+        static_cast<char16_t>(static_cast<unsigned char>(out[0]) | (static_cast<unsigned char>(out[1]) << 8));
     if (unit != kReplacement) codes_.emplace(unit, static_cast<std::uint16_t>(code));
   }
 
@@ -342,4 +342,22 @@ int WideCharToMultiByte(UINT codePage, DWORD /*flags*/, const WCHAR* src, int sr
   }
   if (usedDefault != nullptr) *usedDefault = defaulted ? TRUE : FALSE;
   return CopyOut(converted, dest, destSize);
+}
+
+std::string NarrowFromWide(const WCHAR* text, UINT length) {
+  if (length == 0) return std::string();
+  const int wideLength = static_cast<int>(length);
+  const int size = WideCharToMultiByte(CP_ACP, 0, text, wideLength, nullptr, 0, nullptr, nullptr);
+  std::string narrow(static_cast<std::size_t>(size), '\0');
+  WideCharToMultiByte(CP_ACP, 0, text, wideLength, narrow.data(), size, nullptr, nullptr);
+  return narrow;
+}
+
+std::u16string WideFromNarrow(std::string_view text) {
+  if (text.empty()) return std::u16string();
+  const int narrowLength = static_cast<int>(text.size());
+  const int size = MultiByteToWideChar(CP_ACP, 0, text.data(), narrowLength, nullptr, 0);
+  std::u16string wide(static_cast<std::size_t>(size), u'\0');
+  MultiByteToWideChar(CP_ACP, 0, text.data(), narrowLength, wide.data(), size);
+  return wide;
 }

@@ -285,6 +285,9 @@ BOOL IsWindowVisible(HWND hwnd);
 BOOL ShowWindow(HWND hwnd, int command);
 BOOL DestroyWindow(HWND hwnd);
 HWND GetParent(HWND hwnd);
+inline constexpr UINT GW_CHILD = 5;
+// GW_CHILD only: the child at the top of the z-order, null when there is none.
+HWND GetWindow(HWND hwnd, UINT command);
 // The child of `parent` (not a deeper descendant) created with that id; the topmost
 // when several were. Null when there is none.
 HWND GetDlgItem(HWND parent, int id);

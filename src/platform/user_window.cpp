@@ -182,6 +182,12 @@ HWND GetParent(HWND hwnd) {
   return window == nullptr ? nullptr : window->parent;
 }
 
+HWND GetWindow(HWND hwnd, UINT command) {
+  const Window* window = Find(hwnd);
+  if (window == nullptr || command != GW_CHILD || window->children.empty()) return nullptr;
+  return window->children.back();
+}
+
 HWND GetDlgItem(HWND parent, int id) {
   Window* window = Find(parent);
   if (window == nullptr) return nullptr;

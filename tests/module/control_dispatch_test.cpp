@@ -103,13 +103,17 @@ TEST_F(ModuleTest, CallsThatCannotBeMadeReportWhyAndCallNothing) {
   CreateActiveControl(control, 40, 30);
   ASSERT_EQ(CallByName(control.get(), u"SetColor", {HostVariant::String(u"0000FF")}).hr, ocx::S_OK);
 
-  EXPECT_EQ(InvokeMethod(control.get(), kSetColor, {}).hr, ocx::DISP_E_BADPARAMCOUNT);
+  // A refused call says why in the exception information, for the host to show.
+  Call noArgument = InvokeMethod(control.get(), kSetColor, {});
+  EXPECT_EQ(noArgument.hr, ocx::DISP_E_BADPARAMCOUNT);
+  EXPECT_EQ(noArgument.description, u"SetColor takes 1 argument(s), not 0");
   EXPECT_EQ(InvokeMethod(control.get(), kSetColor, {HostVariant::String(u"FF0000"), HostVariant::Int(1)}).hr,
             ocx::DISP_E_BADPARAMCOUNT);
   // The argument at fault is named by its index in the arguments as passed, last first.
   Call wrongType = InvokeMethod(control.get(), kSetColor, {HostVariant::Int(0xFF)});
   EXPECT_EQ(wrongType.hr, ocx::DISP_E_TYPEMISMATCH);
   EXPECT_EQ(wrongType.argError, 0u);
+  EXPECT_EQ(wrongType.description, u"SetColor: argument 1 (lpszColor) must be a string, not an integer");
   Call firstWrong =
       InvokeMethod(control.get(), kSetTransparency, {HostVariant::String(u"1"), HostVariant::Int(1)});
   EXPECT_EQ(firstWrong.hr, ocx::DISP_E_TYPEMISMATCH);
@@ -139,6 +143,30 @@ TEST_F(ModuleTest, CallsThatCannotBeMadeReportWhyAndCallNothing) {
             ocx::E_INVALIDARG);
 
   EXPECT_EQ(Narrow(InvokeMethod(control.get(), kGetColor, {}).result.get().bstrVal), "0000FF");
+}
+
+// What a testing host reads of the control: its state by key, in the state's own
+// order, and its surfaces.
+TEST_F(ModuleTest, InspectionGivesTheStateByKeyAndTheSurfaces) {
+  Ref<ocx::IDispatch> control;
+  CreateActiveControl(control, 40, 30);
+  ASSERT_EQ(CallByName(control.get(), u"SetPen", {HostVariant::Int(7)}).hr, ocx::S_OK);
+  Ref<ocx::IImageEditInspection> inspection;
+  ASSERT_EQ(control->QueryInterface(ocx::IID_IImageEditInspection, inspection.Out()), ocx::S_OK);
+
+  ocx::HostString json;
+  ocx::UINT unknown = 99;
+  ASSERT_EQ(inspection->GetState(u"history  penSize", json.Out(), &unknown), ocx::S_OK);
+  EXPECT_EQ(json.str(), u"{\"penSize\":7,\"history\":{\"count\":0,\"index\":-1}}");
+  EXPECT_EQ(inspection->GetState(u"penSize pensize", json.Out(), &unknown), ocx::DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(unknown, 1u);
+  ASSERT_EQ(inspection->GetState(nullptr, json.Out(), nullptr), ocx::S_OK);
+  EXPECT_TRUE(json.str().starts_with(u"{\"toolMode\":"));
+
+  ocx::HBITMAP surface = nullptr;
+  EXPECT_EQ(inspection->GetSurface(ocx::SURFACE_ORIGINAL + 1, &surface), ocx::E_INVALIDARG);
+  ASSERT_EQ(inspection->GetSurface(ocx::SURFACE_COMPOSITION, &surface), ocx::S_OK);
+  EXPECT_NE(surface, nullptr);
 }
 
 }  // namespace

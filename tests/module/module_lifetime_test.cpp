@@ -96,10 +96,14 @@ TEST_F(ModuleTest, ActivationNeedsASizeAndHappensOnce) {
   Ref<ocx::IImageEditWindow> window;
   ASSERT_EQ(control->QueryInterface(ocx::IID_IImageEditWindow, window.Out()), ocx::S_OK);
   EXPECT_EQ(window->MouseInput(0x0201, 1, 1), ocx::E_UNEXPECTED);
+  ocx::HWND hostWindow = nullptr;
+  EXPECT_EQ(window->GetWindow(&hostWindow), ocx::E_UNEXPECTED);
   EXPECT_EQ(window->Activate(0, 10), ocx::E_INVALIDARG);
   EXPECT_EQ(window->Activate(10, -1), ocx::E_INVALIDARG);
   ASSERT_EQ(window->Activate(10, 10), ocx::S_OK);
   EXPECT_EQ(window->Activate(10, 10), ocx::E_UNEXPECTED);
+  EXPECT_EQ(window->GetWindow(&hostWindow), ocx::S_OK);
+  EXPECT_NE(hostWindow, nullptr);
   EXPECT_EQ(window->MouseInput(0x0100, 1, 1), ocx::E_INVALIDARG);  // a key is no mouse message
   EXPECT_EQ(window->MouseInput(0x0200, 1, 1), ocx::S_OK);
 }

@@ -4,24 +4,6 @@
 
 #include "platform/kernel.h"
 
-std::string NarrowFromWide(const ocx::OLECHAR* text, ocx::UINT length) {
-  if (length == 0) return std::string();
-  const int wideLength = static_cast<int>(length);
-  const int size = WideCharToMultiByte(CP_ACP, 0, text, wideLength, nullptr, 0, nullptr, nullptr);
-  std::string narrow(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_ACP, 0, text, wideLength, narrow.data(), size, nullptr, nullptr);
-  return narrow;
-}
-
-std::u16string WideFromNarrow(const std::string& text) {
-  if (text.empty()) return std::u16string();
-  const int narrowLength = static_cast<int>(text.size());
-  const int size = MultiByteToWideChar(CP_ACP, 0, text.data(), narrowLength, nullptr, 0);
-  std::u16string wide(static_cast<std::size_t>(size), u'\0');
-  MultiByteToWideChar(CP_ACP, 0, text.data(), narrowLength, wide.data(), size);
-  return wide;
-}
-
 ocx::BSTR BstrFromNarrow(const std::string& text) {
   const std::u16string wide = WideFromNarrow(text);
   return ocx::SysAllocStringLen(wide.data(), static_cast<ocx::UINT>(wide.size()));

@@ -9,6 +9,7 @@
 #include "control/dispatch_table.h"
 #include "control/module/module_abi.h"
 #include "control/variant.h"
+#include "platform/kernel.h"
 
 // The engine's value for a host's argument; nullopt for a type no method takes (the
 // caller reports a type mismatch). A variant passed by reference is read through
@@ -23,9 +24,5 @@ ocx::HRESULT VariantToHost(const Variant& value, ocx::VARIANT* out);
 // and ScaleImage's flag is an I4 1 or 0, as the type description declares them.
 ocx::HRESULT ResultToHost(const Variant& value, ResultType type, ocx::VARIANT* out);
 
-// Narrow text in the ANSI code page from UTF-16 of the given length.
-std::string NarrowFromWide(const ocx::OLECHAR* text, ocx::UINT length);
-// UTF-16 of narrow text in the ANSI code page.
-std::u16string WideFromNarrow(const std::string& text);
 // A new BSTR of narrow text; null when it cannot be allocated.
 ocx::BSTR BstrFromNarrow(const std::string& text);

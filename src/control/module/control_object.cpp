@@ -1,6 +1,7 @@
 #include "control/module/control_object.h"
 
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "control/module/registry/type_library.h"
 #include "control/module/snapshot_enumerator.h"
 #include "control/module/type_info.h"
+#include "control/state_json.h"
 #include "platform/text.h"
 #include "platform/user.h"
 
@@ -77,6 +79,8 @@ ocx::HRESULT ControlObject::QueryInterface(ocx::REFIID riid, void** object) {
     *object = static_cast<ocx::IObjectSafety*>(this);
   } else if (riid == ocx::IID_IImageEditWindow) {
     *object = static_cast<ocx::IImageEditWindow*>(this);
+  } else if (riid == ocx::IID_IImageEditInspection) {
+    *object = static_cast<ocx::IImageEditInspection*>(this);
   } else if (riid == ocx::IID_IImageEditObject) {
     *object = static_cast<ocx::IImageEditObject*>(this);
   } else if (riid == ocx::IID_ISpecifyPropertyPages) {
@@ -152,7 +156,7 @@ ocx::HRESULT ControlObject::LookUpNames(ocx::LPOLESTR* names, ocx::UINT count, o
 }
 
 ocx::HRESULT ControlObject::Invoke(ocx::DISPID dispid, ocx::REFIID riid, ocx::LCID, ocx::WORD flags,
-                                   ocx::DISPPARAMS* params, ocx::VARIANT* result, ocx::EXCEPINFO*,
+                                   ocx::DISPPARAMS* params, ocx::VARIANT* result, ocx::EXCEPINFO* exception,
                                    ocx::UINT* argError) {
   if (!(riid == ocx::IID_NULL)) return ocx::DISP_E_UNKNOWNINTERFACE;
   const MethodInfo* method = FindMethod(dispid);
@@ -165,22 +169,34 @@ ocx::HRESULT ControlObject::Invoke(ocx::DISPID dispid, ocx::REFIID riid, ocx::LC
   return CatchingEngineFailures([&] {
     // The About box, for one, shows through the container's site.
     const SiteDialogs dialogs(site_.get());
-    const ocx::HRESULT hr = CallMethod(*method, *params, result, argError);
+    const ocx::HRESULT hr = CallMethod(*method, *params, result, exception, argError);
     FlushPaint();
     return hr;
   });
 }
 
+// A call the engine refuses also says why in the exception information, when the
+// host passes one: a script host shows its user that text rather than a bare code.
 ocx::HRESULT ControlObject::CallMethod(const MethodInfo& method, const ocx::DISPPARAMS& params,
-                                       ocx::VARIANT* result, ocx::UINT* argError) {
-  if (params.cArgs != method.params.size()) return ocx::DISP_E_BADPARAMCOUNT;
+                                       ocx::VARIANT* result, ocx::EXCEPINFO* exception, ocx::UINT* argError) {
+  const auto refused = [&](const InvokeResult& called) {
+    if (exception != nullptr) {
+      *exception = ocx::EXCEPINFO{};
+      exception->scode = called.hr;
+      exception->bstrDescription = BstrFromNarrow(called.error);
+    }
+    return called.hr;
+  };
+  if (params.cArgs != method.params.size())
+    return refused(CheckCall(method.name, std::vector<Variant>(params.cArgs)));
   std::optional<std::vector<Variant>> args = ArgumentsFromHost(params, argError);
   if (!args) return ocx::DISP_E_TYPEMISMATCH;
   const InvokeResult called = ::Invoke(*control_, method, *args);
   if (called.hr == ocx::DISP_E_TYPEMISMATCH && argError != nullptr) {
     *argError = params.cArgs - 1 - static_cast<ocx::UINT>(called.badArgument);
   }
-  if (ocx::FAILED(called.hr) || result == nullptr) return called.hr;
+  if (ocx::FAILED(called.hr)) return refused(called);
+  if (result == nullptr) return called.hr;
   return ResultToHost(called.value, method.result, result);
 }
 
@@ -257,8 +273,49 @@ ocx::HRESULT ControlObject::MouseInput(ocx::UINT message, ocx::INT x, ocx::INT y
   });
 }
 
+ocx::HRESULT ControlObject::GetWindow(ocx::HWND* hostWindow) {
+  if (hostWindow == nullptr) return ocx::E_POINTER;
+  *hostWindow = hostWindow_;
+  return hostWindow_ != nullptr ? ocx::S_OK : ocx::E_UNEXPECTED;
+}
+
 void ControlObject::FlushPaint() {
   if (hostWindow_ != nullptr) platform::FlushPaint(hostWindow_);
+}
+
+// ---- inspection ----
+
+ocx::HRESULT ControlObject::GetState(const ocx::OLECHAR* keys, ocx::BSTR* json, ocx::UINT* unknownKey) {
+  if (json == nullptr) return ocx::E_POINTER;
+  *json = nullptr;
+  return CatchingEngineFailures([&] {
+    std::vector<std::string> names;
+    std::istringstream words(
+        keys != nullptr
+            ? NarrowFromWide(keys, static_cast<ocx::UINT>(std::char_traits<char16_t>::length(keys)))
+            : std::string());
+    for (std::string name; words >> name;) {
+      if (!IsStateKey(name)) {
+        if (unknownKey != nullptr) *unknownKey = static_cast<ocx::UINT>(names.size());
+        return ocx::DISP_E_UNKNOWNNAME;
+      }
+      names.push_back(name);
+    }
+    *json = BstrFromNarrow(EditorStateJson(control_->State(), names));
+    return *json != nullptr ? ocx::S_OK : ocx::E_OUTOFMEMORY;
+  });
+}
+
+ocx::HRESULT ControlObject::GetSurface(ocx::INT surface, ocx::HBITMAP* bitmap) {
+  if (bitmap == nullptr) return ocx::E_POINTER;
+  *bitmap = nullptr;
+  if (surface < ocx::SURFACE_IMAGE || surface > ocx::SURFACE_ORIGINAL) return ocx::E_INVALIDARG;
+  // The module's surface numbers are the engine's names in the same order.
+  static_assert(static_cast<int>(SurfaceName::Original) == ocx::SURFACE_ORIGINAL);
+  return CatchingEngineFailures([&] {
+    *bitmap = control_->SurfaceBitmap(static_cast<SurfaceName>(surface));
+    return ocx::S_OK;
+  });
 }
 
 // ---- verbs and property page ----

@@ -1,7 +1,8 @@
 // A control as the module hands it to a host: the control object behind the dispatch
 // interface, the connection point container of its events, the safety answers, its
-// window placement, its verbs and property page, and what it keeps in a property bag. Its life is its
-// reference count; while it lives it counts as one of the module's objects.
+// window placement, what it shows of itself to a host that tests it, its verbs and
+// property page, and what it keeps in a property bag. Its life is its reference
+// count; while it lives it counts as one of the module's objects.
 #pragma once
 
 #include <memory>
@@ -17,6 +18,7 @@ class ControlObject final : public ocx::IDispatch,
                             public ocx::IConnectionPointContainer,
                             public ocx::IObjectSafety,
                             public ocx::IImageEditWindow,
+                            public ocx::IImageEditInspection,
                             public ocx::IImageEditObject,
                             public ocx::ISpecifyPropertyPages,
                             public ocx::IPersistPropertyBag {
@@ -54,6 +56,11 @@ class ControlObject final : public ocx::IDispatch,
   // ---- IImageEditWindow ----
   ocx::HRESULT Activate(ocx::INT width, ocx::INT height) override;
   ocx::HRESULT MouseInput(ocx::UINT message, ocx::INT x, ocx::INT y) override;
+  ocx::HRESULT GetWindow(ocx::HWND* hostWindow) override;
+
+  // ---- IImageEditInspection ----
+  ocx::HRESULT GetState(const ocx::OLECHAR* keys, ocx::BSTR* json, ocx::UINT* unknownKey) override;
+  ocx::HRESULT GetSurface(ocx::INT surface, ocx::HBITMAP* bitmap) override;
 
   // ---- IImageEditObject ----
   ocx::HRESULT SetClientSite(ocx::IImageEditSite* site) override;
@@ -72,7 +79,7 @@ class ControlObject final : public ocx::IDispatch,
  private:
   ocx::HRESULT LookUpNames(ocx::LPOLESTR* names, ocx::UINT count, ocx::DISPID* dispids);
   ocx::HRESULT CallMethod(const MethodInfo& method, const ocx::DISPPARAMS& params, ocx::VARIANT* result,
-                          ocx::UINT* argError);
+                          ocx::EXCEPINFO* exception, ocx::UINT* argError);
   // What a message loop does between inputs: what they changed reaches the screen.
   void FlushPaint();
 

@@ -17,8 +17,15 @@
 #include <cstdlib>
 #include <cstring>
 
+// The platform library's window and bitmap handles (platform/types.h), which a host
+// that links it passes to and from the module as they are.
+struct HWND__;
+struct HBITMAP__;
+
 namespace ocx {
 
+using HWND = ::HWND__*;
+using HBITMAP = ::HBITMAP__*;
 using HRESULT = std::int32_t;
 using ULONG = std::uint32_t;
 using DWORD = std::uint32_t;
@@ -134,6 +141,9 @@ inline constexpr IID IID_ITypeInfo = {
 // {C31A225B-7C79-48B5-8048-6FB14DB086EF} IImageEditWindow (below)
 inline constexpr IID IID_IImageEditWindow = {
     0xC31A225B, 0x7C79, 0x48B5, {0x80, 0x48, 0x6F, 0xB1, 0x4D, 0xB0, 0x86, 0xEF}};
+// {5F3C9A71-2E84-4B6D-9C0A-7D1E4B8F2A53} IImageEditInspection (below)
+inline constexpr IID IID_IImageEditInspection = {
+    0x5F3C9A71, 0x2E84, 0x4B6D, {0x9C, 0x0A, 0x7D, 0x1E, 0x4B, 0x8F, 0x2A, 0x53}};
 // {6B0E2F4A-93D1-4C57-A2E8-1F7C5D3B9A64} IImageEditSite (below)
 inline constexpr IID IID_IImageEditSite = {
     0x6B0E2F4A, 0x93D1, 0x4C57, {0xA2, 0xE8, 0x1F, 0x7C, 0x5D, 0x3B, 0x9A, 0x64}};
@@ -394,10 +404,12 @@ class IObjectSafety : public IUnknown {
   ~IObjectSafety() = default;
 };
 
-// The module's own interface for placing a control: on Windows a container activates
-// a control in a window of the host's and the system delivers its input, but here
-// windows live inside the module, so the host asks the control to make its window
-// and hands it the input.
+// The module's own interface for placing a control. The control makes the window it
+// is placed in, of the size the host asks for, and gives the host either of two ways
+// to reach it: a host that knows nothing but this header hands it mouse input here;
+// a host that links the platform library the module links (libie_platform.so, the
+// system's windows, input and clock) asks for the window and drives it as any
+// window of the system, with keys, timers, scroll messages and pictures of it.
 class IImageEditWindow : public IUnknown {
  public:
   // Activates the control in a host window of its own with a client area of width x
@@ -407,9 +419,37 @@ class IImageEditWindow : public IUnknown {
   // A mouse message (WM_MOUSEMOVE 0x200 to WM_MBUTTONDBLCLK 0x209) at a point of the
   // host window's client area. E_UNEXPECTED before Activate.
   virtual HRESULT MouseInput(UINT message, INT x, INT y) = 0;
+  // The host window the control was activated in: the control's window is its one
+  // child, the editor's window the control's. E_UNEXPECTED before Activate.
+  virtual HRESULT GetWindow(HWND* hostWindow) = 0;
 
  protected:
   ~IImageEditWindow() = default;
+};
+
+// What the control shows of itself to a host that tests or records it: the editor's
+// state and its surfaces, as the script host prints and writes them.
+class IImageEditInspection : public IUnknown {
+ public:
+  // The editor's state as one line of JSON: every member when `keys` is null or
+  // empty, else only those named (separated by spaces), in the state's own order.
+  // DISP_E_UNKNOWNNAME when a key names no member, with *unknownKey its position
+  // among the keys (the first is 0).
+  virtual HRESULT GetState(const OLECHAR* keys, BSTR* json, UINT* unknownKey) = 0;
+  // One of the editor's surfaces (INSPECTED_SURFACE), still owned by the control and
+  // valid until the next call into it; null when the surface does not exist.
+  virtual HRESULT GetSurface(INT surface, HBITMAP* bitmap) = 0;
+
+ protected:
+  ~IImageEditInspection() = default;
+};
+
+enum INSPECTED_SURFACE : INT {
+  SURFACE_IMAGE = 0,
+  SURFACE_DRAWING = 1,
+  SURFACE_COMPOSITION = 2,
+  SURFACE_SNAPSHOT = 3,
+  SURFACE_ORIGINAL = 4
 };
 
 // ---- property pages and verbs ----

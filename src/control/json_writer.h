@@ -1,13 +1,11 @@
-// A small streaming JSON writer for the one-line `state` report: it places commas and
-// colons itself, escapes strings, and prints numbers deterministically (doubles in
-// their shortest form that reads back to the same value).
+// A small streaming JSON writer for the one-line state report (state_json.h): it
+// places commas and colons itself, escapes strings, and prints numbers
+// deterministically (doubles in their shortest form that reads back to the same value).
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
-
-namespace script {
 
 class JsonWriter {
  public:
@@ -37,5 +35,3 @@ class JsonWriter {
   std::vector<bool> firstInContainer_;
   bool afterKey_ = false;
 };
-
-}  // namespace script

@@ -1,14 +1,13 @@
-#include "state_json.h"
+#include "control/state_json.h"
 
 #include <algorithm>
 #include <functional>
 #include <initializer_list>
 #include <utility>
 
-#include "json_writer.h"
-#include "script_parser.h"
+#include "control/json_writer.h"
+#include "tools/color_string.h"
 
-namespace script {
 namespace {
 
 void Ints(JsonWriter& json, std::initializer_list<int> values) {
@@ -35,7 +34,7 @@ const std::vector<Member>& Members() {
   static const std::vector<Member> members = {
       {"toolMode", [](JsonWriter& j, const EditorState& s) { j.Value(s.toolMode); }},
       {"savedToolMode", [](JsonWriter& j, const EditorState& s) { j.Value(s.savedToolMode); }},
-      {"color", [](JsonWriter& j, const EditorState& s) { j.Value(FormatRgbHex(s.color)); }},
+      {"color", [](JsonWriter& j, const EditorState& s) { j.Value(ColorString(s.color)); }},
       {"penSize", [](JsonWriter& j, const EditorState& s) { j.Value(s.penSize); }},
       {"toolWidth", [](JsonWriter& j, const EditorState& s) { j.Value(s.toolWidth); }},
       {"shapeStyle", [](JsonWriter& j, const EditorState& s) { j.Value(s.shapeStyle); }},
@@ -94,7 +93,7 @@ const std::vector<Member>& Members() {
       {"frame", [](JsonWriter& j, const EditorState& s) { j.Value(s.frame); }},
       {"transparency",
        [](JsonWriter& j, const EditorState& s) {
-         j.BeginObject().Key("color").Value(FormatRgbHex(s.transparentColor));
+         j.BeginObject().Key("color").Value(ColorString(s.transparentColor));
          j.Key("percent").Value(s.transparency).EndObject();
        }},
       {"texture", [](JsonWriter& j, const EditorState& s) { j.Value(s.texture); }},
@@ -124,5 +123,3 @@ std::string EditorStateJson(const EditorState& state, const std::vector<std::str
   json.EndObject();
   return json.str();
 }
-
-}  // namespace script

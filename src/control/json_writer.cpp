@@ -1,9 +1,7 @@
-#include "json_writer.h"
+#include "control/json_writer.h"
 
 #include <charconv>
 #include <cmath>
-
-namespace script {
 
 void JsonWriter::BeforeValue() {
   if (afterKey_) {
@@ -97,5 +95,3 @@ JsonWriter& JsonWriter::Value(std::string_view text) {
   text_ += '"';
   return *this;
 }
-
-}  // namespace script
