@@ -298,8 +298,8 @@ TEST_F(EffectsTest, OutOfMemory) {
 // all in turn.
 TEST_F(EffectsTest, MappedRowsAndTheBufferGiveTheSameSurface) {
   const PictureLayout layouts[] = {{"filling the surface", 75, 67, 40, 30, 0},
-                            {"centred in it", 37, 33, 90, 100, 0},
-                            {"scaled down", 97, 71, 110, 90, -65}};
+                                   {"centred in it", 37, 33, 90, 100, 0},
+                                   {"scaled down", 97, 71, 110, 90, -65}};
   using Effect = void (CImageEditWnd::*)();
   const std::pair<const char*, Effect> effects[] = {
       {"FlipImage", &CImageEditWnd::FlipImage},     {"ReverseImage", &CImageEditWnd::ReverseImage},
