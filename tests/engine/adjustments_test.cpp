@@ -283,8 +283,8 @@ TEST_F(AdjustmentsTest, AWorkingCopyOutOfMemorySkipsItsFilterButKeepsTheSetting)
 // kind, the filter being set running last, then after an undo and a redo.
 TEST_F(AdjustmentsTest, RebuildsGiveThePlainPassesBytes) {
   const PictureLayout layouts[] = {{"filling the surface", 520, 520, 40, 30, 0},
-                            {"centred in it", 33, 131, 90, 200, 0},
-                            {"scaled down", 300, 200, 400, 300, -70}};
+                                   {"centred in it", 33, 131, 90, 200, 0},
+                                   {"scaled down", 300, 200, 400, 300, -70}};
   for (const PictureLayout& layout : layouts) {
     SCOPED_TRACE(layout.what);
     std::mt19937 random(17);

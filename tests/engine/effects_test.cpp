@@ -202,26 +202,6 @@ TEST_F(EffectsTest, AnObjectAtTheFarEndOfTheWindowFollowsThePicturesEdge) {
   EXPECT_EQ(object.y, Image().top - 1);
 }
 
-// The middle row of an odd height stays; each flip records a level.
-TEST_F(EffectsTest, FlipTurnsTheRowsOverAndReverseEachRow) {
-  const std::vector<COLORREF> colors = RandomColors(4 * 5, 4);
-  live_.Show(4, 5, colors);
-  const int levels = Levels();
-  editor().FlipImage();
-  std::vector<COLORREF> flipped;
-  for (int y = 4; y >= 0; --y)
-    flipped.insert(flipped.end(), colors.begin() + y * 4, colors.begin() + y * 4 + 4);
-  EXPECT_EQ(Picture(), flipped);
-  EXPECT_EQ(Levels(), levels + 1);
-  editor().FlipImage();
-  EXPECT_EQ(Picture(), colors);
-  EXPECT_EQ(Levels(), levels + 2);
-
-  live_.Show(3, 2, {1, 2, 3, 4, 5, 6});
-  editor().ReverseImage();
-  EXPECT_EQ(Picture(), (std::vector<COLORREF>{3, 2, 1, 6, 5, 4}));
-}
-
 // The effects change only what the surface shows: the next rebuild starts from the
 // original.
 TEST_F(EffectsTest, AnAdjustmentOrUndoAfterAnEffectShowsThePictureWithoutIt) {
@@ -233,14 +213,6 @@ TEST_F(EffectsTest, AnAdjustmentOrUndoAfterAnEffectShowsThePictureWithoutIt) {
   editor().EmbossImage();
   editor().Undo();
   EXPECT_EQ(Picture(), (std::vector<COLORREF>{0x8F8F8F, 0x9F9F9F, 0xAFAFAF, 0xBFBFBF}));
-}
-
-TEST_F(EffectsTest, EmbossAndEqualiseOnUniformPictures) {
-  live_.Show(10, 10, 0x405060);
-  editor().EmbossImage();
-  EXPECT_EQ(Picture(), std::vector<COLORREF>(100, 0x808080));
-  editor().EqualizeHistogram();
-  EXPECT_EQ(Picture(), std::vector<COLORREF>(100, 0xFEFEFE));
 }
 
 // A 36 x 12 picture at (2, 9)..(38, 21) of a 40 x 30 surface: the lines run on below
@@ -290,15 +262,6 @@ TEST_F(EffectsTest, BlendRecordsItsFactorAndChangesNoPixel) {
   EXPECT_EQ(editor().m_settings.blend, 0.5);
 }
 
-TEST_F(EffectsTest, WaterDropRecordsALevelAndNothingElse) {
-  const std::vector<COLORREF> colors = RandomColors(5 * 5, 6);
-  live_.Show(5, 5, colors);
-  const int levels = Levels();
-  editor().WaterDropImage();
-  EXPECT_EQ(Levels(), levels + 1);
-  EXPECT_EQ(Picture(), colors);
-}
-
 // Without the emboss's working copy: the message when verbose, the pixels unchanged,
 // the level recorded. A surface whose pixels cannot be read stops the effect earlier.
 TEST_F(EffectsTest, OutOfMemory) {
@@ -335,8 +298,8 @@ TEST_F(EffectsTest, OutOfMemory) {
 // all in turn.
 TEST_F(EffectsTest, MappedRowsAndTheBufferGiveTheSameSurface) {
   const PictureLayout layouts[] = {{"filling the surface", 75, 67, 40, 30, 0},
-                            {"centred in it", 37, 33, 90, 100, 0},
-                            {"scaled down", 97, 71, 110, 90, -65}};
+                                   {"centred in it", 37, 33, 90, 100, 0},
+                                   {"scaled down", 97, 71, 110, 90, -65}};
   using Effect = void (CImageEditWnd::*)();
   const std::pair<const char*, Effect> effects[] = {
       {"FlipImage", &CImageEditWnd::FlipImage},     {"ReverseImage", &CImageEditWnd::ReverseImage},

@@ -228,28 +228,6 @@ TEST_F(FrameTest, UndoAndRedoTakeTheFrameAwayAndBringItBack) {
   EXPECT_EQ(platform::LiveGdiObjects().total(), before);
 }
 
-// The frame is drawn last, over an object and a stroke, on the screen and in a save
-// (which starts at (93, 43)).
-TEST_F(FrameTest, TheFrameLiesOverObjectsAndStrokes) {
-  SetPixel(editor().m_surfaces.drawingLayer.dc(), 150, 51, RGB(0xFF, 0, 0));
-  const std::vector<COLORREF> blue(200, 0xFF0000);
-  editor().InsertIcon(140, 40, live_.files.Write("icon.bmp", BitmapFile(20, 10, blue)).c_str());
-  SetBorder(10, 3);
-  int width = 0, height = 0;
-  const std::uint32_t* painted =
-      platform::BitmapPixels(platform::HostFrame(live_.hostWindow), &width, &height);
-  const auto at = [&](int x, int y) {
-    const std::uint32_t pixel = painted[y * width + x];  // 0x00RRGGBB
-    return RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
-  };
-  EXPECT_EQ(at(150, 51), PieceColor(2));
-  EXPECT_EQ(at(145, 45), PieceColor(2));
-  EXPECT_EQ(at(145, 41), blue[0]);  // the icon above the frame
-  const Saved saved = Save();
-  EXPECT_EQ(saved.At(150 - 93, 51 - 43), PieceColor(2));
-  EXPECT_EQ(saved.At(145 - 93, 45 - 43), PieceColor(2));
-}
-
 // Composed in small parts, the frame (overlay included) comes out as composed whole.
 TEST_F(FrameTest, ComposingInPartsGivesTheWholeFrame) {
   SetBorder(10, 3);

@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <iomanip>
 #include <map>
 #include <optional>
 #include <random>
-#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -89,69 +89,43 @@ std::string Difference(const char* what, const Pixels& expected, const Pixels& a
   return "";
 }
 
-std::string SettingsText(const AdjustmentSettings& s) {
-  std::ostringstream out;
-  out << "b" << s.brightness << " c" << s.contrast << " h" << s.hue << " s" << s.saturation << " g"
-      << s.redGamma << "," << s.greenGamma << "," << s.blueGamma << " i" << s.invert << " gr" << s.gray
-      << " sh" << s.sharpenSteps << " sm" << s.smoothSteps << " w" << s.whitenSteps << " bl" << s.blend;
-  return out.str();
-}
-
-bool SameRect(const RECT& a, const RECT& b) {
-  return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
-
 std::string RectText(const RECT& r) {
   return "[" + std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
          std::to_string(r.bottom) + "]";
 }
 
-std::string ObjectsText(const std::vector<ObjectState>& objects) {
-  std::ostringstream text;
-  for (const ObjectState& o : objects) {
-    text << "{" << o.slot << " " << o.x << "," << o.y << " " << o.width << "x" << o.height
-         << (o.selected ? " sel" : "") << "}";
-  }
-  return text.str();
+// Every field, exactly: equal texts are equal settings.
+std::string SettingsText(const AdjustmentSettings& s) {
+  std::ostringstream out;
+  out << std::setprecision(17) << "b" << s.brightness << " c" << s.contrast << " h" << s.hue << " s"
+      << s.saturation << " g" << s.redGamma << "," << s.greenGamma << "," << s.blueGamma << " i" << s.invert
+      << " gr" << s.gray << " sh" << s.sharpenSteps << " sm" << s.smoothSteps << " w" << s.whitenSteps
+      << " bl" << s.blend;
+  return out.str();
 }
 
-bool SameObjects(const std::vector<ObjectState>& a, const std::vector<ObjectState>& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const ObjectState& x, const ObjectState& y) {
-    return x.slot == y.slot && x.kind == y.kind && x.x == y.x && x.y == y.y && x.width == y.width &&
-           x.height == y.height && x.selected == y.selected;
-  });
-}
-
-// What a level gives back when it is restored, as the host reads it. The scroll
-// position is kept too: a level with the drawing layer scrolls back to it.
+// What a level gives back when it is restored, as the host reads it, written out
+// whole in `text`. The scroll position is kept too: a level with the drawing layer
+// scrolls back to it.
 struct LevelState {
   RECT imageRect{};
-  SIZE displayed{};
-  SIZE view{};
   POINT scroll{};
-  std::vector<ObjectState> objects;
-  std::vector<int> zOrder;
-  int selectedObject = -1;
-  bool frame = false;
   AdjustmentSettings settings;
+  std::string text;
 
   static LevelState Of(const EditorState& s) {
-    return LevelState{s.imageRect, s.displayed,      s.view,  s.scroll,  s.objects,
-                      s.zOrder,    s.selectedObject, s.frame, s.settings};
-  }
-  // "" when the live state shows this level's record.
-  std::string DifferenceFrom(const EditorState& s) const {
-    if (!SameRect(imageRect, s.imageRect))
-      return "image rectangle " + RectText(s.imageRect) + ", the level has " + RectText(imageRect);
-    if (displayed.cx != s.displayed.cx || displayed.cy != s.displayed.cy) return "displayed size differs";
-    if (view.cx != s.view.cx || view.cy != s.view.cy) return "view size differs";
-    if (!SameObjects(objects, s.objects))
-      return "objects " + ObjectsText(s.objects) + ", the level has " + ObjectsText(objects);
-    if (zOrder != s.zOrder || selectedObject != s.selectedObject) return "z-order or selected object differs";
-    if (frame != s.frame) return "frame flag differs";
-    if (settings != s.settings)
-      return "settings " + SettingsText(s.settings) + ", the level has " + SettingsText(settings);
-    return "";
+    std::ostringstream text;
+    text << "image " << RectText(s.imageRect) << " displayed " << s.displayed.cx << "x" << s.displayed.cy
+         << " view " << s.view.cx << "x" << s.view.cy << " objects";
+    for (const ObjectState& o : s.objects) {
+      text << " {" << o.slot << " kind " << o.kind << " " << o.x << "," << o.y << " " << o.width << "x"
+           << o.height << (o.selected ? " sel" : "") << "}";
+    }
+    text << " z-order";
+    for (int slot : s.zOrder) text << " " << slot;
+    text << " selected " << s.selectedObject << " frame " << s.frame << " settings "
+         << SettingsText(s.settings);
+    return LevelState{s.imageRect, s.scroll, s.settings, text.str()};
   }
 };
 
@@ -254,35 +228,31 @@ class Session {
     struct Choice {
       int weight;
       void (Session::*step)();
+      bool keepsLayout;
     };
-    static constexpr Choice kAnyStep[] = {
-        {5, &Session::FreehandStroke},
-        {2, &Session::ShapeDrag},
-        {2, &Session::Curve},
-        {1, &Session::FloodFill},
-        {2, &Session::AirbrushSpray},
-        {3, &Session::Adjustment},
-        {1, &Session::Flip},
-        {2, &Session::InsertIcon},
-        {3, &Session::MoveObject},
-        {1, &Session::SetImageWidth},
-        {1, &Session::LoadOtherPicture},
-        {1, &Session::Scroll},
-        {6, &Session::Undo},
-        {3, &Session::Redo},
-        {1, &Session::ClearEither},
+    static constexpr Choice kSteps[] = {
+        {5, &Session::FreehandStroke, true},
+        {2, &Session::ShapeDrag, true},
+        {2, &Session::Curve, true},
+        {1, &Session::FloodFill, true},
+        {2, &Session::AirbrushSpray, true},
+        {3, &Session::Adjustment, true},
+        {1, &Session::Flip, true},
+        {2, &Session::InsertIcon, false},
+        {3, &Session::MoveObject, false},
+        {1, &Session::SetImageWidth, false},
+        {1, &Session::LoadOtherPicture, false},
+        {1, &Session::Scroll, false},
+        {6, &Session::Undo, true},
+        {3, &Session::Redo, true},
+        {1, &Session::ClearEither, false},
     };
-    static constexpr Choice kLayoutKeepingStep[] = {
-        {5, &Session::FreehandStroke}, {2, &Session::ShapeDrag},     {2, &Session::Curve},
-        {1, &Session::FloodFill},      {2, &Session::AirbrushSpray}, {3, &Session::Adjustment},
-        {1, &Session::Flip},           {6, &Session::Undo},          {3, &Session::Redo},
-    };
-    const std::span<const Choice> steps = anyKind ? std::span<const Choice>(kAnyStep) : kLayoutKeepingStep;
     int total = 0;
-    for (const Choice& c : steps) total += c.weight;
+    for (const Choice& c : kSteps) total += anyKind || c.keepsLayout ? c.weight : 0;
     int pick = Between(0, total - 1);
     problem_.clear();
-    for (const Choice& c : steps) {
+    for (const Choice& c : kSteps) {
+      if (!anyKind && !c.keepsLayout) continue;
       if (pick < c.weight) {
         (this->*c.step)();
         break;
@@ -350,39 +320,33 @@ class Session {
   }
 
   void Adjustment() {
+    struct Setter {
+      const char* name;
+      void (CImageEditWnd::*call)(int);
+      void (*store)(AdjustmentSettings&, int);
+    };
+    static constexpr Setter kSetters[] = {
+        {"BrightenImage", &CImageEditWnd::BrightenImage,
+         [](AdjustmentSettings& s, int a) { s.brightness = a - 100; }},
+        {"ContrastImage", &CImageEditWnd::ContrastImage,
+         [](AdjustmentSettings& s, int a) { s.contrast = a - 100; }},
+        {"HueImage", &CImageEditWnd::HueImage, [](AdjustmentSettings& s, int a) { s.hue = a * 1.8; }},
+        {"SaturateImage", &CImageEditWnd::SaturateImage,
+         [](AdjustmentSettings& s, int a) { s.saturation = a * 0.01; }},
+    };
     const EditorState before = editor().State();
     const int which = Between(0, 4);
     const int argument = 100 + 40 * Between(-2, 2);
     AdjustmentSettings next = before.settings;
-    std::string step;
-    switch (which) {
-      case 0:
-        editor().BrightenImage(argument);
-        next.brightness = argument - 100;
-        step = "BrightenImage " + std::to_string(argument);
-        break;
-      case 1:
-        editor().ContrastImage(argument);
-        next.contrast = argument - 100;
-        step = "ContrastImage " + std::to_string(argument);
-        break;
-      case 2:
-        editor().HueImage(argument);
-        next.hue = argument * 1.8;
-        step = "HueImage " + std::to_string(argument);
-        break;
-      case 3:
-        editor().SaturateImage(argument);
-        next.saturation = argument * 0.01;
-        step = "SaturateImage " + std::to_string(argument);
-        break;
-      default:
-        next.invert = OneIn(2);
-        editor().InvertImage(next.invert);
-        step = std::string("InvertImage ") + (next.invert ? "1" : "0");
-        break;
+    if (which == 4) {
+      next.invert = OneIn(2);
+      editor().InvertImage(next.invert);
+      Log(std::string("InvertImage ") + (next.invert ? "1" : "0"));
+    } else {
+      (editor().*kSetters[which].call)(argument);
+      kSetters[which].store(next, argument);
+      Log(std::string(kSetters[which].name) + " " + std::to_string(argument));
     }
-    Log(step);
     // A setter given the stored value changes nothing and records nothing.
     if (next == before.settings) return;
     // Invert is the only filter these sessions set, and it runs after the colour pass
@@ -510,9 +474,10 @@ class Session {
     problem = Difference("image surface", image_, image);
     if (!problem.empty()) return problem;
     if (restored_) {
-      problem = restored_->DifferenceFrom(s);
+      const std::string shown = LevelState::Of(s).text;
+      const std::string level = restored_->text;
       restored_.reset();
-      if (!problem.empty()) return "restored level: " + problem;
+      if (shown != level) return "restored level: " + shown + "\n  the level has: " + level;
     }
     if (scrollBack_) {
       // The bars are set for the layer's size first, which puts both positions at 0
@@ -665,7 +630,7 @@ class Session {
     key << current_ << " " << r.rect.right - r.rect.left << "x" << r.rect.bottom - r.rect.top << " "
         << SettingsText(r.settings);
     // A rectangle reaching beyond the surface is cut, so where it lies matters.
-    if (!SameRect(part, r.rect))
+    if (RectText(part) != RectText(r.rect))
       key << " at " << RectText(r.rect) << " in " << image_.width << "x" << image_.height;
     auto known = rebuilds_.find(key.str());
     if (known == rebuilds_.end() && image.width == image_.width && image.height == image_.height) {

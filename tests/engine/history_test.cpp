@@ -1,5 +1,6 @@
-// The edit history: commits, trimming, undo and redo with their restores, clearing,
-// snapshot failures and the graphics objects the levels own.
+// The edit history where the random sessions of history_sequence_test.cpp do not
+// reach: clearing, the tools a move through the history abandons, snapshot failures
+// and the graphics objects the levels own.
 #include <functional>
 #include <memory>
 #include <string>
@@ -49,67 +50,6 @@ class HistoryTest : public HostedTest {
   std::unique_ptr<LiveEditor> live_;
 };
 
-// Steps: C commits the next label (1, 2, ...), U undoes, R redoes. SetImage's level
-// carries label 0.
-struct SequenceCase {
-  const char* steps;
-  std::vector<int> levels;
-  int index;
-};
-
-TEST_F(HistoryTest, SequencesOfCommitsUndosAndRedos) {
-  const SequenceCase cases[] = {
-      {"CCCCCCCCCCC", {2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, 9},            // eleven commits: the first two gone
-      {"CCCCCCCCCCCUUUUUUUUUU", {2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, 0},  // ten undos: the tenth does nothing
-      {"CCCUUC", {0, 1, 4}, 2},                                        // two redo levels discarded
-      {"CCCUUCR", {0, 1, 4}, 2},                                       // and Redo then does nothing
-      {"CCCCCCCCCUUUUUC", {0, 1, 2, 3, 4, 10}, 5},  // full history, index 4: nothing dropped
-      {"U", {0}, 0},                                // Undo at the first level
-      {"CCR", {0, 1, 2}, 2},                        // Redo at the last level
-      {"CCUURR", {0, 1, 2}, 2},
-      {"CCUUR", {0, 1, 2}, 1},
-  };
-  for (const SequenceCase& c : cases) {
-    SCOPED_TRACE(c.steps);
-    Load(40, 30, 4, 2);
-    int label = 0;
-    for (const char* step = c.steps; *step != '\0'; ++step) {
-      if (*step == 'C') CommitLabelled(++label);
-      if (*step == 'U') editor().Undo();
-      if (*step == 'R') editor().Redo();
-    }
-    EXPECT_EQ(LevelLabels(), c.levels);
-    EXPECT_EQ(editor().m_history.index(), c.index);
-    // The level on screen is the current one: its settings are the live ones.
-    EXPECT_EQ(editor().m_settings.brightness, c.levels[static_cast<size_t>(c.index)]);
-  }
-}
-
-TEST_F(HistoryTest, StrokesComeBackFromSnapshotsAndLevelsWithoutOneLeaveTheLayerAlone) {
-  Load(8, 6, 8, 6);
-  const std::vector<COLORREF> clean = DrawingLayer();
-  ASSERT_EQ(clean, std::vector<COLORREF>(48, kKey));
-  std::vector<COLORREF> stroked = clean;
-  SetPixel(editor().m_surfaces.drawingLayer.dc(), 2, 1, kRed);
-  stroked[1 * 8 + 2] = kRed;
-  CommitStrokes();    // level 1: the stroke
-  CommitLabelled(7);  // level 2: a setting, no snapshot
-  std::vector<COLORREF> later = stroked;
-  later[4 * 8 + 5] = kRed;
-
-  SetPixel(editor().m_surfaces.drawingLayer.dc(), 5, 4, kRed);  // never committed
-  editor().Undo();                                              // to level 1
-  EXPECT_EQ(DrawingLayer(), stroked);
-  SetPixel(editor().m_surfaces.drawingLayer.dc(), 5, 4, kRed);
-  editor().Redo();  // to level 2: settings only, the layer stays as it is on screen
-  EXPECT_EQ(editor().m_settings.brightness, 7);
-  EXPECT_EQ(DrawingLayer(), later);
-  editor().Undo();
-  editor().Undo();  // to level 0: the layer as loaded
-  EXPECT_EQ(DrawingLayer(), clean);
-  EXPECT_EQ(editor().m_settings.brightness, 0);
-}
-
 // Moving between snapshots makes bitmaps (the settled copy of the one on show). When
 // that fails the level comes back without its drawing layer, as a level whose snapshot
 // cannot be read does, the snapshots that can no longer be reached are given up, and
@@ -145,36 +85,6 @@ TEST_F(HistoryTest, ASnapshotThatCannotBeBroughtBackLeavesTheLayerAndAWorkingHis
   editor().Redo();
   EXPECT_EQ(DrawingLayer(), third);
   EXPECT_NE(second, drawn);
-}
-
-TEST_F(HistoryTest, PlacementAndScrollPositionsComeBack) {
-  Load(40, 30, 60, 40);  // larger than the view: both bars
-  const ViewPlacement& view = editor().m_view;
-  ASSERT_TRUE(view.hScrollShown() && view.vScrollShown());
-  editor().OnHScroll(SB_THUMBPOSITION, 10, nullptr);
-  editor().OnVScroll(SB_THUMBPOSITION, 5, nullptr);
-  CommitStrokes();  // level 1 at (10, 5)
-  editor().OnHScroll(SB_THUMBPOSITION, 15, nullptr);
-  editor().OnVScroll(SB_THUMBPOSITION, 8, nullptr);
-  CommitStrokes();  // level 2 at (15, 8)
-  const RECT rect = view.imageRect();
-  editor().SetImageWidth(-150);  // a later layout that no level recorded
-  ASSERT_NE(view.imageRect().right, rect.left + 60);
-
-  editor().Undo();
-  EXPECT_EQ(view.hScrollPos(), 10);
-  EXPECT_EQ(view.vScrollPos(), 5);
-  EXPECT_EQ(view.imageRect().left, rect.left);
-  EXPECT_EQ(view.imageRect().top, rect.top);
-  EXPECT_EQ(view.imageRect().right, rect.left + 60);
-  EXPECT_EQ(view.imageRect().bottom, rect.top + 40);
-  editor().Undo();
-  EXPECT_EQ(view.hScrollPos(), 0);
-  EXPECT_EQ(view.vScrollPos(), 0);
-  editor().Redo();
-  editor().Redo();
-  EXPECT_EQ(view.hScrollPos(), 15);
-  EXPECT_EQ(view.vScrollPos(), 8);
 }
 
 TEST_F(HistoryTest, RestoresRebuildTheImageAndClearShowsThePlainOriginalOnlyForZero) {

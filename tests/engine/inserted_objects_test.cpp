@@ -1,7 +1,7 @@
 // Inserted objects through the editor: where an insertion lands, how objects are drawn,
-// the menu's commands, the history's copies, and failures. The five slots, the menu's
-// texts, deletion's levels and scrolling are pinned by the objects_* scenarios.
-#include <algorithm>
+// the menu's commands, and failures. The five slots, the menu's texts, deletion's
+// levels, undo and redo, measured and hex-encoded texts and scrolling are pinned by
+// the objects_* scenarios.
 #include <string>
 #include <vector>
 
@@ -188,43 +188,6 @@ TEST_F(ObjectsTest, ARedBackgroundIsFramedInTheComplement) {
   EXPECT_EQ(balloon.borderColor, kRed);
 }
 
-// A hex-encoded text draws exactly what its plain form draws.
-TEST_F(ObjectsTest, HexEncodedTextDrawsItsBytes) {
-  editor().InsertBalloonText(0, 0, "", 0, 0, 30, 12,
-                             "\x01\x01"
-                             "abcdefgh"
-                             "48656C6C6F");
-  editor().InsertBalloonText(0, 14, "", 0, 0, 30, 12, "Hello");
-  const std::vector<COLORREF> hex = BitmapColors(object(0).picture.get());
-  EXPECT_EQ(hex, BitmapColors(object(1).picture.get()));
-  EXPECT_NE(std::count(hex.begin(), hex.end(), kBlack), 0);
-}
-
-// Without a box size a text gets one line; one wider than the picture less 6 wraps at
-// that width and grows by whole lines.
-TEST_F(ObjectsTest, ATextWithoutABoxSizeIsMeasuredAndWrapped) {
-  const platform::MemoryDC dc(nullptr);
-  const platform::SelectionGuard selected(dc.get(), editor().m_textEntry.font());
-  const auto width = [&](const std::string& text) {
-    SIZE extent{};
-    EXPECT_TRUE(GetTextExtentPoint32A(dc.get(), text.c_str(), static_cast<int>(text.size()), &extent));
-    return extent;
-  };
-  TEXTMETRICA metrics{};
-  ASSERT_TRUE(GetTextMetricsA(dc.get(), &metrics));
-  const char* const wide = "a text that is much wider than the picture is";
-  const SIZE shortText = width("Hi"), longText = width(wide), sample = width("AaB");
-  const int lineHeight = metrics.tmHeight, maxWidth = 40 - 6;
-  ASSERT_GT(longText.cx, 2 * maxWidth);
-
-  editor().InsertBalloonText(0, 0, "", 0, 0, 0, 0, "Hi");
-  EXPECT_EQ(object(0).width, shortText.cx + 2);
-  EXPECT_EQ(object(0).height, lineHeight);
-  editor().InsertBalloonText(0, 0, "", 0, 0, 0, 0, wide);
-  EXPECT_EQ(object(1).width, maxWidth + 2);
-  EXPECT_EQ(object(1).height, (longText.cx + maxWidth - 1) / maxWidth * sample.cy);
-}
-
 // Half and half over grey, the white box turns light grey; the glyphs stay blue.
 TEST_F(ObjectsTest, ABlendedBalloonKeepsItsTextUnblended) {
   editor().SetTransparency(0, 50);
@@ -320,31 +283,6 @@ TEST_F(ObjectsTest, ZOrderCommandsMoveTheSelectedObject) {
       EXPECT_EQ(Shown(5, 5), kGreen);  // blue went behind
     }
   }
-}
-
-// Each level keeps its own copies of all five slots, also a live slot behind a freed one.
-TEST_F(ObjectsTest, UndoAndRedoGiveBackTheObjects) {
-  InsertIcon(0, 0, kRed);      // slot 0
-  InsertIcon(10, 10, kGreen);  // slot 1
-  RightClick(1, 1, kObjectDelete);
-  InsertIcon(20, 20, kBlue);  // slot 0 again, in front
-
-  editor().Undo();  // the level of the deletion: slot 1 alone
-  EXPECT_EQ(ZOrder(), (std::vector<int>{1}));
-  EXPECT_EQ(object(0).kind(), ObjectKind::Free);
-  EXPECT_EQ(BitmapColors(object(1).picture.get()), std::vector<COLORREF>(12, kGreen));
-  EXPECT_EQ(Shown(1, 1), kGrey);
-  EXPECT_EQ(Shown(11, 11), kGreen);
-  editor().Undo();
-  EXPECT_EQ(BitmapColors(object(0).picture.get()), std::vector<COLORREF>(12, kRed));
-
-  editor().Redo();
-  editor().Redo();
-  EXPECT_EQ(ZOrder(), (std::vector<int>{0, 1}));
-  EXPECT_EQ(BitmapColors(object(0).sourcePicture.get()), std::vector<COLORREF>(12, kBlue));
-  EXPECT_EQ(Shown(21, 21), kBlue);
-  const HistoryLevel& level = editor().m_history.Level(editor().m_history.index());
-  EXPECT_NE(level.objects.Object(0).picture.get(), object(0).picture.get());
 }
 
 TEST_F(ObjectsTest, NoGraphicsObjectOutlivesItsObject) {
