@@ -88,48 +88,6 @@ void CImageEditCtrl::FireColorSelected(const std::string& color) {
   }
 }
 
-// ---- safety ----
-
-HRESULT CImageEditCtrl::QueryInterface(InterfaceId iid) {
-  switch (iid) {
-    case InterfaceId::IUnknown:
-    case InterfaceId::IDispatch:
-    case InterfaceId::DImageEditCtrl:
-    case InterfaceId::IObjectSafety:
-    case InterfaceId::IConnectionPointContainer:
-    case InterfaceId::IOleControl:
-    case InterfaceId::IOleObject:
-    case InterfaceId::IPersistPropertyBag:
-      return S_OK;
-    case InterfaceId::IStorage:
-    case InterfaceId::IClassFactory:
-      break;
-  }
-  return E_NOINTERFACE;
-}
-
-// Safe for untrusted callers and data on every interface the control has; the answer
-// for an interface it lacks still fills both values, but reports E_NOINTERFACE.
-HRESULT CImageEditCtrl::GetInterfaceSafetyOptions(InterfaceId iid, DWORD* supported, DWORD* enabled) {
-  if (supported == nullptr || enabled == nullptr) return E_POINTER;
-  const HRESULT hr = QueryInterface(iid);
-  *supported = *enabled = kSafetyOptions;
-  return hr;
-}
-
-// A host may ask for the two safety options the control has; asking for any other
-// option, or naming an option in the mask without enabling it, fails.
-bool SafetyOptionsAcceptable(DWORD mask, DWORD enabled) {
-  const bool onlyKnownOptions = (mask & ~kSafetyOptions) == 0;
-  const bool allEnabled = (mask & enabled) == mask;
-  return onlyKnownOptions && allEnabled;
-}
-
-HRESULT CImageEditCtrl::SetInterfaceSafetyOptions(InterfaceId iid, DWORD mask, DWORD enabled) {
-  if (FAILED(QueryInterface(iid))) return E_NOINTERFACE;
-  return SafetyOptionsAcceptable(mask, enabled) ? S_OK : E_FAIL;
-}
-
 // ---- window ----
 
 BOOL CImageEditCtrl::PreCreateWindow(CREATESTRUCTA& cs) {

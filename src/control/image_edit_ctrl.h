@@ -13,31 +13,8 @@
 #include "interface/control_events.h"
 #include "platform/platform.h"
 
-// Interface identifiers a host may ask the control for. The control implements all
-// but the last two (a control is neither a storage nor a class factory).
-enum class InterfaceId {
-  IUnknown,
-  IDispatch,
-  DImageEditCtrl,
-  IObjectSafety,
-  IConnectionPointContainer,
-  IOleControl,
-  IOleObject,
-  IPersistPropertyBag,
-  IStorage,
-  IClassFactory
-};
-
-inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_CALLER = 1;
-inline constexpr DWORD INTERFACESAFE_FOR_UNTRUSTED_DATA = 2;
-// The options the control supports, all enabled: it is safe for untrusted callers and
-// data on every interface it has.
-inline constexpr DWORD kSafetyOptions = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
-// Whether a host may set these safety options on an interface the control has.
-bool SafetyOptionsAcceptable(DWORD mask, DWORD enabled);
-
-// The editor window is the control's child with this id: hosts reach it through the
-// platform (GetDlgItem) to send it window messages, such as those of its scroll bars.
+// The editor window is the control's one child, with this id: hosts reach it through
+// the platform to send it window messages, such as those of its scroll bars.
 inline constexpr int kEditorWindowId = 1;
 
 // A connected sink of the event interface.
@@ -72,11 +49,6 @@ class CImageEditCtrl : public CWnd, public EditorEvents {
   // Calls every connected sink, in the order they connected, with ColorSelected and
   // the colour string. A sink may disconnect itself or others while it is called.
   void FireColorSelected(const std::string& color) override;
-
-  // ---- safety ----
-  HRESULT QueryInterface(InterfaceId iid);
-  HRESULT GetInterfaceSafetyOptions(InterfaceId iid, DWORD* supported, DWORD* enabled);
-  HRESULT SetInterfaceSafetyOptions(InterfaceId iid, DWORD mask, DWORD enabled);
 
   // ---- window ----
   BOOL PreCreateWindow(CREATESTRUCTA& cs) override;

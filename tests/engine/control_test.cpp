@@ -217,31 +217,6 @@ TEST_F(ControlTest, ColorSelectedReachesEverySinkOnceInConnectionOrder) {
   EXPECT_EQ(log, (std::vector<std::string>{"1:123ABC", "2:123ABC", "2:FFFFFF"}));
 }
 
-// Both options are reported for every interface, but an interface the control lacks
-// answers E_NOINTERFACE; only the two known options may be set, and only enabled.
-TEST_F(ControlTest, SafetyOptions) {
-  for (const auto& [iid, hr] :
-       {std::pair{InterfaceId::IDispatch, S_OK}, {InterfaceId::IStorage, E_NOINTERFACE}}) {
-    DWORD supported = 0, enabled = 0;
-    EXPECT_EQ(control_->GetInterfaceSafetyOptions(iid, &supported, &enabled), hr);
-    EXPECT_EQ(supported, 3u);
-    EXPECT_EQ(enabled, 3u);
-  }
-  DWORD value = 0;
-  EXPECT_EQ(control_->GetInterfaceSafetyOptions(InterfaceId::IDispatch, nullptr, &value), E_POINTER);
-  using Options = std::pair<DWORD, DWORD>;  // mask, enabled
-  for (const auto& [mask, enabled] : {Options{0, 0}, {1, 1}, {2, 2}, {3, 3}, {3, 7}, {1, 3}}) {
-    EXPECT_EQ(control_->SetInterfaceSafetyOptions(InterfaceId::IDispatch, mask, enabled), S_OK)
-        << mask << enabled;
-  }
-  for (const auto& [mask, enabled] : {Options{1, 0}, {3, 1}, {2, 1}, {4, 4}, {5, 5}, {0x80000003u, ~0u}}) {
-    EXPECT_EQ(control_->SetInterfaceSafetyOptions(InterfaceId::IDispatch, mask, enabled), E_FAIL)
-        << mask << enabled;
-  }
-  EXPECT_EQ(control_->SetInterfaceSafetyOptions(InterfaceId::IStorage, 3, 3), E_NOINTERFACE);
-  EXPECT_EQ(control_->SetInterfaceSafetyOptions(InterfaceId::IClassFactory, 0, 0), E_NOINTERFACE);
-}
-
 // A child window of the control standing for the host's side: with the focus, it
 // receives whatever keys the control lets through.
 class KeyTarget : public CWnd {

@@ -1,5 +1,6 @@
 // The control's events through its connection point, and its safety answers.
 #include <functional>
+#include <utility>
 
 #include "module_host.h"
 
@@ -306,10 +307,19 @@ TEST_F(ModuleTest, SafetyIsClaimedForTheControlsOwnInterfacesOnly) {
   EXPECT_EQ(supported, both);
   EXPECT_EQ(enabled, both);
 
-  EXPECT_EQ(safety->SetInterfaceSafetyOptions(ocx::IID_IDispatch, both, both), ocx::S_OK);
-  EXPECT_EQ(safety->SetInterfaceSafetyOptions(ocx::IID_IConnectionPointContainer, 1, 3), ocx::S_OK);
-  EXPECT_EQ(safety->SetInterfaceSafetyOptions(ocx::IID_IDispatch, 2, 1), ocx::E_FAIL);  // asked, not enabled
-  EXPECT_EQ(safety->SetInterfaceSafetyOptions(ocx::IID_IDispatch, 4, 4), ocx::E_FAIL);  // no such option
+  EXPECT_EQ(safety->GetInterfaceSafetyOptions(ocx::IID_IDispatch, nullptr, &enabled), ocx::E_POINTER);
+
+  // Only the two known options may be asked for, and only enabled: a mask naming an
+  // option it does not enable, or an unknown option, fails.
+  using Options = std::pair<ocx::DWORD, ocx::DWORD>;  // mask, enabled
+  for (const auto& [mask, enable] : {Options{0, 0}, {1, 1}, {2, 2}, {3, 3}, {3, 7}, {1, 3}}) {
+    EXPECT_EQ(safety->SetInterfaceSafetyOptions(ocx::IID_IConnectionPointContainer, mask, enable), ocx::S_OK)
+        << mask << ' ' << enable;
+  }
+  for (const auto& [mask, enable] : {Options{1, 0}, {3, 1}, {2, 1}, {4, 4}, {5, 5}, {0x80000003u, ~0u}}) {
+    EXPECT_EQ(safety->SetInterfaceSafetyOptions(ocx::IID_IDispatch, mask, enable), ocx::E_FAIL)
+        << mask << ' ' << enable;
+  }
   EXPECT_EQ(safety->SetInterfaceSafetyOptions(ocx::IID_IClassFactory, 1, 1), ocx::E_NOINTERFACE);
   // The queries the answers made hold nothing: only the test's references remain.
   EXPECT_EQ(safety->AddRef(), 3u);

@@ -19,6 +19,19 @@
 
 namespace {
 
+// The options the control supports, all enabled: it is safe for untrusted callers and
+// data on every interface it has.
+constexpr ocx::DWORD kSafetyOptions =
+    ocx::INTERFACESAFE_FOR_UNTRUSTED_CALLER | ocx::INTERFACESAFE_FOR_UNTRUSTED_DATA;
+
+// A host may ask for the two safety options the control has; asking for any other
+// option, or naming an option in the mask without enabling it, fails.
+bool SafetyOptionsAcceptable(ocx::DWORD mask, ocx::DWORD enabled) {
+  const bool onlyKnownOptions = (mask & ~kSafetyOptions) == 0;
+  const bool allEnabled = (mask & enabled) == mask;
+  return onlyKnownOptions && allEnabled;
+}
+
 constexpr ocx::UINT kFirstMouseMessage = WM_MOUSEMOVE;
 constexpr ocx::UINT kLastMouseMessage = 0x0209;  // WM_MBUTTONDBLCLK
 
