@@ -242,6 +242,8 @@ class CImageEditWnd : public CWnd {
   void UpdateScrollBars(int contentWidth, int contentHeight);
   // One scroll message on one axis; both axes share the arithmetic.
   void Scroll(int bar, UINT code, int position);
+  // Gives up the composition buffer's rows the window does not show.
+  void ReleaseHiddenComposition();
   // Makes the drawing pen: the layer's previous pen goes back first, and only a pen
   // that could be made changes the tool. False when it could not.
   bool MakeDrawingPen(DWORD style, int size, COLORREF color);

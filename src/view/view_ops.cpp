@@ -56,6 +56,7 @@ void CImageEditWnd::OnPaint() {
   const int h = m_view.hScrollPos();
   const int v = m_view.vScrollPos();
   BitBlt(windowDC, 0, 0, composition.width() - h, composition.height() - v, composition.dc(), h, v, SRCCOPY);
+  ReleaseHiddenComposition();
   // Text typed while an object is selected goes over the object, just inside its
   // frame's left and top edges.
   if (m_objects.selected() >= 0 && m_textEntry.IsShown()) {
@@ -68,6 +69,20 @@ void CImageEditWnd::OnPaint() {
     DrawRubberBand(windowDC, box.left, box.top, box.right, box.bottom, 0, 0, true, false);
   }
   EndPaint(m_hWnd, &paint);
+}
+
+// The buffer's rows above and below the window are given up (a whole band filled with
+// one colour holds no pixels of its own). Nothing reads a part of the buffer without
+// composing it first, so no one sees them; but a drag that scrolls the whole picture
+// past a small window would otherwise leave a composed copy of all of it behind.
+void CImageEditWnd::ReleaseHiddenComposition() {
+  const Surface& composition = m_surfaces.composition;
+  const RECT shown = m_view.ToSurface(ClientRect(m_hWnd));
+  const RECT above{0, 0, composition.width(), std::min(shown.top, composition.height())};
+  const RECT below{0, std::max(shown.bottom, 0), composition.width(), composition.height()};
+  for (const RECT& hidden : {above, below}) {
+    if (hidden.top < hidden.bottom) FillRect(composition.dc(), &hidden, WhiteBrush());
+  }
 }
 
 void CImageEditWnd::ComposeView(const RECT* area, bool plain) {
