@@ -66,11 +66,7 @@ const char* ExpectedName(ParamType type) {
 // what Invoke answers for a call it does not make, or S_OK.
 InvokeResult ConvertArguments(const MethodInfo& method, std::span<const Variant> args,
                               std::vector<Variant>* converted) {
-  if (args.size() != method.params.size()) {
-    return {DISP_E_BADPARAMCOUNT, Variant(),
-            std::string(method.name) + " takes " + std::to_string(method.params.size()) +
-                " argument(s), not " + std::to_string(args.size())};
-  }
+  if (args.size() != method.params.size()) return WrongArgumentCount(method, args.size());
   converted->reserve(args.size());
   for (std::size_t i = 0; i < args.size(); ++i) {
     const ParamInfo& param = method.params[i];
@@ -91,6 +87,12 @@ InvokeResult UnknownName(std::string_view name) {
 }
 
 }  // namespace
+
+InvokeResult WrongArgumentCount(const MethodInfo& method, std::size_t given) {
+  return {DISP_E_BADPARAMCOUNT, Variant(),
+          std::string(method.name) + " takes " + std::to_string(method.params.size()) + " argument(s), not " +
+              std::to_string(given)};
+}
 
 const MethodInfo* FindMethod(std::string_view name) {
   for (const MethodInfo& method : DispatchMethods()) {

@@ -56,6 +56,8 @@ struct InvokeResult {
 InvokeResult Invoke(CImageEditCtrl& control, const MethodInfo& method, std::span<const Variant> args);
 // The same by name; DISP_E_UNKNOWNNAME when no method has that name.
 InvokeResult Invoke(CImageEditCtrl& control, std::string_view name, std::span<const Variant> args);
+// What Invoke answers for `given` arguments to a method that takes another number.
+InvokeResult WrongArgumentCount(const MethodInfo& method, std::size_t given);
 // What Invoke by name would answer without making the call: S_OK when it would call
 // the method, else its failure. A host that runs a call later refuses a bad one now.
 InvokeResult CheckCall(std::string_view name, std::span<const Variant> args);

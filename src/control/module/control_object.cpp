@@ -200,8 +200,7 @@ ocx::HRESULT ControlObject::CallMethod(const MethodInfo& method, const ocx::DISP
     }
     return called.hr;
   };
-  if (params.cArgs != method.params.size())
-    return refused(CheckCall(method.name, std::vector<Variant>(params.cArgs)));
+  if (params.cArgs != method.params.size()) return refused(WrongArgumentCount(method, params.cArgs));
   std::optional<std::vector<Variant>> args = ArgumentsFromHost(params, argError);
   if (!args) return ocx::DISP_E_TYPEMISMATCH;
   const InvokeResult called = ::Invoke(*control_, method, *args);
