@@ -187,7 +187,7 @@ ocx::HRESULT EventPrinter::GetTypeInfoCount(ocx::UINT* count) {
 // as a host built against the library does.
 ocx::HRESULT EventPrinter::Invoke(ocx::DISPID dispid, ocx::REFIID, ocx::LCID, ocx::WORD,
                                   ocx::DISPPARAMS* params, ocx::VARIANT*, ocx::EXCEPINFO*, ocx::UINT*) {
-  if (params == nullptr) return ocx::E_INVALIDARG;
+  if (params == nullptr || (params->cArgs > 0 && params->rgvarg == nullptr)) return ocx::E_INVALIDARG;
   const TypeLibrary* library = EmbeddedTypeLibrary();
   const InterfaceDescription* events =
       library != nullptr ? library->FindInterface(ocx::DIID__DImageEditCtrlEvents) : nullptr;
