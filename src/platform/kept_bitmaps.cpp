@@ -24,6 +24,13 @@ bool CompactBitmap(HBITMAP bitmap) {
   return true;
 }
 
+bool DiscardBitmapRows(HBITMAP bitmap, int top, int bottom) {
+  raster::Raster* pixels = RasterOf(bitmap);
+  if (!pixels) return false;
+  pixels->Discard(top, bottom);
+  return true;
+}
+
 BitmapDifference::BitmapDifference() = default;
 BitmapDifference::BitmapDifference(BitmapDifference&&) noexcept = default;
 BitmapDifference& BitmapDifference::operator=(BitmapDifference&&) noexcept = default;

@@ -23,6 +23,11 @@ class Difference;
 // pixels never change.
 bool CompactBitmap(HBITMAP bitmap);
 
+// Rows top to bottom - 1 of the bitmap that the caller will not read before writing
+// them again (a buffer composed afresh for whatever reads it): whole bands among them
+// give up their memory, their pixels left undefined. False for anything but a bitmap.
+bool DiscardBitmapRows(HBITMAP bitmap, int top, int bottom);
+
 // What turns a bitmap's pixels into another's of the same size and kind, and back.
 class BitmapDifference {
  public:

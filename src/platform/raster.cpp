@@ -257,6 +257,14 @@ void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
   }
 }
 
+void Raster::Discard(int y0, int y1) {
+  if (pinned()) return;
+  const int first = ((std::max(y0, 0) + kBandRows - 1) >> kBandShift) << kBandShift;
+  const int last = y1 >= height ? height : (y1 >> kBandShift) << kBandShift;
+  // A band of one colour holds no rows of its own.
+  if (first < last) Fill(0, first, width, last, kBlack);
+}
+
 void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int destY, int columns, int count) {
   if (columns <= 0 || count <= 0) return;
   // Bands line up when both rasters have one width, the rows one band offset and the

@@ -95,6 +95,9 @@ class Raster {
   // Columns [x0, x1) of rows [y0, y1) become `pixel`; bands covered whole become one
   // colour.
   void Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel);
+  // Rows [y0, y1) that nobody reads before writing them again: the bands wholly among
+  // them give up their storage; rows sharing a band with other rows stay as they are.
+  void Discard(int y0, int y1);
   // Rows [srcY, srcY + count) of `src`, columns [srcX, srcX + columns), are copied to
   // rows from destY, columns from destX. Whole bands of equal-width rasters at the
   // same band offset are shared rather than copied. `src` is another raster.

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "editor/image_edit_wnd.h"
+#include "platform/kept_bitmaps.h"
 #include "tools/rubber_band.h"
 #include "view/display_scale.h"
 
@@ -71,18 +72,15 @@ void CImageEditWnd::OnPaint() {
   EndPaint(m_hWnd, &paint);
 }
 
-// The buffer's rows above and below the window are given up (a whole band filled with
-// one colour holds no pixels of its own). Nothing reads a part of the buffer without
-// composing it first, so no one sees them; but a drag that scrolls the whole picture
-// past a small window would otherwise leave a composed copy of all of it behind.
+// The buffer's rows above and below the window are given up. Nothing reads a part of
+// the buffer without composing it first, so no one misses them; but a drag that
+// scrolls the whole picture past a small window would otherwise leave a composed copy
+// of all of it behind.
 void CImageEditWnd::ReleaseHiddenComposition() {
   const Surface& composition = m_surfaces.composition;
   const RECT shown = m_view.ToSurface(ClientRect(m_hWnd));
-  const RECT above{0, 0, composition.width(), std::min(shown.top, composition.height())};
-  const RECT below{0, std::max(shown.bottom, 0), composition.width(), composition.height()};
-  for (const RECT& hidden : {above, below}) {
-    if (hidden.top < hidden.bottom) FillRect(composition.dc(), &hidden, WhiteBrush());
-  }
+  platform::DiscardBitmapRows(composition.bitmap(), 0, shown.top);
+  platform::DiscardBitmapRows(composition.bitmap(), shown.bottom, composition.height());
 }
 
 void CImageEditWnd::ComposeView(const RECT* area, bool plain) {
