@@ -37,6 +37,7 @@ HostedControl::HostedControl(const LoadedModule& module, int width, int height, 
   Check(dispatch_->QueryInterface(ocx::IID_IImageEditWindow, window.Out()), "place a control");
   Check(window->Activate(width, height), "activate the control");
   Check(window->GetWindow(&hostWindow_), "give the control's window");
+  Check(dispatch_->QueryInterface(ocx::IID_IImageEditInspection, inspection_.Out()), "show its state");
   ocx::Ref<ocx::IConnectionPointContainer> points;
   Check(dispatch_->QueryInterface(ocx::IID_IConnectionPointContainer, points.Out()), "list its events");
   Check(points->FindConnectionPoint(ocx::DIID__DImageEditCtrlEvents, events_.OutTyped()), "find its events");
@@ -60,14 +61,12 @@ void HostedControl::ShowProperties() {
 }
 
 std::string HostedControl::State(const std::vector<std::string>& keys) {
-  ocx::Ref<ocx::IImageEditInspection> inspection;
-  Check(dispatch_->QueryInterface(ocx::IID_IImageEditInspection, inspection.Out()), "show its state");
   std::string joined;
   for (const std::string& key : keys) joined += (joined.empty() ? "" : " ") + key;
   const std::u16string wideKeys = WideFromNarrow(joined);
   ocx::HostString json;
   ocx::UINT unknown = 0;
-  const ocx::HRESULT hr = inspection->GetState(wideKeys.c_str(), json.Out(), &unknown);
+  const ocx::HRESULT hr = inspection_->GetState(wideKeys.c_str(), json.Out(), &unknown);
   if (hr == ocx::DISP_E_UNKNOWNNAME && unknown < keys.size()) throw std::invalid_argument(keys[unknown]);
   Check(hr, "show its state");
   const std::u16string text = json.str();
@@ -75,10 +74,8 @@ std::string HostedControl::State(const std::vector<std::string>& keys) {
 }
 
 HBITMAP HostedControl::Surface(ocx::INSPECTED_SURFACE surface) {
-  ocx::Ref<ocx::IImageEditInspection> inspection;
-  Check(dispatch_->QueryInterface(ocx::IID_IImageEditInspection, inspection.Out()), "show its surfaces");
   ocx::HBITMAP bitmap = nullptr;
-  Check(inspection->GetSurface(surface, &bitmap), "show a surface");
+  Check(inspection_->GetSurface(surface, &bitmap), "show a surface");
   return bitmap;
 }
 

@@ -45,6 +45,7 @@ class HostedControl {
 
  private:
   ocx::Ref<ocx::IDispatch> dispatch_;
+  ocx::Ref<ocx::IImageEditInspection> inspection_;
   ocx::Ref<ocx::IConnectionPoint> events_;
   ocx::DWORD eventCookie_ = 0;
   HWND hostWindow_ = nullptr;
