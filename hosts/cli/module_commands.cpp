@@ -90,7 +90,7 @@ int RegisterModule(bool unregister, std::ostream& out, std::ostream& errors) {
   const char* entry = unregister ? "DllUnregisterServer" : "DllRegisterServer";
   try {
     // Registration makes no object, so nothing keeps the module loaded after it.
-    const LoadedModule module;
+    const LoadedModule module(ModuleBesideProgram());
     path = module.path();
     hr = unregister ? module.UnregisterServer() : module.RegisterServer();
   } catch (const std::runtime_error& error) {

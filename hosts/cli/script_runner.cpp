@@ -136,7 +136,7 @@ void ScriptRunner::Execute(const std::vector<Token>& tokens) {
 }
 
 void ScriptRunner::CreateControl(int width, int height) {
-  module_ = std::make_unique<LoadedModule>();
+  module_ = std::make_unique<LoadedModule>(ModuleBesideProgram());
   control_ = std::make_unique<HostedControl>(*module_, width, height, events_);
 }
 

@@ -161,7 +161,7 @@ TEST_F(ControlEventsTest, TheHostMayReleaseTheControlWhileItHearsAnEvent) {
   EXPECT_EQ(window->MouseInput(kLeftButtonUp, 55, 15), ocx::S_OK);
   EXPECT_EQ(log_, (std::vector<std::string>{"sink:1:00FF00"}));
   EXPECT_EQ(sink.references, 1u);
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
 }
 
 // The cookies of the connections an enumerator yields from where it stands; each
@@ -229,7 +229,7 @@ TEST_F(ControlEventsTest, ConnectionsAreEnumeratedAsTheyWereWhenAsked) {
   // An enumerator keeps the control, and with it the module, until it goes.
   point_.Reset();
   control_.Reset();
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_FALSE);
   ASSERT_EQ(now->Reset(), ocx::S_OK);
   EXPECT_EQ(RemainingCookies(now.get()), (std::vector<ocx::DWORD>{cookies[0], cookies[2]}));
   now.Reset();

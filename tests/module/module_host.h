@@ -3,42 +3,20 @@
 // strings and calls.
 #pragma once
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
+#include "control/module/loaded_module.h"
 #include "control/module/module_client.h"
 
-// The module's entry points, loaded once per test program and kept for its length:
-// a host may unload a module only when DllCanUnloadNow says so, which the tests check
-// rather than assume.
-struct ModuleEntryPoints {
-  ocx::DllGetClassObjectFunction getClassObject = nullptr;
-  ocx::DllCanUnloadNowFunction canUnloadNow = nullptr;
-  ocx::DllRegisterServerFunction registerServer = nullptr;
-  ocx::DllUnregisterServerFunction unregisterServer = nullptr;
-};
-
-inline const ModuleEntryPoints& Module() {
-  static const ModuleEntryPoints entryPoints = [] {
-    ModuleEntryPoints loaded;
-    void* module = dlopen(IE_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
-    if (module == nullptr) {
-      ADD_FAILURE() << dlerror();
-      return loaded;
-    }
-    loaded.getClassObject =
-        reinterpret_cast<ocx::DllGetClassObjectFunction>(dlsym(module, "DllGetClassObject"));
-    loaded.canUnloadNow = reinterpret_cast<ocx::DllCanUnloadNowFunction>(dlsym(module, "DllCanUnloadNow"));
-    loaded.registerServer =
-        reinterpret_cast<ocx::DllRegisterServerFunction>(dlsym(module, "DllRegisterServer"));
-    loaded.unregisterServer =
-        reinterpret_cast<ocx::DllUnregisterServerFunction>(dlsym(module, "DllUnregisterServer"));
-    return loaded;
-  }();
-  return entryPoints;
+// The module, loaded once per test program and kept for its length: a host may
+// unload a module only when DllCanUnloadNow says so, which the tests check rather
+// than assume.
+inline const ocx::LoadedModule& Module() {
+  static const ocx::LoadedModule module(IE_MODULE_PATH);
+  return module;
 }
 
 using ocx::Call;
@@ -60,14 +38,13 @@ inline std::string Narrow(ocx::BSTR text) {
 class ModuleTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_NE(Module().getClassObject, nullptr);
-    ASSERT_EQ(Module().canUnloadNow(), ocx::S_OK);
-    ASSERT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IClassFactory, factory_.Out()),
+    ASSERT_EQ(Module().CanUnloadNow(), ocx::S_OK);
+    ASSERT_EQ(Module().GetClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IClassFactory, factory_.Out()),
               ocx::S_OK);
   }
   void TearDown() override {
     factory_.Reset();
-    EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK) << "an object of the module is still alive";
+    EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK) << "an object of the module is still alive";
   }
   // A new control's dispatch interface.
   void CreateControl(Ref<ocx::IDispatch>& control) {

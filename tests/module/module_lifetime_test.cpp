@@ -9,31 +9,31 @@ TEST_F(ModuleTest, TheFactoriesAreHandedOutForTheModulesClassesOnly) {
   Ref<ocx::IUnknown> object;
   for (const ocx::CLSID& clsid : {kUnknownClass, ocx::IID_IClassFactory}) {
     void* out = &object;  // must be cleared
-    EXPECT_EQ(Module().getClassObject(clsid, ocx::IID_IClassFactory, &out), ocx::CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(Module().GetClassObject(clsid, ocx::IID_IClassFactory, &out), ocx::CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(out, nullptr);
   }
-  EXPECT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IClassFactory, nullptr),
+  EXPECT_EQ(Module().GetClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IClassFactory, nullptr),
             ocx::E_POINTER);
   // One factory serves every request, under both of its interfaces.
-  EXPECT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IUnknown, object.Out()), ocx::S_OK);
+  EXPECT_EQ(Module().GetClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IUnknown, object.Out()), ocx::S_OK);
   EXPECT_EQ(static_cast<void*>(object.get()), static_cast<void*>(factory_.get()));
-  EXPECT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IDispatch, object.Out()),
+  EXPECT_EQ(Module().GetClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IDispatch, object.Out()),
             ocx::E_NOINTERFACE);
   EXPECT_FALSE(object);
 }
 
 TEST_F(ModuleTest, TheModuleStaysWhileAControlOrALockLives) {
   // Holding the factory alone does not keep the module; a lock does.
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
   ASSERT_EQ(factory_->LockServer(1), ocx::S_OK);
   ASSERT_EQ(factory_->LockServer(1), ocx::S_OK);
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_FALSE);
   ASSERT_EQ(factory_->LockServer(0), ocx::S_OK);
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_FALSE);
   ASSERT_EQ(factory_->LockServer(0), ocx::S_OK);
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
   EXPECT_EQ(factory_->LockServer(0), ocx::E_UNEXPECTED);
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
 
   Ref<ocx::IDispatch> first;
   Ref<ocx::IDispatch> second;
@@ -41,7 +41,7 @@ TEST_F(ModuleTest, TheModuleStaysWhileAControlOrALockLives) {
   CreateActiveControl(second, 40, 30);
   EXPECT_NE(first.get(), second.get());
   first.Reset();
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_FALSE);
   // Any interface of a control keeps it, the connection point among them.
   Ref<ocx::IConnectionPointContainer> container;
   Ref<ocx::IConnectionPoint> point;
@@ -49,9 +49,9 @@ TEST_F(ModuleTest, TheModuleStaysWhileAControlOrALockLives) {
   ASSERT_EQ(container->FindConnectionPoint(ocx::DIID__DImageEditCtrlEvents, point.OutTyped()), ocx::S_OK);
   second.Reset();
   container.Reset();
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_FALSE);
   point.Reset();
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
 }
 
 TEST_F(ModuleTest, ACreationThatFailsLeavesNoObjectBehind) {
@@ -64,7 +64,7 @@ TEST_F(ModuleTest, ACreationThatFailsLeavesNoObjectBehind) {
   control.Reset();
   EXPECT_EQ(factory_->CreateInstance(nullptr, ocx::IID_IClassFactory, made.Out()), ocx::E_NOINTERFACE);
   EXPECT_FALSE(made);
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
 }
 
 // Every interface of a control leads back to the same object, and the control says no

@@ -101,7 +101,7 @@ class PropertyPageTest : public ModuleTest {
   void SetUp() override {
     ModuleTest::SetUp();
     ASSERT_EQ(
-        Module().getClassObject(ocx::CLSID_ImageEditCtrlPropPage, ocx::IID_IClassFactory, pageFactory_.Out()),
+        Module().GetClassObject(ocx::CLSID_ImageEditCtrlPropPage, ocx::IID_IClassFactory, pageFactory_.Out()),
         ocx::S_OK);
   }
   void TearDown() override {
@@ -118,7 +118,7 @@ class PropertyPageTest : public ModuleTest {
 TEST_F(PropertyPageTest, ThePagesFactoryIsItsOwnAndMakesAnyNumberOfPages) {
   // The module's second factory: one object, not the control's.
   Ref<ocx::IUnknown> again;
-  ASSERT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrlPropPage, ocx::IID_IUnknown, again.Out()),
+  ASSERT_EQ(Module().GetClassObject(ocx::CLSID_ImageEditCtrlPropPage, ocx::IID_IUnknown, again.Out()),
             ocx::S_OK);
   EXPECT_EQ(static_cast<void*>(again.get()), static_cast<void*>(pageFactory_.get()));
   EXPECT_NE(static_cast<void*>(pageFactory_.get()), static_cast<void*>(factory_.get()));
@@ -138,12 +138,12 @@ TEST_F(PropertyPageTest, ThePagesFactoryIsItsOwnAndMakesAnyNumberOfPages) {
 
   // Every page alive keeps the module, as does a lock taken through the page factory.
   first.Reset();
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_FALSE);
   ASSERT_EQ(pageFactory_->LockServer(1), ocx::S_OK);
   second.Reset();
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_FALSE);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_FALSE);
   ASSERT_EQ(pageFactory_->LockServer(0), ocx::S_OK);
-  EXPECT_EQ(Module().canUnloadNow(), ocx::S_OK);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
 }
 
 TEST_F(PropertyPageTest, ThePageShowsItsTextThroughTheSiteAndChangesNothing) {
@@ -196,7 +196,7 @@ TEST_F(PropertyPageTest, TheControlListsExactlyItsOnePage) {
   ocx::CoTaskMemFree(list.pElems);
   // What the list names, the module makes.
   Ref<ocx::IClassFactory> listed;
-  EXPECT_EQ(Module().getClassObject(ocx::CLSID_ImageEditCtrlPropPage, ocx::IID_IClassFactory, listed.Out()),
+  EXPECT_EQ(Module().GetClassObject(ocx::CLSID_ImageEditCtrlPropPage, ocx::IID_IClassFactory, listed.Out()),
             ocx::S_OK);
 }
 

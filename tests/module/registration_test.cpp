@@ -93,8 +93,6 @@ class FileSizeLimit {
 class Registration : public ::testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_NE(Module().registerServer, nullptr);
-    ASSERT_NE(Module().unregisterServer, nullptr);
     folder_ = fs::temp_directory_path() / ("ostrel-registration-" + std::to_string(getpid()) + "-" +
                                            ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(folder_);
@@ -124,7 +122,7 @@ class Registration : public ::testing::Test {
 TEST_F(Registration, RegisteringWritesTheLibraryThenTheClassesAndUnregisteringRemovesOnlyThem) {
   WriteText(registry_, kForeign);
   const RegistryFile foreign = ReadRegistry(registry_);
-  ASSERT_EQ(Module().registerServer(), ocx::S_OK);
+  ASSERT_EQ(Module().RegisterServer(), ocx::S_OK);
   const RegistryFile registered = ReadRegistry(registry_);
   const fs::path library = folder_ / "OstrelImageEditCtrl.tlb";
 
@@ -179,15 +177,15 @@ TEST_F(Registration, RegisteringWritesTheLibraryThenTheClassesAndUnregisteringRe
 
   // Registering again changes nothing.
   const std::string once = ReadText(registry_);
-  ASSERT_EQ(Module().registerServer(), ocx::S_OK);
+  ASSERT_EQ(Module().RegisterServer(), ocx::S_OK);
   EXPECT_EQ(ReadText(registry_), once);
 
-  ASSERT_EQ(Module().unregisterServer(), ocx::S_OK);
+  ASSERT_EQ(Module().UnregisterServer(), ocx::S_OK);
   EXPECT_EQ(ReadRegistry(registry_), foreign);
   EXPECT_FALSE(fs::exists(library));
   // What is not registered is no failure, and the file is left as it is.
   const std::string after = ReadText(registry_);
-  EXPECT_EQ(Module().unregisterServer(), ocx::S_OK);
+  EXPECT_EQ(Module().UnregisterServer(), ocx::S_OK);
   EXPECT_EQ(ReadText(registry_), after);
   EXPECT_TRUE(Leftovers().empty());
 }
@@ -195,31 +193,31 @@ TEST_F(Registration, RegisteringWritesTheLibraryThenTheClassesAndUnregisteringRe
 TEST_F(Registration, AMissingRegistryAndItsFolderAreMade) {
   registry_ = folder_ / "config" / "ostrel" / "registry";
   setenv("OSTREL_REGISTRY", registry_.c_str(), 1);
-  ASSERT_EQ(Module().registerServer(), ocx::S_OK);
+  ASSERT_EQ(Module().RegisterServer(), ocx::S_OK);
   EXPECT_NE(ReadRegistry(registry_).FindKey(kControl), nullptr);
-  ASSERT_EQ(Module().unregisterServer(), ocx::S_OK);
+  ASSERT_EQ(Module().UnregisterServer(), ocx::S_OK);
   EXPECT_EQ(ReadRegistry(registry_), RegistryFile());
 }
 
 TEST_F(Registration, ARegistryThatCannotBeWrittenOrReadRegistersNothing) {
   // A folder where the file should be: nothing can replace it.
   fs::create_directories(registry_);
-  EXPECT_EQ(Module().registerServer(), ocx::SELFREG_E_TYPELIB);
-  EXPECT_EQ(Module().unregisterServer(), ocx::SELFREG_E_TYPELIB);
+  EXPECT_EQ(Module().RegisterServer(), ocx::SELFREG_E_TYPELIB);
+  EXPECT_EQ(Module().UnregisterServer(), ocx::SELFREG_E_TYPELIB);
   fs::remove(registry_);
   EXPECT_FALSE(fs::exists(folder_ / "OstrelImageEditCtrl.tlb")) << "a library file that no key names";
 
   // A file where the folder should be.
   WriteText(folder_ / "file", "");
   setenv("OSTREL_REGISTRY", (folder_ / "file" / "registry").c_str(), 1);
-  EXPECT_EQ(Module().registerServer(), ocx::SELFREG_E_TYPELIB);
+  EXPECT_EQ(Module().RegisterServer(), ocx::SELFREG_E_TYPELIB);
 
   // A malformed file is left exactly as it is.
   setenv("OSTREL_REGISTRY", registry_.c_str(), 1);
   const std::string malformed = kForeign + "[CLSID\\{broken\n";
   WriteText(registry_, malformed);
-  EXPECT_EQ(Module().registerServer(), ocx::SELFREG_E_TYPELIB);
-  EXPECT_EQ(Module().unregisterServer(), ocx::SELFREG_E_TYPELIB);
+  EXPECT_EQ(Module().RegisterServer(), ocx::SELFREG_E_TYPELIB);
+  EXPECT_EQ(Module().UnregisterServer(), ocx::SELFREG_E_TYPELIB);
   EXPECT_EQ(ReadText(registry_), malformed);
   EXPECT_FALSE(fs::exists(folder_ / "OstrelImageEditCtrl.tlb"));
 }
@@ -234,7 +232,7 @@ TEST_F(Registration, AFailedWriteLeavesTheRegistryWholeAndNoClassWithoutItsLibra
   for (int i = 0; i < 200; ++i)
     foreign += "\n[Software\\Padding\\Key" + std::to_string(i) + "]\n@=\"value\"\n";
   WriteText(registry_, foreign);
-  ASSERT_EQ(Module().registerServer(), ocx::S_OK);
+  ASSERT_EQ(Module().RegisterServer(), ocx::S_OK);
   const std::uintmax_t full = fs::file_size(registry_);
 
   std::set<ocx::HRESULT> outcomes;
@@ -244,7 +242,7 @@ TEST_F(Registration, AFailedWriteLeavesTheRegistryWholeAndNoClassWithoutItsLibra
     ocx::HRESULT hr;
     {
       const FileSizeLimit sizeLimit(limit);
-      hr = Module().registerServer();
+      hr = Module().RegisterServer();
     }
     outcomes.insert(hr);
     const std::string text = ReadText(registry_);
