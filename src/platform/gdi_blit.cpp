@@ -193,6 +193,19 @@ BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX
   RowCombiner combiner(ConversionFor(target, *ends->destDc, from, *ends->srcDc), index,
                        ends->destDc->draw.brushPixel);
   raster::Raster* out = target.raster;
+  // A stretched area of one colour (an empty drawing layer taken to a new picture's
+  // size) is a fill where the result does not depend on the destination: the
+  // destination's bands stay single colours instead of every row being written.
+  if (!raster::RopUsesDest(index)) {
+    if (const auto uniform = UniformResample(filter, plan.xs, plan.ys, *from.raster)) {
+      std::uint32_t pixel = 0;
+      combiner.Combine(&pixel, &*uniform, 1);
+      const int left = static_cast<int>(plan.xs.destStart);
+      const int top = static_cast<int>(plan.ys.destStart);
+      out->Fill(left, top, left + plan.xs.count, top + plan.ys.count, pixel);
+      return TRUE;
+    }
+  }
   return Resample(filter, plan.xs, plan.ys, *from.raster,
                   [&](int dx, int dy, const std::uint32_t* values, int count) {
                     combiner.Combine(out->MutableRow(dy) + dx, values, count);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
 
 namespace platform::gdi {
 namespace {
@@ -80,9 +81,14 @@ void WeightRow(const AxisTaps& xs, const std::uint32_t* row, Sums& out) {
   }
 }
 
-bool Halftone(const AxisTaps& xs, const AxisTaps& ys, const raster::Raster& src, const RowSink& sink) {
+// Whether the weighted sums of a halftone plan could overflow 64 bits.
+bool HalftoneOverflows(const AxisTaps& xs, const AxisTaps& ys) {
   const std::uint64_t limit = std::numeric_limits<std::uint64_t>::max() / 2 / 255;
-  if (xs.total > limit / ys.total) return false;
+  return xs.total > limit / ys.total;
+}
+
+bool Halftone(const AxisTaps& xs, const AxisTaps& ys, const raster::Raster& src, const RowSink& sink) {
+  if (HalftoneOverflows(xs, ys)) return false;
   const std::uint64_t total = xs.total * ys.total;
   // Consecutive destination rows share source rows; keep the last two weighted rows.
   std::array<Sums, 2> cache;
@@ -170,6 +176,22 @@ AxisTaps PlanAxis(StretchFilter filter, AxisRun dest, AxisRun src, std::int64_t 
   taps.count = static_cast<int>(taps.first.size()) - 1;
   taps.destStart = destStart + std::max<std::int64_t>(first, 0);
   return taps;
+}
+
+std::optional<std::uint32_t> UniformResample(StretchFilter filter, const AxisTaps& xs, const AxisTaps& ys,
+                                             const raster::Raster& src) {
+  if (xs.count == 0 || ys.count == 0) return std::nullopt;
+  if (filter == StretchFilter::Halftone && HalftoneOverflows(xs, ys)) return std::nullopt;
+  std::uint32_t colour = 0;
+  int checked = -1;  // source rows come in runs of one row: check each once
+  for (const int row : ys.source) {
+    if (row == checked) continue;
+    std::uint32_t pixel = 0;
+    if (!src.RowIsUniform(row, &pixel) || (checked >= 0 && pixel != colour)) return std::nullopt;
+    colour = pixel;
+    checked = row;
+  }
+  return colour & raster::kColorMask;
 }
 
 bool Resample(StretchFilter filter, const AxisTaps& xs, const AxisTaps& ys, const raster::Raster& src,

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "platform/gdi_objects.h"
@@ -43,6 +44,13 @@ AxisTaps PlanAxis(StretchFilter filter, AxisRun dest, AxisRun src, std::int64_t 
 // Receives each finished destination row: device x and y of its first pixel and the
 // resampled source-format values.
 using RowSink = std::function<void(int x, int y, const std::uint32_t* values, int count)>;
+
+// The one value every resampled pixel takes when every source row the plan reads is
+// a single colour, the same for all: any filter's sample, merge or weighted average
+// of equal pixels is that pixel (in the source format's colour bits). Empty when the
+// rows differ, a row is not stored as one colour, or Resample would refuse the plan.
+std::optional<std::uint32_t> UniformResample(StretchFilter filter, const AxisTaps& xs, const AxisTaps& ys,
+                                             const raster::Raster& src);
 
 // Runs a plan over `src`; false when Halftone weights would overflow 64 bits.
 bool Resample(StretchFilter filter, const AxisTaps& xs, const AxisTaps& ys, const raster::Raster& src,

@@ -239,6 +239,7 @@ void UnpackRow24(const std::uint8_t* in, std::uint32_t* out, int count);
 constexpr std::uint8_t RopIndex(DWORD rop) { return static_cast<std::uint8_t>((rop >> 16) & 0xFF); }
 constexpr bool RopUsesSource(std::uint8_t index) { return ((index >> 2) ^ index) & 0x33; }
 constexpr bool RopUsesPattern(std::uint8_t index) { return ((index >> 4) ^ index) & 0x0F; }
+constexpr bool RopUsesDest(std::uint8_t index) { return ((index >> 1) ^ index) & 0x55; }
 
 // The ternary index of a binary raster operation (SetROP2's R2_BLACK 1 .. R2_WHITE 16)
 // with the pen as the pattern: bit (P*2 + D) of mode - 1 is the result for pen bit P and

@@ -3,6 +3,7 @@
 #include <random>
 #include <vector>
 
+#include "platform/gdi_objects.h"
 #include "platform/gdi_test_support.h"
 
 using gdi_test::kBlack;
@@ -139,6 +140,53 @@ TEST(GdiStretch, AbsurdExtentsDrawOnlyWhatCanBeRead) {
   // Enlarging into a huge rectangle touches only the destination bitmap.
   EXPECT_TRUE(StretchBlt(dst.dc(), 0, 0, INT32_MAX, INT32_MAX, src.dc(), 0, 0, 3, 3, SRCCOPY));
   EXPECT_EQ(dst.Row(1, 2), (Row{Gray(9), Gray(9)}));
+}
+
+// A source of one colour stored as such is stretched as a fill; stored row by row
+// (the same pixels) it goes through the filters. Both must give the same bytes, for
+// every filter and raster operation, shrinking, enlarging, mirrored and clipped, and
+// a copy over a destination of one colour must leave its bands one colour.
+TEST(GdiStretch, OneColourSourceGivesWhatItsPixelsGive) {
+  constexpr int kW = 40, kH = 37;
+  constexpr DWORD kPatternAndSource = 0x00C000CA;  // MERGECOPY: the brush in the result
+  const COLORREF colour = RGB(12, 200, 77);
+  MemSurface uniform(kW, kH), rowwise(kW, kH);
+  uniform.Fill(colour);
+  for (int y = 0; y < kH; ++y) rowwise.SetRow(y, Row(kW, colour));
+  const RECT targets[] = {{3, 2, 93, 82}, {1, 1, 16, 12}, {70, 50, -10, -5}, {-20, -15, 130, 110}};
+  std::mt19937 random(5);
+  for (int mode : {HALFTONE, COLORONCOLOR, BLACKONWHITE, WHITEONBLACK}) {
+    for (DWORD rop : {SRCCOPY, NOTSRCCOPY, SRCPAINT, SRCAND, kPatternAndSource}) {
+      for (const RECT& to : targets) {
+        MemSurface fromUniform(100, 90), fromRows(100, 90);
+        for (int y = 0; y < 90; ++y) {
+          Row noise(100);
+          for (COLORREF& c : noise) c = random() & 0xFFFFFF;
+          fromUniform.SetRow(y, noise);
+          fromRows.SetRow(y, noise);
+        }
+        for (const MemSurface* dst : {&fromUniform, &fromRows}) {
+          SetStretchBltMode(dst->dc(), mode);
+          SelectObject(dst->dc(), GetStockObject(GRAY_BRUSH));
+          const MemSurface& src = dst == &fromUniform ? uniform : rowwise;
+          ASSERT_TRUE(StretchBlt(dst->dc(), to.left, to.top, to.right - to.left, to.bottom - to.top, src.dc(),
+                                 2, 3, kW - 5, kH - 4, rop));
+        }
+        for (int y = 0; y < 90; ++y)
+          ASSERT_EQ(fromUniform.Row(y, 100), fromRows.Row(y, 100)) << mode << " " << rop << " row " << y;
+      }
+    }
+  }
+  MemSurface layer(300, 200);
+  layer.Fill(RGB(1, 2, 3));
+  SetStretchBltMode(layer.dc(), HALFTONE);
+  ASSERT_TRUE(StretchBlt(layer.dc(), 0, 0, 300, 200, uniform.dc(), 0, 0, kW, kH, SRCCOPY));
+  const auto& raster = platform::gdi::Lookup<platform::gdi::BitmapObject>(layer.bitmap())->raster;
+  for (int y = 0; y < 200; ++y) {
+    std::uint32_t pixel = 0;
+    ASSERT_TRUE(raster.RowIsUniform(y, &pixel)) << y;
+    EXPECT_EQ(GetPixel(layer.dc(), 0, y), colour);
+  }
 }
 
 TEST(GdiStretch, MonoSourceStretchesThroughTheColourRule) {
