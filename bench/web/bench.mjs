@@ -69,8 +69,11 @@ const CALLS = [
 ];
 const WARM_UP = 4;
 const TIMED = 6;
-// Natively the calls are timed together, in one run of the script host.
-const NATIVE_CALLS = 6;
+// Natively the calls are timed together, in one run of the script host: enough of
+// them that their time stands well above how much a run's start and exit vary (tens
+// of milliseconds on a busy machine), the quickest of several runs.
+const NATIVE_CALLS = 24;
+const NATIVE_RUNS = 5;
 
 // The drags of the native tools benchmark (bench/tools_bench.cpp), each under the
 // name of its row there: a press at `from`, moves by `step` and the release. The first
@@ -180,7 +183,7 @@ async function webTimes(isolated) {
 
 // The script host's quickest run time (ms) of the statements in a control of the
 // benchmark's size with the large picture loaded (or none: `loaded` false).
-function nativeRunMs(statements, runs = 3, loaded = true) {
+function nativeRunMs(statements, runs = NATIVE_RUNS, loaded = true) {
   const load = loaded ? [`SetImage "${join(WEB_ROOT, LARGE)}"`] : [];
   const script = [`create ${CONTROL.join(' ')}`, ...load, ...statements].join('\n');
   const run = () => {
@@ -195,7 +198,7 @@ const statement = (name, args) => [name, ...args.map((arg) =>
   (typeof arg === 'string' ? `"${join(WEB_ROOT, arg)}"` : arg))].join(' ');
 
 function nativeCallTimes() {
-  const loaded = nativeRunMs([], 5);
+  const loaded = nativeRunMs([]);
   return Object.fromEntries(CALLS.map((call) => {
     const statements = Array.from({ length: NATIVE_CALLS }, (_, i) => statement(call[0], argsOf(call, i)));
     return [call[0], (nativeRunMs(statements) - loaded) / NATIVE_CALLS];
@@ -203,7 +206,7 @@ function nativeCallTimes() {
 }
 
 // SetImage of the large picture: a run that loads it less one that does not.
-const nativeSetImageMs = () => nativeRunMs([], 5) - nativeRunMs([], 5, false);
+const nativeSetImageMs = () => nativeRunMs([]) - nativeRunMs([], NATIVE_RUNS, false);
 
 // The tools benchmark's median and slowest move of each drag, by row name; missing
 // rows (or the benchmark itself) leave the native column empty.
