@@ -1,8 +1,9 @@
 // Checks the page engine's memcpy (hosts/web/block_copy.cpp) against a byte loop:
-// every size up to 300 bytes and those around its steps and its hand-over to script
-// at 64 KiB, between every alignment within 16 bytes, the bytes around the copy
-// untouched. Prints "ok" or the first copy that differs. Compiled with -fno-builtin,
-// so that the byte loop is not made a call of the memcpy under test.
+// every size up to 300 bytes (its steps and its hand-over to the bulk copy at 256
+// bytes among them) and some larger ones, between every alignment within 16 bytes,
+// the bytes around the copy untouched. Prints "ok" or the first copy that differs.
+// Compiled with -fno-builtin, so that the byte loop is not made a call of the memcpy
+// under test.
 #include <cstdio>
 #include <cstring>
 #include <random>
