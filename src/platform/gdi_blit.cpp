@@ -216,35 +216,76 @@ BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int srcX
 
 namespace {
 
-// One destination row of a transparent copy: `pick(row, i)` is the source pixel that
-// destination pixel i takes from source row `row`. A source row of the key colour is
-// passed over without touching the destination, and the destination row is made
-// writable only once a pixel of it is to be drawn.
-template <typename Pick>
+// after[i] is from[i] unless that is the key, before[i] otherwise (`after` may be
+// `before`). Every pixel is written, without a branch, so that the compiler makes
+// vector code of it and scattered dots (a spray) cost what a copy does, where a
+// branch per pixel would be mispredicted at random. The width and the key are
+// parameters, which no row written through a pointer can alias.
+void OverKey(std::uint32_t* after, const std::uint32_t* before, const std::uint32_t* from, int width,
+             std::uint32_t key) {
+  for (int i = 0; i < width; ++i) {
+    // Both read first: a load made under the condition would keep the loop scalar.
+    const std::uint32_t source = from[i];
+    const std::uint32_t kept = before[i];
+    after[i] = source != key ? source : kept;
+  }
+}
+
+// One destination row of a transparent copy: destination pixel i takes source pixel
+// `columns[i]` of source row srcY, or `column + i` without a column map. A source row
+// of the key colour is passed over without touching the destination, and the
+// destination row is made writable only once a pixel of it is to be drawn.
 void TransparentRow(raster::Raster& out, const raster::Raster& in, int srcY, int destY, int destX, int count,
-                    std::uint32_t key, const raster::Conversion& conversion, Pick&& pick) {
+                    std::uint32_t key, const raster::Conversion& conversion, int column, const int* columns) {
   std::uint32_t uniform = 0;
   if (in.RowIsUniform(srcY, &uniform) && uniform == key) return;
+  const auto pick = [column, columns](const std::uint32_t* row, int i) {
+    return columns ? row[columns[i]] : row[column + i];
+  };
   const std::uint32_t* row = in.Row(srcY);
   int first = 0;
   while (first < count && pick(row, first) == key) ++first;
   if (first == count) return;
   std::uint32_t* dest = out.MutableRow(destY) + destX;
   row = in.Row(srcY);  // MutableRow may have replaced a band `row` pointed into
-  if (conversion.kind == raster::Conversion::Kind::None) {
-    // Every pixel is written, the destination's own where the key is: without a branch
-    // the compiler makes vector code of it, and scattered dots (a spray) cost no more
-    // than a copy, where a branch per pixel would be mispredicted at random.
-    for (int i = first; i < count; ++i) {
-      const std::uint32_t value = pick(row, i);
-      dest[i] = value != key ? value : dest[i];
-    }
+  if (conversion.kind == raster::Conversion::Kind::None && !columns) {
+    OverKey(dest + first, dest + first, row + column + first, count - first, key);
     return;
   }
   for (int i = first; i < count; ++i) {
     const std::uint32_t value = pick(row, i);
     if (value != key) dest[i] = raster::ConvertPixel(conversion, value);
   }
+}
+
+// An unconverted copy onto every column of `count` destination rows from destY, from
+// rows of another raster from srcY and its column `column` on. Each stretch of rows
+// within one destination band that draws anything is rewritten in one pass from the
+// destination's old pixels (a band of the composition shared with the image surface
+// is not copied first); a stretch whose source rows are all the key is left alone.
+// False, nothing drawn, when a source band is packed: the row-by-row copy passes its
+// runs of the key over whole.
+bool TransparentWholeRows(raster::Raster& out, const raster::Raster& in, int srcY, int destY, int column,
+                          int count, std::uint32_t key) {
+  for (int k = 0; k < count; ++k) {
+    if (in.BandPacked((srcY + k) >> raster::kBandShift)) return false;
+  }
+  for (int k = 0; k < count;) {
+    const int y = destY + k;
+    const int end = std::min(((y >> raster::kBandShift) + 1) << raster::kBandShift, destY + count);
+    bool draws = false;
+    for (int row = y; row < end && !draws; ++row) {
+      std::uint32_t uniform = 0;
+      draws = !in.RowIsUniform(srcY + row - destY, &uniform) || uniform != key;
+    }
+    if (draws) {
+      out.RewriteRows(y, end, [&](int row, const std::uint32_t* before, std::uint32_t* after) {
+        OverKey(after, before, in.Row(srcY + row - destY) + column, out.width, key);
+      });
+    }
+    k = end - destY;
+  }
+  return true;
 }
 
 // The same for an unconverted copy of columns [column, column + count) from a row
@@ -291,14 +332,18 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
                              target.clip.bottom, from.clip.top, from.clip.bottom);
     const auto column = static_cast<int>(cols.src);
     const bool plain = conversion.kind == raster::Conversion::Kind::None && &in != &out;
+    if (plain && cols.dest == 0 && cols.count == out.width &&
+        TransparentWholeRows(out, in, static_cast<int>(rows.src), static_cast<int>(rows.dest), column,
+                             static_cast<int>(rows.count), key))
+      return TRUE;
     for (std::int64_t k = 0; k < rows.count; ++k) {
       if (plain &&
           TransparentPackedRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
                                static_cast<int>(cols.dest), column, static_cast<int>(cols.count), key))
         continue;
       TransparentRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
-                     static_cast<int>(cols.dest), static_cast<int>(cols.count), key, conversion,
-                     [column](const std::uint32_t* row, int i) { return row[column + i]; });
+                     static_cast<int>(cols.dest), static_cast<int>(cols.count), key, conversion, column,
+                     nullptr);
     }
     return TRUE;
   }
@@ -311,8 +356,7 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
   for (int j = 0; j < plan.ys.count; ++j) {
     TransparentRow(out, in, plan.ys.source[static_cast<std::size_t>(j)],
                    static_cast<int>(plan.ys.destStart + j), static_cast<int>(plan.xs.destStart),
-                   plan.xs.count, key, conversion,
-                   [columns](const std::uint32_t* row, int i) { return row[columns[i]]; });
+                   plan.xs.count, key, conversion, 0, columns);
   }
   return TRUE;
 }

@@ -228,6 +228,32 @@ void Raster::OwnRowsToReplace(int y0, int y1) {
   }
 }
 
+void Raster::RewriteRows(int y0, int y1,
+                         const std::function<void(int, const std::uint32_t*, std::uint32_t*)>& rewrite) {
+  for (int y = y0; y < y1;) {
+    const int band = y >> kBandShift;
+    const int top = band << kBandShift;
+    const int end = std::min(top + BandHeight(band), y1);
+    Band& target = bands_[static_cast<std::size_t>(band)];
+    const bool shared = target.rows && (target.step == 0 || target.block.use_count() > 1);
+    if (shared && !pinned() && top >= y0 && top + BandHeight(band) <= y1) {
+      const Band before = target;  // keeps the old pixels alive while they are read
+      Band fresh = FreshBand(BandHeight(band));
+      for (int r = 0; r < BandHeight(band); ++r) {
+        rewrite(top + r, before.rows + static_cast<std::size_t>(r) * before.step,
+                fresh.rows + static_cast<std::size_t>(r) * static_cast<std::size_t>(width));
+      }
+      target = std::move(fresh);
+    } else {
+      for (int row = y; row < end; ++row) {
+        std::uint32_t* pixels = MutableRow(row);
+        rewrite(row, pixels, pixels);
+      }
+    }
+    y = end;
+  }
+}
+
 void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
   if (x0 >= x1 || y0 >= y1) return;
   const bool wholeRows = x0 == 0 && x1 == width && !pinned();

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -80,6 +81,14 @@ class Raster {
   // copied: for a writer that replaces every pixel of those rows. MutableRow then
   // costs nothing for them, so writers on several threads can share the rows.
   void OwnRowsToReplace(int y0, int y1);
+  // Rows [y0, y1), all their columns, rewritten by rewrite(y, before, row): `before`
+  // is row y as it was and `row` the storage the rewrite fills whole (they may be the
+  // same). A band lying wholly among them whose rows are shared, or one colour, gets
+  // fresh storage written straight from its old pixels: one pass over them, where
+  // MutableRow would copy them first and the writer go over them again.
+  void RewriteRows(
+      int y0, int y1,
+      const std::function<void(int y, const std::uint32_t* before, std::uint32_t* row)>& rewrite);
   // The colour of every pixel of row y when its band is stored as one colour.
   bool RowIsUniform(int y, std::uint32_t* pixel) const {
     const Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];

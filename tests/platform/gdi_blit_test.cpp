@@ -269,12 +269,20 @@ TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
     if (packed) {
       ASSERT_TRUE(platform::CompactBitmap(src.bitmap()));
     }
+    // The destination shares its rows with a twin, as the composition shares the
+    // image surface's, and must not change the twin's.
+    MemSurface twin(dw, dh);
     for (int y = 0; y < dh; ++y) {
       for (int x = 0; x < dw; ++x) target[y].push_back(static_cast<COLORREF>(random() & 0xFFFFFF));
-      dst.SetRow(y, target[y]);
+      twin.SetRow(y, target[y]);
     }
-    const int w = 1 + pick(40), h = 1 + pick(40);
-    const int x = pick(dw + 10) - 5, y = pick(dh + 10) - 5, sx = pick(sw + 10) - 5, sy = pick(sh + 10) - 5;
+    const std::vector<std::vector<COLORREF>> original = target;
+    ASSERT_TRUE(BitBlt(dst.dc(), 0, 0, dw, dh, twin.dc(), 0, 0, SRCCOPY));
+    // Every other round the copy covers whole destination rows.
+    const bool wholeRows = round % 4 < 2;
+    const int w = wholeRows ? dw + 5 + pick(6) : 1 + pick(40), h = 1 + pick(40);
+    const int x = wholeRows ? -pick(5) : pick(dw + 10) - 5, y = pick(dh + 10) - 5;
+    const int sx = wholeRows ? pick(5) - 5 : pick(sw + 10) - 5, sy = pick(sh + 10) - 5;
     ASSERT_TRUE(TransparentBlt(dst.dc(), x, y, w, h, src.dc(), sx, sy, w, h, key));
     for (int j = 0; j < h; ++j) {
       for (int i = 0; i < w; ++i) {
@@ -283,7 +291,10 @@ TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
         if (inside && source[sy + j][sx + i] != key) target[y + j][x + i] = source[sy + j][sx + i];
       }
     }
-    for (int row = 0; row < dh; ++row) ASSERT_EQ(dst.Row(row, dw), target[row]) << "round " << round;
+    for (int row = 0; row < dh; ++row) {
+      ASSERT_EQ(dst.Row(row, dw), target[row]) << "round " << round;
+      ASSERT_EQ(twin.Row(row, dw), original[row]) << "round " << round;
+    }
   }
 }
 

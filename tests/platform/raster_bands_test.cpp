@@ -48,7 +48,7 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
       Raster& r = rasters[a];
       Plain& p = plains[a];
       const std::uint32_t colour = pick(3) == 0 ? 0x123456 : random() & 0xFFFFFF;
-      switch (pick(8)) {
+      switch (pick(9)) {
         case 0: {  // a fill, often of whole rows
           const bool whole = pick(2) == 0;
           const int x0 = whole ? 0 : pick(w), x1 = whole ? w : x0 + pick(w - x0 + 1);
@@ -103,6 +103,16 @@ TEST(RasterBands, RandomOperationsReadLikePlainRows) {
             }
           }
           break;
+        case 7: {  // rows rewritten from what they held, as a transparent copy does
+          const int y0 = pick(h), y1 = y0 + 1 + pick(h - y0);
+          r.RewriteRows(y0, y1, [&](int y, const std::uint32_t* before, std::uint32_t* row) {
+            for (int x = 0; x < w; ++x) row[x] = (x + y) % 3 == 0 ? colour : before[x] ^ 0x010101;
+          });
+          for (int y = y0; y < y1; ++y) {
+            for (int x = 0; x < w; ++x) p.Row(y)[x] = (x + y) % 3 == 0 ? colour : p.Row(y)[x] ^ 0x010101;
+          }
+          break;
+        }
         default:  // pinned: the block seen through the pointer is the raster's rows
           if (pick(8) == 0) {
             const std::uint32_t* block = r.Pin();
