@@ -183,7 +183,7 @@ std::optional<std::uint32_t> UniformResample(StretchFilter filter, const AxisTap
   if (xs.count == 0 || ys.count == 0) return std::nullopt;
   if (filter == StretchFilter::Halftone && HalftoneOverflows(xs, ys)) return std::nullopt;
   std::uint32_t colour = 0;
-  int checked = -1;  // source rows come in runs of one row: check each once
+  int checked = -1;  // neighbouring taps often read one row, which is checked once
   for (const int row : ys.source) {
     if (row == checked) continue;
     std::uint32_t pixel = 0;
