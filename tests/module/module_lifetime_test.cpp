@@ -5,7 +5,7 @@ namespace {
 
 constexpr ocx::CLSID kUnknownClass = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
 
-TEST_F(ModuleTest, TheFactoriesAreHandedOutForTheModulesClassesOnly) {
+TEST_F(ModuleTest, TheFactoryIsHandedOutForTheModulesClassesAndMakesOnlyControls) {
   Ref<ocx::IUnknown> object;
   for (const ocx::CLSID& clsid : {kUnknownClass, ocx::IID_IClassFactory}) {
     void* out = &object;  // must be cleared
@@ -20,6 +20,17 @@ TEST_F(ModuleTest, TheFactoriesAreHandedOutForTheModulesClassesOnly) {
   EXPECT_EQ(Module().GetClassObject(ocx::CLSID_ImageEditCtrl, ocx::IID_IDispatch, object.Out()),
             ocx::E_NOINTERFACE);
   EXPECT_FALSE(object);
+
+  // A creation the factory refuses leaves no object behind.
+  Ref<ocx::IDispatch> control;
+  CreateControl(control);
+  EXPECT_EQ(factory_->CreateInstance(control.get(), ocx::IID_IUnknown, object.Out()),
+            ocx::CLASS_E_NOAGGREGATION);
+  EXPECT_FALSE(object);
+  control.Reset();
+  EXPECT_EQ(factory_->CreateInstance(nullptr, ocx::IID_IClassFactory, object.Out()), ocx::E_NOINTERFACE);
+  EXPECT_FALSE(object);
+  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
 }
 
 TEST_F(ModuleTest, TheModuleStaysWhileAControlOrALockLives) {
@@ -54,19 +65,6 @@ TEST_F(ModuleTest, TheModuleStaysWhileAControlOrALockLives) {
   EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
 }
 
-TEST_F(ModuleTest, ACreationThatFailsLeavesNoObjectBehind) {
-  Ref<ocx::IDispatch> control;
-  CreateControl(control);
-  Ref<ocx::IUnknown> made;
-  EXPECT_EQ(factory_->CreateInstance(control.get(), ocx::IID_IUnknown, made.Out()),
-            ocx::CLASS_E_NOAGGREGATION);
-  EXPECT_FALSE(made);
-  control.Reset();
-  EXPECT_EQ(factory_->CreateInstance(nullptr, ocx::IID_IClassFactory, made.Out()), ocx::E_NOINTERFACE);
-  EXPECT_FALSE(made);
-  EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
-}
-
 // Every interface of a control leads back to the same object, and the control says no
 // to interfaces it lacks.
 TEST_F(ModuleTest, AControlAnswersItsInterfacesWithOneIdentity) {
@@ -90,9 +88,23 @@ TEST_F(ModuleTest, AControlAnswersItsInterfacesWithOneIdentity) {
   EXPECT_FALSE(none);
 }
 
+// Before activation the methods are inert and give their empty results: a null string,
+// distinct from an empty one, and ScaleImage's false.
 TEST_F(ModuleTest, ActivationNeedsASizeAndHappensOnce) {
   Ref<ocx::IDispatch> control;
   CreateControl(control);
+  Call color = CallByName(control.get(), u"GetColor");
+  ASSERT_EQ(color.hr, ocx::S_OK);
+  EXPECT_EQ(color.result.get().vt, ocx::VT_BSTR);
+  EXPECT_EQ(color.result.get().bstrVal, nullptr);
+  Call scaled = CallByName(control.get(), u"ScaleImage", {HostVariant::Int(50)});
+  ASSERT_EQ(scaled.hr, ocx::S_OK);
+  EXPECT_EQ(scaled.result.get().vt, ocx::VT_I4);
+  EXPECT_EQ(scaled.result.get().lVal, 0);
+  Call nothing = CallByName(control.get(), u"SetPen", {HostVariant::Int(3)});
+  ASSERT_EQ(nothing.hr, ocx::S_OK);
+  EXPECT_EQ(nothing.result.get().vt, ocx::VT_EMPTY);
+
   Ref<ocx::IImageEditWindow> window;
   ASSERT_EQ(control->QueryInterface(ocx::IID_IImageEditWindow, window.Out()), ocx::S_OK);
   EXPECT_EQ(window->MouseInput(0x0201, 1, 1), ocx::E_UNEXPECTED);
