@@ -100,7 +100,7 @@ TEST_F(PropertyPageTest, ThePagesFactoryIsItsOwnAndMakesAnyNumberOfPages) {
   EXPECT_EQ(Module().CanUnloadNow(), ocx::S_OK);
 }
 
-TEST_F(PropertyPageTest, ThePageShowsItsTextThroughTheSiteAndChangesNothing) {
+TEST_F(PropertyPageTest, ThePageShowsItselfThroughTheSiteAndChangesNothing) {
   Ref<ocx::IImageEditPropertyPage> page;
   CreatePage(page);
   ocx::BSTR title = nullptr;
@@ -120,7 +120,7 @@ TEST_F(PropertyPageTest, ThePageShowsItsTextThroughTheSiteAndChangesNothing) {
   EXPECT_EQ(site.references, 2u);
   site.closingButton = 2;  // closed with its close box
   EXPECT_EQ(page->Show(), ocx::S_OK);
-  // The dialog's layout is the Properties verb's, which the scenarios show whole.
+  // The same dialog as the Properties verb's, whose layout the scenarios check.
   ASSERT_EQ(site.dialogs.size(), 1u);
   EXPECT_EQ(site.dialogs[0].resourceId, 200);
   EXPECT_EQ(site.dialogs[0].caption, "General");
@@ -186,7 +186,7 @@ TEST_F(PropertyPageTest, ThePropertiesVerbShowsThePageThroughTheControlsSite) {
   EXPECT_EQ(CallByName(control.get(), u"ScaleImage", {HostVariant::Int(50)}).hr, ocx::S_OK);
 
   // The About box goes through the same site, and so does a failure told while
-  // verbose (their texts are the scenarios'); after the site is taken away nothing
+  // verbose (the scenarios check their texts); after the site is taken away nothing
   // reaches it.
   ASSERT_EQ(CallByName(control.get(), u"AboutBox").hr, ocx::S_OK);
   ASSERT_EQ(site.dialogs.size(), 2u);

@@ -154,8 +154,8 @@ TEST_F(Registration, RegisteringWritesTheLibraryThenTheClassesAndUnregisteringRe
   EXPECT_EQ(Keys(registered), expected);
   for (const auto& [key, values] : foreign.Tree("")) EXPECT_EQ(*registered.FindKey(key), values) << key;
 
-  // The keys' values are the registration transcript's; the interfaces' keys it does
-  // not show name the library's version.
+  // The registration transcript checks the keys' values; it does not show the
+  // interfaces' keys, which name the library's version.
   EXPECT_EQ(Value(registered, kMethods + "\\TypeLib", "Version"), "1.1");
   EXPECT_EQ(Value(registered, kEvents + "\\TypeLib", "Version"), "1.1");
 

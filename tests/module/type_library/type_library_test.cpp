@@ -84,8 +84,8 @@ std::string Taken(ocx::BSTR text) {
   return narrow;
 }
 
-// Its names, GUIDs and listing are also the registration transcript's; what that does
-// not show is checked here.
+// The registration transcript checks the library's names, GUIDs and listing; what it
+// does not show is checked here.
 TEST(TypeLibrary, TheEmbeddedLibraryDescribesTheDispatchTableAndTheEvents) {
   const TypeLibraryReading reading = ReadTypeLibrary(EmbeddedTypeLibraryText());
   ASSERT_TRUE(reading.library) << reading.error;
