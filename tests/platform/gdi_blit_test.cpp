@@ -278,7 +278,7 @@ TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
     }
     const std::vector<std::vector<COLORREF>> original = target;
     ASSERT_TRUE(BitBlt(dst.dc(), 0, 0, dw, dh, twin.dc(), 0, 0, SRCCOPY));
-    // Every other round the copy covers whole destination rows.
+    // Half the rounds copy onto whole destination rows.
     const bool wholeRows = round % 4 < 2;
     const int w = wholeRows ? dw + 5 + pick(6) : 1 + pick(40), h = 1 + pick(40);
     const int x = wholeRows ? -pick(5) : pick(dw + 10) - 5, y = pick(dh + 10) - 5;
