@@ -330,27 +330,27 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
       return in == here || (!Writable(target) && std::memcmp(in, here, bytes) == 0);
     };
     const bool wholeBand = y == bandTop && end - k == bandRows;
-    while (k < end && holds(k)) ++k;
-    // A whole band that must change and is not this raster's own gets storage written
-    // in one pass, its columns from the source and the others from its old pixels,
-    // rather than copied whole first and written over after (a picture refilled into
-    // a surface wider than it, whose bands the composition shares).
-    if (wholeBand && k < end && !Writable(target)) {
-      const std::size_t left = static_cast<std::size_t>(destX);
-      const std::size_t right = left + static_cast<std::size_t>(columns);
-      const std::size_t rest = static_cast<std::size_t>(width) - right;
-      RewriteRows(bandTop, bandTop + bandRows, [&](int row, const std::uint32_t* before, std::uint32_t* out) {
-        if (out != before) {
-          std::memcpy(out, before, left * sizeof(std::uint32_t));
-          std::memcpy(out + right, before + right, rest * sizeof(std::uint32_t));
-        }
-        std::memmove(out + left, src.Row(srcY + row - destY) + srcX, bytes);
-      });
-      k = end;
-      continue;
-    }
     for (; k < end; ++k) {
       if (holds(k)) continue;
+      // A whole band that must change and is not this raster's own gets storage
+      // written in one pass, its columns from the source and the others from its old
+      // pixels, rather than copied whole first and written over after (a picture
+      // refilled into a surface wider than it, whose bands the composition shares).
+      if (wholeBand && !Writable(target)) {
+        const std::size_t left = static_cast<std::size_t>(destX);
+        const std::size_t right = left + static_cast<std::size_t>(columns);
+        const std::size_t rest = static_cast<std::size_t>(width) - right;
+        RewriteRows(bandTop, bandTop + bandRows,
+                    [&](int row, const std::uint32_t* before, std::uint32_t* out) {
+                      if (out != before) {
+                        std::memcpy(out, before, left * sizeof(std::uint32_t));
+                        std::memcpy(out + right, before + right, rest * sizeof(std::uint32_t));
+                      }
+                      std::memmove(out + left, src.Row(srcY + row - destY) + srcX, bytes);
+                    });
+        k = end;
+        break;
+      }
       std::uint32_t* out = MutableRow(destY + k) + destX;
       // MutableRow may have replaced a band `in` pointed into; read it again.
       std::memmove(out, src.Row(srcY + k) + srcX, bytes);
