@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 #include "platform/gdi_objects.h"
@@ -231,26 +232,44 @@ void OverKey(std::uint32_t* after, const std::uint32_t* before, const std::uint3
   }
 }
 
-// One destination row of a transparent copy: destination pixel i takes source pixel
-// `columns[i]` of source row srcY, or `column + i` without a column map. A source row
-// of the key colour is passed over without touching the destination, and the
-// destination row is made writable only once a pixel of it is to be drawn.
-void TransparentRow(raster::Raster& out, const raster::Raster& in, int srcY, int destY, int destX, int count,
-                    std::uint32_t key, const raster::Conversion& conversion, int column, const int* columns) {
+// Which source pixel destination pixel i of a transparent copy takes: the source's
+// columns from `first` on (a copy of one size), or those a stretch's column map names.
+struct ColumnRun {
+  int first;
+  std::uint32_t operator()(const std::uint32_t* row, int i) const { return row[first + i]; }
+};
+struct ColumnMap {
+  const int* columns;
+  std::uint32_t operator()(const std::uint32_t* row, int i) const { return row[columns[i]]; }
+};
+
+// The first of `count` destination pixels whose source pixel in `row` is not the key;
+// `count` when there is none. A source row of one colour is not read.
+template <typename Pick>
+int FirstDrawn(const raster::Raster& in, int srcY, int count, std::uint32_t key, const Pick& pick) {
   std::uint32_t uniform = 0;
-  if (in.RowIsUniform(srcY, &uniform) && uniform == key) return;
-  const auto pick = [column, columns](const std::uint32_t* row, int i) {
-    return columns ? row[columns[i]] : row[column + i];
-  };
+  if (in.RowIsUniform(srcY, &uniform)) return uniform == key ? count : 0;
   const std::uint32_t* row = in.Row(srcY);
   int first = 0;
   while (first < count && pick(row, first) == key) ++first;
+  return first;
+}
+
+// One destination row of a transparent copy. A source row of the key colour is passed
+// over without touching the destination, and the destination row is made writable
+// only once a pixel of it is to be drawn.
+template <typename Pick>
+void TransparentRow(raster::Raster& out, const raster::Raster& in, int srcY, int destY, int destX, int count,
+                    std::uint32_t key, const raster::Conversion& conversion, const Pick& pick) {
+  const int first = FirstDrawn(in, srcY, count, key, pick);
   if (first == count) return;
   std::uint32_t* dest = out.MutableRow(destY) + destX;
-  row = in.Row(srcY);  // MutableRow may have replaced a band `row` pointed into
-  if (conversion.kind == raster::Conversion::Kind::None && !columns) {
-    OverKey(dest + first, dest + first, row + column + first, count - first, key);
-    return;
+  const std::uint32_t* row = in.Row(srcY);  // after MutableRow, which may replace a band
+  if constexpr (std::is_same_v<Pick, ColumnRun>) {
+    if (conversion.kind == raster::Conversion::Kind::None) {
+      OverKey(dest + first, dest + first, row + pick.first + first, count - first, key);
+      return;
+    }
   }
   for (int i = first; i < count; ++i) {
     const std::uint32_t value = pick(row, i);
@@ -262,25 +281,25 @@ void TransparentRow(raster::Raster& out, const raster::Raster& in, int srcY, int
 // rows of another raster from srcY and its column `column` on. Each stretch of rows
 // within one destination band that draws anything is rewritten in one pass from the
 // destination's old pixels (a band of the composition shared with the image surface
-// is not copied first); a stretch whose source rows are all the key is left alone.
-// False, nothing drawn, when a source band is packed: the row-by-row copy passes its
-// runs of the key over whole.
+// is not copied first); a stretch whose source rows are all the key is left alone,
+// as the row-by-row copy leaves them. False, nothing drawn, when a source band is
+// packed: the row-by-row copy passes its runs of the key over whole.
 bool TransparentWholeRows(raster::Raster& out, const raster::Raster& in, int srcY, int destY, int column,
                           int count, std::uint32_t key) {
   for (int k = 0; k < count; ++k) {
     if (in.BandPacked((srcY + k) >> raster::kBandShift)) return false;
   }
+  const int width = out.width;
+  const ColumnRun pick{column};
   for (int k = 0; k < count;) {
     const int y = destY + k;
     const int end = std::min(((y >> raster::kBandShift) + 1) << raster::kBandShift, destY + count);
     bool draws = false;
-    for (int row = y; row < end && !draws; ++row) {
-      std::uint32_t uniform = 0;
-      draws = !in.RowIsUniform(srcY + row - destY, &uniform) || uniform != key;
-    }
+    for (int row = y; row < end && !draws; ++row)
+      draws = FirstDrawn(in, srcY + row - destY, width, key, pick) < width;
     if (draws) {
       out.RewriteRows(y, end, [&](int row, const std::uint32_t* before, std::uint32_t* after) {
-        OverKey(after, before, in.Row(srcY + row - destY) + column, out.width, key);
+        OverKey(after, before, in.Row(srcY + row - destY) + column, width, key);
       });
     }
     k = end - destY;
@@ -342,8 +361,8 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
                                static_cast<int>(cols.dest), column, static_cast<int>(cols.count), key))
         continue;
       TransparentRow(out, in, static_cast<int>(rows.src + k), static_cast<int>(rows.dest + k),
-                     static_cast<int>(cols.dest), static_cast<int>(cols.count), key, conversion, column,
-                     nullptr);
+                     static_cast<int>(cols.dest), static_cast<int>(cols.count), key, conversion,
+                     ColumnRun{column});
     }
     return TRUE;
   }
@@ -356,7 +375,7 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
   for (int j = 0; j < plan.ys.count; ++j) {
     TransparentRow(out, in, plan.ys.source[static_cast<std::size_t>(j)],
                    static_cast<int>(plan.ys.destStart + j), static_cast<int>(plan.xs.destStart),
-                   plan.xs.count, key, conversion, 0, columns);
+                   plan.xs.count, key, conversion, ColumnMap{columns});
   }
   return TRUE;
 }
