@@ -45,14 +45,27 @@ class PixelSteps {
   struct alignas(32) ProductRow {
     double column[4];
   };
+  // What a kernel that estimates the sums in fixed point first needs (the
+  // WebAssembly one: it has two double lanes where AVX2 has four): the weights and
+  // bias in units of 2^-20 (when they are small enough for 32-bit sums), and the
+  // bytes of each grey pixel, whose sums fall on whole numbers, where an estimate
+  // never decides.
+  struct Estimate {
+    bool usable;
+    std::int32_t weight[3][3];  // weight[k][j] multiplies byte k into byte j
+    std::int32_t bias[3];
+    std::array<std::uint32_t, 256> grayWords;  // the result for bytes v, v, v
+  };
   struct Matrix {
     std::vector<ProductRow> products;
     ProductRow bias;
+    Estimate estimate;
   };
   // The grey's products looked up as the matrix's are: red[v] is the very double
   // v * 0.299, and so on.
   struct Gray {
     std::array<double, 256> red, green, blue;
+    Estimate estimate;
   };
 
  private:

@@ -20,23 +20,37 @@ namespace {
 struct Picture {
   int width, height, stride;
   std::vector<BYTE> bytes;
-  Picture(int w, int h, std::mt19937& random) : width(w), height(h), stride((w * 3 + 3) & ~3) {
+  Picture(int w, int h) : width(w), height(h), stride((w * 3 + 3) & ~3) {
     bytes.resize(static_cast<std::size_t>(stride) * static_cast<std::size_t>(h));
+  }
+  Picture(int w, int h, std::mt19937& random) : Picture(w, h) {
     for (BYTE& b : bytes) b = static_cast<BYTE>(random());
   }
   PixelRect Whole() { return PixelRect{bytes.data(), 0, 0, width, height, stride}; }
 };
 
+// Every 24-bit colour once, 4096 to a row.
+Picture EveryColour() {
+  Picture picture(4096, 4096);
+  for (std::size_t row = 0; row < 4096; ++row) {
+    for (std::size_t x = 0; x < 4096; ++x) {
+      const std::size_t colour = row * 4096 + x;
+      BYTE* p = &picture.bytes[row * static_cast<std::size_t>(picture.stride) + x * 3];
+      p[0] = static_cast<BYTE>(colour);
+      p[1] = static_cast<BYTE>(colour >> 8);
+      p[2] = static_cast<BYTE>(colour >> 16);
+    }
+  }
+  return picture;
+}
+
 // The picture's pixels as 32-bit rows (the fourth byte 0), top row first, as a
 // bitmap keeps them.
-std::vector<std::uint32_t> WordsOf(Picture& picture) {
+std::vector<std::uint32_t> WordsOf(const Picture& picture) {
   std::vector<std::uint32_t> words;
-  const PixelRect rect = picture.Whole();
   for (int y = picture.height - 1; y >= 0; --y) {
-    for (int x = 0; x < picture.width; ++x) {
-      const BYTE* p = rect.At(x, y);
-      words.push_back(p[0] | (p[1] << 8) | (p[2] << 16));
-    }
+    const BYTE* p = &picture.bytes[static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.stride)];
+    for (int x = 0; x < picture.width; ++x, p += 3) words.push_back(p[0] | (p[1] << 8) | (p[2] << 16));
   }
   return words;
 }
@@ -66,12 +80,11 @@ AdjustmentSettings RandomColorSettings(std::mt19937& random) {
 }
 
 // Every case's name and whether the fast passes gave the plain bytes both ways.
-bool CheckPasses(std::mt19937& random, int width, int height, const AdjustmentSettings& settings,
-                 std::string* failed) {
+bool CheckPasses(const Picture& original, const AdjustmentSettings& settings, std::string* failed) {
+  const int width = original.width;
   PassPlan plan;
   plan.AddColors(settings);
   plan.AddFilters(settings);
-  Picture original(width, height, random);
   Picture expected = original;
   reference::AdjustPixels(expected.Whole(), settings);
   Picture buffer = original;
@@ -118,13 +131,38 @@ int main() {
       settings.invert = random() % 2;
       settings.gray = random() % 3 == 0;
       std::string failed;
-      if (!CheckPasses(random, width, height, settings, &failed)) {
+      if (!CheckPasses(Picture(width, height, random), settings, &failed)) {
         std::printf("%dx%d round %d: the passes differ, %s\n", width, height, round, failed.c_str());
         return 1;
       }
     }
     if (!CheckEmboss(random, width, height)) {
       std::printf("%dx%d: the emboss differs\n", width, height);
+      return 1;
+    }
+  }
+  // The colour matrix and the grey are first estimated in fixed point, and the
+  // estimate must never decide a byte it cannot: every colour, through hues and
+  // saturations (whose sums for grey pixels fall on whole numbers) and the grey.
+  const Picture everyColour = EveryColour();
+  AdjustmentSettings hue;
+  hue.hue = 120.6;
+  AdjustmentSettings saturation;
+  saturation.saturation = 0.37;
+  AdjustmentSettings both;
+  both.hue = 333;
+  both.saturation = 1.9;
+  both.contrast = 40;
+  AdjustmentSettings gray;
+  gray.gray = true;
+  // Weights too large for the estimate's fixed point: every pixel is summed whole.
+  AdjustmentSettings vivid;
+  vivid.saturation = 9;
+  for (const AdjustmentSettings& settings : {hue, saturation, both, gray, vivid}) {
+    std::string failed;
+    if (!CheckPasses(everyColour, settings, &failed)) {
+      std::printf("every colour, hue %g saturation %g gray %d: the passes differ, %s\n", settings.hue,
+                  settings.saturation, settings.gray ? 1 : 0, failed.c_str());
       return 1;
     }
   }
