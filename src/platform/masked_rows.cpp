@@ -48,8 +48,10 @@ MaskedRows::MaskedRows(const std::uint32_t* rows, std::size_t step, int width, i
                        std::uint32_t background)
     : MaskedRows(width, count, background) {
   // Every pixel is stored once and counted only when it is not the background, so the
-  // loop has no branch on the pixels.
-  std::vector<std::uint32_t> values(static_cast<std::size_t>(width) * static_cast<std::size_t>(count));
+  // loop has no branch on the pixels. The values start unset: zeroing a band's worth
+  // would cost as much as the loop.
+  const std::unique_ptr<std::uint32_t[]> values(
+      new std::uint32_t[static_cast<std::size_t>(width) * static_cast<std::size_t>(count)]);
   std::size_t found = 0;
   std::uint64_t* word = mask_.data();
   for (int r = 0; r < count; ++r, word += wordsPerRow_) {
@@ -62,14 +64,34 @@ MaskedRows::MaskedRows(const std::uint32_t* rows, std::size_t step, int width, i
       found += set;
     }
   }
-  Finish(values, found);
+  Finish(values.get(), found);
 }
 
-void MaskedRows::Finish(std::vector<std::uint32_t>& values, std::size_t found) {
+MaskedRows::MaskedRows(const PackedRows& rows) : MaskedRows(rows.width(), rows.rows(), 0) {
+  std::vector<std::uint32_t> values;
+  std::uint64_t* word = mask_.data();
+  for (int r = 0; r < rows_; ++r, word += wordsPerRow_) {
+    rows.ForEachPiece(r, [&](int x, int count, const std::uint32_t* pixels, bool repeated) {
+      if (repeated && *pixels == 0) return;
+      for (int i = 0; i < count; ++i) {
+        const std::uint32_t pixel = repeated ? *pixels : pixels[i];
+        if (pixel == 0) continue;
+        word[(x + i) / kMaskBits] |= std::uint64_t{1} << ((x + i) % kMaskBits);
+        values.push_back(pixel);
+      }
+    });
+  }
+  Finish(values.data(), values.size());
+}
+
+std::shared_ptr<const MaskedRows> MaskedRows::Xor(const MaskedRows& kept, const PackedRows& change) {
+  return Xor(kept, MaskedRows(change));
+}
+
+void MaskedRows::Finish(const std::uint32_t* values, std::size_t found) {
   const std::size_t maskBytes = mask_.size() * sizeof(std::uint64_t);
   charge_.AddOrThrow(maskBytes);
-  if (found > 0)
-    values_ = std::make_unique<const PackedRows>(values.data(), found, static_cast<int>(found), 1);
+  if (found > 0) values_ = std::make_unique<const PackedRows>(values, found, static_cast<int>(found), 1);
   counted_ = maskBytes + (values_ ? values_->bytes() : 0);
   CountPixelStorage(static_cast<std::ptrdiff_t>(maskBytes));
 }
@@ -104,8 +126,8 @@ std::shared_ptr<const MaskedRows> MaskedRows::XorOfTwoPixels(const MaskedRows& k
   }
   std::shared_ptr<MaskedRows> result(new MaskedRows(kept.width_, kept.rows_, background));
   result->mask_ = std::move(mask);
-  std::vector<std::uint32_t> values(found, dot);
-  result->Finish(values, found);
+  const std::vector<std::uint32_t> values(found, dot);
+  result->Finish(values.data(), found);
   return result;
 }
 
@@ -155,7 +177,7 @@ std::shared_ptr<const MaskedRows> MaskedRows::Xor(const MaskedRows& kept, const 
     }
     result->mask_[w] = resultBits;
   }
-  result->Finish(values, found);
+  result->Finish(values.data(), found);
   return result->MostlyBackground() ? result : result->Rebased();
 }
 

@@ -37,6 +37,9 @@ class MaskedRows {
   // the pixels that are not the background, not with the rows' size. Throws
   // std::bad_alloc.
   static std::shared_ptr<const MaskedRows> Xor(const MaskedRows& kept, const MaskedRows& change);
+  // The same with the change packed as runs: the cost goes with its pieces and its
+  // pixels that are not 0.
+  static std::shared_ptr<const MaskedRows> Xor(const MaskedRows& kept, const PackedRows& change);
 
   // The pixel that occurs in more than half of `count` pixels, if one does; otherwise
   // one of them. A band's first row mostly tells its background well enough.
@@ -57,8 +60,10 @@ class MaskedRows {
 
  private:
   MaskedRows(int width, int count, std::uint32_t background);
+  // `rows` masked against a background of 0, piece by piece.
+  explicit MaskedRows(const PackedRows& rows);
   // Counts and charges the rows once built.
-  void Finish(std::vector<std::uint32_t>& values, std::size_t found);
+  void Finish(const std::uint32_t* values, std::size_t found);
   // Xor for rows of two pixels, the background and `dot`, changed by a change that
   // turns one into the other: word by word, whatever the number of dots.
   static std::shared_ptr<const MaskedRows> XorOfTwoPixels(const MaskedRows& kept, const MaskedRows& change,

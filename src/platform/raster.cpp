@@ -214,6 +214,24 @@ void Raster::ReadBand(int band, std::uint32_t* out) const {
     std::memcpy(out + static_cast<std::size_t>(r) * width, from.rows + r * from.step, rowBytes);
 }
 
+void Raster::XorBandInto(int band, std::uint32_t* out) const {
+  const Band& from = bands_[static_cast<std::size_t>(band)];
+  const auto step = static_cast<std::size_t>(width);
+  if (!from.rows) {
+    if (from.packed) {
+      from.packed->XorInto(out, step);
+    } else {
+      from.masked->XorInto(out, step);
+    }
+    return;
+  }
+  for (int r = 0; r < BandHeight(band); ++r) {
+    const std::uint32_t* row = from.rows + r * from.step;
+    std::uint32_t* to = out + static_cast<std::size_t>(r) * step;
+    for (std::size_t x = 0; x < step; ++x) to[x] ^= row[x];
+  }
+}
+
 void Raster::OwnRowsToReplace(int y0, int y1) {
   if (y0 >= y1 || pinned()) return;
   for (int band = y0 >> kBandShift; band <= (y1 - 1) >> kBandShift; ++band) {

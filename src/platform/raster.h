@@ -136,6 +136,8 @@ class Raster {
   bool SameBand(const Raster& other, int band, int otherBand) const;
   // Band `band`'s rows into `out` (rows `width` apart), leaving the raster as it is.
   void ReadBand(int band, std::uint32_t* out) const;
+  // The same rows exclusive-ored into `out`, read where they are kept.
+  void XorBandInto(int band, std::uint32_t* out) const;
   // Band `band` packed as runs, when that is known; null otherwise.
   const std::shared_ptr<const PackedRows>& BandPacked(int band) const {
     return bands_[static_cast<std::size_t>(band)].packed;

@@ -61,20 +61,16 @@ Difference::Band Difference::Combined(const Band& first, const Band& second, Scr
 Difference Difference::Between(const Raster& a, const Raster& b) {
   Difference difference;
   // Bands read whole only where either side is not packed; most comparisons need none.
-  Scratch left, right;
-  const auto step = static_cast<std::size_t>(a.width);
+  Scratch scratch;
   for (int band = 0; band < a.BandCount(); ++band) {
     if (a.SameBand(b, band, band)) continue;
     Band changed;
     if (a.BandPacked(band) && b.BandPacked(band)) {
-      changed = Smaller(band, PackedRows::Xor(*a.BandPacked(band), *b.BandPacked(band)), left);
+      changed = Smaller(band, PackedRows::Xor(*a.BandPacked(band), *b.BandPacked(band)), scratch);
     } else {
-      std::uint32_t* rows = BandBuffer(left, a.width);
-      std::uint32_t* other = BandBuffer(right, a.width);
+      std::uint32_t* rows = BandBuffer(scratch, a.width);
       a.ReadBand(band, rows);
-      b.ReadBand(band, other);
-      const std::size_t pixels = step * static_cast<std::size_t>(a.BandHeight(band));
-      for (std::size_t i = 0; i < pixels; ++i) rows[i] ^= other[i];
+      b.XorBandInto(band, rows);
       changed = Smaller(band, rows, a.width, a.BandHeight(band));
     }
     if (!changed.AllZero()) difference.bands_.push_back(std::move(changed));
@@ -86,15 +82,17 @@ void Difference::ApplyTo(Raster& raster) const {
   Scratch scratch;
   for (const Band& band : bands_) {
     if (raster.compact() && !raster.pinned()) {
-      // A band known packed takes runs as runs, and one known masked a mask as a mask.
-      // Others change in a scratch band and go back packed where that pays: a kept band
-      // is not given rows of its own only to be packed again.
+      // A band known packed takes runs as runs, and one known masked a mask, or runs
+      // masked piece by piece. Others change in a scratch band and go back packed where
+      // that pays: a kept band is not given rows of its own only to be packed again.
       if (band.runs && raster.BandPacked(band.index)) {
         raster.SetBandPacked(band.index, PackedRows::Xor(*raster.BandPacked(band.index), *band.runs));
         continue;
       }
-      if (band.masked && raster.BandMasked(band.index)) {
-        raster.SetBandMasked(band.index, MaskedRows::Xor(*raster.BandMasked(band.index), *band.masked));
+      if (raster.BandMasked(band.index)) {
+        raster.SetBandMasked(band.index, band.masked
+                                             ? MaskedRows::Xor(*raster.BandMasked(band.index), *band.masked)
+                                             : MaskedRows::Xor(*raster.BandMasked(band.index), *band.runs));
         continue;
       }
       std::uint32_t* rows = BandBuffer(scratch, raster.width);

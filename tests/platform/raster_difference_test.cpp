@@ -168,15 +168,20 @@ TEST(MaskedRows, KeepAnyBackgroundAndTakeAMaskedChange) {
     EXPECT_EQ(out, layer);
     EXPECT_FALSE(kept.AllZero());
 
-    for (int round = 0; round < 4; ++round) {
-      // Some changes turn pixels into the key, some the key into dots, some none.
-      const std::vector<std::uint32_t> change =
+    for (int round = 0; round < 5; ++round) {
+      // Some changes turn pixels into the key, some the key into dots, some none; the
+      // last one also has a row of one change, which packs as a run.
+      std::vector<std::uint32_t> change =
           Dotted(random, width, rows, 0, [&](int, int) { return random() % (2 + round) == 0; });
+      if (round == 4) std::fill_n(change.begin(), width, 0x00FF00);
       std::vector<std::uint32_t> expected = layer;
       for (std::size_t i = 0; i < expected.size(); ++i) expected[i] ^= change[i];
       const MaskedRows masked(change.data(), step, width, rows);
       const auto changed = MaskedRows::Xor(kept, masked);
       changed->Unpack(out.data(), step);
+      EXPECT_EQ(out, expected);
+      // The same change as runs, masked piece by piece.
+      MaskedRows::Xor(kept, PackedRows(change.data(), step, width, rows))->Unpack(out.data(), step);
       EXPECT_EQ(out, expected);
       // Undone, it is the kept rows again.
       const auto back = MaskedRows::Xor(*changed, masked);
