@@ -28,6 +28,7 @@
 #include "tools/text_entry.h"
 #include "tools/tool_box.h"
 #include "tools/tool_state.h"
+#include "view/composed_area.h"
 
 // The class-specific low style bits the editor window and its text-entry child are
 // created with. Neither window class gives them a meaning; they are kept so that both
@@ -169,6 +170,8 @@ class CImageEditWnd : public CWnd {
   // composes the part it reads first: repaints the visible part, saves the saved part.
   // `plain` shows a selected object as it is saved, without its frame and grip.
   void ComposeView(const RECT* area = nullptr, bool plain = false);
+  // What the composition buffer is composed from, as it stands.
+  ComposedFrom ComposedSources() const;
   // Draws the frame around the image rectangle into `target` (a surface), only inside
   // `area` (surface coordinates).
   void DrawFrame(HDC target, const RECT& area);
@@ -213,6 +216,7 @@ class CImageEditWnd : public CWnd {
   TextEntry m_textEntry;          // the text box, its font and background
   ShellResources m_shell;         // popup menu, cursors, the image library
   EditorSurfaces m_surfaces;      // composition buffer, drawing layer, image surface, snapshot DC, original
+  ComposedArea m_composed;        // what the composition buffer still holds as composed
   ViewPlacement m_view;           // scale, image rectangle, scrolling
   EditHistory m_history;          // ten levels of undo
   PictureFrame m_frame;           // the decorative frame

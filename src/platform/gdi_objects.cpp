@@ -483,6 +483,12 @@ const std::uint32_t* BitmapPixels(HBITMAP bitmap, int* width, int* height) {
   return object->raster.Pin();
 }
 
+std::optional<PixelsVersion> VersionOfBitmap(HBITMAP bitmap) {
+  const auto* object = Lookup<BitmapObject>(bitmap);
+  if (!object) return std::nullopt;
+  return object->raster.Version();
+}
+
 namespace {
 bool g_bitmapRowsOffered = true;
 }  // namespace

@@ -34,6 +34,11 @@ std::shared_ptr<std::uint32_t[]> NewRows(std::size_t pixels) {
 
 std::size_t LivePixelBytes() { return g_liveBytes.load(std::memory_order_relaxed); }
 
+std::uint64_t WriteCount::NewSerial() {
+  static std::atomic<std::uint64_t> last{0};
+  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 void CountPixelStorage(std::ptrdiff_t bytes) { g_liveBytes += static_cast<std::size_t>(bytes); }
 
 Raster::Band Raster::UniformBand(const std::shared_ptr<Block>& block) {
@@ -49,6 +54,7 @@ std::shared_ptr<Raster::Block> Raster::UniformBlock(std::uint32_t pixel) const {
 }
 
 bool Raster::Allocate(int newWidth, int newHeight, bool newMono, bool charged) {
+  writes_.Note();
   if (newWidth <= 0 || newHeight <= 0 || static_cast<std::int64_t>(newWidth) * newHeight > kMaxPixels)
     return false;
   try {
@@ -87,14 +93,17 @@ Raster::Band Raster::MaskedOnly(std::shared_ptr<const MaskedRows> masked) const 
 }
 
 void Raster::SetBandMasked(int band, std::shared_ptr<const MaskedRows> masked) {
+  writes_.Note();
   bands_[static_cast<std::size_t>(band)] = MaskedOnly(std::move(masked));
 }
 
 void Raster::SetBandPacked(int band, std::shared_ptr<const PackedRows> packed) {
+  writes_.Note();
   bands_[static_cast<std::size_t>(band)] = PackedOnly(std::move(packed));
 }
 
 void Raster::ReplaceBand(int band, const std::uint32_t* rows) {
+  writes_.Note();
   const int count = BandHeight(band);
   const std::size_t bytes = static_cast<std::size_t>(count) * width * sizeof(std::uint32_t);
   if (pinned_) {
@@ -233,6 +242,7 @@ void Raster::XorBandInto(int band, std::uint32_t* out) const {
 }
 
 void Raster::OwnRowsToReplace(int y0, int y1) {
+  writes_.Note();
   if (y0 >= y1 || pinned()) return;
   for (int band = y0 >> kBandShift; band <= (y1 - 1) >> kBandShift; ++band) {
     Band& target = bands_[static_cast<std::size_t>(band)];
@@ -248,6 +258,7 @@ void Raster::OwnRowsToReplace(int y0, int y1) {
 
 void Raster::RewriteRows(int y0, int y1,
                          const std::function<void(int, const std::uint32_t*, std::uint32_t*)>& rewrite) {
+  writes_.Note();
   for (int y = y0; y < y1;) {
     const int band = y >> kBandShift;
     const int top = band << kBandShift;
@@ -273,6 +284,7 @@ void Raster::RewriteRows(int y0, int y1,
 }
 
 void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
+  writes_.Note();
   if (x0 >= x1 || y0 >= y1) return;
   const bool wholeRows = x0 == 0 && x1 == width && !pinned();
   std::shared_ptr<Block> uniform;
@@ -302,6 +314,7 @@ void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
 }
 
 void Raster::Discard(int y0, int y1) {
+  writes_.Note();
   if (pinned()) return;
   const int first = ((std::max(y0, 0) + kBandRows - 1) >> kBandShift) << kBandShift;
   const int last = y1 >= height ? height : (y1 >> kBandShift) << kBandShift;
@@ -310,6 +323,7 @@ void Raster::Discard(int y0, int y1) {
 }
 
 void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int destY, int columns, int count) {
+  writes_.Note();
   if (columns <= 0 || count <= 0) return;
   // Bands line up when both rasters have one width, the rows one band offset and the
   // columns one place. Whole bands that line up are shared rather than copied: when
@@ -389,6 +403,7 @@ bool Raster::ColumnsMatchBeside(const Raster& src, int srcY, int destY, int rows
 }
 
 void Raster::ShareFrom(const Raster& src) {
+  writes_.Note();
   width = src.width;
   height = src.height;
   mono = src.mono;

@@ -3,12 +3,15 @@
 // operations). Nothing here knows about handles or DCs.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "platform/bitmap_version.h"
 #include "platform/graphics_memory.h"
 #include "platform/masked_rows.h"
 #include "platform/packed_rows.h"
@@ -49,6 +52,32 @@ inline constexpr std::int64_t kMaxPixels = std::int64_t{1} << 28;
 inline constexpr int kBandShift = 4;
 inline constexpr int kBandRows = 1 << kBandShift;
 
+// A raster's version (bitmap_version.h). Writers on several threads at once may lose
+// steps of the count, but it never comes back to a value a reader saw before their
+// writes.
+class WriteCount {
+ public:
+  WriteCount() = default;
+  // A raster moved into is another raster, and the one moved from has changed.
+  WriteCount(WriteCount&& other) noexcept { other.Note(); }
+  WriteCount& operator=(WriteCount&& other) noexcept {
+    serial_ = NewSerial();
+    writes_.store(0, std::memory_order_relaxed);
+    other.Note();
+    return *this;
+  }
+  WriteCount(const WriteCount&) = delete;
+  WriteCount& operator=(const WriteCount&) = delete;
+
+  void Note() { writes_.store(writes_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed); }
+  PixelsVersion Read() const { return PixelsVersion{serial_, writes_.load(std::memory_order_relaxed)}; }
+
+ private:
+  static std::uint64_t NewSerial();
+  std::uint64_t serial_ = NewSerial();
+  std::atomic<std::uint64_t> writes_{0};
+};
+
 class Raster {
  public:
   Raster() = default;
@@ -72,6 +101,7 @@ class Raster {
   // expanded from its single colour). Ask for the written rows before reading rows of
   // the same raster that may share their band. A band's rows are `width` apart.
   std::uint32_t* MutableRow(int y) {
+    writes_.Note();
     Band& band = bands_[static_cast<std::size_t>(y >> kBandShift)];
     if (!Writable(band)) MakeWritable(y >> kBandShift);
     return band.rows + static_cast<std::size_t>(y & (kBandRows - 1)) * band.step;
@@ -118,6 +148,11 @@ class Raster {
   bool pinned() const { return pinned_ != nullptr; }
   // Bytes of pixel rows this raster keeps alive (shared bands counted in full).
   std::size_t StoredBytes() const;
+  // None for a pinned raster: its pixels are written through a pointer, unseen.
+  std::optional<PixelsVersion> Version() const {
+    if (pinned()) return std::nullopt;
+    return writes_.Read();
+  }
 
   // Makes the raster compact: its bands packed now where that pays, and bands later
   // copied in whole packed too. Pinned rasters stay as they are, and so do bands whose
@@ -196,6 +231,7 @@ class Raster {
   std::uint32_t* pinned_ = nullptr;
   bool compact_ = false;
   GraphicsCharge charge_;
+  WriteCount writes_;  // noted by every writer, MutableRow included
 };
 
 // Bytes of pixel storage alive in every raster of the process together.

@@ -1,9 +1,10 @@
-// What the editor window shows: each repaint composed off screen and copied in one
-// blit, the scroll bars and their steps, and the two ways of setting the display
-// size.
+// What the editor window shows: each repaint composed off screen (only what the
+// buffer lacks, view/composed_area.h) and copied in one blit, the scroll bars and
+// their steps, and the two ways of setting the display size.
 #include <algorithm>
 
 #include "editor/image_edit_wnd.h"
+#include "platform/bitmap_version.h"
 #include "platform/kept_bitmaps.h"
 #include "tools/rubber_band.h"
 #include "view/display_scale.h"
@@ -79,8 +80,18 @@ void CImageEditWnd::OnPaint() {
 void CImageEditWnd::ReleaseHiddenComposition() {
   const Surface& composition = m_surfaces.composition;
   const RECT shown = m_view.ToSurface(ClientRect(m_hWnd));
+  const ComposedFrom before = ComposedSources();
   platform::DiscardBitmapRows(composition.bitmap(), 0, shown.top);
   platform::DiscardBitmapRows(composition.bitmap(), shown.bottom, composition.height());
+  m_composed.GaveUpOutside(RECT{0, shown.top, composition.width(), shown.bottom}, before, ComposedSources());
+}
+
+ComposedFrom CImageEditWnd::ComposedSources() const {
+  const auto version = [](const Surface& surface) {
+    return surface.dc() ? platform::VersionOfBitmap(surface.bitmap()) : std::nullopt;
+  };
+  return ComposedFrom{version(m_surfaces.imageSurface), version(m_surfaces.drawingLayer),
+                      version(m_surfaces.composition)};
 }
 
 void CImageEditWnd::ComposeView(const RECT* area, bool plain) {
@@ -89,15 +100,27 @@ void CImageEditWnd::ComposeView(const RECT* area, bool plain) {
   if (!composition.dc()) return;
   RECT part = composition.rect();
   if (area && !IntersectRect(&part, &composition.rect(), area)) return;
-  if (image.dc() && image.bitmap()) {
-    BitBlt(composition.dc(), part.left, part.top, part.right - part.left, part.bottom - part.top, image.dc(),
-           part.left, part.top, SRCCOPY);
+  // Objects and the frame are drawn over what is composed, from state of their own.
+  const bool overlaid = m_objects.count() > 0 || m_frame.present();
+  const std::vector<RECT> stale =
+      overlaid ? std::vector<RECT>{part} : m_composed.ToCompose(part, ComposedSources());
+  if (stale.empty()) return;
+  for (const RECT& piece : stale) {
+    if (image.dc() && image.bitmap()) {
+      BitBlt(composition.dc(), piece.left, piece.top, piece.right - piece.left, piece.bottom - piece.top,
+             image.dc(), piece.left, piece.top, SRCCOPY);
+    }
+    if (m_surfaces.drawingLayer.dc() && m_surfaces.drawingLayer.bitmap())
+      CompositeDrawingLayer(composition.dc(), &piece);
   }
-  if (m_surfaces.drawingLayer.dc() && m_surfaces.drawingLayer.bitmap())
-    CompositeDrawingLayer(composition.dc(), &part);
-  if (m_objects.count() > 0)
-    DrawObjects(composition.dc(), m_view.hScrollPos(), m_view.vScrollPos(), plain, &part);
-  if (m_frame.present()) DrawFrame(composition.dc(), part);
+  if (overlaid) {
+    m_composed.Forget();
+    if (m_objects.count() > 0)
+      DrawObjects(composition.dc(), m_view.hScrollPos(), m_view.vScrollPos(), plain, &part);
+    if (m_frame.present()) DrawFrame(composition.dc(), part);
+    return;
+  }
+  m_composed.Composed(part, ComposedSources());
 }
 
 COLORREF CImageEditWnd::ShownColorAt(POINT point) {

@@ -2,6 +2,8 @@
 // scenarios (tests/cli/view_*.ies); strokes stretched with the picture and shown at
 // the scroll offset are pinned by tools_interrupted.ies and the random sessions of
 // history_sequence_test.cpp.
+#include <random>
+
 #include "platform/raster.h"
 #include "test_support.h"
 #include "view/display_scale.h"
@@ -57,6 +59,87 @@ TEST_F(ViewMemoryTest, TheCompositionKeepsOnlyTheRowsTheWindowShows) {
   const RECT shown = live->m_view.ToSurface(client);
   EXPECT_EQ(GetPixel(live->m_surfaces.composition.dc(), x, shown.top + 8), 0x00FF00u);
   EXPECT_EQ(GetPixel(live->m_surfaces.composition.dc(), x + 1, shown.top + 8), 0x0000FFu);
+}
+
+// A repaint composes only what the buffer lacks: the strip a scroll uncovers, or
+// nothing when nothing changed. Whatever was written since into the image surface, the
+// drawing layer or the buffer itself is composed again, rows given up after a repaint
+// too, and objects are always drawn afresh. Through a random session the window shows
+// what a twin that composes everything at every repaint shows.
+TEST_F(ViewMemoryTest, WhatARepaintKeepsIsWhatComposingAfreshGives) {
+  std::vector<COLORREF> colors;
+  std::mt19937 random(5);
+  for (int i = 0; i < 300 * 200; ++i) colors.push_back(RGB(i % 256, (i / 300) % 256, random() % 256));
+  LiveEditor kept(90, 70), afresh(90, 70);
+  for (LiveEditor* live : {&kept, &afresh}) live->Show(300, 200, colors);
+  const std::string icon =
+      kept.files.Write("icon.bmp", BitmapFile(4, 3, std::vector<COLORREF>(12, 0xFF00FF)));
+  RECT client{};
+  GetClientRect(kept->m_hWnd, &client);
+  const auto shownPixels = [&](LiveEditor& live) {
+    const RECT shown = live->m_view.ToSurface(client);
+    std::vector<COLORREF> pixels;
+    for (int y = shown.top; y < shown.bottom; ++y) {
+      for (int x = shown.left; x < shown.right; ++x)
+        pixels.push_back(GetPixel(live->m_surfaces.composition.dc(), x, y));
+    }
+    return pixels;
+  };
+  // The whole buffer composed (as saving does), the rows out of sight given up at the
+  // next repaint, then scrolled into sight.
+  kept->ComposeView();
+  kept->RedrawWindow();
+  kept->SendMessage(WM_VSCROLL, MAKELPARAM(SB_THUMBPOSITION, 150), 0);
+  afresh->SendMessage(WM_VSCROLL, MAKELPARAM(SB_THUMBPOSITION, 150), 0);
+  ASSERT_EQ(shownPixels(kept), shownPixels(afresh));
+
+  for (int step = 0; step < 150; ++step) {
+    const int x = static_cast<int>(random() % 300);
+    const int y = static_cast<int>(random() % 200);
+    const unsigned what = random() % 8;
+    const unsigned how = random() % 300;
+    for (LiveEditor* live : {&kept, &afresh}) {
+      switch (what) {
+        case 0:
+          (*live)->SendMessage(WM_HSCROLL, MAKELPARAM(SB_THUMBPOSITION, how), 0);
+          break;
+        case 1:
+          (*live)->SendMessage(WM_VSCROLL, MAKELPARAM(how % 2 ? SB_LINEDOWN : SB_THUMBPOSITION, how % 200),
+                               0);
+          break;
+        case 2:
+          SetPixel((*live)->m_surfaces.drawingLayer.dc(), x, y, 0x00FF00);
+          break;
+        case 3:
+          SetPixel((*live)->m_surfaces.imageSurface.dc(), x, y, 0xFF0000);
+          break;
+        case 4:
+          SetPixel((*live)->m_surfaces.composition.dc(), x, y, 0x123456);
+          break;
+        case 5:
+          (*live)->BrightenImage(static_cast<int>(how % 200));
+          break;
+        case 6:
+          (*live)->ComposeView();
+          break;
+        default:
+          if ((*live)->m_objects.count() == 0 && how % 3 == 0) {
+            (*live)->InsertIcon(x % 90, y % 70, icon.c_str());
+          } else if ((*live)->m_objects.count() > 0) {
+            (*live)->Clear(1);
+          }
+          break;
+      }
+    }
+    afresh->m_composed.Forget();
+    for (LiveEditor* live : {&kept, &afresh}) (*live)->RedrawWindow();
+    ASSERT_EQ(shownPixels(kept), shownPixels(afresh)) << "step " << step;
+    // Without objects the repaint left the whole view composed, for the next one.
+    if (kept->m_objects.count() == 0) {
+      EXPECT_TRUE(
+          kept->m_composed.ToCompose(kept->m_view.ToSurface(client), kept->ComposedSources()).empty());
+    }
+  }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 // nothing leaving shared bands shared.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <vector>
 
@@ -259,6 +260,44 @@ TEST(RasterBands, SprayedBandsKeepAMaskAndReadBack) {
   copy.Compact();
   EXPECT_TRUE(copy.BandMasked(1));
   ExpectSame(copy, plain, "compacted again", 0);
+}
+
+// Every way of writing a raster gives it a new version, and reading it (unpacking a
+// packed band included) or packing it does not; a raster moved into is another one,
+// and one whose pixels a pointer may write has none.
+TEST(RasterBands, EveryWriterChangesTheVersionAndReadersDoNot) {
+  Raster raster, other;
+  ASSERT_TRUE(raster.Allocate(40, 40, false));
+  ASSERT_TRUE(other.Allocate(40, 40, false));
+  std::vector<std::uint32_t> band(40 * 16, 0x123456);
+  const std::function<void()> writers[] = {
+      [&] { raster.MutableRow(3)[0] = 1; },
+      [&] { raster.Fill(0, 0, 5, 5, 2); },
+      [&] { raster.CopyRows(other, 0, 0, 0, 0, 40, 20); },
+      [&] { raster.RewriteRows(0, 16, [](int, const std::uint32_t*, std::uint32_t* row) { row[0] = 3; }); },
+      [&] { raster.OwnRowsToReplace(16, 32); },
+      [&] { raster.Discard(16, 32); },
+      [&] { raster.ReplaceBand(1, band.data()); },
+      [&] { raster.ShareFrom(other); },
+      [&] { raster.Allocate(40, 40, false); },
+  };
+  for (std::size_t i = 0; i < std::size(writers); ++i) {
+    const auto before = raster.Version();
+    writers[i]();
+    EXPECT_NE(raster.Version(), before) << "writer " << i;
+  }
+  raster.Compact();
+  const auto packed = raster.Version();
+  for (int y = 0; y < raster.height; ++y) (void)raster.Row(y);
+  raster.ReadBand(0, band.data());
+  raster.Compact();
+  EXPECT_EQ(raster.Version(), packed);
+
+  Raster moved(std::move(raster));
+  EXPECT_NE(moved.Version(), packed);
+  EXPECT_NE(raster.Version(), packed);
+  moved.Pin();
+  EXPECT_EQ(moved.Version(), std::nullopt);
 }
 
 }  // namespace
