@@ -323,7 +323,8 @@ void Raster::Discard(int y0, int y1) {
 }
 
 void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int destY, int columns, int count) {
-  writes_.Note();
+  // The version changes with each band or row written below, so that a copy of what
+  // is already here (a rebuild with nothing to change) leaves it as it was.
   if (columns <= 0 || count <= 0) return;
   // Bands line up when both rasters have one width, the rows one band offset and the
   // columns one place. Whole bands that line up are shared rather than copied: when
@@ -347,19 +348,20 @@ void Raster::CopyRows(const Raster& src, int srcX, int srcY, int destX, int dest
         if (!same) {
           Band& from = src.bands_[static_cast<std::size_t>(fromBand)];
           target = compact_ ? Kept(from, bandRows) : from;
+          writes_.Note();
         }
         k += bandRows;
         continue;
       }
     }
     const int end = std::min(count, bandTop + bandRows - destY);
-    // Where writing would give this raster a band of its own, rows that hold these
-    // pixels already are left as they are, so that the band stays shared (a rebuild
-    // writing what a surface shows).
+    // Rows that hold these pixels already are left as they are: a band stays shared,
+    // and the raster's version stays (a rebuild writing what a surface shows, which
+    // then needs composing no more than before). Rows that differ mostly do so early.
     const auto holds = [&](int row) {
       const std::uint32_t* in = src.Row(srcY + row) + srcX;
       const std::uint32_t* here = Row(destY + row) + destX;
-      return in == here || (!Writable(target) && std::memcmp(in, here, bytes) == 0);
+      return in == here || std::memcmp(in, here, bytes) == 0;
     };
     const bool wholeBand = y == bandTop && end - k == bandRows;
     for (; k < end; ++k) {
