@@ -1,4 +1,4 @@
-// memcpy for the engine in a page. The C library's hands every copy of 512 bytes or
+// memcpy and memcmp for the engine in a page. The C library's hands every copy of 512 bytes or
 // more to a script function (a typed array's copyWithin), and the call into script
 // and back costs more than copying a row of a few kilobytes: a repaint that blits a
 // 1024 x 768 view copies it row by row, hundreds of such calls for each move of a
@@ -8,9 +8,11 @@
 // 16 bytes at a time with SIMD (unaligned loads and stores are allowed), which costs
 // less than the instruction's own overhead. Being a strong definition it takes the
 // place of the C library's weak one, for memmove's copies without overlap too. The
-// file is compiled with -fno-builtin so that the compiler does not turn its loops
-// back into calls of memcpy, and with bulk memory, which __builtin_memcpy then
-// becomes.
+// C library's memcmp goes a byte at a time, and a blit compares rows before writing
+// them (a row that holds its pixels already is left as it is): this one compares 16
+// bytes at a time until they differ. The file is compiled with -fno-builtin so that
+// the compiler does not turn its loops back into calls of memcpy or memcmp, and with
+// bulk memory, which __builtin_memcpy then becomes.
 #include <cstddef>
 #include <cstdint>
 
@@ -52,4 +54,19 @@ extern "C" void* memcpy(void* __restrict dest, const void* __restrict src, std::
     *reinterpret_cast<UnalignedWord*>(d) = *reinterpret_cast<const UnalignedWord*>(s);
   for (; n > 0; --n) *d++ = *s++;
   return dest;
+}
+
+extern "C" int memcmp(const void* a, const void* b, std::size_t n) {
+  const auto* p = static_cast<const unsigned char*>(a);
+  const auto* q = static_cast<const unsigned char*>(b);
+#ifdef __wasm_simd128__
+  // Up to the 16 bytes that hold the first difference, which the byte loop finds.
+  for (; n >= 16; n -= 16, p += 16, q += 16) {
+    if (!wasm_i8x16_all_true(wasm_i8x16_eq(wasm_v128_load(p), wasm_v128_load(q)))) break;
+  }
+#endif
+  for (; n > 0; --n, ++p, ++q) {
+    if (*p != *q) return *p - *q;
+  }
+  return 0;
 }
