@@ -7,7 +7,7 @@
 // good while neither of them and the buffer itself have been written since (their
 // versions, bitmap_version.h). Objects and the frame are drawn over the buffer as it
 // stands, from state of their own, so with either present every repaint composes
-// everything, as does one of bitmaps without a version.
+// everything; so does every repaint while one of the three bitmaps has no version.
 #pragma once
 
 #include <optional>
