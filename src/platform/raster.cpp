@@ -54,7 +54,7 @@ std::shared_ptr<Raster::Block> Raster::UniformBlock(std::uint32_t pixel) const {
 }
 
 bool Raster::Allocate(int newWidth, int newHeight, bool newMono, bool charged) {
-  writes_.Note();
+  // Moving the fresh raster in below gives this one a new version.
   if (newWidth <= 0 || newHeight <= 0 || static_cast<std::int64_t>(newWidth) * newHeight > kMaxPixels)
     return false;
   try {
@@ -314,7 +314,7 @@ void Raster::Fill(int x0, int y0, int x1, int y1, std::uint32_t pixel) {
 }
 
 void Raster::Discard(int y0, int y1) {
-  writes_.Note();
+  // The version changes only with the fill below: rows kept as they are keep it.
   if (pinned()) return;
   const int first = ((std::max(y0, 0) + kBandRows - 1) >> kBandShift) << kBandShift;
   const int last = y1 >= height ? height : (y1 >> kBandShift) << kBandShift;

@@ -3,8 +3,7 @@
 #include <algorithm>
 
 std::vector<RECT> ComposedArea::ToCompose(const RECT& area, const ComposedFrom& now) const {
-  const bool versioned = now.image && now.layer && now.composition;
-  if (!kept_ || !versioned || kept_->from != now) return {area};
+  if (!kept_ || !now.known() || kept_->from != now) return {area};
   const RECT& kept = kept_->area;
   // `area` less `kept`: the rows above and below it whole, then the columns beside it
   // in the rows they share.
@@ -22,7 +21,7 @@ std::vector<RECT> ComposedArea::ToCompose(const RECT& area, const ComposedFrom& 
 }
 
 void ComposedArea::Composed(const RECT& area, const ComposedFrom& from) {
-  if (!from.image || !from.layer || !from.composition || area.left >= area.right || area.top >= area.bottom) {
+  if (!from.known() || area.left >= area.right || area.top >= area.bottom) {
     kept_.reset();
     return;
   }

@@ -20,6 +20,8 @@
 struct ComposedFrom {
   std::optional<platform::PixelsVersion> image, layer, composition;
   bool operator==(const ComposedFrom&) const = default;
+  // Whether all three have a version; nothing composed from them is kept otherwise.
+  bool known() const { return image && layer && composition; }
 };
 
 class ComposedArea {
