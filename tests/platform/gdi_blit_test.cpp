@@ -178,15 +178,6 @@ TEST(GdiPixels, OutsideTheBitmapIsInvalid) {
   EXPECT_EQ(SetPixel(s.dc(), -1, 0, kWhite), CLR_INVALID);
 }
 
-TEST(GdiTransparentBlt, UnequalSizesStretchByNearestPixel) {
-  const COLORREF key = kWhite;
-  MemSurface src(2, 1), dst(4, 1);
-  src.SetRow(0, {RGB(1, 0, 0), key});
-  dst.SetRow(0, {kD0, kD0, kD0, kD0});
-  ASSERT_TRUE(TransparentBlt(dst.dc(), 0, 0, 4, 1, src.dc(), 0, 0, 2, 1, key));
-  EXPECT_EQ(dst.Row(0, 4), (Row{RGB(1, 0, 0), RGB(1, 0, 0), kD0, kD0}));
-}
-
 TEST(GdiCopyImage, IndependentDibSectionCopyEvenWhileSelected) {
   const int before = platform::LiveGdiObjects().bitmaps;
   MemSurface s(2, 2);
@@ -243,8 +234,8 @@ TEST(GdiWindowDc, DrawsAtItsOriginAndOnlyInsideItsClip) {
 // The 1:1 span kernel against the rule pixel by pixel, on random pictures with the
 // key colour in runs and whole rows, for rectangles inside, across and outside both
 // bitmaps (odd sizes, one pixel); every other source mostly key-coloured and kept
-// packed, as a drawing layer restored from the history is read. The stretched one below against StretchBlt's
-// nearest-pixel sampling followed by the same rule.
+// packed, as a drawing layer restored from the history is read. The stretched one
+// below against StretchBlt's nearest-pixel sampling followed by the same rule.
 TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
   std::mt19937 random(13);
   const COLORREF key = RGB(0x13, 0x43, 0x0B);
