@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "platform/gdi_test_support.h"
-#include "platform/raster.h"
 
 using gdi_test::kBlack;
 using gdi_test::kWhite;
@@ -51,7 +50,7 @@ LOGFONTA Font(const char* face, LONG height, FontOptions options = {}) {
 class TextSurface : public MemSurface {
  public:
   TextSurface(int width, int height, const LOGFONTA& font, bool mono = false)
-      : MemSurface(width, height, mono), width_(width), height_(height), font_(CreateFontIndirectA(&font)) {
+      : MemSurface(width, height, mono), font_(CreateFontIndirectA(&font)) {
     old_ = SelectObject(dc(), font_);
     Fill(mono ? kWhite : kKey);
     SetTextColor(dc(), kRed);
@@ -73,24 +72,8 @@ class TextSurface : public MemSurface {
     EXPECT_TRUE(GetTextExtentPoint32A(dc(), text.data(), static_cast<int>(text.size()), &size));
     return size;
   }
-  std::vector<COLORREF> Pixels() const {
-    std::vector<COLORREF> pixels;
-    if (const std::uint32_t* colour = platform::BitmapPixels(bitmap(), nullptr, nullptr)) {
-      for (int i = 0; i < width_ * height_; ++i) pixels.push_back(platform::raster::ColorOf(colour[i]));
-      return pixels;
-    }
-    for (int y = 0; y < height_; ++y) {
-      const std::vector<COLORREF> row = Row(y, width_);
-      pixels.insert(pixels.end(), row.begin(), row.end());
-    }
-    return pixels;
-  }
-  int width() const { return width_; }
-  int height() const { return height_; }
 
  private:
-  int width_;
-  int height_;
   HFONT font_;
   HGDIOBJ old_;
 };
@@ -163,9 +146,7 @@ TEST_F(GdiText, MetricsComeFromTheFaceAtItsSize) {
     TextSurface s(4, 4, Font("Arial", -16, {FW_BOLD, DEFAULT_CHARSET, true, true, true}));
     const TEXTMETRICA tm = s.Metrics();
     EXPECT_EQ(tm.tmWeight, FW_BOLD);
-    EXPECT_NE(tm.tmItalic, 0);
-    EXPECT_NE(tm.tmUnderlined, 0);
-    EXPECT_NE(tm.tmStruckOut, 0);
+    EXPECT_TRUE(tm.tmItalic && tm.tmUnderlined && tm.tmStruckOut);
     EXPECT_EQ(tm.tmCharSet, ANSI_CHARSET);  // what the default set becomes
   }
   {
@@ -218,10 +199,8 @@ TEST_F(GdiText, CalcRectMeasuresWholeLinesAndDrawsNothing) {
   const auto before = s.Pixels();
   RECT r{5, 7, 5, 7};
   EXPECT_EQ(DrawTextA(s.dc(), "one\ntwo three\r\nfour", -1, &r, DT_CALCRECT | DT_EDITCONTROL), 3 * lh);
-  EXPECT_EQ(r.left, 5);
-  EXPECT_EQ(r.top, 7);
-  EXPECT_EQ(r.right, 5 + s.Extent("two three").cx);
-  EXPECT_EQ(r.bottom, 7 + 3 * lh);
+  EXPECT_EQ((std::vector<LONG>{r.left, r.top, r.right, r.bottom}),
+            (std::vector<LONG>{5, 7, 5 + s.Extent("two three").cx, 7 + 3 * lh}));
   EXPECT_EQ(s.Pixels(), before);
   // The same rectangle drawn into reports the same height.
   EXPECT_EQ(DrawTextA(s.dc(), "one\ntwo three\r\nfour", -1, &r, DT_EDITCONTROL | DT_WORDBREAK), 3 * lh);
