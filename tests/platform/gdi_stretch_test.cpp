@@ -15,7 +15,6 @@ namespace {
 
 COLORREF Gray(int v) { return RGB(v, v, v); }
 
-// Stretches a one-row source of `source` into `width` pixels with `mode`.
 Row StretchRow(const Row& source, int width, int mode) {
   MemSurface src(static_cast<int>(source.size()), 1), dst(width, 1);
   src.SetRow(0, source);

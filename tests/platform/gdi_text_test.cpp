@@ -98,7 +98,6 @@ int Count(const std::vector<COLORREF>& pixels, COLORREF color) {
   return static_cast<int>(std::count(pixels.begin(), pixels.end(), color));
 }
 
-// Whether row y holds `color` at every x in [left, right).
 bool RowFilled(const TextSurface& s, int y, int left, int right, COLORREF color) {
   for (int x = left; x < right; ++x) {
     if (GetPixel(s.dc(), x, y) != color) return false;
