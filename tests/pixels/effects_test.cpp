@@ -77,7 +77,6 @@ struct Words {
   }
 };
 
-// Buffer columns x0 .. x1 - 1 of rows y0 .. y1 - 1.
 struct Span {
   int x0, y0, x1, y1;
 };

@@ -83,14 +83,9 @@ struct WordRows {
   int width, height;
   std::vector<std::uint32_t> source, target;
   WordRows(Picture& picture, const Shape& shape, bool inPlace)
-      : width(shape.x1 - shape.x0), height(shape.y1 - shape.y0) {
-    const PixelRect rect = picture.Rect(shape.x0, shape.y0, shape.x1, shape.y1);
-    for (int y = height - 1; y >= 0; --y) {
-      for (int x = 0; x < width; ++x) source.push_back(PixelWord(rect.At(x, y)));
-    }
+      : width(shape.x1 - shape.x0), height(shape.y1 - shape.y0), source(Words(picture, shape)) {
     target = inPlace ? source : std::vector<std::uint32_t>(source.size(), 0xCDCDCDCDu);
   }
-  static std::uint32_t PixelWord(const BYTE* p) { return p[0] | (p[1] << 8) | (p[2] << 16); }
   PixelRows Rows(bool inPlace) {
     PixelRows rows;
     rows.width = width;
@@ -103,12 +98,15 @@ struct WordRows {
     }
     return rows;
   }
-  // The target as the rectangle's words would be after the passes on `expected`.
-  std::vector<std::uint32_t> Expected(Picture& expected, const Shape& shape) const {
+  // The rectangle's pixels as words, its top row first.
+  static std::vector<std::uint32_t> Words(Picture& picture, const Shape& shape) {
     std::vector<std::uint32_t> words;
-    const PixelRect rect = expected.Rect(shape.x0, shape.y0, shape.x1, shape.y1);
-    for (int y = height - 1; y >= 0; --y) {
-      for (int x = 0; x < width; ++x) words.push_back(PixelWord(rect.At(x, y)));
+    const PixelRect rect = picture.Rect(shape.x0, shape.y0, shape.x1, shape.y1);
+    for (int y = rect.height() - 1; y >= 0; --y) {
+      for (int x = 0; x < rect.width(); ++x) {
+        const BYTE* p = rect.At(x, y);
+        words.push_back(p[0] | (p[1] << 8) | (p[2] << 16));
+      }
     }
     return words;
   }
@@ -143,7 +141,7 @@ TEST(PassDifferential, BothPassesGiveTheSameBytesOnBuffersAndOnBitmapRows) {
         WordRows words(original, shape, inPlace);
         PixelRows rows = words.Rows(inPlace);
         plan.Run(rows);
-        ASSERT_EQ(words.target, words.Expected(expected, shape))
+        ASSERT_EQ(words.target, WordRows::Words(expected, shape))
             << shape.width << "x" << shape.height << " round " << round << (inPlace ? " in place" : "");
       }
       AllowAvx2(true);

@@ -48,13 +48,6 @@ TEST(RowSplit, PartsCoverEveryRowOnceInOrder) {
   EXPECT_TRUE(RowParts(kTall, 0).empty());
 }
 
-TEST(RowSplit, EveryRowIsDoneWhenThePassReturns) {
-  for (int pass = 0; pass < 20; ++pass) {
-    const std::vector<int> visits = VisitsOfOnePass();
-    ASSERT_EQ(std::count(visits.begin(), visits.end(), 1), kTall) << "pass " << pass;
-  }
-}
-
 TEST(RowSplit, OneHelperThreadServesEveryPass) {
   const std::vector<RowPart> parts = RowParts(kTall, kWide);
   std::vector<std::thread::id> helpers;

@@ -25,15 +25,8 @@ platform::CursorArtwork RedIcon(int size) {
 class DialogResourcesTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    DialogTemplate dialog{"Test",
-                          WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFONT,
-                          "MS Sans Serif",
-                          8,
-                          10,
-                          20,
-                          100,
-                          40,
-                          {}};
+    constexpr DWORD kStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFONT;
+    DialogTemplate dialog{"Test", kStyle, "MS Sans Serif", 8, 10, 20, 100, 40, {}};
     dialog.items = {
         {-1, "static", "", kIcon, WS_CHILD | WS_VISIBLE | SS_ICON, 4, 4, 20, 20},
         {-1, "static", "Hello", 0, WS_CHILD | WS_VISIBLE | SS_LEFT, 40, 4, 40, 8},
@@ -53,10 +46,8 @@ TEST_F(DialogResourcesTest, DialogUnitsBecomePixelsOfTheFontsBaseUnits) {
   // The dialog's own font, not the system font's 8 x 16 cell: about 6 x 13 for an
   // 8-point face.
   const SIZE units = layout.baseUnits;
-  EXPECT_GE(units.cx, 5);
-  EXPECT_LE(units.cx, 7);
-  EXPECT_GE(units.cy, 11);
-  EXPECT_LE(units.cy, 14);
+  EXPECT_NEAR(units.cx, 6, 1);
+  EXPECT_NEAR(units.cy, 12.5, 1.5);
   const auto x = [&](int dialogUnits) { return dialogUnits * units.cx / 4; };
   const auto y = [&](int dialogUnits) { return dialogUnits * units.cy / 8; };
   EXPECT_EQ(layout.caption, "Test");

@@ -121,10 +121,6 @@ class EditControl : public HostFixture {
     ASSERT_NE(edit_, nullptr);
     SetFocus(edit_);
   }
-  void TearDown() override {
-    box_.DestroyWindow();
-    HostFixture::TearDown();
-  }
   std::u16string Text() {
     std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(edit_)) + 1, u'?');
     text.resize(static_cast<std::size_t>(GetWindowTextW(edit_, text.data(), static_cast<int>(text.size()))));

@@ -80,7 +80,9 @@ TEST(GdiBitBlt, BrushColourFollowsTheSelectedBitmapsKind) {
   DeleteObject(light);
 }
 
-TEST(GdiBitBlt, MonoSourceOnColourUsesDestinationBackgroundAndTextColours) {
+// Mono onto colour takes the destination's background and text colours; colour onto
+// mono makes the source's background colour white and every other colour black.
+TEST(GdiBitBlt, MonoAndColourSourcesConvertThroughTheirDcsColours) {
   MemSurface mono(2, 1, true), dst(2, 1);
   mono.SetRow(0, {kWhite, kBlack});
   SetBkColor(mono.dc(), RGB(1, 2, 3));  // the source DC's colours play no part
@@ -94,22 +96,14 @@ TEST(GdiBitBlt, MonoSourceOnColourUsesDestinationBackgroundAndTextColours) {
   target.SetRow(0, {kD0, kD0});
   ASSERT_TRUE(BitBlt(target.dc(), 0, 0, 2, 1, mono.dc(), 0, 0, SRCAND));
   EXPECT_EQ(target.Row(0, 2), (Row{kD0, kBlack}));
-}
 
-TEST(GdiBitBlt, ColourSourceOnMonoMarksSourceBackgroundColourWhite) {
-  MemSurface src(3, 1), mono(3, 1, true);
+  MemSurface src(3, 1), monoTarget(3, 1, true);
   const COLORREF key = RGB(19, 67, 11);
   src.SetRow(0, {key, RGB(19, 67, 12), kWhite});
   SetBkColor(src.dc(), key);
-  SetBkColor(mono.dc(), RGB(9, 9, 9));  // the destination's colours play no part
-  ASSERT_TRUE(BitBlt(mono.dc(), 0, 0, 3, 1, src.dc(), 0, 0, SRCCOPY));
-  EXPECT_EQ(mono.Row(0, 3), (Row{kWhite, kBlack, kBlack}));
-}
-
-TEST(GdiBitBlt, ColoursOnMonoSurfacesSnapToNearestOfBlackAndWhite) {
-  MemSurface mono(2, 1, true);
-  EXPECT_EQ(SetPixel(mono.dc(), 0, 0, RGB(200, 200, 0)), kWhite);    // 400 > 382
-  EXPECT_EQ(SetPixel(mono.dc(), 1, 0, RGB(127, 128, 127)), kBlack);  // 382 is not above half
+  SetBkColor(monoTarget.dc(), RGB(9, 9, 9));  // the destination's colours play no part
+  ASSERT_TRUE(BitBlt(monoTarget.dc(), 0, 0, 3, 1, src.dc(), 0, 0, SRCCOPY));
+  EXPECT_EQ(monoTarget.Row(0, 3), (Row{kWhite, kBlack, kBlack}));
 }
 
 TEST(GdiBitBlt, PixelsWhoseSourceLiesOutsideTheSourceStayUnchanged) {
@@ -169,22 +163,16 @@ TEST(GdiFillRect, SolidStockAndHollowBrushes) {
   EXPECT_FALSE(FillRect(s.dc(), &r, green));
 }
 
-TEST(GdiPixels, OutsideTheBitmapIsInvalid) {
+TEST(GdiPixels, MonoSnapsToTheNearerOfBlackAndWhiteAndOutsideTheBitmapIsInvalid) {
+  MemSurface mono(2, 1, true);
+  EXPECT_EQ(SetPixel(mono.dc(), 0, 0, RGB(200, 200, 0)), kWhite);    // 400 > 382
+  EXPECT_EQ(SetPixel(mono.dc(), 1, 0, RGB(127, 128, 127)), kBlack);  // 382 is not above half
   MemSurface s(2, 2);
   EXPECT_EQ(SetPixel(s.dc(), 1, 1, 0x01020304), RGB(4, 3, 2));  // the top byte is not a colour
   EXPECT_EQ(GetPixel(s.dc(), 1, 1), RGB(4, 3, 2));
   EXPECT_EQ(GetPixel(s.dc(), 2, 0), CLR_INVALID);
   EXPECT_EQ(GetPixel(s.dc(), 0, -1), CLR_INVALID);
   EXPECT_EQ(SetPixel(s.dc(), -1, 0, kWhite), CLR_INVALID);
-}
-
-TEST(GdiTransparentBlt, UnequalSizesStretchByNearestPixel) {
-  const COLORREF key = kWhite;
-  MemSurface src(2, 1), dst(4, 1);
-  src.SetRow(0, {RGB(1, 0, 0), key});
-  dst.SetRow(0, {kD0, kD0, kD0, kD0});
-  ASSERT_TRUE(TransparentBlt(dst.dc(), 0, 0, 4, 1, src.dc(), 0, 0, 2, 1, key));
-  EXPECT_EQ(dst.Row(0, 4), (Row{RGB(1, 0, 0), RGB(1, 0, 0), kD0, kD0}));
 }
 
 TEST(GdiCopyImage, IndependentDibSectionCopyEvenWhileSelected) {
@@ -243,8 +231,8 @@ TEST(GdiWindowDc, DrawsAtItsOriginAndOnlyInsideItsClip) {
 // The 1:1 span kernel against the rule pixel by pixel, on random pictures with the
 // key colour in runs and whole rows, for rectangles inside, across and outside both
 // bitmaps (odd sizes, one pixel); every other source mostly key-coloured and kept
-// packed, as a drawing layer restored from the history is read. The stretched one below against StretchBlt's
-// nearest-pixel sampling followed by the same rule.
+// packed, as a drawing layer restored from the history is read. The stretched one
+// below against StretchBlt's nearest-pixel sampling followed by the same rule.
 TEST(GdiTransparentBlt, OneToOneCopyMatchesThePixelRule) {
   std::mt19937 random(13);
   const COLORREF key = RGB(0x13, 0x43, 0x0B);

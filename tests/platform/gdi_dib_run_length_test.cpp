@@ -2,6 +2,7 @@
 // same files (tests/data/rle).
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "platform/gdi_test_support.h"
@@ -30,19 +31,17 @@ struct CompressedDib {
   int Set(const MemSurface& s, UINT start = 0, UINT lines = kHeight) {
     return SetDIBits(s.dc(), s.bitmap(), start, lines, codes.data(), Info(), DIB_RGB_COLORS);
   }
+  // What SetDIBits answers for a bitmap of kFill, and the pixels it leaves there.
+  std::pair<int, std::vector<COLORREF>> Decode(UINT start = 0, UINT lines = kHeight) {
+    MemSurface s(kWidth, kHeight);
+    s.Fill(kFill);
+    const int answer = Set(s, start, lines);
+    return {answer, s.Pixels()};
+  }
 
   std::vector<DWORD> info;
   std::vector<BYTE> codes;
 };
-
-std::vector<COLORREF> Pixels(const MemSurface& s, int width = kWidth, int height = kHeight) {
-  std::vector<COLORREF> pixels;
-  for (int y = 0; y < height; ++y) {
-    const std::vector<COLORREF> row = s.Row(y, width);
-    pixels.insert(pixels.end(), row.begin(), row.end());
-  }
-  return pixels;
-}
 
 // Encoded and absolute runs (odd lengths with their padding, odd columns at 4 bits),
 // deltas, ends of line and picture, data that stop early or are cut short, runs and
@@ -51,10 +50,7 @@ TEST(GdiDibRunLength, EveryKindOfCodeSetsWhatGdiSets) {
   for (const std::string& name : rle_fixtures::Names()) {
     SCOPED_TRACE(name);
     CompressedDib dib(rle_fixtures::File(name));
-    MemSurface s(kWidth, kHeight);
-    s.Fill(kFill);
-    EXPECT_EQ(dib.Set(s), kHeight);
-    EXPECT_EQ(Pixels(s), rle_fixtures::Expected(name, "filled"));
+    EXPECT_EQ(dib.Decode(), std::make_pair(kHeight, rle_fixtures::Expected(name, "filled")));
   }
 }
 
@@ -62,13 +58,7 @@ TEST(GdiDibRunLength, EveryKindOfCodeSetsWhatGdiSets) {
 TEST(GdiDibRunLength, TheWholePictureIsSetWhateverLinesAreAskedForUnlessGdiRefusesIt) {
   const std::vector<COLORREF> expected = rle_fixtures::Expected("rle8_codes", "filled");
   const std::vector<COLORREF> untouched(kWidth * kHeight, kFill);
-  {
-    CompressedDib dib(rle_fixtures::File("rle8_codes"));
-    MemSurface s(kWidth, kHeight);
-    s.Fill(kFill);
-    EXPECT_EQ(dib.Set(s, 5, 1), kHeight);
-    EXPECT_EQ(Pixels(s), expected);
-  }
+  EXPECT_EQ(CompressedDib(rle_fixtures::File("rle8_codes")).Decode(5, 1), std::make_pair(kHeight, expected));
   struct Refused {
     const char* what;
     void (*change)(BITMAPINFOHEADER&);
@@ -85,10 +75,7 @@ TEST(GdiDibRunLength, TheWholePictureIsSetWhateverLinesAreAskedForUnlessGdiRefus
     SCOPED_TRACE(r.what);
     CompressedDib dib(rle_fixtures::File("rle8_codes"));
     r.change(dib.Header());
-    MemSurface s(kWidth, kHeight);
-    s.Fill(kFill);
-    EXPECT_EQ(dib.Set(s, 0, r.lines), 0);
-    EXPECT_EQ(Pixels(s), untouched);
+    EXPECT_EQ(dib.Decode(0, r.lines), std::make_pair(0, untouched));
   }
 }
 
@@ -97,24 +84,17 @@ TEST(GdiDibRunLength, TheWholePictureIsSetWhateverLinesAreAskedForUnlessGdiRefus
 TEST(GdiDibRunLength, CodesCutAnywhereSetPartOfWhatTheWholeCodesSet) {
   for (const std::string& name : rle_fixtures::Names()) {
     const CompressedDib whole(rle_fixtures::File(name));
-    const std::vector<COLORREF> full = [&] {
-      CompressedDib dib = whole;
-      dib.Header().biSizeImage = static_cast<DWORD>(dib.codes.size());
-      MemSurface s(kWidth, kHeight);
-      s.Fill(kFill);
-      dib.Set(s);
-      return Pixels(s);
-    }();
+    CompressedDib sized = whole;
+    sized.Header().biSizeImage = static_cast<DWORD>(sized.codes.size());
+    const std::vector<COLORREF> full = sized.Decode().second;
     for (std::size_t size = 1; size < whole.codes.size(); ++size) {
       SCOPED_TRACE(testing::Message() << name << " cut to " << size);
       CompressedDib dib = whole;
       dib.codes.resize(size);
       dib.codes.shrink_to_fit();
       dib.Header().biSizeImage = static_cast<DWORD>(size);
-      MemSurface s(kWidth, kHeight);
-      s.Fill(kFill);
-      ASSERT_EQ(dib.Set(s), kHeight);
-      const std::vector<COLORREF> cut = Pixels(s);
+      const auto [answer, cut] = dib.Decode();
+      ASSERT_EQ(answer, kHeight);
       for (std::size_t i = 0; i < cut.size(); ++i) {
         if (cut[i] != kFill) {
           ASSERT_EQ(cut[i], full[i]) << "pixel " << i;
@@ -142,7 +122,7 @@ TEST(GdiDibRunLength, SmallerAndMonochromeTargetsTakeWhatFits) {
   MemSurface mono(kWidth, kHeight, true);
   mono.Fill(gdi_test::kBlack);
   EXPECT_EQ(dib.Set(mono), kHeight);
-  const std::vector<COLORREF> pixels = Pixels(mono);
+  const std::vector<COLORREF> pixels = mono.Pixels();
   for (std::size_t i = 0; i < pixels.size(); ++i) {
     const COLORREF c = expected[i] == kFill ? gdi_test::kBlack : expected[i];
     const bool light = GetRValue(c) + GetGValue(c) + GetBValue(c) > 382;

@@ -23,14 +23,6 @@ HPEN Pen(DWORD style, DWORD width, COLORREF color = kRed) {
   return ExtCreatePen(style, width, &solid, 0, nullptr);
 }
 
-std::vector<COLORREF> Pixels(HDC dc, int x, int y, int width, int height) {
-  std::vector<COLORREF> pixels;
-  for (int j = y; j < y + height; ++j) {
-    for (int i = x; i < x + width; ++i) pixels.push_back(GetPixel(dc, i, j));
-  }
-  return pixels;
-}
-
 TEST(GdiDraw, PensAreMadeOnlyForWhatTheRasterDraws) {
   const auto before = platform::LiveGdiObjects();
   const LOGBRUSH solid{BS_SOLID, kRed, 0};
@@ -69,7 +61,7 @@ TEST(GdiDraw, PensAreMadeOnlyForWhatTheRasterDraws) {
   s.Fill(kWhite);
   MoveToEx(s.dc(), 2, 4, nullptr);
   EXPECT_TRUE(LineTo(s.dc(), 18, 4));
-  EXPECT_EQ(Pixels(s.dc(), 0, 0, 20, 8), std::vector<COLORREF>(160, kWhite));
+  EXPECT_EQ(s.Pixels(), std::vector<COLORREF>(160, kWhite));
   SelectObject(s.dc(), old);
   DeleteObject(invisible);
   EXPECT_EQ(platform::LiveGdiObjects().pens, before.pens);
@@ -155,10 +147,10 @@ TEST(GdiDraw, WindowDcClipAndOriginAgreeWithAWholeSurface) {
       }
     }
     SetROP2(window, R2_NOTXORPEN);
-    const auto drawn = Pixels(frame.dc(), 0, 0, kSize + 20, kSize + 20);
+    const auto drawn = frame.Pixels();
     draw(window);
     draw(window);
-    EXPECT_EQ(Pixels(frame.dc(), 0, 0, kSize + 20, kSize + 20), drawn) << "round " << round;
+    EXPECT_EQ(frame.Pixels(), drawn) << "round " << round;
     DeleteDC(window);
   }
 }
@@ -166,7 +158,7 @@ TEST(GdiDraw, WindowDcClipAndOriginAgreeWithAWholeSurface) {
 TEST(GdiDraw, CoordinatesBeyondDeviceSpaceFailAndHugeFiguresStayCheap) {
   MemSurface s(40, 20);
   s.Fill(kWhite);
-  const auto white = Pixels(s.dc(), 0, 0, 40, 20);
+  const auto white = s.Pixels();
   HPEN wide = Pen(PS_GEOMETRIC, 100000);
   HGDIOBJ old = SelectObject(s.dc(), wide);
   for (int far : {INT_MIN, INT_MAX, (1 << 27) + 1}) {
@@ -178,11 +170,11 @@ TEST(GdiDraw, CoordinatesBeyondDeviceSpaceFailAndHugeFiguresStayCheap) {
     EXPECT_FALSE(PolyBezier(s.dc(), curve, 4)) << far;
     EXPECT_FALSE(ExtFloodFill(s.dc(), far, 0, kWhite, FLOODFILLSURFACE)) << far;
   }
-  EXPECT_EQ(Pixels(s.dc(), 0, 0, 40, 20), white);
+  EXPECT_EQ(s.Pixels(), white);
   // At the edge of device space the figures still draw, clipped to the surface.
   MoveToEx(s.dc(), -(1 << 27), -(1 << 27), nullptr);
   EXPECT_TRUE(LineTo(s.dc(), 1 << 27, 1 << 27));
-  EXPECT_EQ(Pixels(s.dc(), 0, 0, 40, 20), std::vector<COLORREF>(800, kRed));
+  EXPECT_EQ(s.Pixels(), std::vector<COLORREF>(800, kRed));
   SelectObject(s.dc(), old);
   DeleteObject(wide);
 
@@ -208,7 +200,7 @@ TEST(GdiDraw, CoordinatesBeyondDeviceSpaceFailAndHugeFiguresStayCheap) {
   old = SelectObject(s.dc(), widest);
   MoveToEx(s.dc(), 0, 0, nullptr);
   EXPECT_TRUE(LineTo(s.dc(), 5, 5));
-  EXPECT_EQ(Pixels(s.dc(), 0, 0, 40, 20), std::vector<COLORREF>(800, kRed));
+  EXPECT_EQ(s.Pixels(), std::vector<COLORREF>(800, kRed));
   SelectObject(s.dc(), old);
   DeleteObject(widest);
 }

@@ -14,7 +14,9 @@ namespace gdi_test {
 class MemSurface {
  public:
   MemSurface(int width, int height, bool mono = false)
-      : dc_(CreateCompatibleDC(nullptr)),
+      : width_(width),
+        height_(height),
+        dc_(CreateCompatibleDC(nullptr)),
         bitmap_(CreateBitmap(width, height, 1, mono ? 1 : 32, nullptr)),
         old_(SelectObject(dc_, bitmap_)) {}
   ~MemSurface() {
@@ -36,16 +38,24 @@ class MemSurface {
     for (int x = 0; x < width; ++x) row.push_back(GetPixel(dc_, x, y));
     return row;
   }
+  // Every pixel, top row first.
+  std::vector<COLORREF> Pixels() const {
+    std::vector<COLORREF> pixels;
+    for (int y = 0; y < height_; ++y) {
+      for (int x = 0; x < width_; ++x) pixels.push_back(GetPixel(dc_, x, y));
+    }
+    return pixels;
+  }
   void Fill(COLORREF color) const {
-    BITMAP bm{};
-    GetObjectA(bitmap_, sizeof bm, &bm);
     HBRUSH brush = CreateSolidBrush(color);
-    const RECT all{0, 0, bm.bmWidth, bm.bmHeight};
+    const RECT all{0, 0, width_, height_};
     FillRect(dc_, &all, brush);
     DeleteObject(brush);
   }
 
  private:
+  int width_;
+  int height_;
   HDC dc_;
   HBITMAP bitmap_;
   HGDIOBJ old_;

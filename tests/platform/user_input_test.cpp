@@ -48,10 +48,6 @@ class Routing : public HostFixture {
     ASSERT_TRUE(inner_.Create(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{20, 20, 40, 40}, &outer_, 2));
     SetFocus(nullptr);
   }
-  void TearDown() override {
-    outer_.DestroyWindow();
-    HostFixture::TearDown();
-  }
   Log log_;
   InputWnd outer_{"outer", &log_};
   InputWnd inner_{"inner", &log_};

@@ -46,10 +46,6 @@ class Frames : public HostFixture {
     ASSERT_TRUE(framed_.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE | WS_THICKFRAME,
                                        RECT{10, 20, 60, 50}, hostWindow_, 1));
   }
-  void TearDown() override {
-    framed_.DestroyWindow();
-    HostFixture::TearDown();
-  }
   Log log_;
   FramedWnd framed_{&log_};
 };

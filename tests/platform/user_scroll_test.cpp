@@ -25,10 +25,6 @@ class ScrollBars : public HostFixture {
     ASSERT_TRUE(wnd_.CreateInParent(nullptr, "", WS_CHILD | WS_VISIBLE, RECT{0, 0, 80, 60}, hostWindow_, 1));
     log_.clear();
   }
-  void TearDown() override {
-    wnd_.DestroyWindow();
-    HostFixture::TearDown();
-  }
   Log log_;
   user_test::LoggingWnd wnd_{"w", &log_};
 };
@@ -143,10 +139,6 @@ class ScrollBarPaint : public HostFixture {
     SetScrollInfo(wnd_.m_hWnd, SB_VERT, &info, TRUE);
     SetScrollInfo(wnd_.m_hWnd, SB_HORZ, &info, TRUE);
     platform::FlushPaint(hostWindow_);
-  }
-  void TearDown() override {
-    wnd_.DestroyWindow();
-    HostFixture::TearDown();
   }
   user_test::SolidWnd wnd_;
 };

@@ -85,6 +85,7 @@ class HostFixture : public ::testing::Test {
     hostWindow_ = platform::CreateHostWindow(kWidth, kHeight);
     ASSERT_NE(hostWindow_, nullptr);
   }
+  // Destroying the host takes every window in it: fixtures need not destroy theirs.
   void TearDown() override {
     DestroyWindow(hostWindow_);
     ReleaseCapture();
