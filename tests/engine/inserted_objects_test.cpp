@@ -52,12 +52,7 @@ class ObjectsTest : public HostedTest {
     live_.Mouse(WM_RBUTTONDOWN, x, y);
     live_.Mouse(WM_RBUTTONUP, x, y);
   }
-
-  // What the window shows at a window point (no scrolling in these tests).
-  COLORREF Shown(int x, int y) {
-    editor().ComposeView();
-    return GetPixel(editor().m_surfaces.composition.dc(), x, y);
-  }
+  COLORREF Shown(int x, int y) { return live_.Shown(x, y); }
   LiveEditor live_{40, 30};
 };
 

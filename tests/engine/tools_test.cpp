@@ -43,8 +43,7 @@ using Setter = std::function<void(CImageEditWnd&)>;
 // drawing layer's key colour. Replaced pens are deleted.
 TEST_F(ToolsTest, PenSettersSelectThePenTheSizeCallsFor) {
   struct Case {
-    const char* call;
-    Setter set;
+    EditorCall call;
     ToolMode mode;
     DWORD style;
     DWORD width;
@@ -53,34 +52,28 @@ TEST_F(ToolsTest, PenSettersSelectThePenTheSizeCallsFor) {
   };
   constexpr DWORD kSquare = PS_GEOMETRIC | PS_ENDCAP_SQUARE;
   constexpr DWORD kRound = PS_GEOMETRIC | PS_ENDCAP_ROUND | PS_JOIN_ROUND;
-  const Case cases[] = {
-      {"SetPen(1)", [](CImageEditWnd& e) { e.SetPen(1); }, ToolMode::Pen, PS_COSMETIC | PS_SOLID, 1, kColor,
-       1},
-      {"SetPen(0)", [](CImageEditWnd& e) { e.SetPen(0); }, ToolMode::Pen, kSquare, 0, kColor, 0},
-      {"SetPen(-3)", [](CImageEditWnd& e) { e.SetPen(-3); }, ToolMode::Pen, kSquare, 3, kColor, -3},
-      {"SetPen(2)", [](CImageEditWnd& e) { e.SetPen(2); }, ToolMode::Pen, kRound, 2, kColor, 2},
-      {"SetBrush(5)", [](CImageEditWnd& e) { e.SetBrush(5); }, ToolMode::Brush, kSquare, 5, kColor, -5},
-      {"SetBrush(-4)", [](CImageEditWnd& e) { e.SetBrush(-4); }, ToolMode::Brush, kRound, 4, kColor, 4},
-      {"SetEraser(-8)", [](CImageEditWnd& e) { e.SetEraser(-8); }, ToolMode::Eraser, kSquare, 8,
-       kDrawingLayerKeyColor, 4},
-  };
+  const Case cases[] = {{EDITOR_CALL(SetPen(1)), ToolMode::Pen, PS_COSMETIC | PS_SOLID, 1, kColor, 1},
+                        {EDITOR_CALL(SetPen(0)), ToolMode::Pen, kSquare, 0, kColor, 0},
+                        {EDITOR_CALL(SetPen(-3)), ToolMode::Pen, kSquare, 3, kColor, -3},
+                        {EDITOR_CALL(SetPen(2)), ToolMode::Pen, kRound, 2, kColor, 2},
+                        {EDITOR_CALL(SetBrush(5)), ToolMode::Brush, kSquare, 5, kColor, -5},
+                        {EDITOR_CALL(SetBrush(-4)), ToolMode::Brush, kRound, 4, kColor, 4},
+                        {EDITOR_CALL(SetEraser(-8)), ToolMode::Eraser, kSquare, 8, kDrawingLayerKeyColor, 4}};
   live_->SetColor("123456");
   const int pensBefore = platform::LiveGdiObjects().pens;
   for (const Case& c : cases) {
-    c.set(*live_.editor);
+    c.call.run(*live_.editor);
     const EXTLOGPEN pen = SelectedPen();
-    EXPECT_EQ(pen.elpPenStyle, c.style) << c.call;
-    EXPECT_EQ(pen.elpWidth, c.width) << c.call;
-    EXPECT_EQ(pen.elpColor, c.color) << c.call;
-    EXPECT_EQ(live_->m_tools.mode, c.mode) << c.call;
-    EXPECT_EQ(live_->m_tools.penSize, c.penSize) << c.call;
-    EXPECT_EQ(live_->m_tools.toolWidth, static_cast<int>(c.width)) << c.call;
-    EXPECT_EQ(platform::LiveGdiObjects().pens, pensBefore + 1) << c.call;
+    EXPECT_EQ(pen.elpPenStyle, c.style) << c.call.what;
+    EXPECT_EQ(pen.elpWidth, c.width) << c.call.what;
+    EXPECT_EQ(pen.elpColor, c.color) << c.call.what;
+    EXPECT_EQ(live_->m_tools.mode, c.mode) << c.call.what;
+    EXPECT_EQ(live_->m_tools.penSize, c.penSize) << c.call.what;
+    EXPECT_EQ(live_->m_tools.toolWidth, static_cast<int>(c.width)) << c.call.what;
+    EXPECT_EQ(platform::LiveGdiObjects().pens, pensBefore + 1) << c.call.what;
   }
 }
 
-// Styles 1 to 6 are kept and anything else draws lines; only the filled shapes have a
-// brush of their own. A new colour in shape mode reaches both outline and fill.
 // A pen wider than the raster can draw is refused where it is made, so each pen
 // setter takes its failure path: the tool stays what it was and a drag records
 // nothing. The widest drawable pen is still taken.
@@ -103,6 +96,8 @@ TEST_F(ToolsTest, PensTooWideToDrawAreRefusedAndRecordNothing) {
   EXPECT_EQ(SelectedPen().elpWidth, 1u << 18);
 }
 
+// Styles 1 to 6 are kept and anything else draws lines; only the filled shapes have a
+// brush of their own. A new colour in shape mode reaches both outline and fill.
 TEST_F(ToolsTest, SetShapeKeepsStylesOneToSixAndFillsOnlyTheFilledShapes) {
   live_->SetColor("00FF00");
   live_->SetPen(2);
