@@ -185,14 +185,6 @@ TEST_F(AdjustmentsTest, AnImageSurfaceThatKeptAnOlderBitmapIsAdjustedInThatBitma
   FAIL() << "no failed creation left the image surface with its older bitmap";
 }
 
-TEST_F(AdjustmentsTest, SettingsNeverCompound) {
-  Load(3, 3, Uniform({10, 100, 200}));
-  editor().BrightenImage(150);
-  editor().BrightenImage(120);
-  const std::vector<COLORREF> twice = Picture();
-  EXPECT_EQ(twice, Colors(Uniform({61, 151, 251})));  // i + 51
-}
-
 TEST_F(AdjustmentsTest, TheFilterBeingSetRunsLastUntilTheNextRebuild) {
   Load(3, 3, Uniform({1, 0, 0}));
   editor().GrayImage(true);

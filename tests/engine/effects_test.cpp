@@ -184,19 +184,6 @@ TEST_F(EffectsTest, AnObjectAtTheFarEndOfTheWindowFollowsThePicturesEdge) {
   EXPECT_EQ(object.y, Image().top - 1);
 }
 
-// The effects change only what the surface shows: the next rebuild starts from the
-// original.
-TEST_F(EffectsTest, AnAdjustmentOrUndoAfterAnEffectShowsThePictureWithoutIt) {
-  const std::vector<COLORREF> colors = {0x101010, 0x202020, 0x303030, 0x404040};
-  live_.Show(2, 2, colors);
-  editor().FlipImage();
-  editor().BrightenImage(150);  // + 127
-  EXPECT_EQ(Picture(), (std::vector<COLORREF>{0x8F8F8F, 0x9F9F9F, 0xAFAFAF, 0xBFBFBF}));
-  editor().EmbossImage();
-  editor().Undo();
-  EXPECT_EQ(Picture(), (std::vector<COLORREF>{0x8F8F8F, 0x9F9F9F, 0xAFAFAF, 0xBFBFBF}));
-}
-
 // A 36 x 12 picture at (2, 9)..(38, 21) of a 40 x 30 surface: the lines run on below
 // it over whatever the surface shows there.
 TEST_F(EffectsTest, LinePatternsReachTheBottomOfTheSurface) {
