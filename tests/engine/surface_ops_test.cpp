@@ -98,20 +98,6 @@ TEST_F(SurfaceOpsTest, DrawingLayerCreationResetsTheBrushKeyEvenWhenItFails) {
   DestroyWindow(host);
 }
 
-TEST_F(SurfaceOpsTest, SurfaceCreationReplacesAndFills) {
-  LiveEditor live(10, 10);
-  const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
-  FillRect(live->m_surfaces.composition.dc(), &live->m_surfaces.composition.rect(),
-           static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-  live->CreateCompositionBuffer(3, 2);
-  live->CreateDrawingLayer(2, 2);
-  live->CreateImageSurface(1, 1);
-  EXPECT_EQ(SurfaceColors(live->m_surfaces.composition.dc(), 3, 2), std::vector<COLORREF>(6, kWhite));
-  EXPECT_EQ(SurfaceColors(live->m_surfaces.drawingLayer.dc(), 2, 2), std::vector<COLORREF>(4, kKey));
-  EXPECT_EQ(GetPixel(live->m_surfaces.imageSurface.dc(), 0, 0), kWhite);
-  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmapsBefore);
-}
-
 // The two ways of layering must give identical pixels: the platform's transparent
 // copy and the mask sequence used when it is missing.
 class TransparentBlitTest : public SurfaceOpsTest, public ::testing::WithParamInterface<bool> {};
