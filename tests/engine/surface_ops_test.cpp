@@ -175,29 +175,6 @@ TEST_F(SurfaceOpsTest, RebuildWithoutAnOriginalPaintsTheKeyColour) {
   EXPECT_EQ(SurfaceColors(live->m_surfaces.imageSurface.dc(), 4, 3), std::vector<COLORREF>(12, kKey));
 }
 
-// The rebuild refills the image rectangle from the original and leaves the rest of
-// the surface as it was.
-TEST_F(SurfaceOpsTest, RebuildStretchesTheOriginalIntoTheImageRectangleOnly) {
-  LiveEditor live(6, 4);
-  live.Show(2, 1, {kRed, kBlue});
-  live->SetImageWidth(-200);  // 4 x 2, centred: from (1, 1) to (5, 3)
-  HDC surface = live->m_surfaces.imageSurface.dc();
-  FillRect(surface, &live->m_surfaces.imageSurface.rect(), static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-  live->RebuildImageSurface();
-  const std::vector<COLORREF> colors = SurfaceColors(surface, 6, 4);
-  for (int x = 0; x < 6; ++x) {
-    EXPECT_EQ(colors[static_cast<size_t>(x)], 0u);
-    EXPECT_EQ(colors[static_cast<size_t>(18 + x)], 0u);
-  }
-  EXPECT_EQ(colors[6], 0u);
-  EXPECT_EQ(colors[11], 0u);
-  // Inside, the ends of each row keep the original's colours.
-  EXPECT_EQ(colors[7], kRed);
-  EXPECT_EQ(colors[10], kBlue);
-  EXPECT_EQ(colors[13], kRed);
-  EXPECT_EQ(colors[16], kBlue);
-}
-
 TEST_F(SurfaceOpsTest, ResizingTheDrawingLayerStretchesItsSourceRectangle) {
   LiveEditor live(2, 2);
   SetPixel(live->m_surfaces.drawingLayer.dc(), 0, 0, kRed);
