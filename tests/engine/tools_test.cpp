@@ -220,41 +220,4 @@ TEST_F(ToolsTest, TheTextToolOpensABoxWhereItWasDragged) {
   EXPECT_FALSE(live_->m_textEntry.IsShown());
 }
 
-// Tools are kept while others are chosen: a curve half built is carried on when the
-// curve is chosen again. Only a move through the history gives up a half-built curve.
-// A drag, though, ends when another tool is chosen: an airbrush held still stops
-// spraying, and the moves that follow draw with nothing.
-TEST_F(ToolsTest, AToolCarriesOnWhereItWasWhenChosenAgain) {
-  live_->SetPen(1);
-  live_->SetShape(2);
-  live_.Drag(10, 70, 90, 70);
-  live_.Drag(50, 10, 50, 20);
-  ASSERT_EQ(live_->State().curveStage, 2);
-  live_->SetPen(3);
-  live_->SetShape(2);
-  EXPECT_EQ(live_->State().curveStage, 2);
-  const int levels = live_->State().historyCount;
-  live_.Drag(60, 40, 70, 30);  // the third drag finishes the same curve
-  EXPECT_EQ(live_->State().curveStage, 0);
-  EXPECT_EQ(live_->State().historyCount, levels) << "only the curve's first press starts a level";
-
-  live_.Drag(10, 70, 90, 70);
-  live_->SetPen(3);
-  live_->Undo();
-  live_->SetShape(2);
-  EXPECT_EQ(live_->State().curveStage, 1) << "the undo came while the pen was chosen";
-  live_->Undo();
-  EXPECT_EQ(live_->State().curveStage, 0);
-
-  live_->SetAirBrush(20);
-  live_.Mouse(WM_LBUTTONDOWN, 50, 40);
-  live_->SetPen(2);
-  EXPECT_EQ(GetCapture(), nullptr);
-  platform::AdvanceClock(200);
-  EXPECT_EQ(live_->State().airbrushDensity, 64) << "the spray timer stopped";
-  live_.Mouse(WM_MOUSEMOVE, 80, 60);
-  live_.Mouse(WM_LBUTTONUP, 80, 60);
-  EXPECT_EQ(GetPixel(Layer(), 65, 50), kDrawingLayerKeyColor);
-}
-
 }  // namespace
