@@ -1,8 +1,7 @@
 // The tools through the editor: the pens and brushes the setters leave selected in
-// the drawing layer, what decides the cursor, the mouse frame of a tool action
-// (capture, the cursor kept over the image), the text box of the text tool, and what
-// a tool keeps while another is chosen. What the tools draw is in the scenarios
-// (tests/cli/tools_*.ies).
+// the drawing layer, what decides the cursor and the text box of the text tool. What
+// the tools draw, the mouse held over the image for a stroke and what a tool keeps
+// while another is chosen are in the scenarios (tests/cli/tools_*.ies).
 #include <functional>
 #include <string>
 
@@ -160,36 +159,6 @@ TEST_F(ToolsTest, WithNoToolAScrollingPictureShowsThePanHand) {
   live_.Show(300, 200, 0xFFFFFF);
   live_->SetNothing();
   EXPECT_EQ(CursorAt(50, 40), kOpenHandPanCursor);
-}
-
-// A press on the image captures the mouse and keeps the cursor over the visible part
-// of the image until the release; a press beside the image does nothing.
-TEST_F(ToolsTest, AToolActionKeepsTheCursorOverTheImage) {
-  live_.Show(60, 40, 0xFFFFFF);  // centred: from (20, 20) to (80, 60)
-  live_->SetPen(1);
-  live_.Mouse(WM_LBUTTONDOWN, 10, 10);
-  EXPECT_FALSE(live_->m_stroke.buttonDown);
-  EXPECT_EQ(GetCapture(), nullptr);
-  live_.Mouse(WM_LBUTTONUP, 10, 10);
-
-  live_.Mouse(WM_LBUTTONDOWN, 30, 25);
-  EXPECT_EQ(GetCapture(), live_->m_hWnd);
-  RECT clip{};
-  GetClipCursor(&clip);
-  POINT origin{0, 0};
-  ClientToScreen(live_->m_hWnd, &origin);
-  EXPECT_EQ(clip.left, origin.x + 20);
-  EXPECT_EQ(clip.top, origin.y + 20);
-  EXPECT_EQ(clip.right, origin.x + 80);
-  EXPECT_EQ(clip.bottom, origin.y + 60);
-  live_.Mouse(WM_MOUSEMOVE, 95, 25);  // confined: the stroke ends at the image's edge
-  live_.Mouse(WM_LBUTTONUP, 95, 25);
-  EXPECT_EQ(GetPixel(Layer(), 78, 25), 0u);
-  EXPECT_EQ(GetPixel(Layer(), 85, 25), kDrawingLayerKeyColor);
-  EXPECT_EQ(GetCapture(), nullptr);
-  RECT freed{};
-  GetClipCursor(&freed);
-  EXPECT_NE(freed.right - freed.left, 60);
 }
 
 // The text tool's drag opens a box of at least 30 x 15 with the keyboard focus; with
