@@ -154,13 +154,6 @@ TEST_F(ToolsTest, TheCursorFollowsTheToolAndWithNoToolWhatIsUnderThePointer) {
   EXPECT_EQ(CursorAt(50, 40), kArrowSelectionCursor);
 }
 
-// A picture larger than the window scrolls, so with no tool a drag would pan it.
-TEST_F(ToolsTest, WithNoToolAScrollingPictureShowsThePanHand) {
-  live_.Show(300, 200, 0xFFFFFF);
-  live_->SetNothing();
-  EXPECT_EQ(CursorAt(50, 40), kOpenHandPanCursor);
-}
-
 // The text tool's drag opens a box of at least 30 x 15 with the keyboard focus; with
 // a box open, a small drag only closes it and a larger one opens a new one.
 TEST_F(ToolsTest, TheTextToolOpensABoxWhereItWasDragged) {
