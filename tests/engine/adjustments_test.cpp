@@ -3,7 +3,6 @@
 // memory. The flag arguments as a host passes them are the control's tests.
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -21,12 +20,6 @@ COLORREF ColorOf(Bytes b) { return RGB(b[2], b[1], b[0]); }
 
 // The resource id the host sees for the wait cursor.
 constexpr int kWaitCursorId = 32514;
-
-// A setter call, with what it says for the test's messages.
-struct Call {
-  const char* what;
-  std::function<void(CImageEditWnd&)> run;
-};
 
 class AdjustmentsTest : public HostedTest {
  protected:
@@ -49,15 +42,7 @@ class AdjustmentsTest : public HostedTest {
   CImageEditWnd& editor() { return *live_->editor; }
   HDC ImageSurface() { return editor().m_surfaces.imageSurface.dc(); }
 
-  // The image rectangle of the image surface, top row first.
-  std::vector<COLORREF> Picture() {
-    const RECT& r = editor().m_view.imageRect();
-    std::vector<COLORREF> colors;
-    for (int y = r.top; y < r.bottom; ++y) {
-      for (int x = r.left; x < r.right; ++x) colors.push_back(GetPixel(ImageSurface(), x, y));
-    }
-    return colors;
-  }
+  std::vector<COLORREF> Picture() { return ImageRectColors(editor()); }
   static std::vector<COLORREF> Colors(const std::vector<Bytes>& pixels) {
     std::vector<COLORREF> colors;
     for (const Bytes& b : pixels) colors.push_back(ColorOf(b));
@@ -68,41 +53,24 @@ class AdjustmentsTest : public HostedTest {
 };
 
 std::vector<Bytes> Uniform(Bytes value) { return std::vector<Bytes>(9, value); }
+
 std::vector<Bytes> Spike(Bytes centre) {
   std::vector<Bytes> pixels = Uniform({0, 0, 0});
   pixels[4] = centre;
   return pixels;
 }
 
-TEST_F(AdjustmentsTest, EachSetterRebuildsThePictureFromTheOriginal) {
+// The filter being set runs in the setter's own rebuild, which only the setter's
+// picture shows. The colour setters' pictures are RebuildsGiveThePlainPassesBytes'.
+TEST_F(AdjustmentsTest, EachFilterSetterRebuildsThePictureFromTheOriginal) {
   struct Case {
-    Call call;
+    EditorCall call;
     std::vector<Bytes> in;
     std::vector<Bytes> out;
   };
-  const Case cases[] = {
-      {Call{"BrightenImage(-5)", [](CImageEditWnd& e) { e.BrightenImage(-5); }}, Uniform({10, 128, 255}),
-       Uniform({0, 0, 0})},
-      {Call{"BrightenImage(300)", [](CImageEditWnd& e) { e.BrightenImage(300); }}, Uniform({0, 128, 10}),
-       Uniform({255, 255, 255})},
-      {Call{"ContrastImage(0)", [](CImageEditWnd& e) { e.ContrastImage(0); }}, Uniform({0, 200, 255}),
-       Uniform({127, 127, 127})},
-      // The first gamma acts on the blue bytes; the others pass through 1.0 tables.
-      {Call{"CorrectGamma(80, 40, 40)", [](CImageEditWnd& e) { e.CorrectGamma(80, 40, 40); }},
-       Uniform({100, 33, 33}), Uniform({39, 32, 32})},
-      {Call{"SaturateImage(0)", [](CImageEditWnd& e) { e.SaturateImage(0); }}, Uniform({0, 0, 255}),
-       Uniform({20, 20, 20})},
-      {Call{"SaturateImage(200)", [](CImageEditWnd& e) { e.SaturateImage(200); }}, Uniform({100, 120, 140}),
-       Uniform({84, 124, 164})},
-      {Call{"HueImage(100)", [](CImageEditWnd& e) { e.HueImage(100); }}, Uniform({0, 0, 255}),
-       Uniform({41, 41, 0})},
-      {Call{"GrayImage(true)", [](CImageEditWnd& e) { e.GrayImage(true); }}, Uniform({10, 20, 30}),
-       Uniform({21, 21, 21})},
-      {Call{"SharpenImage(-3)", [](CImageEditWnd& e) { e.SharpenImage(-3); }}, Spike({100, 100, 100}),
-       Spike({100, 100, 100})},
-      {Call{"WhitenImage(1)", [](CImageEditWnd& e) { e.WhitenImage(1); }}, Uniform({0, 128, 255}),
-       Uniform({25, 198, 255})},
-  };
+  const Case cases[] = {{EDITOR_CALL(GrayImage(true)), Uniform({10, 20, 30}), Uniform({21, 21, 21})},
+                        {EDITOR_CALL(SharpenImage(-3)), Spike({100, 100, 100}), Spike({100, 100, 100})},
+                        {EDITOR_CALL(WhitenImage(1)), Uniform({0, 128, 255}), Uniform({25, 198, 255})}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.call.what);
     Load(3, 3, c.in);
@@ -145,25 +113,18 @@ TEST_F(AdjustmentsTest, SettersStoreTheMappedValue) {
 }
 
 TEST_F(AdjustmentsTest, AnUnchangedValueNeitherRebuildsNorCommits) {
-  const Call neutral[] = {
-      Call{"BrightenImage(100)", [](CImageEditWnd& e) { e.BrightenImage(100); }},
-      Call{"ContrastImage(100)", [](CImageEditWnd& e) { e.ContrastImage(100); }},
-      Call{"HueImage(0)", [](CImageEditWnd& e) { e.HueImage(0); }},
-      Call{"SaturateImage(100)", [](CImageEditWnd& e) { e.SaturateImage(100); }},
-      Call{"CorrectGamma(40, 40, 40)", [](CImageEditWnd& e) { e.CorrectGamma(40, 40, 40); }},
-      Call{"GrayImage(false)", [](CImageEditWnd& e) { e.GrayImage(false); }},
-      Call{"InvertImage(false)", [](CImageEditWnd& e) { e.InvertImage(false); }},
-      Call{"SharpenImage(0)", [](CImageEditWnd& e) { e.SharpenImage(0); }},
-      Call{"SmoothImage(0)", [](CImageEditWnd& e) { e.SmoothImage(0); }},
-      Call{"WhitenImage(0)", [](CImageEditWnd& e) { e.WhitenImage(0); }},
-  };
+  const EditorCall neutral[] = {
+      EDITOR_CALL(BrightenImage(100)), EDITOR_CALL(ContrastImage(100)),       EDITOR_CALL(HueImage(0)),
+      EDITOR_CALL(SaturateImage(100)), EDITOR_CALL(CorrectGamma(40, 40, 40)), EDITOR_CALL(GrayImage(false)),
+      EDITOR_CALL(InvertImage(false)), EDITOR_CALL(SharpenImage(0)),          EDITOR_CALL(SmoothImage(0)),
+      EDITOR_CALL(WhitenImage(0))};
   Load(3, 3, Uniform({50, 60, 70}));
   const RECT& r = editor().m_view.imageRect();
   // A mark on the surface that any rebuild would paint over.
   SetPixel(ImageSurface(), r.left, r.top, RGB(1, 2, 3));
   const int levels = editor().m_history.count();
   const std::size_t cursors = host_.cursors.size();
-  for (const Call& call : neutral) {
+  for (const EditorCall& call : neutral) {
     SCOPED_TRACE(call.what);
     call.run(editor());
     EXPECT_EQ(GetPixel(ImageSurface(), r.left, r.top), RGB(1, 2, 3));
@@ -222,14 +183,6 @@ TEST_F(AdjustmentsTest, AnImageSurfaceThatKeptAnOlderBitmapIsAdjustedInThatBitma
     return;
   }
   FAIL() << "no failed creation left the image surface with its older bitmap";
-}
-
-TEST_F(AdjustmentsTest, SettingsNeverCompound) {
-  Load(3, 3, Uniform({10, 100, 200}));
-  editor().BrightenImage(150);
-  editor().BrightenImage(120);
-  const std::vector<COLORREF> twice = Picture();
-  EXPECT_EQ(twice, Colors(Uniform({61, 151, 251})));  // i + 51
 }
 
 TEST_F(AdjustmentsTest, TheFilterBeingSetRunsLastUntilTheNextRebuild) {
@@ -295,15 +248,11 @@ TEST_F(AdjustmentsTest, RebuildsGiveThePlainPassesBytes) {
     if (layout.imageWidth != 0) editor().SetImageWidth(layout.imageWidth);
     // The picture as the rebuild refills it, before any pass.
     const std::vector<COLORREF> refilled = Picture();
-    for (const Call& call :
-         {Call{"BrightenImage(130)", [](CImageEditWnd& e) { e.BrightenImage(130); }},
-          Call{"CorrectGamma(60, 30, 45)", [](CImageEditWnd& e) { e.CorrectGamma(60, 30, 45); }},
-          Call{"HueImage(40)", [](CImageEditWnd& e) { e.HueImage(40); }},
-          Call{"SaturateImage(150)", [](CImageEditWnd& e) { e.SaturateImage(150); }},
-          Call{"WhitenImage(1)", [](CImageEditWnd& e) { e.WhitenImage(1); }},
-          Call{"SmoothImage(1)", [](CImageEditWnd& e) { e.SmoothImage(1); }},
-          Call{"InvertImage(true)", [](CImageEditWnd& e) { e.InvertImage(true); }},
-          Call{"SharpenImage(2)", [](CImageEditWnd& e) { e.SharpenImage(2); }}})
+    for (const EditorCall& call :
+         {EDITOR_CALL(BrightenImage(130)), EDITOR_CALL(ContrastImage(70)), EDITOR_CALL(GrayImage(true)),
+          EDITOR_CALL(CorrectGamma(60, 30, 45)), EDITOR_CALL(HueImage(40)), EDITOR_CALL(SaturateImage(150)),
+          EDITOR_CALL(WhitenImage(1)), EDITOR_CALL(SmoothImage(1)), EDITOR_CALL(InvertImage(true)),
+          EDITOR_CALL(SharpenImage(2))})
       call.run(editor());
 
     // The plain passes on the refilled picture, with `last` (when set) run after them.

@@ -43,11 +43,7 @@ class FrameTest : public HostedTest {
   void SetBorder(int side, int offset) {
     for (int i = 0; i < 8; ++i) editor().SetFrame(i, PieceFile(i, side, side).c_str(), offset, 0);
   }
-
-  COLORREF Shown(int x, int y) {
-    editor().ComposeView();
-    return GetPixel(editor().m_surfaces.composition.dc(), x, y);
-  }
+  COLORREF Shown(int x, int y) { return live_.Shown(x, y); }
   // A whole save read back: width, height and pixels, top row first.
   struct Saved {
     int width, height;
@@ -212,17 +208,13 @@ TEST_F(FrameTest, UndoAndRedoTakeTheFrameAwayAndBringItBack) {
     live.Show(200, 200, kGrey);
     for (int i = 0; i < 8; ++i) live->SetFrame(i, PieceFile(i, 10, 10).c_str(), 3, 0);
     const int bitmaps = platform::LiveGdiObjects().bitmaps;
-    const auto shown = [&] {
-      live->ComposeView();
-      return GetPixel(live->m_surfaces.composition.dc(), 103, 43);
-    };
     live->Undo();
     EXPECT_FALSE(live->m_frame.present());
     EXPECT_EQ(live->m_frame.piece(2).bitmap.get(), nullptr);
-    EXPECT_EQ(shown(), kWhite);
+    EXPECT_EQ(live.Shown(103, 43), kWhite);
     live->Redo();
     EXPECT_TRUE(live->m_frame.present());
-    EXPECT_EQ(shown(), Marker(2));
+    EXPECT_EQ(live.Shown(103, 43), Marker(2));
     EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmaps);
   }
   EXPECT_EQ(platform::LiveGdiObjects().total(), before);

@@ -430,17 +430,14 @@ class Session {
     if (s.vScrollShown) editor().OnVScroll(SB_THUMBPOSITION, static_cast<UINT>(v), nullptr);
   }
 
-  void Undo() {
-    Log("Undo");
+  void Undo() { Move("Undo", &CImageEditWnd::Undo, &ReferenceHistory::Undo); }
+  void Redo() { Move("Redo", &CImageEditWnd::Redo, &ReferenceHistory::Redo); }
+  void Move(const char* what, void (CImageEditWnd::*move)(),
+            const ReferenceLevel* (ReferenceHistory::*model)()) {
+    Log(what);
     const EditorState before = editor().State();
-    editor().Undo();
-    Restored(history_.Undo(), before);
-  }
-  void Redo() {
-    Log("Redo");
-    const EditorState before = editor().State();
-    editor().Redo();
-    Restored(history_.Redo(), before);
+    (editor().*move)();
+    Restored((history_.*model)(), before);
   }
 
   // The strokes and every level go; 0 also shows the picture without adjustments.

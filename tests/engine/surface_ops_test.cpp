@@ -98,20 +98,6 @@ TEST_F(SurfaceOpsTest, DrawingLayerCreationResetsTheBrushKeyEvenWhenItFails) {
   DestroyWindow(host);
 }
 
-TEST_F(SurfaceOpsTest, SurfaceCreationReplacesAndFills) {
-  LiveEditor live(10, 10);
-  const int bitmapsBefore = platform::LiveGdiObjects().bitmaps;
-  FillRect(live->m_surfaces.composition.dc(), &live->m_surfaces.composition.rect(),
-           static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-  live->CreateCompositionBuffer(3, 2);
-  live->CreateDrawingLayer(2, 2);
-  live->CreateImageSurface(1, 1);
-  EXPECT_EQ(SurfaceColors(live->m_surfaces.composition.dc(), 3, 2), std::vector<COLORREF>(6, kWhite));
-  EXPECT_EQ(SurfaceColors(live->m_surfaces.drawingLayer.dc(), 2, 2), std::vector<COLORREF>(4, kKey));
-  EXPECT_EQ(GetPixel(live->m_surfaces.imageSurface.dc(), 0, 0), kWhite);
-  EXPECT_EQ(platform::LiveGdiObjects().bitmaps, bitmapsBefore);
-}
-
 // The two ways of layering must give identical pixels: the platform's transparent
 // copy and the mask sequence used when it is missing.
 class TransparentBlitTest : public SurfaceOpsTest, public ::testing::WithParamInterface<bool> {};
@@ -187,29 +173,6 @@ TEST_F(SurfaceOpsTest, RebuildWithoutAnOriginalPaintsTheKeyColour) {
   LiveEditor live(4, 3);
   live->RebuildImageSurface();
   EXPECT_EQ(SurfaceColors(live->m_surfaces.imageSurface.dc(), 4, 3), std::vector<COLORREF>(12, kKey));
-}
-
-// The rebuild refills the image rectangle from the original and leaves the rest of
-// the surface as it was.
-TEST_F(SurfaceOpsTest, RebuildStretchesTheOriginalIntoTheImageRectangleOnly) {
-  LiveEditor live(6, 4);
-  live.Show(2, 1, {kRed, kBlue});
-  live->SetImageWidth(-200);  // 4 x 2, centred: from (1, 1) to (5, 3)
-  HDC surface = live->m_surfaces.imageSurface.dc();
-  FillRect(surface, &live->m_surfaces.imageSurface.rect(), static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-  live->RebuildImageSurface();
-  const std::vector<COLORREF> colors = SurfaceColors(surface, 6, 4);
-  for (int x = 0; x < 6; ++x) {
-    EXPECT_EQ(colors[static_cast<size_t>(x)], 0u);
-    EXPECT_EQ(colors[static_cast<size_t>(18 + x)], 0u);
-  }
-  EXPECT_EQ(colors[6], 0u);
-  EXPECT_EQ(colors[11], 0u);
-  // Inside, the ends of each row keep the original's colours.
-  EXPECT_EQ(colors[7], kRed);
-  EXPECT_EQ(colors[10], kBlue);
-  EXPECT_EQ(colors[13], kRed);
-  EXPECT_EQ(colors[16], kBlue);
 }
 
 TEST_F(SurfaceOpsTest, ResizingTheDrawingLayerStretchesItsSourceRectangle) {

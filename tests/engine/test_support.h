@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,6 +28,14 @@ class HostedTest : public ::testing::Test {
   }
   InstalledRecordingHost host_;
 };
+
+// A call on an editor with its source text, for tables of calls whose failures must
+// say which call it was.
+struct EditorCall {
+  const char* what;
+  std::function<void(CImageEditWnd&)> run;
+};
+#define EDITOR_CALL(expr) (EditorCall{#expr, [](CImageEditWnd& e) { e.expr; }})
 
 // A 24-bit bitmap file of the given COLORREFs, top row first.
 inline std::vector<std::uint8_t> BitmapFile(int width, int height, const std::vector<COLORREF>& colors) {
@@ -73,6 +82,12 @@ struct LiveEditor {
     Mouse(WM_LBUTTONUP, x1, y1);
   }
   void Click(int x, int y) { Drag(x, y, x, y); }
+
+  // What the window shows at a window point, composed now (no scrolling).
+  COLORREF Shown(int x, int y) {
+    editor->ComposeView();
+    return GetPixel(editor->m_surfaces.composition.dc(), x, y);
+  }
 };
 
 // A picture in an editor window, for tests that must hold for each way a picture can
@@ -83,11 +98,18 @@ struct PictureLayout {
   int imageWidth;  // SetImageWidth's argument; 0 leaves it at 100 %
 };
 
-// Every pixel of the bitmap selected into a DC.
-inline std::vector<COLORREF> SurfaceColors(HDC dc, int width, int height) {
+// The pixels of a rectangle of the bitmap selected into a DC, top row first.
+inline std::vector<COLORREF> SurfaceColors(HDC dc, const RECT& r) {
   std::vector<COLORREF> colors;
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) colors.push_back(GetPixel(dc, x, y));
+  for (int y = r.top; y < r.bottom; ++y) {
+    for (int x = r.left; x < r.right; ++x) colors.push_back(GetPixel(dc, x, y));
   }
   return colors;
+}
+inline std::vector<COLORREF> SurfaceColors(HDC dc, int width, int height) {
+  return SurfaceColors(dc, RECT{0, 0, width, height});
+}
+// The image rectangle of the image surface: the picture as the last rebuild left it.
+inline std::vector<COLORREF> ImageRectColors(CImageEditWnd& editor) {
+  return SurfaceColors(editor.m_surfaces.imageSurface.dc(), editor.m_view.imageRect());
 }

@@ -1,5 +1,6 @@
 // The text box: its edit control, when it counts as shown, what it gives up as the
-// typed text, how it looks on the host, and that it leaves nothing behind.
+// typed text, and that it leaves nothing behind. How it looks on the host is the
+// text_typing scenario's shot.
 #include <string>
 #include <tuple>
 
@@ -19,14 +20,6 @@ class TextEditWndTest : public HostedTest {
     text.resize(static_cast<std::size_t>(GetWindowTextW(Edit(), text.data(), static_cast<int>(text.size()))));
     return text;
   }
-  // The host frame's pixel at a window point, 0x00RRGGBB.
-  std::uint32_t FramePixel(int x, int y) {
-    int width = 0, height = 0;
-    const std::uint32_t* pixels =
-        platform::BitmapPixels(platform::HostFrame(live_.hostWindow), &width, &height);
-    return pixels == nullptr ? 0xDEADBEEF : pixels[y * width + x];
-  }
-
   LiveEditor live_{120, 90};
 };
 
@@ -86,23 +79,6 @@ TEST_F(TextEditWndTest, WhatIsTypedIsTheBoxsTextUntilTextEntryCloses) {
   EXPECT_FALSE(Entry().IsShown());
   EXPECT_EQ(Entry().TypedText(), u"");
   EXPECT_EQ(EditText(), u"");
-}
-
-// White rectangle, then the grey dots as the GDI oracle draws them for a 40 x 30 box
-// (tests/data/gdi/draw/text_box_frame.txt); the rest of the frame stays white.
-TEST_F(TextEditWndTest, TheFrameIsADottedGreyOutlineOnWhite) {
-  Entry().Open(RECT{20, 30, 60, 60});
-  platform::FlushPaint(live_.hostWindow);
-  constexpr std::uint32_t g = 0x808080, w = 0xFFFFFF;
-  const struct {
-    int x, y;
-    std::uint32_t color;
-  } pixels[] = {{0, 0, w},  {1, 0, g},  {3, 0, g}, {4, 0, w}, {7, 0, g},   {39, 0, g}, {0, 1, w},  {39, 1, w},
-                {39, 2, g}, {0, 3, g},  {0, 5, g}, {0, 6, w}, {39, 5, w},  {0, 29, g}, {1, 29, w}, {4, 29, g},
-                {6, 29, g}, {7, 29, w}, {1, 1, w}, {3, 3, w}, {36, 26, w}, {2, 15, w}, {38, 15, w}};
-  for (const auto& [x, y, color] : pixels) EXPECT_EQ(FramePixel(20 + x, 30 + y), color) << x << "," << y;
-  EXPECT_EQ(FramePixel(19, 30), 0x0000FFu);  // the picture round it
-  EXPECT_EQ(FramePixel(60, 59), 0x0000FFu);
 }
 
 TEST_F(TextEditWndTest, NothingIsLeftBehindWhenTheEditorGoes) {

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <sstream>
 #include <string>
+#include <utility>
 
 #include "test_support.h"
 #include "tools/font_string.h"
@@ -19,49 +21,32 @@ LOGFONTA FontNamed(const char* face, LONG height, LONG weight) {
   return font;
 }
 
+// Every field of a read font string on one line, colours in hex.
+std::string Fields(const FontString& f) {
+  std::ostringstream out;
+  out << f.face << (f.italic ? " italic" : "") << (f.bold ? " bold" : "") << " " << f.points
+      << (f.strikeOut ? " strikeout" : "") << (f.underline ? " underline" : "") << " " << std::hex << f.color;
+  if (f.charSetSelector) out << " set " << std::dec << *f.charSetSelector;
+  return out.str();
+}
+
 TEST(FontStringTest, FieldsAreReadInPlaceWhateverTheirCaseOrLength) {
-  const FontString full = ReadFontString("Arial,,Bold,12,,,FF0000");
-  EXPECT_EQ(full.face, "Arial");
-  EXPECT_FALSE(full.italic);
-  EXPECT_TRUE(full.bold);
-  EXPECT_EQ(full.points, 12);
-  EXPECT_EQ(full.color, RGB(0xFF, 0, 0));
-  EXPECT_FALSE(full.charSetSelector.has_value());
-
-  // Missing fields are empty: no colour reads as black.
-  const FontString short_ = ReadFontString("Arial,italic,,10");
-  EXPECT_TRUE(short_.italic);
-  EXPECT_EQ(short_.points, 10);
-  EXPECT_EQ(short_.color, 0u);
-
-  // Words that are not the field's own word count as absent.
-  const FontString unknown = ReadFontString("Courier,slanted,BOLD,x9,strikeout,UNDERLINE,00ff00,18");
-  EXPECT_FALSE(unknown.italic);
-  EXPECT_TRUE(unknown.bold);
-  EXPECT_EQ(unknown.points, 0);
-  EXPECT_TRUE(unknown.strikeOut);
-  EXPECT_TRUE(unknown.underline);
-  EXPECT_EQ(unknown.color, RGB(0, 0xFF, 0));
-  EXPECT_EQ(unknown.charSetSelector, 18);
-
-  // A face longer than a font description holds keeps 31 bytes, and the fields after
-  // an over-long one stay in their places.
-  const std::string longFace(40, 'F');
-  const FontString longest = ReadFontString((longFace + "," + std::string(50, 'i') + ",Bold,7").c_str());
-  EXPECT_EQ(longest.face, std::string(31, 'F'));
-  EXPECT_FALSE(longest.italic);
-  EXPECT_TRUE(longest.bold);
-  EXPECT_EQ(longest.points, 7);
-
-  // The cut never splits a character: 30 bytes and a three-byte letter keep 30.
-  const FontString cut = ReadFontString((std::string(30, 'a') + "\xEA\xB5\xB4,,,5").c_str());
-  EXPECT_EQ(cut.face, std::string(30, 'a'));
-  EXPECT_EQ(cut.points, 5);
-
-  EXPECT_EQ(ReadFontString(nullptr).face, "");
-  EXPECT_EQ(ReadFontString(",,,99999999999999").points, 2147483647);
-  EXPECT_EQ(ReadFontString(",,,-99999999999999").points, -2147483647 - 1);
-
+  const std::pair<std::string, std::string> cases[] = {
+      {"Arial,,Bold,12,,,FF0000", "Arial bold 12 ff"},
+      // Missing fields are empty: no colour reads as black.
+      {"Arial,italic,,10", "Arial italic 10 0"},
+      // Words that are not the field's own word count as absent.
+      {"Courier,slanted,BOLD,x9,strikeout,UNDERLINE,00ff00,18",
+       "Courier bold 0 strikeout underline ff00 set 18"},
+      // A face longer than a font description holds keeps 31 bytes, and the fields
+      // after an over-long one stay in their places.
+      {std::string(40, 'F') + "," + std::string(50, 'i') + ",Bold,7", std::string(31, 'F') + " bold 7 0"},
+      // The cut never splits a character: 30 bytes and a three-byte letter keep 30.
+      {std::string(30, 'a') + "\xEA\xB5\xB4,,,5", std::string(30, 'a') + " 5 0"},
+      {",,,99999999999999", " 2147483647 0"},
+      {",,,-99999999999999", " -2147483648 0"}};
+  for (const auto& [text, fields] : cases) EXPECT_EQ(Fields(ReadFontString(text.c_str())), fields) << text;
+  EXPECT_EQ(Fields(ReadFontString(nullptr)), " 0 0");
   EXPECT_EQ(CharSetForSelector(4), GB2312_CHARSET);  // 18 is checked on the editor
   EXPECT_EQ(CharSetForSelector(-18), ANSI_CHARSET);
 }

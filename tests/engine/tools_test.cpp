@@ -1,8 +1,7 @@
 // The tools through the editor: the pens and brushes the setters leave selected in
-// the drawing layer, what decides the cursor, the mouse frame of a tool action
-// (capture, the cursor kept over the image), the text box of the text tool, and what
-// a tool keeps while another is chosen. What the tools draw is in the scenarios
-// (tests/cli/tools_*.ies).
+// the drawing layer, what decides the cursor and the text box of the text tool. What
+// the tools draw, the mouse held over the image for a stroke and what a tool keeps
+// while another is chosen are in the scenarios (tests/cli/tools_*.ies).
 #include <functional>
 #include <string>
 
@@ -43,8 +42,7 @@ using Setter = std::function<void(CImageEditWnd&)>;
 // drawing layer's key colour. Replaced pens are deleted.
 TEST_F(ToolsTest, PenSettersSelectThePenTheSizeCallsFor) {
   struct Case {
-    const char* call;
-    Setter set;
+    EditorCall call;
     ToolMode mode;
     DWORD style;
     DWORD width;
@@ -53,34 +51,28 @@ TEST_F(ToolsTest, PenSettersSelectThePenTheSizeCallsFor) {
   };
   constexpr DWORD kSquare = PS_GEOMETRIC | PS_ENDCAP_SQUARE;
   constexpr DWORD kRound = PS_GEOMETRIC | PS_ENDCAP_ROUND | PS_JOIN_ROUND;
-  const Case cases[] = {
-      {"SetPen(1)", [](CImageEditWnd& e) { e.SetPen(1); }, ToolMode::Pen, PS_COSMETIC | PS_SOLID, 1, kColor,
-       1},
-      {"SetPen(0)", [](CImageEditWnd& e) { e.SetPen(0); }, ToolMode::Pen, kSquare, 0, kColor, 0},
-      {"SetPen(-3)", [](CImageEditWnd& e) { e.SetPen(-3); }, ToolMode::Pen, kSquare, 3, kColor, -3},
-      {"SetPen(2)", [](CImageEditWnd& e) { e.SetPen(2); }, ToolMode::Pen, kRound, 2, kColor, 2},
-      {"SetBrush(5)", [](CImageEditWnd& e) { e.SetBrush(5); }, ToolMode::Brush, kSquare, 5, kColor, -5},
-      {"SetBrush(-4)", [](CImageEditWnd& e) { e.SetBrush(-4); }, ToolMode::Brush, kRound, 4, kColor, 4},
-      {"SetEraser(-8)", [](CImageEditWnd& e) { e.SetEraser(-8); }, ToolMode::Eraser, kSquare, 8,
-       kDrawingLayerKeyColor, 4},
-  };
+  const Case cases[] = {{EDITOR_CALL(SetPen(1)), ToolMode::Pen, PS_COSMETIC | PS_SOLID, 1, kColor, 1},
+                        {EDITOR_CALL(SetPen(0)), ToolMode::Pen, kSquare, 0, kColor, 0},
+                        {EDITOR_CALL(SetPen(-3)), ToolMode::Pen, kSquare, 3, kColor, -3},
+                        {EDITOR_CALL(SetPen(2)), ToolMode::Pen, kRound, 2, kColor, 2},
+                        {EDITOR_CALL(SetBrush(5)), ToolMode::Brush, kSquare, 5, kColor, -5},
+                        {EDITOR_CALL(SetBrush(-4)), ToolMode::Brush, kRound, 4, kColor, 4},
+                        {EDITOR_CALL(SetEraser(-8)), ToolMode::Eraser, kSquare, 8, kDrawingLayerKeyColor, 4}};
   live_->SetColor("123456");
   const int pensBefore = platform::LiveGdiObjects().pens;
   for (const Case& c : cases) {
-    c.set(*live_.editor);
+    c.call.run(*live_.editor);
     const EXTLOGPEN pen = SelectedPen();
-    EXPECT_EQ(pen.elpPenStyle, c.style) << c.call;
-    EXPECT_EQ(pen.elpWidth, c.width) << c.call;
-    EXPECT_EQ(pen.elpColor, c.color) << c.call;
-    EXPECT_EQ(live_->m_tools.mode, c.mode) << c.call;
-    EXPECT_EQ(live_->m_tools.penSize, c.penSize) << c.call;
-    EXPECT_EQ(live_->m_tools.toolWidth, static_cast<int>(c.width)) << c.call;
-    EXPECT_EQ(platform::LiveGdiObjects().pens, pensBefore + 1) << c.call;
+    EXPECT_EQ(pen.elpPenStyle, c.style) << c.call.what;
+    EXPECT_EQ(pen.elpWidth, c.width) << c.call.what;
+    EXPECT_EQ(pen.elpColor, c.color) << c.call.what;
+    EXPECT_EQ(live_->m_tools.mode, c.mode) << c.call.what;
+    EXPECT_EQ(live_->m_tools.penSize, c.penSize) << c.call.what;
+    EXPECT_EQ(live_->m_tools.toolWidth, static_cast<int>(c.width)) << c.call.what;
+    EXPECT_EQ(platform::LiveGdiObjects().pens, pensBefore + 1) << c.call.what;
   }
 }
 
-// Styles 1 to 6 are kept and anything else draws lines; only the filled shapes have a
-// brush of their own. A new colour in shape mode reaches both outline and fill.
 // A pen wider than the raster can draw is refused where it is made, so each pen
 // setter takes its failure path: the tool stays what it was and a drag records
 // nothing. The widest drawable pen is still taken.
@@ -103,6 +95,8 @@ TEST_F(ToolsTest, PensTooWideToDrawAreRefusedAndRecordNothing) {
   EXPECT_EQ(SelectedPen().elpWidth, 1u << 18);
 }
 
+// Styles 1 to 6 are kept and anything else draws lines; only the filled shapes have a
+// brush of their own. A new colour in shape mode reaches both outline and fill.
 TEST_F(ToolsTest, SetShapeKeepsStylesOneToSixAndFillsOnlyTheFilledShapes) {
   live_->SetColor("00FF00");
   live_->SetPen(2);
@@ -160,43 +154,6 @@ TEST_F(ToolsTest, TheCursorFollowsTheToolAndWithNoToolWhatIsUnderThePointer) {
   EXPECT_EQ(CursorAt(50, 40), kArrowSelectionCursor);
 }
 
-// A picture larger than the window scrolls, so with no tool a drag would pan it.
-TEST_F(ToolsTest, WithNoToolAScrollingPictureShowsThePanHand) {
-  live_.Show(300, 200, 0xFFFFFF);
-  live_->SetNothing();
-  EXPECT_EQ(CursorAt(50, 40), kOpenHandPanCursor);
-}
-
-// A press on the image captures the mouse and keeps the cursor over the visible part
-// of the image until the release; a press beside the image does nothing.
-TEST_F(ToolsTest, AToolActionKeepsTheCursorOverTheImage) {
-  live_.Show(60, 40, 0xFFFFFF);  // centred: from (20, 20) to (80, 60)
-  live_->SetPen(1);
-  live_.Mouse(WM_LBUTTONDOWN, 10, 10);
-  EXPECT_FALSE(live_->m_stroke.buttonDown);
-  EXPECT_EQ(GetCapture(), nullptr);
-  live_.Mouse(WM_LBUTTONUP, 10, 10);
-
-  live_.Mouse(WM_LBUTTONDOWN, 30, 25);
-  EXPECT_EQ(GetCapture(), live_->m_hWnd);
-  RECT clip{};
-  GetClipCursor(&clip);
-  POINT origin{0, 0};
-  ClientToScreen(live_->m_hWnd, &origin);
-  EXPECT_EQ(clip.left, origin.x + 20);
-  EXPECT_EQ(clip.top, origin.y + 20);
-  EXPECT_EQ(clip.right, origin.x + 80);
-  EXPECT_EQ(clip.bottom, origin.y + 60);
-  live_.Mouse(WM_MOUSEMOVE, 95, 25);  // confined: the stroke ends at the image's edge
-  live_.Mouse(WM_LBUTTONUP, 95, 25);
-  EXPECT_EQ(GetPixel(Layer(), 78, 25), 0u);
-  EXPECT_EQ(GetPixel(Layer(), 85, 25), kDrawingLayerKeyColor);
-  EXPECT_EQ(GetCapture(), nullptr);
-  RECT freed{};
-  GetClipCursor(&freed);
-  EXPECT_NE(freed.right - freed.left, 60);
-}
-
 // The text tool's drag opens a box of at least 30 x 15 with the keyboard focus; with
 // a box open, a small drag only closes it and a larger one opens a new one.
 TEST_F(ToolsTest, TheTextToolOpensABoxWhereItWasDragged) {
@@ -223,43 +180,6 @@ TEST_F(ToolsTest, TheTextToolOpensABoxWhereItWasDragged) {
   EXPECT_TRUE(live_->m_textEntry.IsShown());
   live_->SetPen(2);
   EXPECT_FALSE(live_->m_textEntry.IsShown());
-}
-
-// Tools are kept while others are chosen: a curve half built is carried on when the
-// curve is chosen again. Only a move through the history gives up a half-built curve.
-// A drag, though, ends when another tool is chosen: an airbrush held still stops
-// spraying, and the moves that follow draw with nothing.
-TEST_F(ToolsTest, AToolCarriesOnWhereItWasWhenChosenAgain) {
-  live_->SetPen(1);
-  live_->SetShape(2);
-  live_.Drag(10, 70, 90, 70);
-  live_.Drag(50, 10, 50, 20);
-  ASSERT_EQ(live_->State().curveStage, 2);
-  live_->SetPen(3);
-  live_->SetShape(2);
-  EXPECT_EQ(live_->State().curveStage, 2);
-  const int levels = live_->State().historyCount;
-  live_.Drag(60, 40, 70, 30);  // the third drag finishes the same curve
-  EXPECT_EQ(live_->State().curveStage, 0);
-  EXPECT_EQ(live_->State().historyCount, levels) << "only the curve's first press starts a level";
-
-  live_.Drag(10, 70, 90, 70);
-  live_->SetPen(3);
-  live_->Undo();
-  live_->SetShape(2);
-  EXPECT_EQ(live_->State().curveStage, 1) << "the undo came while the pen was chosen";
-  live_->Undo();
-  EXPECT_EQ(live_->State().curveStage, 0);
-
-  live_->SetAirBrush(20);
-  live_.Mouse(WM_LBUTTONDOWN, 50, 40);
-  live_->SetPen(2);
-  EXPECT_EQ(GetCapture(), nullptr);
-  platform::AdvanceClock(200);
-  EXPECT_EQ(live_->State().airbrushDensity, 64) << "the spray timer stopped";
-  live_.Mouse(WM_MOUSEMOVE, 80, 60);
-  live_.Mouse(WM_LBUTTONUP, 80, 60);
-  EXPECT_EQ(GetPixel(Layer(), 65, 50), kDrawingLayerKeyColor);
 }
 
 }  // namespace
